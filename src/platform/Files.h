@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+/// Files and folders as the operating system has them. Paths are bytes with "/" as separator; a name in
+/// no valid UTF-8 is as good as any other. Every operation answers with the system's error, none throws,
+/// and whatever replaces or makes a file has flushed it, and its folder, when it returns without error.
+namespace platform {
+
+struct FileStatus {
+  bool IsFolder = false;
+  bool IsRegular = false;
+  std::uint64_t Size = 0;     // bytes
+  std::int64_t Created = 0;   // seconds since 1970, UTC; the birth time, or Modified where none is kept
+  std::int64_t Modified = 0;  // seconds since 1970, UTC
+  std::uint64_t Device = 0;
+  std::uint64_t Inode = 0;
+  std::uint32_t Mode = 0;  // permission bits
+};
+
+/// Reads the status of what `path` leads to, links followed.
+std::error_code GetStatus(const std::string& path, FileStatus& status);
+
+/// Reads a regular file. More than `limit` bytes is std::errc::file_too_large; anything but a regular
+/// file is refused before a byte is read, so a FIFO or a device never blocks.
+std::error_code ReadWholeFile(const std::string& path, std::vector<std::uint8_t>& bytes,
+                              std::size_t limit = std::size_t{1} << 30);
+
+/// Puts `bytes` under `path` in one step: a whole new file beside it, flushed, then renamed over the
+/// name. Whatever stood there keeps its permission bits. On an error the old file is untouched.
+std::error_code WriteFileAtomically(const std::string& path, const void* bytes, std::size_t size);
+
+/// As WriteFileAtomically, but fails with std::errc::file_exists if the name is taken.
+std::error_code WriteNewFile(const std::string& path, const void* bytes, std::size_t size);
+
+/// Copies a whole file with its permission bits and times. The target's name appears only once the copy
+/// is whole; std::errc::file_exists if it is taken.
+std::error_code CopyToNewFile(const std::string& from, const std::string& to);
+
+/// Renames within one file system, replacing `to` in the same step.
+std::error_code RenameOver(const std::string& from, const std::string& to);
+
+/// Renames within one file system; std::errc::file_exists if `to` is taken.
+std::error_code RenameToNewName(const std::string& from, const std::string& to);
+
+std::error_code RemoveFile(const std::string& path);
+
+/// Makes one folder; std::errc::file_exists if the name is taken.
+std::error_code CreateFolder(const std::string& path);
+
+/// Makes a folder and those above it; one that stands already is no error.
+std::error_code CreateFolders(const std::string& path);
+
+/// Flushes the entries of the folder that holds `path`, so that a rename or removal in it lasts.
+std::error_code SyncFolderOf(const std::string& path);
+
+/// A new, empty, private file in the folder that holds `beside`, or in the temporary folder when
+/// `beside` is empty. `prefix` begins its name. The file is for the caller to remove.
+std::error_code CreateTemporaryFile(const std::string& beside, std::string_view prefix, std::string& path);
+
+}  // namespace platform

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "storage/Stream.h"
+#include "storage/View.h"
+
+/// A file of stored views, one SQLite table each, with one column a property and rows in order of rowid.
+/// Integers and texts are held in memory while the storage is open, blocks of bytes are read when asked
+/// for.
+///
+/// Changes belong to one open transaction, which Commit ends durably; what isn't committed when the
+/// storage goes, or when the process is killed, is dropped. A write that fails raises CStorageException
+/// after the transaction has been undone in the file and in every view; the storage can be used on.
+class c4_Storage {
+ public:
+  enum class Mode { ReadWrite, ReadOnly };
+
+  /// Opens the storage at `path`. With ReadWrite a missing file is made; it appears under its name only
+  /// when it is whole. An interrupted run's transaction is undone first, in both modes. Raises CError,
+  /// with a text that names the file, if it is no storage, damaged, can't be written (ReadWrite) or read,
+  /// or is locked by another process for 5 seconds; the file is then as it was.
+  c4_Storage(const std::string& path, Mode mode);
+
+  /// Drops what isn't committed. Views and rows of the storage become empty and invalid.
+  ~c4_Storage();
+
+  c4_Storage(const c4_Storage&) = delete;
+  c4_Storage& operator=(const c4_Storage&) = delete;
+
+  /// The stored view that `description` names, like "Asset[AssetID:I,Location:S,ID:B]". A missing view
+  /// is made and missing properties are added (not in ReadOnly mode: there they read as empty and 0);
+  /// views and properties that the file has besides are kept. CError if the description can't be read or
+  /// the file holds tables of another program only.
+  c4_View GetAs(std::string_view description);
+
+  /// Ends the transaction: all changes since the last commit are on disk, flushed, when this returns. Does
+  /// nothing when there are none.
+  void Commit();
+
+  /// Undoes all changes since the last commit, in every view.
+  void Rollback();
+
+  /// Writes the whole storage, without free space and without uncommitted changes, into a stream.
+  /// CStorageException if it can't be written.
+  void SaveTo(c4_Stream& stream);
+
+  /// Replaces everything in the storage by what SaveTo wrote. False, with the storage as it was, if the
+  /// stream holds no storage. The views got before are empty afterwards.
+  bool LoadFrom(c4_Stream& stream);
+
+  const std::string& GetPath() const;
+
+ private:
+  class Impl;
+  std::unique_ptr<Impl> Inside;
+};
