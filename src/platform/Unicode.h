@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+/// Text as UTF-8. File names may hold bytes that are no valid UTF-8: each such byte counts as a character
+/// of its own and goes through every operation unchanged.
+namespace platform {
+
+/// The whole text in lower case, whatever the user's language.
+std::string ToLower(std::string_view text);
+
+/// True if the two are equal in lower case.
+bool EqualNoCase(std::string_view a, std::string_view b);
+
+/// The number of characters (code points and stray bytes).
+std::size_t CountCharacters(std::string_view text);
+
+/// The bytes of the character that begins at `offset`: 1 to 4, and 0 at the end of the text.
+std::size_t CharacterLength(std::string_view text, std::size_t offset);
+
+/// The offset of the character before the one that begins at `offset`; 0 at the start of the text.
+std::size_t PreviousCharacter(std::string_view text, std::size_t offset);
+
+/// The first character, empty if the text is.
+std::string_view FirstCharacter(std::string_view text);
+
+/// The longest start of `text` of at most `limit` bytes that cuts no character.
+std::string_view Truncated(std::string_view text, std::size_t limit);
+
+bool IsValidUtf8(std::string_view text);
+
+}  // namespace platform
