@@ -1,0 +1,52 @@
+#pragma once
+
+#include <memory>
+#include <set>
+#include <string>
+
+class CSearchProgress;
+class CStringHistory;
+
+/// Finds the photo files under a folder and brings the new ones into the catalog. One object for the life of
+/// the process. A search is one blocking call, on whatever thread the data is lent to; the catalog and the
+/// thumbnail cache must be open.
+class CFolderSearch {
+ public:
+  static CFolderSearch& GetInstance();
+
+  bool ActiveDisk = false;              // running from a removable disk; set once at start
+  CSearchProgress* Progress = nullptr;  // where searches report to, if anywhere; not owned
+
+  /// Searches a folder and those below it. Without `force` a folder already searched in this session is
+  /// skipped. The counts, where asked for, are those of the photo files seen and of those that needed work.
+  /// True if the search ran to its end; false if it was skipped, stopped by the user or failed.
+  bool SearchFolder(const std::string& folder, bool force, int* foundOut = nullptr, int* pendingOut = nullptr);
+
+  /// The folders of the user's list and the standard ones. True if one of the searches ran to its end.
+  bool SearchAllFolders(bool force);
+
+  /// The search at start. Returns the folder that the session opens on; empty means all.
+  std::string FirstSearch();
+
+  /// Looks whether each photo's file is in place.
+  void UpdateMissingFlags();
+
+  /// Takes the photos under a folder out of view.
+  void MarkFolderRemoved(const std::string& folder);
+
+  /// A folder's name for the eye: short below the photo root, whole elsewhere.
+  std::string GetFolderLabel(const std::string& folder) const;
+
+  /// The folders that the user added, most recent last. Made on first use.
+  CStringHistory& GetHistory();
+
+  /// Forgets what belongs to one catalog and session, before another catalog is opened.
+  void Reset();
+
+ private:
+  CFolderSearch();
+  ~CFolderSearch();
+
+  std::unique_ptr<CStringHistory> History;
+  std::set<std::string> SearchedFolders;  // in this session
+};
