@@ -9,3 +9,11 @@ class CStorageException : public CException {
  public:
   using CException::CException;
 };
+
+/// The file to open is no whole storage of ours: it is damaged, cut short, empty or of another program.
+/// Opening it again can't help. Every other CError of opening (locked, may not be read or written, a
+/// folder) says nothing against what is in the file.
+class CDamagedStorage : public CError {
+ public:
+  using CError::CError;
+};
