@@ -21,6 +21,10 @@ function(add_house_folder folder)
   cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "LINKS;USES")
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*.cpp
                                       ${CMAKE_SOURCE_DIR}/src/${folder}/*.h)
+  if(NOT sources)  # a folder that is still empty
+    add_library(${folder} INTERFACE)
+    return()
+  endif()
   add_library(${folder} STATIC ${sources})
   set_target_properties(${folder} PROPERTIES LINKER_LANGUAGE CXX)
   file(MAKE_DIRECTORY ${HOUSE_INCLUDES}/${folder})
