@@ -1,0 +1,5 @@
+#include "base/Exceptions.h"
+
+#include "base/Texts.h"
+
+CException::CException(StringId message) : CThrowable(LoadExpandedString(message)) {}

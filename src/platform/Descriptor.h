@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <system_error>
+
+namespace platform {
+
+/// The error of the system call that just failed.
+std::error_code LastError();
+
+/// An open file descriptor, closed by its owner. For the code of this folder.
+class Descriptor {
+ public:
+  Descriptor() = default;
+  ~Descriptor();
+  Descriptor(Descriptor&& other) noexcept;
+  Descriptor& operator=(Descriptor&& other) noexcept;
+
+  /// open(2), closed on exec. Without O_CREAT `mode` means nothing.
+  std::error_code Open(const std::string& path, int flags, unsigned mode = 0);
+
+  /// Closes and tells what the system still had to say about what was written.
+  std::error_code Close();
+
+  int Get() const { return Number; }
+  int Release();
+
+  /// Reads up to `size` bytes; `got` is less only at the end of the file.
+  std::error_code Read(void* bytes, std::size_t size, std::size_t& got) const;
+
+ private:
+  int Number = -1;
+};
+
+}  // namespace platform

@@ -1,0 +1,29 @@
+#include "platform/FileStatusReader.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+
+#include "platform/Descriptor.h"
+
+namespace platform {
+
+std::error_code ReadStatusAt(int folder, const char* name, FileStatus& status) {
+  status = {};
+  struct statx raw {};
+  // Only statx tells the birth time. Looking must not make an automounter mount what the user didn't ask for.
+  if (::statx(folder, name, AT_NO_AUTOMOUNT, STATX_BASIC_STATS | STATX_BTIME, &raw) != 0) return LastError();
+  status.IsFolder = S_ISDIR(raw.stx_mode);
+  status.IsRegular = S_ISREG(raw.stx_mode);
+  status.Size = raw.stx_size;
+  status.Modified = raw.stx_mtime.tv_sec;
+  // Some file systems claim a birth time and have a 0 there.
+  const bool hasBirth = (raw.stx_mask & STATX_BTIME) != 0 && raw.stx_btime.tv_sec > 0;
+  status.Created = hasBirth ? raw.stx_btime.tv_sec : raw.stx_mtime.tv_sec;
+  status.Device = makedev(raw.stx_dev_major, raw.stx_dev_minor);
+  status.Inode = raw.stx_ino;
+  status.Mode = raw.stx_mode & 07777U;
+  return {};
+}
+
+}  // namespace platform

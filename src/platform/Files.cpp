@@ -1,0 +1,158 @@
+#include "platform/Files.h"
+
+#include <fcntl.h>
+#include <stdio.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <new>
+
+#include "platform/Descriptor.h"
+#include "platform/Faults.h"
+#include "platform/FileStatusReader.h"
+
+namespace platform {
+namespace {
+
+std::error_code ErrorOfKind(const FileStatus& status) {
+  if (status.IsRegular) return {};
+  return make_error_code(status.IsFolder ? std::errc::is_a_directory : std::errc::not_supported);
+}
+
+/// The folder that holds `path`, in a form that can be opened.
+std::string FolderOf(const std::string& path) {
+  std::size_t end = path.find_last_not_of('/');
+  end = end == std::string::npos ? end : path.rfind('/', end);
+  if (end == std::string::npos) return path.starts_with('/') ? "/" : ".";
+  return end == 0 ? "/" : path.substr(0, end);
+}
+
+std::error_code SyncFolder(const std::string& folder) {
+  if (const auto error = AskFaultPlan("sync", folder)) return error;
+  Descriptor descriptor;
+  if (const auto error = descriptor.Open(folder, O_RDONLY | O_DIRECTORY)) return error;
+  // Network and FUSE file systems may not know the operation on folders; there is nothing more to do then.
+  if (::fsync(descriptor.Get()) != 0 && errno != EINVAL && errno != ENOTSUP) return LastError();
+  return {};
+}
+
+std::error_code SyncAfterRename(const std::string& from, const std::string& to) {
+  const std::string fromFolder = FolderOf(from);
+  const std::string toFolder = FolderOf(to);
+  if (const auto error = SyncFolder(toFolder)) return error;
+  return fromFolder == toFolder ? std::error_code() : SyncFolder(fromFolder);
+}
+
+bool IsTaken(const std::string& path) {
+  struct stat raw {};
+  return ::lstat(path.c_str(), &raw) == 0;
+}
+
+/// For file systems without a rename that refuses to replace.
+std::error_code LinkThenRemove(const std::string& from, const std::string& to) {
+  if (const auto error = AskFaultPlan("link", to)) return error;
+  if (::link(from.c_str(), to.c_str()) == 0) {
+    const std::error_code error = RemoveFile(from);
+    // Both names must not stay: the caller believes that nothing happened.
+    if (error) static_cast<void>(RemoveFile(to));
+    return error;
+  }
+  if (errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS) return LastError();
+  // Neither is known, as on some FUSE drivers of removable disks. A name taken in this very moment is lost.
+  if (IsTaken(to)) return make_error_code(std::errc::file_exists);
+  return ::rename(from.c_str(), to.c_str()) == 0 ? std::error_code() : LastError();
+}
+
+std::error_code ReadFromDescriptor(const Descriptor& descriptor, std::size_t expected, std::size_t limit,
+                                   std::vector<std::uint8_t>& bytes) {
+  // One byte more than the status said, so that the end of the file shows without a second round.
+  std::size_t room = expected + 1;
+  std::size_t got = 0;
+  for (;;) {
+    bytes.resize(room);
+    std::size_t count = 0;
+    if (const auto error = descriptor.Read(bytes.data() + got, room - got, count)) return error;
+    got += count;
+    if (got > limit) return make_error_code(std::errc::file_too_large);
+    if (got < room) break;
+    room += room / 2 + 4096;  // the file grows while it is read
+  }
+  bytes.resize(got);
+  return {};
+}
+
+}  // namespace
+
+std::error_code GetStatus(const std::string& path, FileStatus& status) {
+  return ReadStatusAt(AT_FDCWD, path.c_str(), status);
+}
+
+std::error_code ReadWholeFile(const std::string& path, std::vector<std::uint8_t>& bytes, std::size_t limit) {
+  bytes.clear();
+  FileStatus status;
+  // Looked at before it is opened, since opening some devices has effects, and again after, since the name
+  // may lead elsewhere by then.
+  if (const auto error = GetStatus(path, status)) return error;
+  if (const auto error = ErrorOfKind(status)) return error;
+  Descriptor descriptor;
+  if (const auto error = descriptor.Open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY)) return error;
+  struct stat raw {};
+  if (::fstat(descriptor.Get(), &raw) != 0) return LastError();
+  if (!S_ISREG(raw.st_mode)) return make_error_code(std::errc::not_supported);
+  if (static_cast<std::uint64_t>(raw.st_size) > limit) return make_error_code(std::errc::file_too_large);
+
+  std::error_code error;
+  try {
+    error = ReadFromDescriptor(descriptor, static_cast<std::size_t>(raw.st_size), limit, bytes);
+  } catch (const std::bad_alloc&) {
+    error = make_error_code(std::errc::not_enough_memory);
+  }
+  if (error) bytes.clear();
+  return error;
+}
+
+std::error_code RenameOver(const std::string& from, const std::string& to) {
+  if (const auto error = AskFaultPlan("rename", to)) return error;
+  if (::rename(from.c_str(), to.c_str()) != 0) return LastError();
+  return SyncAfterRename(from, to);
+}
+
+std::error_code RenameToNewName(const std::string& from, const std::string& to) {
+  if (const auto error = AskFaultPlan("rename", to)) return error;
+  if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) != 0) {
+    if (errno != EINVAL && errno != ENOSYS && errno != ENOTSUP) return LastError();
+    if (const auto error = LinkThenRemove(from, to)) return error;
+  }
+  return SyncAfterRename(from, to);
+}
+
+std::error_code RemoveFile(const std::string& path) {
+  if (const auto error = AskFaultPlan("remove", path)) return error;
+  return ::unlink(path.c_str()) == 0 ? std::error_code() : LastError();
+}
+
+std::error_code CreateFolder(const std::string& path) {
+  if (const auto error = AskFaultPlan("mkdir", path)) return error;
+  if (::mkdir(path.c_str(), 0777) != 0) return LastError();
+  return SyncFolderOf(path);
+}
+
+std::error_code CreateFolders(const std::string& path) {
+  FileStatus status;
+  std::error_code error = GetStatus(path, status);
+  if (!error) return status.IsFolder ? error : make_error_code(std::errc::not_a_directory);
+  if (error != std::errc::no_such_file_or_directory) return error;
+  const std::string above = FolderOf(path);
+  if (above != path) {
+    error = CreateFolders(above);
+    if (error) return error;
+  }
+  error = CreateFolder(path);
+  // Another process may have been faster.
+  return error == std::errc::file_exists ? std::error_code() : error;
+}
+
+std::error_code SyncFolderOf(const std::string& path) { return SyncFolder(FolderOf(path)); }
+
+}  // namespace platform

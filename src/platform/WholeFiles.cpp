@@ -1,0 +1,169 @@
+// The operations of Files.h that make a file: each makes it whole under a name of its own first.
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <vector>
+
+#include "platform/Faults.h"
+#include "platform/Files.h"
+#include "platform/SpecialFolders.h"
+#include "platform/TemporaryName.h"
+
+namespace platform {
+namespace {
+
+// Hidden, and without an extension that a search for photos would take.
+constexpr std::string_view kPrefix = ".vellumar-";
+constexpr unsigned kNewFileMode = 0666;
+constexpr int kLinkLimit = 40;  // as the kernel's
+constexpr std::size_t kCopyBlock = std::size_t{1} << 18;
+
+std::string FolderPart(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
+}
+
+/// Where a chain of links ends, be there a file or not: replacing a link itself would cut it off.
+std::error_code FollowLinks(const std::string& path, std::string& target) {
+  target = path;
+  for (int i = 0; i < kLinkLimit; ++i) {
+    std::array<char, 4096> text{};
+    const ssize_t length = ::readlink(target.c_str(), text.data(), text.size());
+    if (length < 0) return errno == EINVAL || errno == ENOENT ? std::error_code() : LastError();
+    const std::string link(text.data(), static_cast<std::size_t>(length));
+    target = link.starts_with('/') ? link : FolderPart(target) + link;
+  }
+  return make_error_code(std::errc::too_many_symbolic_link_levels);
+}
+
+std::error_code WriteAll(const Descriptor& file, const std::string& path, const void* bytes,
+                         std::size_t size) {
+  const char* next = static_cast<const char*>(bytes);
+  while (size > 0) {
+    if (const auto error = AskFaultPlan("write", path)) return error;
+    const ssize_t count = ::write(file.Get(), next, size);
+    if (count >= 0) {
+      next += count;
+      size -= static_cast<std::size_t>(count);
+    } else if (errno != EINTR) {
+      return LastError();
+    }
+  }
+  return {};
+}
+
+std::error_code SetMode(const Descriptor& file, const std::string& path, mode_t mode) {
+  if (const auto error = AskFaultPlan("chmod", path)) return error;
+  return ::fchmod(file.Get(), mode) == 0 ? std::error_code() : LastError();
+}
+
+/// Gives the new file the owner and the permission bits of the one that it replaces.
+std::error_code TakeOverRights(const Descriptor& file, const std::string& path, const struct stat& old) {
+  struct stat fresh {};
+  if (::fstat(file.Get(), &fresh) != 0) return LastError();
+  if (fresh.st_uid != old.st_uid || fresh.st_gid != old.st_gid) {
+    // Only root can keep another's file another's; for everyone else the new file is the writer's.
+    if (::fchown(file.Get(), old.st_uid, old.st_gid) != 0 && errno != EPERM) return LastError();
+  }
+  return SetMode(file, path, old.st_mode & 07777U);
+}
+
+std::error_code FlushAndClose(TemporaryName& temporary) {
+  if (const auto error = AskFaultPlan("sync", temporary.GetPath())) return error;
+  if (::fsync(temporary.GetFile().Get()) != 0) return LastError();
+  return temporary.GetFile().Close();
+}
+
+/// Renames the whole temporary file to its own name.
+std::error_code GiveName(TemporaryName& temporary, const std::string& path, bool replace) {
+  const std::string from = temporary.GetPath();
+  const std::error_code error = replace ? RenameOver(from, path) : RenameToNewName(from, path);
+  struct stat raw {};
+  // An error may have come after the rename, from the flush of the folder: then there is nothing to remove.
+  if (!error || ::lstat(from.c_str(), &raw) != 0) temporary.Keep();
+  return error;
+}
+
+std::error_code CopyBytes(const Descriptor& from, TemporaryName& to) {
+  std::vector<char> block(kCopyBlock);
+  for (;;) {
+    std::size_t got = 0;
+    if (const auto error = from.Read(block.data(), block.size(), got)) return error;
+    if (got == 0) return {};
+    if (const auto error = WriteAll(to.GetFile(), to.GetPath(), block.data(), got)) return error;
+  }
+}
+
+std::error_code OpenRegular(const std::string& path, Descriptor& file, struct stat& raw) {
+  FileStatus status;
+  if (const auto error = GetStatus(path, status)) return error;
+  if (status.IsFolder) return make_error_code(std::errc::is_a_directory);
+  if (!status.IsRegular) return make_error_code(std::errc::not_supported);
+  if (const auto error = file.Open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY)) return error;
+  if (::fstat(file.Get(), &raw) != 0) return LastError();
+  return S_ISREG(raw.st_mode) ? std::error_code() : make_error_code(std::errc::not_supported);
+}
+
+}  // namespace
+
+std::error_code WriteFileAtomically(const std::string& path, const void* bytes, std::size_t size) {
+  std::string target;
+  if (const auto error = FollowLinks(path, target)) return error;
+  struct stat old {};
+  const bool replaces = ::stat(target.c_str(), &old) == 0;
+  if (replaces && !S_ISREG(old.st_mode)) {
+    return make_error_code(S_ISDIR(old.st_mode) ? std::errc::is_a_directory : std::errc::not_supported);
+  }
+
+  TemporaryName temporary;
+  // A file that others may not read must not be readable for a moment either.
+  const unsigned mode = replaces ? 0600U : kNewFileMode;
+  if (const auto error = temporary.Create(FolderPart(target), kPrefix, mode)) return error;
+  if (replaces) {
+    if (const auto error = TakeOverRights(temporary.GetFile(), temporary.GetPath(), old)) return error;
+  }
+  if (const auto error = WriteAll(temporary.GetFile(), temporary.GetPath(), bytes, size)) return error;
+  if (const auto error = FlushAndClose(temporary)) return error;
+  return GiveName(temporary, target, true);
+}
+
+std::error_code WriteNewFile(const std::string& path, const void* bytes, std::size_t size) {
+  TemporaryName temporary;
+  if (const auto error = temporary.Create(FolderPart(path), kPrefix, kNewFileMode)) return error;
+  if (const auto error = WriteAll(temporary.GetFile(), temporary.GetPath(), bytes, size)) return error;
+  if (const auto error = FlushAndClose(temporary)) return error;
+  return GiveName(temporary, path, false);
+}
+
+std::error_code CopyToNewFile(const std::string& from, const std::string& to) {
+  Descriptor source;
+  struct stat old {};
+  if (const auto error = OpenRegular(from, source, old)) return error;
+  struct stat taken {};
+  if (::lstat(to.c_str(), &taken) == 0) return make_error_code(std::errc::file_exists);
+
+  TemporaryName copy;
+  if (const auto error = copy.Create(FolderPart(to), kPrefix, 0600)) return error;
+  if (const auto error = CopyBytes(source, copy)) return error;
+  if (const auto error = SetMode(copy.GetFile(), copy.GetPath(), old.st_mode & 0777U)) return error;
+  const std::array<timespec, 2> times = {old.st_atim, old.st_mtim};
+  if (::futimens(copy.GetFile().Get(), times.data()) != 0) return LastError();
+  if (const auto error = FlushAndClose(copy)) return error;
+  return GiveName(copy, to, false);
+}
+
+std::error_code CreateTemporaryFile(const std::string& beside, std::string_view prefix, std::string& path) {
+  TemporaryName temporary;
+  const std::string folder = beside.empty() ? TemporaryFolder() : FolderPart(beside);
+  if (const auto error = temporary.Create(folder, prefix, 0600)) return error;
+  path = temporary.GetPath();
+  temporary.Keep();
+  return {};
+}
+
+}  // namespace platform
