@@ -44,8 +44,8 @@ class CAssetRecord : public CRecord {
   bool SetPath(const std::string& path);
 
   /// The first stamps of a new photo: its dates, from its camera or its file, and its thumbnail. `created`
-  /// and `written` are the file's times in seconds since 1970, 0 for unknown. False for an invalid record or one
-  /// without a path. The first form reads the file, the second takes what was read ahead.
+  /// and `written` are the file's times in seconds since 1970, 0 for unknown. False for an invalid record or
+  /// one without a path. The first form reads the file, the second takes what was read ahead.
   bool StampNewPhoto(std::int32_t created, std::int32_t written);
   bool StampNewPhoto(std::int32_t created, std::int32_t written, const PreparedPhoto& prepared);
 

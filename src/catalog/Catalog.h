@@ -91,7 +91,7 @@ class CCatalog : public CCommittingStore {
   // People.
   CPersonRecord AddPerson(const std::string& fullname, const std::string& email);
   /// -1 stands for the current person.
-  CPersonRecord GetPerson(std::int32_t personId) const;
+  CPersonRecord GetPerson(std::int32_t personId);
 
  private:
   friend class CCatalogUpgrade;
@@ -100,11 +100,13 @@ class CCatalog : public CCommittingStore {
   void AddFirstRows();
   void AddFirstStrings();
   void Upgrade();
-  void Rewrite(const std::string& temporaryPath);
+  bool Rewrite(const std::string& temporary, const std::string& rewritten);
   std::int32_t Alloc(const c4_IntProp& counter);
   c4_View StringsOf(std::int32_t category, bool byText) const;
   c4_RowRef FindString(std::int32_t key) const;
-  CAssetRecord MakeRecord(const c4_RowRef& row) { return row.IsValid() ? CAssetRecord(this, row) : CAssetRecord(); }
+  CAssetRecord MakeRecord(const c4_RowRef& row) {
+    return row.IsValid() ? CAssetRecord(this, row) : CAssetRecord();
+  }
 
   bool Opened = false;
   std::string Path;

@@ -14,7 +14,8 @@
 class CStamp : public CRecord {
  public:
   CStamp() = default;
-  CStamp(CCatalog* owner, c4_RowRef row, CStampType type) : CRecord(owner, std::move(row)), Type(std::move(type)) {}
+  CStamp(CCatalog* owner, c4_RowRef row, CStampType type)
+      : CRecord(owner, std::move(row)), Type(std::move(type)) {}
 
   bool IsValid() const override { return CRecord::IsValid() && Type.IsKnown(); }
   bool IsDate() const;

@@ -19,8 +19,10 @@ class CFolderSearch {
 
   /// Searches a folder and those below it. Without `force` a folder already searched in this session is
   /// skipped. The counts, where asked for, are those of the photo files seen and of those that needed work.
-  /// True if the search ran to its end; false if it was skipped, stopped by the user or failed.
-  bool SearchFolder(const std::string& folder, bool force, int* foundOut = nullptr, int* pendingOut = nullptr);
+  /// True if the search ran to its end; false if it was skipped, stopped by the user or failed. A disk that
+  /// refuses to be written undoes the search and is told to the user.
+  bool SearchFolder(const std::string& folder, bool force, int* foundOut = nullptr,
+                    int* pendingOut = nullptr);
 
   /// The folders of the user's list and the standard ones. True if one of the searches ran to its end.
   bool SearchAllFolders(bool force);
@@ -37,16 +39,21 @@ class CFolderSearch {
   /// A folder's name for the eye: short below the photo root, whole elsewhere.
   std::string GetFolderLabel(const std::string& folder) const;
 
-  /// The folders that the user added, most recent last. Made on first use.
+  /// The folders that the user added. Made on first use.
   CStringHistory& GetHistory();
 
-  /// Forgets what belongs to one catalog and session, before another catalog is opened.
+  /// Forgets what belongs to the catalog and the session, before another catalog is opened.
   void Reset();
 
  private:
   CFolderSearch();
   ~CFolderSearch();
+  bool Search(const std::string& folder, int* foundOut, int* pendingOut);
+  bool MayBringIn(int pending, const std::string& folder);
 
   std::unique_ptr<CStringHistory> History;
   std::set<std::string> SearchedFolders;  // in this session
 };
+
+/// True for "/" and the mount points of the disks.
+bool IsDiskRoot(const std::string& path);

@@ -1,0 +1,130 @@
+#include "catalog/AssetRecord.h"
+
+#include <algorithm>
+
+#include "base/Paths.h"
+#include "catalog/Catalog.h"
+#include "catalog/Properties.h"
+#include "catalog/StampList.h"
+#include "imaging/Image.h"
+#include "imaging/PreparedPhoto.h"
+#include "imaging/ThumbnailCache.h"
+
+namespace {
+
+// Values of LocationType. Any other means no path.
+constexpr std::int32_t kWholePath = 0;  // in Location; in old catalogs, before their upgrade
+constexpr std::int32_t kFolderAndName = 1;
+
+const c4_IntProp& PropertyOf(PhotoFlag which) {
+  switch (which) {
+    case PhotoFlag::Tossed:
+      return props::Tossed;
+    case PhotoFlag::ToEmail:
+      return props::ToEmail;
+    case PhotoFlag::ToRemotePrint:
+      break;
+  }
+  return props::ToRemotePrint;
+}
+
+PathParts PartsOf(const c4_RowRef& row) {
+  switch (props::LocationType.Get(row)) {
+    case kWholePath:
+      return SplitPath(props::Location.Get(row));
+    case kFolderAndName:
+      return {props::Location.Get(row), props::Filename.Get(row)};
+    default:
+      return {};
+  }
+}
+
+/// The earlier of the two, where 0 is unknown.
+std::int32_t EarlierOf(std::int32_t a, std::int32_t b) {
+  if (a == 0 || b == 0) return a + b;
+  return std::min(a, b);
+}
+
+}  // namespace
+
+std::int32_t CAssetRecord::GetAssetID() const { return props::AssetID.Get(Row); }
+std::int32_t CAssetRecord::GetRollID() const { return props::RollID.Get(Row); }
+std::int32_t CAssetRecord::GetCachedDate() const { return props::CachedDate.Get(Row); }
+std::int32_t CAssetRecord::GetCachedRating() const { return props::CachedRating.Get(Row); }
+
+MissingState CAssetRecord::GetMissing() const { return static_cast<MissingState>(props::Missing.Get(Row)); }
+
+std::string CAssetRecord::GetPath() const {
+  const PathParts parts = PartsOf(Row);
+  return parts.Folder + parts.Name;
+}
+
+std::string CAssetRecord::GetFolder() const { return PartsOf(Row).Folder; }
+
+std::string CAssetRecord::GetFilename() const { return PartsOf(Row).Name; }
+
+std::string CAssetRecord::GetTitle() const {
+  const std::string name = GetFilename();
+  return name.substr(0, name.rfind('.'));
+}
+
+bool CAssetRecord::GetFlag(PhotoFlag which) const { return PropertyOf(which).Get(Row) != 0; }
+
+CStampList CAssetRecord::GetStamps(StampId type) const { return {Owner, *this, type}; }
+
+void CAssetRecord::SetFlag(PhotoFlag which, bool on) {
+  if (!IsValid() || PropertyOf(which).Get(Row) == static_cast<std::int32_t>(on)) return;
+  PropertyOf(which).Set(Row, on);
+  Owner->CommitIfAuto();
+}
+
+void CAssetRecord::SetMissing(MissingState value) {
+  if (!IsValid() || GetMissing() == value) return;
+  props::Missing.Set(Row, static_cast<std::int32_t>(value));
+  Owner->CommitIfAuto();
+}
+
+bool CAssetRecord::SetPath(const std::string& path) {
+  if (!IsValid()) return false;
+  const PathParts parts = SplitPath(path);
+  CAutoCommitPause pause(*Owner);
+  props::LocationType.Set(Row, kFolderAndName);
+  props::Location.Set(Row, parts.Folder);
+  props::Filename.Set(Row, parts.Name);
+  pause.Commit();
+  return true;
+}
+
+void CAssetRecord::SetCachedRating(std::int32_t value) { props::CachedRating.Set(Row, value); }
+
+void CAssetRecord::SetCachedDate(std::int32_t seconds) { props::CachedDate.Set(Row, seconds); }
+
+bool CAssetRecord::StampNewPhoto(std::int32_t created, std::int32_t written) {
+  return StampNewPhoto(created, written, PreparePhoto(GetPath()));
+}
+
+bool CAssetRecord::StampNewPhoto(std::int32_t created, std::int32_t written, const PreparedPhoto& prepared) {
+  if (!IsValid() || GetPath().empty()) return false;
+  const std::int32_t fileDate = EarlierOf(created, written);
+  CAutoCommitPause pause(*Owner);
+  GetStamps(StampId::FileCreateDate).SetDate(fileDate, 0, StampId::None);
+  if (prepared.CameraDate != 0) {
+    GetStamps(StampId::CameraDate).SetDate(prepared.CameraDate, 0, StampId::None);
+    GetStamps(StampId::Date).SetDate(prepared.CameraDate, 0, StampId::CameraDate);
+  } else {
+    GetStamps(StampId::Date).SetDate(fileDate, 0, StampId::FileCreateDate);
+  }
+  CThumbnailCache::GetInstance()->StoreBytes(GetAssetID(), prepared.Thumbnail);
+  pause.Commit();
+  return true;
+}
+
+void CAssetRecord::MakeThumbnail() {
+  if (!IsValid()) return;
+  CThumbnailCache::GetInstance()->StoreBytes(GetAssetID(), PreparePhoto(GetPath()).Thumbnail);
+}
+
+std::unique_ptr<CImage> CAssetRecord::LoadThumbnail() const {
+  if (!IsValid()) return nullptr;
+  return CThumbnailCache::GetInstance()->Load(GetAssetID());
+}

@@ -1,0 +1,211 @@
+#include "catalog/Catalog.h"
+
+#include "base/Exceptions.h"
+#include "base/Folders.h"
+#include "catalog/CatalogUpgrade.h"
+#include "catalog/Properties.h"
+#include "platform/Files.h"
+#include "storage/Stream.h"
+
+namespace {
+
+constexpr const char* kAssetView =
+    "Asset[AssetID:I,LocationType:I,Location:S,Filename:S,RollID:I,ID:B,CachedRating:I,CachedDate:I,"
+    "Missing:I,Tossed:I,ToEmail:I,ToRemotePrint:I]";
+constexpr const char* kStampView = "Stamp[StampType:I,SortedString:S,AssetID:I,IndexInt:I,PersonID:I]";
+constexpr const char* kPeopleView = "People[PersonID:I,ID:B,Fullname:S,Email:S]";
+constexpr const char* kStringView = "String[Category:I,Key:I,String:S,RefCount:I]";
+constexpr const char* kSingletonsView =
+    "Singletons[NextAssetID:I,NextPersonID:I,CurrentPersonID:I,NextStringKey:I,DBVersion:I,"
+    "CurrentRollID:I,DBGUID:B,CurrentPhotoFolder:S]";
+constexpr const char* kStampStructView =
+    "StampStruct[StampType:I,StampName:S,Sortable:I,StampStyle:I,StampFormat:I]";
+
+constexpr std::int32_t kCategoryOfCategories = 0;
+
+CCatalog* instance = nullptr;
+
+/// Removes a file, if it is there, when this goes.
+class CRemovedFile {
+ public:
+  explicit CRemovedFile(std::string path) : Path(std::move(path)) {}
+  ~CRemovedFile() { platform::RemoveFile(Path); }
+  CRemovedFile(const CRemovedFile&) = delete;
+  CRemovedFile& operator=(const CRemovedFile&) = delete;
+
+ private:
+  const std::string Path;
+};
+
+}  // namespace
+
+std::int32_t ReadDBVersion(const std::string& path) {
+  if (!FileExists(path, true)) return 0;
+  c4_Storage storage(path, c4_Storage::Mode::ReadOnly);
+  return props::DBVersion.Get(storage.GetAs("Singletons[DBVersion:I]")[0]);
+}
+
+CCatalog::CCatalog() { instance = this; }
+
+CCatalog::~CCatalog() {
+  try {
+    Close();
+  } catch (const CThrowable&) {
+    // Every operation has committed its own changes; there is nothing left to lose here.
+    DropViews();
+  }
+  if (instance == this) instance = nullptr;
+}
+
+CCatalog* CCatalog::GetInstance() { return instance; }
+
+bool CCatalog::Open(const std::string& path) {
+  if (Opened) return false;
+  Path = path;
+  OpenViews();
+  Upgrade();
+  return Opened;
+}
+
+void CCatalog::Close() {
+  if (!Opened) return;
+  Commit();
+  DropViews();
+}
+
+void CCatalog::OpenViews() {
+  Storage = std::make_unique<c4_Storage>(Path, c4_Storage::Mode::ReadWrite);
+  Assets = Storage->GetAs(kAssetView);
+  Stamps = Storage->GetAs(kStampView);
+  People = Storage->GetAs(kPeopleView);
+  Strings = Storage->GetAs(kStringView);
+  Singletons = Storage->GetAs(kSingletonsView);
+  StampStruct = Storage->GetAs(kStampStructView);
+  Commit();
+  Opened = true;
+  AssetsByPath = Assets.SortOn({props::Location, props::Filename});
+  AssetsById = Assets.SortOn({props::AssetID});
+  AddFirstRows();
+}
+
+void CCatalog::DropViews() {
+  Assets = Stamps = People = Strings = Singletons = StampStruct = AssetsByPath = AssetsById = c4_View();
+  Storage.reset();
+  Opened = false;
+}
+
+void CCatalog::AddFirstRows() {
+  CAutoCommitPause pause(*this);
+  if (Singletons.IsEmpty()) {
+    Singletons.Add(props::NextAssetID[1] + props::NextPersonID[1] + props::CurrentPersonID[1] +
+                   props::NextStringKey[0] + props::DBVersion[kCatalogVersion] + props::CurrentRollID[-1] +
+                   props::DBGUID[CGuid::Generate().ToBytes()]);
+  }
+  if (!GetPerson(-1).IsValid()) {
+    const CPersonRecord person = AddPerson("Vellumar User", "");
+    props::CurrentPersonID.Set(Singletons[0], props::PersonID.Get(person.GetRow()));
+  }
+  for (const CStampType& type : GetStampTypeTable()) {
+    if (!EnsureStampType(type, false)) throw CError("There is a configuration problem with the database.");
+  }
+  if (Strings.IsEmpty()) AddFirstStrings();
+  pause.Commit();
+}
+
+void CCatalog::AddFirstStrings() {
+  // The key of a stamp type's name must be the type's number, for it is the category of the type's texts.
+  // The dummy stands in for the number that no type has any more.
+  AddString(kCategoryOfCategories, "Category");
+  constexpr int kPositionOfDummy = 7;
+  for (int i = 0; i < StampStruct.GetSize(); ++i) {
+    if (i == kPositionOfDummy) AddString(kCategoryOfCategories, "<dummy>");
+    AddString(kCategoryOfCategories, props::StampName.Get(StampStruct[i]));
+  }
+}
+
+void CCatalog::Upgrade() { CCatalogUpgrade(*this).Run(); }
+
+void CCatalog::Defragment() {
+  std::string temporary;
+  if (platform::CreateTemporaryFile("", "vel", temporary)) return;
+  const CRemovedFile removedTemporary(temporary);
+  const std::string rewritten = Path + ".defragged";
+  const CRemovedFile removedRewritten(rewritten);
+  if (!Rewrite(temporary, rewritten)) return;
+  Close();
+  platform::RenameOver(rewritten, Path);  // A failure leaves the old file, which is as good.
+  OpenViews();
+}
+
+bool CCatalog::Rewrite(const std::string& temporary, const std::string& rewritten) {
+  try {
+    c4_FileStream out(temporary, "wb");
+    Storage->SaveTo(out);
+    if (!out.Flush()) return false;
+    platform::RemoveFile(rewritten);
+    c4_Storage storage(rewritten, c4_Storage::Mode::ReadWrite);
+    c4_FileStream in(temporary, "rb");
+    if (!storage.LoadFrom(in)) return false;
+    storage.Commit();
+    return true;
+  } catch (const CThrowable&) {
+    return false;  // The catalog goes on in its old file.
+  }
+}
+
+std::int32_t CCatalog::GetDBVersion() const { return props::DBVersion.Get(Singletons[0]); }
+
+void CCatalog::SetDBVersion(std::int32_t value) {
+  props::DBVersion.Set(Singletons[0], value);
+  CommitIfAuto();
+}
+
+CGuid CCatalog::GetDBGUID() const { return CGuid::FromBytes(props::DBGUID.Get(Singletons[0])); }
+
+void CCatalog::RenewDBGUID() {
+  Singletons.AddProperty(props::DBGUID);
+  props::DBGUID.Set(Singletons[0], CGuid::Generate().ToBytes());
+  CommitIfAuto();
+}
+
+std::int32_t CCatalog::Alloc(const c4_IntProp& counter) {
+  const std::int32_t value = counter.Get(Singletons[0]);
+  counter.Set(Singletons[0], value + 1);
+  CommitIfAuto();
+  return value;
+}
+
+std::int32_t CCatalog::AllocAssetID() { return Alloc(props::NextAssetID); }
+std::int32_t CCatalog::AllocPersonID() { return Alloc(props::NextPersonID); }
+std::int32_t CCatalog::AllocStringKey() { return Alloc(props::NextStringKey); }
+
+std::int32_t CCatalog::GetCurrentRollID() const { return props::CurrentRollID.Get(Singletons[0]); }
+
+void CCatalog::AdvanceRoll() { Alloc(props::CurrentRollID); }
+
+std::string CCatalog::GetCurrentPhotoFolder() const { return props::CurrentPhotoFolder.Get(Singletons[0]); }
+
+void CCatalog::SetCurrentPhotoFolder(const std::string& folder) {
+  props::CurrentPhotoFolder.Set(Singletons[0], folder);
+  CommitIfAuto();
+}
+
+CStampType CCatalog::GetStampType(StampId type) const {
+  const int position = StampStruct.Find(props::StampType[static_cast<std::int32_t>(type)]);
+  if (position < 0) return {};
+  const c4_RowRef row = StampStruct[position];
+  return {props::StampType.Get(row), props::StampName.Get(row), props::Sortable.Get(row) != 0,
+          props::StampStyle.Get(row), static_cast<StampFormat>(props::StampFormat.Get(row))};
+}
+
+bool CCatalog::EnsureStampType(const CStampType& type, bool overwrite) {
+  const CStampType present = GetStampType(static_cast<StampId>(type.Type));
+  if (present == type) return true;
+  if (present.IsKnown() && !overwrite) return false;
+  CAutoCommitPause pause(*this);
+  StampStruct.RemoveAt(StampStruct.Find(props::StampType[type.Type]));
+  StampStruct.Add(props::StampType[type.Type] + props::StampName[type.Name] + props::Sortable[type.Sortable] +
+                  props::StampStyle[type.Style] + props::StampFormat[static_cast<std::int32_t>(type.Format)]);
+  pause.Commit();
+  return true;
+}

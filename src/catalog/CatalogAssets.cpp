@@ -1,0 +1,50 @@
+#include "base/Folders.h"
+#include "base/Paths.h"
+#include "catalog/Catalog.h"
+#include "catalog/Properties.h"
+#include "platform/Unicode.h"
+
+CAssetRecord CCatalog::AddAsset(const std::string& path) {
+  constexpr std::int32_t kFolderAndName = 1;
+  const PathParts parts = SplitPath(path);
+  CAutoCommitPause pause(*this);
+  const c4_RowRef row =
+      Assets.Add(props::AssetID[AllocAssetID()] + props::Location[parts.Folder] +
+                 props::Filename[parts.Name] + props::LocationType[kFolderAndName] +
+                 props::RollID[GetCurrentRollID() + 1] + props::ID[CGuid::Generate().ToBytes()]);
+  pause.Commit();
+  return MakeRecord(row);
+}
+
+CAssetRecord CCatalog::FindAssetByPath(const std::string& path) {
+  const PathParts parts = SplitPath(path);
+  if (parts.Name.empty()) return {};
+  c4_RowRef otherCase;
+  // The rows that differ in case alone stand together: disks that know case can have many of them.
+  for (int i = AssetsByPath.Search(props::Location[parts.Folder] + props::Filename[parts.Name]);
+       i < AssetsByPath.GetSize(); ++i) {
+    const c4_RowRef row = AssetsByPath[i];
+    const std::string& folder = props::Location.Get(row);
+    const std::string& name = props::Filename.Get(row);
+    if (folder == parts.Folder && name == parts.Name) return MakeRecord(row);
+    if (!platform::EqualNoCase(folder, parts.Folder) || !platform::EqualNoCase(name, parts.Name)) break;
+    if (!otherCase.IsValid() && !FileExists(folder + name, false)) otherCase = row;
+  }
+  return MakeRecord(otherCase);
+}
+
+CAssetRecord CCatalog::FindAssetById(std::int32_t assetId) {
+  const c4_RowRef row = AssetsById[AssetsById.Search(props::AssetID[assetId])];
+  return props::AssetID.Get(row) == assetId ? MakeRecord(row) : CAssetRecord();
+}
+
+bool CCatalog::DeleteAsset(std::int32_t assetId) {
+  const CAssetRecord record = FindAssetById(assetId);
+  if (!record.IsValid()) return false;
+  CAutoCommitPause pause(*this);
+  c4_View stamps = Stamps.Select(props::AssetID[assetId]);
+  stamps.RemoveAt(0, stamps.GetSize());
+  Assets.RemoveAt(Assets.GetIndexOf(record.GetRow()));
+  pause.Commit();
+  return true;
+}

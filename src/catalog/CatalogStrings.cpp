@@ -1,0 +1,88 @@
+#include "catalog/Catalog.h"
+#include "catalog/Properties.h"
+
+std::int32_t CCatalog::FindStringKey(std::int32_t category, const std::string& text) const {
+  const c4_RowRef row = Strings[Strings.Find(props::Category[category] + props::String[text])];
+  return row.IsValid() ? props::Key.Get(row) : -1;
+}
+
+c4_RowRef CCatalog::FindString(std::int32_t key) const { return Strings[Strings.Find(props::Key[key])]; }
+
+std::int32_t CCatalog::AddString(std::int32_t category, const std::string& text) {
+  CAutoCommitPause pause(*this);
+  std::int32_t key = FindStringKey(category, text);
+  if (key >= 0) {
+    const c4_RowRef row = FindString(key);
+    props::RefCount.Set(row, props::RefCount.Get(row) + 1);
+  } else {
+    key = AllocStringKey();
+    Strings.Add(props::Category[category] + props::Key[key] + props::String[text] + props::RefCount[1]);
+  }
+  pause.Commit();
+  return key;
+}
+
+std::int32_t CCatalog::GetCategory(const std::string& name) {
+  constexpr std::int32_t kCategoryOfCategories = 0;
+  const std::int32_t key = FindStringKey(kCategoryOfCategories, name);
+  return key >= 0 ? key : AddString(kCategoryOfCategories, name);
+}
+
+std::string CCatalog::GetString(std::int32_t key) const { return props::String.Get(FindString(key)); }
+
+void CCatalog::ReleaseString(std::int32_t key) {
+  const c4_RowRef row = FindString(key);
+  if (!row.IsValid()) return;
+  const std::int32_t count = props::RefCount.Get(row);
+  if (count > 1) {
+    props::RefCount.Set(row, count - 1);
+  } else {
+    Strings.RemoveAt(Strings.GetIndexOf(row));
+  }
+  CommitIfAuto();
+}
+
+bool CCatalog::ReplaceString(std::int32_t key, const std::string& text, bool force) {
+  const c4_RowRef row = FindString(key);
+  if (!row.IsValid() || (!force && props::RefCount.Get(row) != 1)) return false;
+  props::String.Set(row, text);
+  CommitIfAuto();
+  return true;
+}
+
+int CCatalog::CountStrings(std::int32_t category) const {
+  return Strings.Select(props::Category[category]).GetSize();
+}
+
+c4_View CCatalog::StringsOf(std::int32_t category, bool byText) const {
+  const c4_View strings = Strings.Select(props::Category[category]);
+  return byText ? strings.SortOn({props::String}) : strings.SortOn({props::Key});
+}
+
+std::int32_t CCatalog::GetStringKeyAt(std::int32_t category, int index, bool byText) const {
+  const c4_RowRef row = StringsOf(category, byText)[index];
+  return row.IsValid() ? props::Key.Get(row) : -1;
+}
+
+int CCatalog::GetStringIndex(std::int32_t category, std::int32_t key, bool byText) const {
+  return StringsOf(category, byText).GetIndexOf(FindString(key));
+}
+
+void CCatalog::ListStrings(std::int32_t category, std::vector<std::string>& list, bool byText) const {
+  list.clear();
+  const c4_View strings = StringsOf(category, byText);
+  for (int i = 0; i < strings.GetSize(); ++i) list.push_back(props::String.Get(strings[i]));
+}
+
+CPersonRecord CCatalog::AddPerson(const std::string& fullname, const std::string& email) {
+  CAutoCommitPause pause(*this);
+  const c4_RowRef row = People.Add(props::PersonID[AllocPersonID()] + props::ID[CGuid::Generate().ToBytes()] +
+                                   props::Fullname[fullname] + props::Email[email]);
+  pause.Commit();
+  return {this, row};
+}
+
+CPersonRecord CCatalog::GetPerson(std::int32_t personId) {
+  const std::int32_t wanted = personId == -1 ? props::CurrentPersonID.Get(Singletons[0]) : personId;
+  return {this, People[People.Find(props::PersonID[wanted])]};
+}

@@ -1,0 +1,62 @@
+#include "catalog/StringHistory.h"
+
+#include <algorithm>
+
+#include "catalog/Catalog.h"
+
+CStringHistory::CStringHistory(CCatalog& owner, const std::string& categoryName, int limit, bool sorted)
+    : Owner(&owner), Category(owner.GetCategory(categoryName)), Limit(limit), Sorted(sorted) {}
+
+int CStringHistory::Count() const {
+  const int count = Owner->CountStrings(Category);
+  return Limit > 0 ? std::min(count, Limit) : count;
+}
+
+std::string CStringHistory::Get(int index) const {
+  return Owner->GetString(Owner->GetStringKeyAt(Category, index, Sorted));
+}
+
+int CStringHistory::Add(const std::string& text) {
+  const std::int32_t present = Owner->FindStringKey(Category, text);
+  if (present >= 0) return Owner->GetStringIndex(Category, present, Sorted);
+  if (Limit > 0 && Count() >= Limit) {
+    Owner->ReplaceString(Owner->GetStringKeyAt(Category, Limit - 1, Sorted), text, true);
+    return Limit - 1;
+  }
+  Owner->AddString(Category, text);
+  return Count() - 1;
+}
+
+bool CStringHistory::Promote(int index) {
+  if (index < 0 || index >= Count()) return false;
+  if (index == 0) return true;
+  CAutoCommitPause pause(*Owner);
+  // The keys stay where they are; the texts move through them.
+  std::vector<std::int32_t> keys;
+  for (int i = 0; i <= index; ++i) keys.push_back(Owner->GetStringKeyAt(Category, i, Sorted));
+  const std::string promoted = Owner->GetString(keys.back());
+  for (std::size_t i = keys.size() - 1; i > 0; --i) {
+    Owner->ReplaceString(keys[i], Owner->GetString(keys[i - 1]), true);
+  }
+  Owner->ReplaceString(keys.front(), promoted, true);
+  pause.Commit();
+  return true;
+}
+
+bool CStringHistory::Remove(const std::string& text) {
+  const std::int32_t key = Owner->FindStringKey(Category, text);
+  if (key < 0) return false;
+  Owner->ReleaseString(key);
+  return true;
+}
+
+bool CStringHistory::RemoveAt(int index) {
+  const std::int32_t key = Owner->GetStringKeyAt(Category, index, Sorted);
+  if (key < 0) return false;
+  Owner->ReleaseString(key);
+  return true;
+}
+
+bool CStringHistory::Contains(const std::string& text) const {
+  return Owner->FindStringKey(Category, text) >= 0;
+}

@@ -1,0 +1,138 @@
+#include "discovery/FolderSearch.h"
+
+#include <algorithm>
+
+#include "base/Exceptions.h"
+#include "base/Folders.h"
+#include "base/Messages.h"
+#include "base/Paths.h"
+#include "base/Texts.h"
+#include "catalog/Catalog.h"
+#include "catalog/StringHistory.h"
+#include "discovery/FolderWalk.h"
+#include "imaging/ThumbnailCache.h"
+#include "platform/Mounts.h"
+#include "sets/QuerySet.h"
+#include "storage/StorageException.h"
+
+namespace {
+
+// More pending photos than this in a folder that isn't on the user's list are asked about first.
+constexpr int kUnaskedPhotos = 3000;
+
+}  // namespace
+
+CFolderSearch::CFolderSearch() = default;
+CFolderSearch::~CFolderSearch() = default;
+
+CFolderSearch& CFolderSearch::GetInstance() {
+  static CFolderSearch search;
+  return search;
+}
+
+void CFolderSearch::Reset() {
+  ActiveDisk = false;
+  Progress = nullptr;
+  History.reset();
+  SearchedFolders.clear();
+}
+
+CStringHistory& CFolderSearch::GetHistory() {
+  if (!History) {
+    History = std::make_unique<CStringHistory>(*CCatalog::GetInstance(), "FolderFilterHistory", 0, false);
+  }
+  return *History;
+}
+
+bool CFolderSearch::SearchFolder(const std::string& folder, bool force, int* foundOut, int* pendingOut) {
+  if (!force && SearchedFolders.contains(folder)) return false;
+  try {
+    const bool ended = Search(folder, foundOut, pendingOut);
+    SearchedFolders.insert(folder);
+    return ended;
+  } catch (const CStorageException& exception) {
+    ShowMessage(exception.GetMessage(), false, MessageParent::ProgressWindow);
+  } catch (const CException&) {
+    // The folder counts as not searched, so the next search tries again.
+  }
+  return false;
+}
+
+bool CFolderSearch::Search(const std::string& folder, int* foundOut, int* pendingOut) {
+  CFolderWalk walk(folder, *CCatalog::GetInstance(), *CThumbnailCache::GetInstance(), Progress);
+  if (foundOut != nullptr) *foundOut = walk.GetFoundCount();
+  if (pendingOut != nullptr) *pendingOut = walk.GetPendingCount();
+  if (!MayBringIn(walk.GetPendingCount(), folder)) return false;
+  return walk.GetPendingCount() == 0 || walk.Update();
+}
+
+bool CFolderSearch::MayBringIn(int pending, const std::string& folder) {
+  if (pending <= kUnaskedPhotos || GetHistory().Contains(folder)) return true;
+  return ShowMessage(Format(LoadExpandedString(StringId::ManyPhotosQuestion), pending, folder), true,
+                     MessageParent::ProgressWindow);
+}
+
+bool CFolderSearch::SearchAllFolders(bool force) {
+  bool anyEnded = false;
+  for (int i = 0; i < GetHistory().Count(); ++i) {
+    anyEnded |= SearchFolder(GetHistory().Get(i), force);
+  }
+  anyEnded |= SearchFolder(GetMyPicturesFolder(), force);
+  if (ActiveDisk) anyEnded |= SearchFolder(GetActiveDiskPhotoFolder(), false);
+  return anyEnded;
+}
+
+std::string CFolderSearch::FirstSearch() {
+  if (ActiveDisk) {
+    int found = 0;
+    SearchFolder(GetActiveDiskPhotoFolder(), true, &found);
+    if (found != 0) return GetActiveDiskPhotoFolder();
+  }
+  std::string folder =
+      GetHistory().Count() == 0 ? GetMyPicturesFolder() : CCatalog::GetInstance()->GetCurrentPhotoFolder();
+  if (folder.empty()) {
+    SearchAllFolders(true);
+    return folder;
+  }
+  if (!FileExists(folder, true)) folder = GetMyPicturesFolder();
+  SearchFolder(folder, false);
+  return folder;
+}
+
+void CFolderSearch::UpdateMissingFlags() {
+  CCatalog* const catalog = CCatalog::GetInstance();
+  CQuerySet photos(catalog, SetKind::All);
+  CAutoCommitPause pause(*catalog);
+  for (int i = 0; i < photos.GetCount(); ++i) {
+    CAssetRecord record = photos.GetAsset(i);
+    if (record.GetMissing() == MissingState::FolderRemoved) continue;
+    record.SetMissing(FileExists(record.GetPath(), false) ? MissingState::InPlace : MissingState::Gone);
+  }
+  pause.Commit();
+}
+
+void CFolderSearch::MarkFolderRemoved(const std::string& folder) {
+  CCatalog* const catalog = CCatalog::GetInstance();
+  CQuerySet photos(catalog, SetKind::All);
+  photos.SetFolderFilter(folder);
+  photos.Rebuild();
+  CAutoCommitPause pause(*catalog);
+  for (int i = 0; i < photos.GetCount(); ++i) {
+    CAssetRecord record = photos.GetAsset(i);
+    record.SetMissing(MissingState::FolderRemoved);
+  }
+  pause.Commit();
+}
+
+std::string CFolderSearch::GetFolderLabel(const std::string& folder) const {
+  const std::string path = WithoutClosingSlash(folder);
+  const std::string base = ActiveDisk ? GetActiveDiskPhotoFolder() : GetMyPicturesFolder();
+  if (path == base) return ActiveDisk ? LoadExpandedString(StringId::ActiveDiskPhotos) : SplitPath(base).Name;
+  const std::string below = WithClosingSlash(base);
+  return path.starts_with(below) ? path.substr(below.size()) : path;
+}
+
+bool IsDiskRoot(const std::string& path) {
+  const std::vector<std::string> roots = platform::DiskRoots();
+  return std::find(roots.begin(), roots.end(), path) != roots.end();
+}

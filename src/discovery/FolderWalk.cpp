@@ -1,0 +1,101 @@
+#include "discovery/FolderWalk.h"
+
+#include <algorithm>
+#include <thread>
+
+#include "base/Paths.h"
+#include "base/Times.h"
+#include "catalog/Catalog.h"
+#include "discovery/PrepareAhead.h"
+#include "discovery/SearchProgress.h"
+#include "imaging/ImageFile.h"
+#include "imaging/ThumbnailCache.h"
+#include "platform/Unicode.h"
+
+namespace {
+
+// A folder whose search pattern, the folder and four characters, is this long or longer is left out.
+constexpr std::size_t kMaximumPatternLength = 260;
+constexpr std::size_t kPatternLength = 4;
+
+}  // namespace
+
+CFolderWalk::CFolderWalk(std::string root, CCatalog& catalog, CThumbnailCache& cache,
+                         CSearchProgress* progress)
+    : Catalog(catalog), Cache(cache), Progress(progress), Root(std::move(root)) {
+  CAutoCommitPause pause(Catalog);
+  Walk(Root);
+  pause.Commit();
+  std::sort(Pending.begin(), Pending.end(),
+            [](const CFoundFile& a, const CFoundFile& b) { return a.Path < b.Path; });
+}
+
+bool CFolderWalk::IsStopped() const { return Progress != nullptr && Progress->IsStopped(); }
+
+bool CFolderWalk::Enter(const std::string& folder) {
+  if (platform::CountCharacters(folder) + kPatternLength >= kMaximumPatternLength) return false;
+  platform::FileStatus status;
+  if (platform::GetStatus(folder, status) || PseudoFileSystems.Contains(status.Device)) return false;
+  return VisitedFolders.emplace(status.Device, status.Inode).second;
+}
+
+void CFolderWalk::Walk(const std::string& folder) {
+  if (IsStopped() || !Enter(folder)) return;
+  std::vector<platform::FolderEntry> entries;
+  platform::ListFolder(folder, entries);  // A folder that can't be read is as good as empty.
+  for (const platform::FolderEntry& entry : entries) {
+    if (IsStopped()) return;
+    if (entry.Name.starts_with('.')) continue;
+    const std::string path = JoinPath(folder, entry.Name);
+    if (entry.IsFolder) {
+      Walk(path);
+    } else if (entry.IsRegular) {
+      LookAtFile(path, entry.Status);
+    }
+  }
+}
+
+void CFolderWalk::LookAtFile(const std::string& path, const platform::FileStatus& status) {
+  if (ImageTypeOfFile(path) == ImageType::None) return;
+  ++Found;
+  CAssetRecord record = Catalog.FindAssetByPath(path);
+  if (record.IsValid()) {
+    record.SetMissing(MissingState::InPlace);
+    if (record.GetPath() != path) record.SetPath(path);  // the file was renamed to another case
+    if (Cache.Has(record.GetAssetID())) return;
+  }
+  Pending.push_back({path, status.Created, status.Modified, record.IsValid()});
+}
+
+bool CFolderWalk::Update() {
+  if (Progress != nullptr) Progress->SetTotal(GetPendingCount());
+  CAutoCommitPause catalogPause(Catalog);
+  CAutoCommitPause cachePause(Cache);
+  AddedNew = false;
+  CPrepareAhead prepareAhead(Pending, std::thread::hardware_concurrency());
+  for (int index = 0; index < GetPendingCount() && !IsStopped(); ++index) {
+    const CFoundFile& found = Pending[static_cast<std::size_t>(index)];
+    const PreparedPhoto prepared = prepareAhead.TakeNext();
+    ImportFile(found, prepared);
+    if (Progress != nullptr) Progress->Progress({index, found.Path, prepared.Thumbnail, true});
+  }
+  if (AddedNew) Catalog.AdvanceRoll();
+  // The thumbnails go first. A stop between the two leaves thumbnails of numbers that the catalog has yet to
+  // give out, and each of those is overwritten as its number is given; the other way round would leave
+  // photos that are in the catalog although the search is reported as failed.
+  cachePause.Commit();
+  catalogPause.Commit();
+  return !IsStopped();
+}
+
+CAssetRecord CFolderWalk::ImportFile(const CFoundFile& found, const PreparedPhoto& prepared) {
+  if (found.Known) {
+    CAssetRecord record = Catalog.FindAssetByPath(found.Path);
+    Cache.StoreBytes(record.GetAssetID(), prepared.Thumbnail);
+    return record;
+  }
+  CAssetRecord record = Catalog.AddAsset(found.Path);
+  record.StampNewPhoto(TimeFromFile(found.Created), TimeFromFile(found.Written), prepared);
+  AddedNew = true;
+  return record;
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "catalog/AssetRecord.h"
+#include "discovery/FoundFile.h"
+#include "platform/FolderListing.h"
+#include "platform/Mounts.h"
+
+class CCatalog;
+class CSearchProgress;
+class CThumbnailCache;
+struct PreparedPhoto;
+
+/// One search of one folder: a walk that reads the file system and counts, and an update that brings in what
+/// the walk found. Photos that were missing and are found are back after the walk.
+class CFolderWalk {
+ public:
+  /// Walks at once. `progress` may be null. CStorageException if the catalog can't be written.
+  CFolderWalk(std::string root, CCatalog& catalog, CThumbnailCache& cache, CSearchProgress* progress);
+
+  int GetFoundCount() const { return Found; }
+  int GetPendingCount() const { return static_cast<int>(Pending.size()); }
+
+  /// Brings the pending files in, in the order of their paths, as one transaction. False if the user stopped
+  /// it; what was done until then stays. Any exception undoes all of it.
+  bool Update();
+
+ private:
+  void Walk(const std::string& folder);
+  bool Enter(const std::string& folder);
+  void LookAtFile(const std::string& path, const platform::FileStatus& status);
+  CAssetRecord ImportFile(const CFoundFile& found, const PreparedPhoto& prepared);
+  bool IsStopped() const;
+
+  CCatalog& Catalog;
+  CThumbnailCache& Cache;
+  CSearchProgress* const Progress;
+  const std::string Root;
+  const platform::PseudoFileSystems PseudoFileSystems;
+  std::set<std::pair<std::uint64_t, std::uint64_t>> VisitedFolders;  // device and inode
+  std::vector<CFoundFile> Pending;                                   // by path, byte for byte
+  int Found = 0;                                                     // photo files seen
+  bool AddedNew = false;
+};

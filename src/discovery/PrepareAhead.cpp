@@ -1,0 +1,54 @@
+#include "discovery/PrepareAhead.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+// Enough to ride out one large photo among small ones.
+constexpr std::size_t kResultsPerThread = 8;
+
+}  // namespace
+
+CPrepareAhead::CPrepareAhead(std::span<const CFoundFile> files, unsigned threadCount)
+    : Files(files), Ring(kResultsPerThread * std::max(threadCount, 1U)) {
+  const std::size_t threads = std::min<std::size_t>(std::max(threadCount, 1U), files.size());
+  for (std::size_t i = 0; i < threads; ++i) Threads.emplace_back([this] { Work(); });
+}
+
+CPrepareAhead::~CPrepareAhead() {
+  {
+    const std::lock_guard lock(Mutex);
+    Stopping = true;
+  }
+  RoomMade.notify_all();
+  Threads.clear();  // joins, while the members that the threads use still stand
+}
+
+PreparedPhoto CPrepareAhead::TakeNext() {
+  std::unique_lock lock(Mutex);
+  std::optional<PreparedPhoto>& slot = Ring[NextToTake % Ring.size()];
+  ResultReady.wait(lock, [&slot] { return slot.has_value(); });
+  PreparedPhoto result = std::move(*slot);
+  slot.reset();
+  ++NextToTake;
+  lock.unlock();
+  RoomMade.notify_one();
+  return result;
+}
+
+void CPrepareAhead::Work() {
+  std::unique_lock lock(Mutex);
+  for (;;) {
+    RoomMade.wait(lock, [this] {
+      return Stopping || NextToStart == Files.size() || NextToStart < NextToTake + Ring.size();
+    });
+    if (Stopping || NextToStart == Files.size()) return;
+    const std::size_t index = NextToStart++;
+    lock.unlock();
+    PreparedPhoto photo = PreparePhoto(Files[index].Path);
+    lock.lock();
+    Ring[index % Ring.size()] = std::move(photo);
+    ResultReady.notify_one();
+  }
+}
