@@ -1,0 +1,207 @@
+#include "catalog/StringHistory.h"
+#include "discovery/FolderSearch.h"
+#include "discovery/SearchFixture.h"
+#include "imaging/Image.h"
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+using FolderSearchTest = CSearchFixture;
+
+TEST_F(FolderSearchTest, NewPhotosFormOneRollWithDatesAndThumbnails) {
+  AddPhoto("b.JPG", "2003:08:09 14:00:00");
+  AddPhoto("2002/a.jpeg");
+  Search.Progress = &Progress;
+  int found = 0, pending = 0;
+  EXPECT_TRUE(Search.SearchFolder(Pictures(), true, &found, &pending));
+  EXPECT_EQ(2, found);
+  EXPECT_EQ(2, pending);
+  EXPECT_EQ(2, Progress.Total);
+  EXPECT_THAT(Progress.Paths, ElementsAre(Pictures() + "/2002/a.jpeg", Pictures() + "/b.JPG"));
+  EXPECT_EQ(2, Progress.Thumbnails);
+  EXPECT_EQ(0, Catalog.GetCurrentRollID());
+
+  const CAssetRecord dated = Catalog.FindAssetByPath(Pictures() + "/b.JPG");
+  EXPECT_EQ(0, dated.GetRollID());
+  EXPECT_EQ(1, dated.GetStamps(StampId::CameraDate).Count());
+  EXPECT_EQ(1, dated.GetStamps(StampId::FileCreateDate).Count());
+  StampId source = StampId::None;
+  EXPECT_EQ(dated.GetCachedDate(), dated.GetStamps(StampId::Date).Get(0).GetDate(&source));
+  EXPECT_EQ(StampId::CameraDate, source);
+  EXPECT_EQ("Aug 9, 2003", dated.GetStamps(StampId::Date).Get(0).GetText());
+  EXPECT_EQ((ImageSize{140, 105}), dated.LoadThumbnail()->GetNaturalSize());
+
+  const CAssetRecord undated = Catalog.FindAssetByPath(Pictures() + "/2002/a.jpeg");
+  EXPECT_EQ(0, undated.GetStamps(StampId::CameraDate).Count());
+  undated.GetStamps(StampId::Date).Get(0).GetDate(&source);
+  EXPECT_EQ(StampId::FileCreateDate, source);
+
+  Restart();
+  EXPECT_TRUE(Search.SearchFolder(Pictures(), false, &found, &pending));
+  EXPECT_EQ(2, found);
+  EXPECT_EQ(0, pending);
+  EXPECT_FALSE(Search.SearchFolder(Pictures(), false)) << "once a session";
+  AddPhoto("c.jpg");
+  EXPECT_TRUE(Search.SearchFolder(Pictures(), true));
+  EXPECT_EQ(1, Catalog.GetCurrentRollID());
+  EXPECT_EQ(1, Catalog.FindAssetByPath(Pictures() + "/c.jpg").GetRollID());
+}
+
+TEST_F(FolderSearchTest, AStoppedSearchKeepsWhatItHasDoneAsARoll) {
+  for (int i = 10; i < 30; ++i) AddPhoto(std::to_string(i) + ".jpg");
+  Search.Progress = &Progress;
+  Progress.StopAfter = 10;
+  EXPECT_FALSE(Search.SearchFolder(Pictures(), true));
+  EXPECT_EQ(10, Catalog.GetAssets().GetSize());
+  EXPECT_EQ(0, Catalog.GetCurrentRollID());
+  Restart();
+  EXPECT_EQ(10, Catalog.GetAssets().GetSize());
+  EXPECT_TRUE(Search.SearchFolder(Pictures(), true));
+  EXPECT_EQ(20, Catalog.GetAssets().GetSize());
+  EXPECT_EQ(1, Catalog.GetCurrentRollID());
+  EXPECT_EQ(1, Catalog.FindAssetByPath(Pictures() + "/29.jpg").GetRollID());
+
+  AddPhoto("late.jpg");
+  Progress.Stopped = true;
+  Search.Progress = &Progress;
+  Search.SearchFolder(Pictures(), true);
+  EXPECT_EQ(20, Catalog.GetAssets().GetSize()) << "stopped before the walk began";
+}
+
+TEST_F(FolderSearchTest, ManyPhotosAreAskedAboutOnceUnlessTheFolderIsOnTheList) {
+  for (int i = 0; i < 3000; ++i) Scratch.Write("Pictures/" + std::to_string(i) + ".jpg", "");
+  Messages.Answer = false;
+  AddPhoto("one too many.jpg");
+  EXPECT_FALSE(Search.SearchFolder(Pictures(), false));
+  ASSERT_EQ(1U, Messages.Texts.size());
+  EXPECT_EQ("You have 3001 photos in " + Pictures() +
+                " and its subfolders.\n\nAre you sure you want to bring all of them into Vellumar Photo "
+                "Organizer?\n\nSelect OK to continue the search, or Cancel to stop the search.",
+            Messages.Texts.front());
+  EXPECT_FALSE(Search.SearchFolder(Pictures(), false));
+  EXPECT_EQ(1U, Messages.Texts.size()) << "a declined folder is not asked about again";
+  EXPECT_FALSE(Search.SearchFolder(Pictures(), true));
+  EXPECT_EQ(2U, Messages.Texts.size());
+  EXPECT_TRUE(Catalog.GetAssets().IsEmpty());
+
+  std::filesystem::remove(Pictures() + "/0.jpg");
+  EXPECT_TRUE(Search.SearchFolder(Pictures(), true));
+  EXPECT_EQ(2U, Messages.Texts.size()) << "three thousand are not too many";
+  EXPECT_EQ(3000, Catalog.GetAssets().GetSize());
+
+  Scratch.Write("Pictures/0.jpg", "");
+  for (int i = 3001; i < 6010; ++i) Scratch.Write("Pictures/" + std::to_string(i) + ".jpg", "");
+  Search.GetHistory().Add(Pictures());
+  EXPECT_TRUE(Search.SearchFolder(Pictures(), true));
+  EXPECT_EQ(2U, Messages.Texts.size());
+}
+
+TEST_F(FolderSearchTest, APhotoThatIsFoundAgainIsBackWithAllItHad) {
+  const std::string path = AddPhoto("a.jpg");
+  Search.SearchFolder(Pictures(), true);
+  Catalog.FindAssetByPath(path).GetStamps(StampId::Rating).SetNumber(4, 0);
+  std::filesystem::rename(path, Scratch.File("hidden"));
+  Search.UpdateMissingFlags();
+  EXPECT_EQ(MissingState::Gone, Catalog.FindAssetByPath(path).GetMissing());
+  std::filesystem::rename(Scratch.File("hidden"), path);
+  Search.UpdateMissingFlags();
+  EXPECT_EQ(MissingState::InPlace, Catalog.FindAssetByPath(path).GetMissing());
+
+  Search.MarkFolderRemoved(Scratch.GetPath() + "/Pict");
+  EXPECT_EQ(MissingState::InPlace, Catalog.FindAssetByPath(path).GetMissing());
+  Search.MarkFolderRemoved(Pictures());
+  Search.UpdateMissingFlags();
+  EXPECT_EQ(MissingState::FolderRemoved, Catalog.FindAssetByPath(path).GetMissing());
+  EXPECT_TRUE(Search.SearchFolder(Pictures(), true));
+  EXPECT_EQ(MissingState::InPlace, Catalog.FindAssetByPath(path).GetMissing());
+  EXPECT_EQ(4, Catalog.FindAssetByPath(path).GetCachedRating());
+
+  // Moved photos are new ones; another case of the name is the same photo under its new spelling.
+  std::filesystem::rename(path, Pictures() + "/A.JPG");
+  Search.UpdateMissingFlags();
+  EXPECT_TRUE(Search.SearchFolder(Pictures(), true));
+  EXPECT_EQ(1, Catalog.GetAssets().GetSize());
+  EXPECT_EQ(Pictures() + "/A.JPG", Catalog.FindAssetById(1).GetPath());
+  EXPECT_EQ(MissingState::InPlace, Catalog.FindAssetById(1).GetMissing());
+  std::filesystem::create_directory(Pictures() + "/sub");
+  std::filesystem::rename(Pictures() + "/A.JPG", Pictures() + "/sub/A.JPG");
+  EXPECT_TRUE(Search.SearchFolder(Pictures(), true));
+  EXPECT_EQ(1, Catalog.FindAssetByPath(Pictures() + "/sub/A.JPG").GetRollID());
+}
+
+TEST_F(FolderSearchTest, LostThumbnailsAreRemadeWithoutANewRoll) {
+  AddPhoto("a.jpg");
+  const std::string rubbish = Scratch.Write("Pictures/rubbish.jpg", "no picture");
+  Search.SearchFolder(Pictures(), true);
+  Cache.Close();
+  Cache.Open(Scratch.File("vellumar.thumbs"), CGuid::Generate());
+  EXPECT_FALSE(Cache.Has(1));
+  int pending = 0;
+  EXPECT_TRUE(Search.SearchFolder(Pictures(), true, nullptr, &pending));
+  EXPECT_EQ(2, pending);
+  EXPECT_EQ(0, Catalog.GetCurrentRollID());
+  EXPECT_NE(nullptr, Catalog.FindAssetById(1).LoadThumbnail());
+  EXPECT_EQ(nullptr, Catalog.FindAssetByPath(rubbish).LoadThumbnail());
+  Search.SearchFolder(Pictures(), true, nullptr, &pending);
+  EXPECT_EQ(0, pending) << "a file that can't be decoded is not tried again";
+}
+
+TEST_F(FolderSearchTest, AFullDiskUndoesTheSearchAndTheNextOneFindsThePhotosAgain) {
+  AddPhoto("first.jpg");
+  Search.SearchFolder(Pictures(), true);
+  for (int i = 0; i < 300; ++i) AddPhoto(std::to_string(i) + ".jpg", "2003:08:09 14:00:00");
+  {
+    const CFileSizeLimit full(std::filesystem::file_size(Scratch.File("vellumar.thumbs")) + 20000);
+    EXPECT_FALSE(Search.SearchFolder(Pictures(), false));
+  }
+  ASSERT_EQ(1U, Messages.Texts.size());
+  EXPECT_THAT(Messages.Texts.front(), testing::HasSubstr("vellumar.thumbs"));
+  EXPECT_EQ(1, Catalog.GetAssets().GetSize());
+  EXPECT_EQ(0, Catalog.GetCurrentRollID());
+  EXPECT_TRUE(Catalog.GetAutoCommit());
+  EXPECT_TRUE(Cache.GetAutoCommit());
+  EXPECT_TRUE(Search.SearchFolder(Pictures(), true));
+  EXPECT_EQ(301, Catalog.GetAssets().GetSize());
+  EXPECT_EQ(1, Catalog.GetCurrentRollID());
+  EXPECT_NE(nullptr, Catalog.FindAssetById(301).LoadThumbnail());
+}
+
+TEST_F(FolderSearchTest, TheFirstSearchOpensOnTheFolderLastLookedAt) {
+  AddPhoto("a.jpg");
+  Scratch.Write("Elsewhere/b.jpg", MakeJpeg(8, 8, 1, 2, 3));
+  const std::string elsewhere = Scratch.GetPath() + "/Elsewhere";
+  EXPECT_EQ(Pictures(), Search.FirstSearch());
+  EXPECT_EQ(1, Catalog.GetAssets().GetSize());
+
+  Restart();
+  Search.GetHistory().Add(elsewhere);
+  Catalog.SetCurrentPhotoFolder(elsewhere);
+  EXPECT_EQ(elsewhere, Search.FirstSearch());
+  EXPECT_EQ(2, Catalog.GetAssets().GetSize());
+
+  Restart();
+  std::filesystem::rename(elsewhere, Scratch.GetPath() + "/Moved");
+  EXPECT_EQ(Pictures(), Search.FirstSearch()) << "a folder that is gone gives way";
+
+  Restart();
+  Catalog.SetCurrentPhotoFolder("");
+  AddPhoto("c.jpg");
+  EXPECT_EQ("", Search.FirstSearch());
+  EXPECT_EQ(3, Catalog.GetAssets().GetSize());
+}
+
+TEST_F(FolderSearchTest, FoldersBelowThePhotoRootHaveShortNames) {
+  EXPECT_EQ("Pictures", Search.GetFolderLabel(Pictures() + "/"));
+  EXPECT_EQ("2002/Lakes", Search.GetFolderLabel(Pictures() + "/2002/Lakes/"));
+  EXPECT_EQ(Pictures() + "2", Search.GetFolderLabel(Pictures() + "2"));
+  EXPECT_EQ("/elsewhere", Search.GetFolderLabel("/elsewhere/"));
+  Search.ActiveDisk = true;
+  EXPECT_EQ("Active Disk Photos", Search.GetFolderLabel(GetActiveDiskPhotoFolder()));
+  EXPECT_EQ(Pictures(), Search.GetFolderLabel(Pictures()));
+  EXPECT_TRUE(IsDiskRoot("/"));
+  EXPECT_FALSE(IsDiskRoot(Pictures()));
+}
+
+}  // namespace
