@@ -1,0 +1,82 @@
+#include "imaging/ImageFile.h"
+
+#include "base/Paths.h"
+#include "imaging/JpegImage.h"
+#include "imaging/TiffImage.h"
+
+namespace {
+
+char ToLowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+bool EqualNoCase(std::string_view text, std::string_view lowerCase) {
+  if (text.size() != lowerCase.size()) return false;
+  for (std::size_t i = 0; i < text.size(); ++i)
+    if (ToLowerAscii(text[i]) != lowerCase[i]) return false;
+  return true;
+}
+
+/// What a file is decoded as; more than ImageTypeOfFile, by which photos are searched for.
+ImageType ChooseVariant(const std::string& path) {
+  const std::string extension = GetExtension(path);
+  if (EqualNoCase(extension, ".tif") || EqualNoCase(extension, ".tiff")) return ImageType::Tiff;
+  return ImageTypeFromExtension(extension);
+}
+
+template <typename Load>
+std::unique_ptr<CImage> LoadVariant(ImageType type, const Load& load) {
+  try {
+    std::unique_ptr<CImage> image;
+    if (type == ImageType::Jpeg) {
+      auto jpeg = std::make_unique<CJpegImage>();
+      load(*jpeg);
+      image = std::move(jpeg);
+    } else if (type == ImageType::Tiff) {
+      auto tiff = std::make_unique<CTiffImage>();
+      load(*tiff);
+      if (tiff->GetPixels().Bits) image = std::move(tiff);
+    }
+    return image;
+  } catch (...) {
+    return nullptr;  // whatever is wrong with it, the file gives no picture
+  }
+}
+
+}  // namespace
+
+ImageType ImageTypeFromExtension(std::string_view extension) {
+  const bool isJpeg = EqualNoCase(extension, ".jpg") || EqualNoCase(extension, ".jpeg");
+  return isJpeg ? ImageType::Jpeg : ImageType::None;
+}
+
+ImageType ImageTypeOfFile(std::string_view path) { return ImageTypeFromExtension(GetExtension(path)); }
+
+std::unique_ptr<CImage> LoadImageFile(const std::string& path, int boxWidth, int boxHeight) {
+  return LoadVariant(ChooseVariant(path), [&](auto& image) { image.LoadFile(path, boxWidth, boxHeight); });
+}
+
+std::unique_ptr<CImage> LoadImageBytes(const std::string& path, std::span<const std::uint8_t> bytes,
+                                       int boxWidth, int boxHeight) {
+  return LoadVariant(ChooseVariant(path), [&](auto& image) { image.LoadMemory(bytes, boxWidth, boxHeight); });
+}
+
+ImageSize ReadImageSize(const std::string& path) {
+  try {
+    switch (ChooseVariant(path)) {
+      case ImageType::Jpeg: {
+        CJpegImage image;
+        image.ReadHeader(path);
+        return image.GetNaturalSize();
+      }
+      case ImageType::Tiff: {
+        CTiffImage image;
+        image.ReadHeader(path);
+        return image.GetNaturalSize();
+      }
+      case ImageType::None:
+        break;
+    }
+  } catch (...) {
+    return {};  // not known
+  }
+  return {};
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "imaging/PixelBuffer.h"
+
+/// The one door to the JPEG library. Bytes in, pixels out, and the other way; no files. Every object and
+/// call stands for itself, so threads need no lock. Failures raise the exceptions of the system, with the
+/// texts given here; the library's warnings about flawed data are passed over.
+///
+/// What a file can cost is limited: 2^30 pixels, 500 scans, 1 GiB of coefficients, and a number of blocks
+/// that one core works through in a few seconds.
+
+/// Decodes one picture.
+class CJpegDecoder {
+ public:
+  /// Reads the header; the bytes must outlive the object. CException "Cannot read JPEG header".
+  explicit CJpegDecoder(std::span<const std::uint8_t> bytes);
+  ~CJpegDecoder();
+  CJpegDecoder(const CJpegDecoder&) = delete;
+  CJpegDecoder& operator=(const CJpegDecoder&) = delete;
+
+  ImageSize GetSize() const;
+
+  /// Bytes a pixel decodes to: 3 for blue, green, red, where grey has three equal ones; 4 with a
+  /// premultiplied alpha behind them. Any other number is that of a JPEG that can't be decoded.
+  ///
+  /// A JPEG of four channels with an Adobe marker is CMYK or YCCK, with inverted inks as all such files
+  /// have them; without that marker it is CMYK if its channels are named C, M, Y, K. Both give plain 3
+  /// bytes. Any other is YCbCr with alpha, as EncodeJpeg writes it, and gives 4.
+  int GetBytesPerPixel() const;
+
+  /// Decodes at 1/1, 1/2, 1/4 or 1/8 of the size (`reduction` 1, 2, 4, 8) into `target`, which has
+  /// exactly that size, its sides rounded up, and GetBytesPerPixel(). To be called once. What a file that
+  /// is cut short has no data for is grey. CException "Cannot read JPEG data from file\n" or "Unsupported
+  /// number of channels".
+  void Decode(int reduction, const PixelBuffer& target);
+
+  /// A side of a picture decoded at that reduction.
+  static int ReducedSide(int side, int reduction) { return (side + reduction - 1) / reduction; }
+
+ private:
+  class Impl;
+  std::unique_ptr<Impl> Inside;
+};
+
+/// Encodes pixels as a whole JPEG with chroma halved in both directions. `quality` is 1 to 100. Pixels of
+/// 3 bytes become YCbCr with a JFIF header. Those of 4 bytes are taken as red, green, blue, alpha, in this
+/// order, and become four channels, YCbCr and alpha, without any header of their own.
+/// CException "Unsupported bitcount" or "Cannot write JPEG data to file\n".
+std::vector<std::uint8_t> EncodeJpeg(const PixelSource& pixels, int quality);

@@ -1,0 +1,249 @@
+#include <algorithm>
+#include <cstring>
+
+#include "base/Exceptions.h"
+#include "imaging/JpegCodec.h"
+#include "imaging/JpegGuard.h"
+
+namespace {
+
+constexpr std::uint64_t kMaxPixels = std::uint64_t{1} << 30;
+constexpr std::uint64_t kMaxArithmeticPixels = std::uint64_t{1} << 28;  // several times slower a block
+constexpr long kMaxCoefficientBytes = 1L << 30;
+constexpr int kMaxScans = 500;
+// Blocks over all scans of a file with several: a picture of 40 megapixels in 300 scans.
+constexpr std::uint64_t kMaxBlockVisits = std::uint64_t{1} << 28;
+constexpr int kGrey = 128;
+constexpr int kRowsAtOnce = 16;
+
+/// The bytes as a source of the library. Behind their end stands a made-up end of the picture, once and
+/// again, so a file that is cut short decodes as far as it goes.
+struct MemorySource {
+  explicit MemorySource(std::span<const std::uint8_t> bytes) {
+    Manager.next_input_byte = bytes.data();
+    Manager.bytes_in_buffer = bytes.size();
+    Manager.init_source = [](j_decompress_ptr) {};
+    Manager.term_source = [](j_decompress_ptr) {};
+    Manager.resync_to_restart = jpeg_resync_to_restart;
+    Manager.fill_input_buffer = [](j_decompress_ptr info) -> boolean {
+      static constexpr JOCTET kEnd[] = {0xFF, JPEG_EOI};
+      info->src->next_input_byte = kEnd;
+      info->src->bytes_in_buffer = sizeof kEnd;
+      return TRUE;
+    };
+    Manager.skip_input_data = [](j_decompress_ptr info, long count) {
+      if (count <= 0) return;
+      const std::size_t skipped = std::min(static_cast<std::size_t>(count), info->src->bytes_in_buffer);
+      info->src->next_input_byte += skipped;
+      info->src->bytes_in_buffer -= skipped;
+    };
+  }
+
+  jpeg_source_mgr Manager{};
+};
+
+enum class ColorForm {
+  Direct,        // the library gives blue, green, red
+  Inks,          // cyan, magenta, yellow, black; full is 255
+  InvertedInks,  // the same; full is 0
+  Alpha,         // inverted red, green, blue, and alpha
+  Unsupported,
+};
+
+bool HasInkNames(const jpeg_decompress_struct& info) {
+  const jpeg_component_info* parts = info.comp_info;
+  return parts[0].component_id == 'C' && parts[1].component_id == 'M' && parts[2].component_id == 'Y' &&
+         parts[3].component_id == 'K';
+}
+
+ColorForm ChooseColorForm(const jpeg_decompress_struct& info) {
+  switch (info.num_components) {
+    case 1:
+    case 3:
+      return ColorForm::Direct;
+    case 4:
+      if (info.saw_Adobe_marker) return ColorForm::InvertedInks;
+      return HasInkNames(info) ? ColorForm::Inks : ColorForm::Alpha;
+    default:
+      return ColorForm::Unsupported;
+  }
+}
+
+inline std::uint8_t DivideBy255(unsigned product) {
+  return static_cast<std::uint8_t>((product + 128 + ((product + 128) >> 8)) >> 8);
+}
+
+/// `Flip` makes amounts of light of amounts of ink.
+template <unsigned Flip>
+void InksToPixels(const JSAMPLE* inks, std::uint8_t* pixels, JDIMENSION count) {
+  for (; count > 0; --count, inks += 4, pixels += 3) {
+    const unsigned light = inks[3] ^ Flip;
+    pixels[0] = DivideBy255((inks[2] ^ Flip) * light);
+    pixels[1] = DivideBy255((inks[1] ^ Flip) * light);
+    pixels[2] = DivideBy255((inks[0] ^ Flip) * light);
+  }
+}
+
+/// Makes the library's inverted red, green, blue, alpha to blue, green, red multiplied by alpha.
+void AlphaToPixels(const JSAMPLE* parts, std::uint8_t* pixels, JDIMENSION count) {
+  for (; count > 0; --count, parts += 4, pixels += 4) {
+    const unsigned alpha = parts[3];
+    pixels[0] = static_cast<std::uint8_t>(((255U - parts[2]) * alpha + 1) >> 8);
+    pixels[1] = static_cast<std::uint8_t>(((255U - parts[1]) * alpha + 1) >> 8);
+    pixels[2] = static_cast<std::uint8_t>(((255U - parts[0]) * alpha + 1) >> 8);
+    pixels[3] = static_cast<std::uint8_t>(alpha);
+  }
+}
+
+}  // namespace
+
+class CJpegDecoder::Impl {
+ public:
+  explicit Impl(std::span<const std::uint8_t> bytes) : Source(bytes) {
+    Info.err = &Errors.Manager;
+    Info.client_data = &Errors;
+    const bool created = RunGuarded(Errors, [this] {
+      jpeg_create_decompress(&Info);
+      return true;
+    });
+    if (!created) throw CError("Cannot initialize Intel Jpeg library\n");
+    Info.src = &Source.Manager;
+    const bool read = RunGuarded(Errors, [this] { return jpeg_read_header(&Info, TRUE) == JPEG_HEADER_OK; });
+    if (!read) {
+      jpeg_destroy_decompress(&Info);
+      throw CException("Cannot read JPEG header");
+    }
+    Form = ChooseColorForm(Info);
+  }
+
+  ~Impl() { jpeg_destroy_decompress(&Info); }
+  Impl(const Impl&) = delete;
+  Impl& operator=(const Impl&) = delete;
+
+  ImageSize GetSize() const {
+    return {static_cast<int>(Info.image_width), static_cast<int>(Info.image_height)};
+  }
+
+  int GetBytesPerPixel() const {
+    switch (Form) {
+      case ColorForm::Alpha:
+        return 4;
+      case ColorForm::Unsupported:
+        return Info.num_components;
+      default:
+        return 3;
+    }
+  }
+
+  void Decode(int reduction, const PixelBuffer& target) {
+    if (Form == ColorForm::Unsupported) throw CException("Unsupported number of channels");
+    const bool decoded = IsAffordable() && RunGuarded(Errors, [&] {
+                           return Start(reduction, target.Size) && ReadAllScans() && ReadRows(target);
+                         });
+    if (!decoded) throw CException("Cannot read JPEG data from file\n");
+  }
+
+ private:
+  // All below but IsAffordable runs guarded.
+
+  bool IsAffordable() const {
+    const std::uint64_t pixels = std::uint64_t{Info.image_width} * Info.image_height;
+    return pixels <= (Info.arith_code ? kMaxArithmeticPixels : kMaxPixels);
+  }
+
+  bool Start(int reduction, ImageSize size) {
+    Info.scale_num = 1;
+    Info.scale_denom = static_cast<unsigned>(reduction);
+    if (Form == ColorForm::Direct) {
+      Info.out_color_space = JCS_EXT_BGR;
+    } else {
+      // The library knows YCbCr with a fourth channel under this name alone.
+      if (Form == ColorForm::Alpha) Info.jpeg_color_space = JCS_YCCK;
+      Info.out_color_space = JCS_CMYK;
+    }
+    Info.buffered_image = jpeg_has_multiple_scans(&Info);
+    Info.mem->max_memory_to_use = kMaxCoefficientBytes;
+    jpeg_start_decompress(&Info);
+    return Info.output_width == static_cast<unsigned>(size.Width) &&
+           Info.output_height == static_cast<unsigned>(size.Height);
+  }
+
+  /// Takes in the scans of a progressive file, or of one with a scan for each channel, within the limits.
+  bool ReadAllScans() {
+    if (!Info.buffered_image) return true;
+    std::uint64_t visits = 0;
+    for (int status = JPEG_REACHED_SOS; status != JPEG_REACHED_EOI; status = jpeg_consume_input(&Info)) {
+      if (status != JPEG_REACHED_SOS) continue;
+      visits += std::uint64_t{Info.MCUs_per_row} * Info.MCU_rows_in_scan *
+                static_cast<unsigned>(Info.blocks_in_MCU);
+      if (Info.input_scan_number > kMaxScans || visits > kMaxBlockVisits) return false;
+    }
+    return jpeg_start_output(&Info, Info.input_scan_number);
+  }
+
+  bool ReadRows(const PixelBuffer& target) {
+    JSAMPARRAY wide = nullptr;
+    if (Form != ColorForm::Direct)
+      wide = Info.mem->alloc_sarray(reinterpret_cast<j_common_ptr>(&Info), JPOOL_IMAGE, Info.output_width * 4,
+                                    kRowsAtOnce);
+    JDIMENSION end = Info.output_height;
+    while (Info.output_scanline < end) {
+      const JDIMENSION first = Info.output_scanline;
+      const JDIMENSION count = wide ? ReadConverted(target, wide) : ReadDirect(target);
+      if (count == 0) return false;
+      // Rows still on their way through the library hold picture; all after them would be grey.
+      if (HasNoMoreData() && end == Info.output_height) end = std::min(end, first + count + 3 * RowsOfMCU());
+    }
+    for (JDIMENSION y = end; y < Info.output_height; ++y)
+      std::memset(
+          target.Row(static_cast<int>(y)), kGrey,
+          static_cast<std::size_t>(target.Size.Width) * static_cast<std::size_t>(target.BytesPerPixel));
+    return true;
+  }
+
+  bool HasNoMoreData() const {
+    return Errors.RanDry && !Info.buffered_image &&
+           (Info.unread_marker == JPEG_EOI || Info.restart_interval == 0);
+  }
+
+  JDIMENSION RowsOfMCU() const {
+    return static_cast<JDIMENSION>(Info.max_v_samp_factor * Info.min_DCT_scaled_size);
+  }
+
+  JDIMENSION ReadDirect(const PixelBuffer& target) {
+    JSAMPROW rows[kRowsAtOnce] = {};
+    const JDIMENSION wanted = std::min<JDIMENSION>(kRowsAtOnce, Info.output_height - Info.output_scanline);
+    for (JDIMENSION k = 0; k < wanted; ++k) rows[k] = target.Row(static_cast<int>(Info.output_scanline + k));
+    return jpeg_read_scanlines(&Info, rows, wanted);
+  }
+
+  JDIMENSION ReadConverted(const PixelBuffer& target, JSAMPARRAY wide) {
+    const int first = static_cast<int>(Info.output_scanline);
+    const JDIMENSION count = jpeg_read_scanlines(&Info, wide, kRowsAtOnce);
+    for (JDIMENSION k = 0; k < count; ++k) {
+      std::uint8_t* row = target.Row(first + static_cast<int>(k));
+      if (Form == ColorForm::Alpha)
+        AlphaToPixels(wide[k], row, Info.output_width);
+      else if (Form == ColorForm::Inks)
+        InksToPixels<255>(wide[k], row, Info.output_width);
+      else
+        InksToPixels<0>(wide[k], row, Info.output_width);
+    }
+    return count;
+  }
+
+  JpegErrors Errors;
+  MemorySource Source;
+  jpeg_decompress_struct Info{};
+  ColorForm Form = ColorForm::Unsupported;
+};
+
+CJpegDecoder::CJpegDecoder(std::span<const std::uint8_t> bytes) : Inside(std::make_unique<Impl>(bytes)) {}
+
+CJpegDecoder::~CJpegDecoder() = default;
+
+ImageSize CJpegDecoder::GetSize() const { return Inside->GetSize(); }
+
+int CJpegDecoder::GetBytesPerPixel() const { return Inside->GetBytesPerPixel(); }
+
+void CJpegDecoder::Decode(int reduction, const PixelBuffer& target) { Inside->Decode(reduction, target); }

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// No thumbnail is larger, in pixels, nor than the photo.
+constexpr int kThumbnailBoxWidth = 140;
+constexpr int kThumbnailBoxHeight = 105;
+constexpr int kThumbnailQuality = 50;
+
+/// What a photo that enters the catalog gives.
+struct PreparedPhoto {
+  std::int32_t CameraDate = 0;          // of the EXIF DateTime; seconds since 1970, 0 for none
+  std::vector<std::uint8_t> Thumbnail;  // a JPEG; empty if the file gives no picture
+};
+
+/// Reads the file once, for both. A file that is gone, no regular one or damaged gives what it has, maybe
+/// nothing; never an exception. Any thread.
+PreparedPhoto PreparePhoto(const std::string& path);

@@ -1,0 +1,115 @@
+#include "imaging/ThumbnailCache.h"
+
+#include "imaging/JpegImage.h"
+#include "imaging/PreparedPhoto.h"
+#include "storage/StorageException.h"
+#include "storage/StorageFile.h"
+
+namespace {
+
+const c4_IntProp kID("ID");
+const c4_BytesProp kThumbnail("Thumbnail");
+const c4_BytesProp kForeignDBGUID("ForeignDBGUID");
+
+constexpr int kMaxSetAside = 1000;
+
+CThumbnailCache* instance = nullptr;
+
+/// Gives a damaged file a name that is free. False if that can't be done.
+bool SetAside(const std::string& path) {
+  for (int n = 1; n <= kMaxSetAside; ++n) {
+    const std::error_code error = SetStorageFileAside(path, path + ".damaged[" + std::to_string(n) + "]");
+    if (error != std::errc::file_exists) return !error;
+  }
+  return false;
+}
+
+}  // namespace
+
+CThumbnailCache::CThumbnailCache() { instance = this; }
+
+CThumbnailCache::~CThumbnailCache() {
+  if (instance == this) instance = nullptr;
+}
+
+CThumbnailCache* CThumbnailCache::GetInstance() { return instance; }
+
+void CThumbnailCache::Open(const std::string& path, const CGuid& catalogGuid) {
+  Close();
+  try {
+    try {
+      OpenStorage(path);
+    } catch (const CDamagedStorage&) {
+      Close();
+      if (!SetAside(path)) throw;
+      OpenStorage(path);
+    }
+    Pair(catalogGuid);
+  } catch (...) {
+    Close();
+    throw;
+  }
+}
+
+void CThumbnailCache::OpenStorage(const std::string& path) {
+  Storage = std::make_unique<c4_Storage>(path, c4_Storage::Mode::ReadWrite);
+  Singletons = Storage->GetAs("Singletons[ForeignDBGUID:B]");
+  Cache = Storage->GetAs("Cache[ID:I,Thumbnail:B]");
+  Commit();
+}
+
+void CThumbnailCache::Pair(const CGuid& catalogGuid) {
+  const c4_Bytes wanted = catalogGuid.ToBytes();
+  if (Singletons.IsEmpty()) {
+    Singletons.Add(kForeignDBGUID[wanted]);
+    Commit();
+  } else if (CGuid::FromBytes(kForeignDBGUID.Get(Singletons[0])).ToString() != catalogGuid.ToString()) {
+    // Emptied first: a kill in between leaves no thumbnail under another catalog's numbers.
+    Cache.SetSize(0);
+    Commit();
+    kForeignDBGUID.Set(Singletons[0], wanted);
+    Commit();
+  }
+  CacheByID = Cache.SortOn({kID});
+}
+
+void CThumbnailCache::Close() {
+  CacheByID = {};
+  Cache = {};
+  Singletons = {};
+  Storage.reset();
+}
+
+void CThumbnailCache::Store(std::int32_t assetId, const CJpegImage* image) {
+  StoreBytes(assetId, image ? image->SaveToMemory(kThumbnailQuality) : c4_Bytes{});
+}
+
+void CThumbnailCache::StoreBytes(std::int32_t assetId, std::span<const std::uint8_t> bytes) {
+  const int row = FindRow(assetId);
+  if (row >= 0)
+    kThumbnail.Set(Cache[row], bytes);
+  else
+    Cache.Add(kID[assetId] + kThumbnail[bytes]);
+  CommitIfAuto();
+}
+
+std::unique_ptr<CJpegImage> CThumbnailCache::Load(std::int32_t assetId) const {
+  const int row = FindRow(assetId);
+  if (row < 0) return nullptr;
+  try {
+    const c4_Bytes bytes = kThumbnail.Get(Cache[row]);
+    if (bytes.empty()) return nullptr;
+    auto image = std::make_unique<CJpegImage>();
+    image->LoadMemory(bytes, 0, 0);
+    return image;
+  } catch (...) {
+    return nullptr;  // as good as none: the next that is made replaces it
+  }
+}
+
+int CThumbnailCache::FindRow(std::int32_t assetId) const {
+  const int position = CacheByID.Search(kID[assetId]);
+  if (position >= CacheByID.GetSize()) return -1;
+  const c4_RowRef row = CacheByID[position];
+  return kID.Get(row) == assetId ? Cache.GetIndexOf(row) : -1;
+}

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+
+#include "base/Guid.h"
+#include "storage/CommittingStore.h"
+#include "storage/View.h"
+
+class CJpegImage;
+
+/// The thumbnails of the catalog's photos, one JPEG each, in a file of their own that can be lost: what is
+/// missing is remade by the next search. It is paired with one catalog by GUID and emptied when it is opened
+/// for another. Rows are never removed otherwise. One object in the program.
+///
+/// Thread: the one that owns the data. A change raises CStorageException when the disk refuses; all
+/// uncommitted changes are then undone.
+class CThumbnailCache : public CCommittingStore {
+ public:
+  /// Makes this the program's cache.
+  CThumbnailCache();
+  ~CThumbnailCache();
+
+  /// The program's cache; null before there is one.
+  static CThumbnailCache* GetInstance();
+
+  /// Opens or makes the file. One that is damaged, or no storage of ours, is set aside under a name that is
+  /// free, beginning with its own, and remade. CError if the file can't be opened for another reason
+  /// (locked, may not be written), with its bytes as they were.
+  void Open(const std::string& path, const CGuid& catalogGuid);
+
+  /// Commits nothing: what auto commit has left uncommitted is lost.
+  void Close();
+
+  /// Stores an image as a thumbnail, or an empty one for null. CException if it can't be encoded.
+  void Store(std::int32_t assetId, const CJpegImage* image);
+
+  /// Stores a whole JPEG, or an empty block for a photo that gives no picture; replaces the one of that
+  /// photo. Commits if auto commit is on.
+  void StoreBytes(std::int32_t assetId, std::span<const std::uint8_t> bytes);
+
+  /// The thumbnail, decoded. Null if there is none, it is empty, or it can't be read; never an exception,
+  /// so it can be asked for while painting.
+  std::unique_ptr<CJpegImage> Load(std::int32_t assetId) const;
+
+  /// Whether the photo has been dealt with; its thumbnail may be empty.
+  bool Has(std::int32_t assetId) const { return FindRow(assetId) >= 0; }
+
+  /// The photo's position in the order in which the thumbnails came, or -1.
+  int FindRow(std::int32_t assetId) const;
+
+ private:
+  void OpenStorage(const std::string& path);
+  void Pair(const CGuid& catalogGuid);
+
+  c4_View Cache;
+  c4_View Singletons;
+  c4_View CacheByID;
+};
