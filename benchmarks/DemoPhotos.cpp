@@ -1,4 +1,3 @@
-#include <atomic>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
@@ -7,6 +6,7 @@
 #include <variant>
 #include <vector>
 
+#include "Parallel.h"
 #include "PhotoFile.h"
 #include "Scenery.h"
 
@@ -236,22 +236,8 @@ void MakeSamples(const std::string& folder) {
   for (const Sample& sample : kSamples) {
     std::filesystem::create_directories((std::filesystem::path(folder) / sample.Path).parent_path());
   }
-  std::atomic<std::size_t> next{0};
-  std::exception_ptr failure;
-  std::atomic_flag failed;
-  {
-    std::vector<std::jthread> workers;
-    for (unsigned i = 0; i < std::max(1U, std::thread::hardware_concurrency()); ++i) {
-      workers.emplace_back([&] {
-        try {
-          for (std::size_t index = next++; index < kSamples.size(); index = next++) MakeSample(folder, index);
-        } catch (...) {
-          if (!failed.test_and_set()) failure = std::current_exception();
-        }
-      });
-    }
-  }
-  if (failure) std::rethrow_exception(failure);
+  RunParallel(kSamples.size(), std::thread::hardware_concurrency(),
+              [&](std::size_t index) { MakeSample(folder, index); });
 }
 
 }  // namespace

@@ -1,0 +1,20 @@
+#pragma once
+
+/// The benchmarks by name. Each makes what it measures on, prints figures and ratios, and cleans up.
+
+/// The road from photo files to catalog and thumbnails, with the progress window, against a plain loop that
+/// only decodes; the second start over the same photos; the memory that it takes.
+void RunImportBench();
+
+/// A large catalog: opening it, and what single operations cost as it grows.
+void RunCatalogBench();
+
+/// The storage layer alone. In StorageBench.cpp.
+void RunStorageBench();
+
+/// The argument that makes a process a child of RunImportBench.
+inline constexpr const char* kImportChild = "--import-child";
+
+/// The part of RunImportBench that runs in a child process: opens the data stores of its home and searches
+/// the pictures folder.
+void RunImportChild();

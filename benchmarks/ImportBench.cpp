@@ -1,0 +1,165 @@
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "BenchPhotos.h"
+#include "Benchmarks.h"
+#include "ChildRun.h"
+#include "Measure.h"
+#include "PlainDecode.h"
+#include "app/DataStores.h"
+#include "base/RegistrySettings.h"
+#include "catalog/Catalog.h"
+#include "catalog/Properties.h"
+#include "discovery/FolderSearch.h"
+#include "imaging/JpegImage.h"
+#include "imaging/ThumbnailCache.h"
+#include "ui/Application.h"
+#include "ui/FontTable.h"
+#include "ui/Job.h"
+#include "ui/WindowedSearchProgress.h"
+
+namespace {
+
+constexpr int kRepetitions = 5;
+constexpr int kSecondStarts = 9;
+constexpr int kLargePhotos = 200;
+constexpr int kSmallPhotos = 1000;
+
+// A home whose pictures folder is `photos`.
+std::string MakeHome(const CScratchFolder& scratch, int number, const std::string& photos) {
+  const std::filesystem::path home = std::filesystem::path(scratch.GetPath()) / std::to_string(number);
+  std::filesystem::create_directories(home / "config");
+  std::ofstream(home / "config" / "user-dirs.dirs") << "XDG_PICTURES_DIR=\"" << photos << "\"\n";
+  return home.string();
+}
+
+struct ImportFigures {
+  double Seconds = 0;      // median of the first starts
+  double SecondStart = 0;  // median of the starts after the last of them
+};
+
+ChildFigures Start(const std::string& home, const BenchPhotos& photos) {
+  const ChildFigures figures = RunChild({kImportChild}, home);
+  if (figures.Values.size() != 3 || static_cast<int>(figures.Values[1]) != photos.Count ||
+      static_cast<int>(figures.Values[2]) != photos.Count) {
+    throw std::runtime_error("the import did not bring in all photos of " + photos.Folder);
+  }
+  return figures;
+}
+
+// Imports and plain loops take turns, so that whatever else slows the machine down slows both.
+ImportFigures CompareImport(const BenchPhotos& photos, const char* what) {
+  const CScratchFolder scratch("import");
+  const unsigned threads = std::thread::hardware_concurrency();
+  std::vector<double> imports;
+  std::vector<double> plain;
+  std::vector<double> ratios;
+  ImportFigures result;
+  std::string home;
+  for (int i = 0; i < kRepetitions; ++i) {
+    home = MakeHome(scratch, i, photos.Folder);
+    plain.push_back(DecodePlainly(photos.Folder, threads));
+    imports.push_back(Start(home, photos).Values[0]);
+    ratios.push_back(plain.back() / imports.back());
+  }
+  std::vector<double> secondStarts;
+  for (int i = 0; i < kSecondStarts; ++i) secondStarts.push_back(Start(home, photos).Values[0]);
+  result.Seconds = Median(imports);
+  result.SecondStart = Median(secondStarts);
+  std::printf(
+      "  %d photos of %s, %.1f bits a pixel: import %.1f photos/s, plain loop on %u threads %.1f photos/s\n",
+      photos.Count, what, photos.BitsPerPixel, photos.Count / result.Seconds, threads,
+      photos.Count / Median(plain));
+  PrintRatio(std::string("import / plain loop, ") + what, Median(ratios), Limit::AtLeast, 0.9);
+  return result;
+}
+
+// A folder of `count` photos that are the same files again and again under other names.
+BenchPhotos LinkPhotos(const BenchPhotos& photos, int count, const std::string& folder) {
+  std::vector<std::filesystem::path> files;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(photos.Folder)) {
+    if (entry.is_regular_file()) files.push_back(entry.path());
+  }
+  std::filesystem::create_directories(folder);
+  for (int i = 0; i < count; ++i) {
+    std::filesystem::create_hard_link(files[static_cast<std::size_t>(i) % files.size()],
+                                      std::filesystem::path(folder) / (std::to_string(i) + ".jpg"));
+  }
+  return {folder, count, photos.BitsPerPixel};
+}
+
+// More photos may cost their rows, but not their pixels or thumbnails, which take several KB each.
+void MeasureMemory(const BenchPhotos& photos) {
+  constexpr int kFew = 200;
+  constexpr int kMany = 3000;
+  constexpr double kMostKilobytes = 2;  // a photo: its row, its three stamps, their places in the orders
+  const CScratchFolder scratch("memory");
+  double peak[3] = {};
+  int number = 0;
+  for (const int count : {kFew, photos.Count, kMany}) {
+    const std::string folder = scratch.GetPath() + "/photos" + std::to_string(count);
+    const BenchPhotos linked = LinkPhotos(photos, count, folder);
+    peak[number] = Start(MakeHome(scratch, number, folder), linked).PeakMegabytes;
+    std::filesystem::remove_all(folder);
+    ++number;
+  }
+  std::printf("  most memory of an import of %d, %d and %d photos: %.1f, %.1f and %.1f MB\n", kFew,
+              photos.Count, kMany, peak[0], peak[1], peak[2]);
+  PrintRatio("KB of memory for each further photo", (peak[2] - peak[0]) * 1024 / (kMany - kFew),
+             Limit::AtMost, kMostKilobytes);
+}
+
+// Rows with a thumbnail that shows something.
+int CountThumbnails(const CCatalog& catalog, const CThumbnailCache& cache) {
+  int count = 0;
+  for (int i = 0; i < catalog.GetAssets().GetSize(); ++i) {
+    if (cache.Load(props::AssetID.Get(catalog.GetAssets()[i])) != nullptr) ++count;
+  }
+  return count;
+}
+
+}  // namespace
+
+void RunImportBench() {
+  const BenchPhotos large = MakeBenchPhotos(kLargePhotos, 4000, 3000);
+  const BenchPhotos small = MakeBenchPhotos(kSmallPhotos, 1632, 1224);
+  CompareImport(large, "12 megapixels");
+  const ImportFigures importOfSmall = CompareImport(small, "2 megapixels");
+  std::printf("  first start with %d photos %.0f ms, second start %.1f ms\n", small.Count,
+              importOfSmall.Seconds * 1e3, importOfSmall.SecondStart * 1e3);
+  PrintRatio("first start / second start", importOfSmall.Seconds / importOfSmall.SecondStart, Limit::AtLeast,
+             20);
+  MeasureMemory(small);
+}
+
+void RunImportChild() {
+  char name[] = "vellumar_bench";
+  char* arguments[] = {name, nullptr};
+  int count = 1;
+  CApplication application(count, arguments);
+  SetSettings(std::make_unique<CRegistrySettings>());
+  const CFontTable fonts;
+  CCatalog catalog;
+  CThumbnailCache cache;
+  CFolderSearch& search = CFolderSearch::GetInstance();
+
+  const auto start = std::chrono::steady_clock::now();
+  {
+    CWindowedSearchProgress progress(true, true);
+    search.Progress = &progress;
+    RunJob([&] { OpenDataStores(catalog, cache); });
+    RunJob([&] { search.FirstSearch(); });
+    search.Progress = nullptr;
+  }
+  const double seconds = SecondsSince(start);
+  PrintChildFigures({seconds, static_cast<double>(catalog.GetAssets().GetSize()),
+                     static_cast<double>(CountThumbnails(catalog, cache))});
+}

@@ -1,0 +1,9 @@
+#pragma once
+
+#include <string>
+
+/// What an import is measured against: a plain loop that does nothing but read the JPEG files below a
+/// folder and decode each at the smallest of the codec's sizes that covers a thumbnail, with the codec's own
+/// settings. Returns the seconds that it took on that many threads, finding the files left out. Raises
+/// std::runtime_error if a file won't decode.
+double DecodePlainly(const std::string& folder, unsigned threadCount);
