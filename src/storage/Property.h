@@ -18,8 +18,9 @@ enum class c4_Type : char {
   Bytes = 'B',    // a block of bytes, compared byte by byte
 };
 
-/// A named, typed column. Two properties of one name are one property. A property is a small value; the
-/// name and type behind it live as long as the process.
+/// A named, typed column. Two properties of one name and type are one property; views may have columns of
+/// one name and different types. A property is a small value; the name and type behind it live as long as
+/// the process.
 class c4_Property {
  public:
   const std::string& Name() const;
@@ -28,8 +29,7 @@ class c4_Property {
   friend bool operator==(c4_Property, c4_Property) = default;
 
  protected:
-  /// Names are compared without regard to case. A name keeps the type that it was first given with:
-  /// another one raises CError.
+  /// Names are compared without regard to the case of ASCII letters.
   c4_Property(std::string_view name, c4_Type type);
 
  private:

@@ -24,6 +24,8 @@ class c4_FileStream : public c4_Stream {
   c4_FileStream(const std::string& path, const char* mode);
 
   bool IsOpen() const { return File != nullptr; }
+  /// Whether reading came to the end, and not to an error.
+  bool IsAtEnd() const { return File != nullptr && std::feof(File.get()) != 0; }
   std::size_t Read(void* buffer, std::size_t size) override;
   bool Write(const void* buffer, std::size_t size) override;
   bool Flush() override;

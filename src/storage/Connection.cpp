@@ -1,0 +1,37 @@
+#include "storage/Connection.h"
+
+#include <sqlite3.h>
+
+namespace {
+
+constexpr int kLockWait = 5000;  // milliseconds
+
+}  // namespace
+
+void ConnectionCloser::operator()(sqlite3* connection) const {
+  // Fails only while statements stand; they are gone before their connection.
+  static_cast<void>(sqlite3_close(connection));
+}
+
+std::string ToDatabaseName(const std::string& path) { return path.starts_with('/') ? path : "./" + path; }
+
+CConnection Connect(const std::string& path, int flags) {
+  sqlite3* raw = nullptr;
+  const int code = sqlite3_open_v2(ToDatabaseName(path).c_str(), &raw,
+                                   flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
+  CConnection connection(raw);
+  if (code != SQLITE_OK) throw CDatabaseError(code, raw);
+  for (const int setting : {SQLITE_DBCONFIG_TRUSTED_SCHEMA, SQLITE_DBCONFIG_ENABLE_TRIGGER}) {
+    if (const int result = sqlite3_db_config(raw, setting, 0, nullptr)) throw CDatabaseError(result, raw);
+  }
+  if (const int result = sqlite3_busy_timeout(raw, kLockWait)) throw CDatabaseError(result, raw);
+  for (const char* setting : {"PRAGMA synchronous=EXTRA", "PRAGMA temp_store=MEMORY",
+                              "PRAGMA cache_size=-16000", "PRAGMA secure_delete=FAST"}) {
+    CStatement(raw, setting).Run();
+  }
+  return connection;
+}
+
+void MarkAsOurs(sqlite3* connection) {
+  CStatement(connection, "PRAGMA application_id=" + std::to_string(kApplicationId)).Run();
+}

@@ -1,0 +1,151 @@
+#include "storage/Database.h"
+
+#include <sqlite3.h>
+
+#include <filesystem>
+
+#include "platform/Files.h"
+#include "storage/StorageException.h"
+
+namespace {
+
+std::string MakeAbsolute(const std::string& path) {
+  std::error_code error;
+  const std::filesystem::path absolute = std::filesystem::absolute(path, error);
+  return error ? path : absolute.string();
+}
+
+std::string MakeText(const std::string& path, std::string_view done, std::string_view reason) {
+  return "The file \"" + path + "\" can't be " + std::string(done) + ": " + std::string(reason) + ".";
+}
+
+}  // namespace
+
+CDatabase::CDatabase(const std::string& path, c4_Storage::Mode mode) : Path(MakeAbsolute(path)), Mode(mode) {
+  if (!IsReadOnly()) MakeIfMissing();
+  CheckIsFile();
+  try {
+    Open();
+  } catch (const CDatabaseError& error) {
+    Fail(error);
+  }
+}
+
+/// A new file is whole, flushed and marked as ours before it has its name, so an empty file is never a
+/// new storage.
+void CDatabase::MakeIfMissing() const {
+  platform::FileStatus status;
+  std::error_code error = platform::GetStatus(Path, status);
+  if (error != std::errc::no_such_file_or_directory) return;
+  std::string temporary;
+  error = platform::CreateTemporaryFile(Path, ".vellumar-", temporary);
+  if (error) throw CError(MakeText(Path, "made", error.message()));
+  try {
+    MarkAsOurs(Connect(temporary, SQLITE_OPEN_READWRITE).get());
+  } catch (const CDatabaseError& failure) {
+    static_cast<void>(platform::RemoveFile(temporary));
+    throw CError(Describe("made", failure));
+  }
+  // A journal without its file would be taken for the new file's own and played back into it.
+  error = platform::RemoveFile(Path + "-journal");
+  if (!error || error == std::errc::no_such_file_or_directory) {
+    error = platform::RenameToNewName(temporary, Path);
+  }
+  if (!error) return;
+  static_cast<void>(platform::RemoveFile(temporary));
+  // Another process was faster: its file is as good.
+  if (error != std::errc::file_exists) throw CError(MakeText(Path, "made", error.message()));
+}
+
+void CDatabase::CheckIsFile() const {
+  platform::FileStatus status;
+  if (const auto error = platform::GetStatus(Path, status)) {
+    throw CError(MakeText(Path, "opened", error.message()));
+  }
+  if (status.IsFolder) throw CError(MakeText(Path, "opened", "it is a folder"));
+  if (!status.IsRegular) throw CError(MakeText(Path, "opened", "it is not a regular file"));
+  if (status.Size == 0) throw CDamagedStorage(MakeText(Path, "opened", "it is damaged (it is empty)"));
+}
+
+void CDatabase::Open() {
+  if (IsReadOnly()) {
+    OpenForReading();
+  } else {
+    OpenForWriting();
+  }
+  DataVersion = Prepare("PRAGMA data_version");
+}
+
+void CDatabase::OpenForReading() {
+  Connection = Connect(Path, SQLITE_OPEN_READONLY);
+  for (bool recovered = false;; recovered = true) {
+    try {
+      Execute("BEGIN");
+      CheckContent();
+      Execute("ROLLBACK");
+      return;
+    } catch (const CDatabaseError& error) {
+      if (error.GetExtendedCode() != SQLITE_READONLY_ROLLBACK || recovered) throw;
+      if (IsInTransaction()) Execute("ROLLBACK");
+      RecoverFromJournal();
+    }
+  }
+}
+
+/// A killed run's transaction stands half in the file and its journal beside it. Only a connection that may
+/// write can put the file right; it does so before it reads.
+void CDatabase::RecoverFromJournal() const {
+  const CConnection writer = Connect(Path, SQLITE_OPEN_READWRITE);
+  CStatement(writer.get(), "SELECT count(*) FROM sqlite_schema").Run();
+}
+
+/// Begins a change and drops it again: then the file can be written, its folder can take a journal, and no
+/// other process is in the middle of a change. The file's bytes stay as they are.
+void CDatabase::OpenForWriting() {
+  Connection = Connect(Path, SQLITE_OPEN_READWRITE);
+  if (sqlite3_db_readonly(Connection.get(), "main") == 1) throw CDatabaseError(SQLITE_READONLY, nullptr);
+  Execute("BEGIN IMMEDIATE");
+  CheckContent();
+  Execute("PRAGMA application_id=" + std::to_string(QueryInteger("PRAGMA application_id")));
+  Execute("ROLLBACK");
+  // Another tool may have switched the file to a log of its own, which a plain copy would miss.
+  if (Ours) Execute("PRAGMA journal_mode=DELETE");
+}
+
+void CDatabase::CheckContent() {
+  QueryInteger("SELECT count(*) FROM sqlite_schema");
+  const std::int64_t size = QueryInteger("PRAGMA page_count") * QueryInteger("PRAGMA page_size");
+  platform::FileStatus status;
+  if (const auto error = platform::GetStatus(Path, status)) {
+    throw CDatabaseError(SQLITE_IOERR, error.message());
+  }
+  // SQLite takes a last page that is cut short for one that ends in zeros.
+  if (status.Size < static_cast<std::uint64_t>(size)) {
+    throw CDatabaseError(SQLITE_CORRUPT, "it is damaged (its end is missing)");
+  }
+  Ours = QueryInteger("PRAGMA application_id") == kApplicationId;
+}
+
+void CDatabase::Fail(const CDatabaseError& error) const {
+  if (error.IsDamage()) throw CDamagedStorage(Describe("opened", error));
+  throw CError(Describe("opened", error));
+}
+
+std::string CDatabase::Describe(std::string_view done, const CThrowable& reason) const {
+  return MakeText(Path, done, reason.GetMessage());
+}
+
+void CDatabase::Execute(const std::string& sql) const { Prepare(sql).Run(); }
+
+std::int64_t CDatabase::QueryInteger(std::string_view sql) const {
+  CStatement statement = Prepare(sql);
+  const CStatementUse use(statement);
+  return use->Step() ? use->GetInteger(0) : 0;
+}
+
+bool CDatabase::IsInTransaction() const { return sqlite3_get_autocommit(Connection.get()) == 0; }
+
+std::int64_t CDatabase::GetDataVersion() {
+  const CStatementUse use(DataVersion);
+  return use->Step() ? use->GetInteger(0) : 0;
+}

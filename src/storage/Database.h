@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "storage/Connection.h"
+#include "storage/Storage.h"
+
+/// A connection to one storage file, opened by the rules that c4_Storage promises, and what the file says
+/// of itself. Raises CDatabaseError once it is open.
+class CDatabase {
+ public:
+  /// Raises CError as the constructor of c4_Storage does.
+  CDatabase(const std::string& path, c4_Storage::Mode mode);
+  CDatabase(const CDatabase&) = delete;
+  CDatabase& operator=(const CDatabase&) = delete;
+
+  /// The whole path, folder included.
+  const std::string& GetPath() const { return Path; }
+  bool IsReadOnly() const { return Mode == c4_Storage::Mode::ReadOnly; }
+  /// Whether the file was made by this program. Any other SQLite file may serve if it has the views.
+  bool IsOurs() const { return Ours; }
+  sqlite3* GetConnection() const { return Connection.get(); }
+
+  CStatement Prepare(std::string_view sql) const { return {Connection.get(), sql}; }
+  void Execute(const std::string& sql) const;
+  std::int64_t QueryInteger(std::string_view sql) const;
+  bool IsInTransaction() const;
+
+  /// A number that changes when another connection has changed the file.
+  std::int64_t GetDataVersion();
+
+  /// "The file "/x/y" can't be <done>: <reason>."
+  std::string Describe(std::string_view done, const CThrowable& reason) const;
+
+ private:
+  void MakeIfMissing() const;
+  void CheckIsFile() const;
+  void Open();
+  void OpenForReading();
+  void OpenForWriting();
+  void RecoverFromJournal() const;
+  void CheckContent();
+  [[noreturn]] void Fail(const CDatabaseError& error) const;
+
+  std::string Path;
+  c4_Storage::Mode Mode;
+  bool Ours = false;
+  CConnection Connection;
+  CStatement DataVersion;
+};

@@ -1,0 +1,98 @@
+#include "storage/DerivedSequence.h"
+
+#include <algorithm>
+#include <span>
+
+#include "storage/SlotSort.h"
+#include "storage/Table.h"
+
+namespace {
+
+/// A candidate of an index costs a check and a place in the order; a row of the sequence only a check.
+constexpr std::size_t kCandidateCost = 16;
+
+std::vector<c4_Slot> ScanAll(const c4_Sequence& sequence, const c4_Row& values) {
+  const c4_Table& table = sequence.GetTable();
+  std::vector<c4_Slot> matches;
+  const std::size_t size = sequence.GetSize();
+  for (std::size_t position = 0; position < size; ++position) {
+    const c4_Slot slot = sequence.GetSlotAt(position);
+    if (table.Matches(slot, values)) matches.push_back(slot);
+  }
+  return matches;
+}
+
+}  // namespace
+
+std::vector<c4_Slot> FindMatches(const c4_Sequence& sequence, const c4_Row& values) {
+  c4_Table& table = sequence.GetTable();
+  const auto candidates = table.FindCandidates(values);
+  if (!candidates || candidates->size() * kCandidateCost > sequence.GetSize()) {
+    return ScanAll(sequence, values);
+  }
+  std::vector<c4_Slot> matches;
+  for (const c4_Slot slot : *candidates) {
+    if (table.Matches(slot, values) && sequence.Contains(slot)) matches.push_back(slot);
+  }
+  // The index gives them in the table's order.
+  if (sequence.GetSortKeys() != nullptr) {
+    std::sort(matches.begin(), matches.end(),
+              [&](c4_Slot left, c4_Slot right) { return sequence.IsBefore(left, right); });
+  }
+  return matches;
+}
+
+CDerivedSequence::CDerivedSequence(std::shared_ptr<c4_Sequence> base)
+    : c4_Sequence(base->GetTable()), Base(std::move(base)) {
+  Base->Derived.push_back(this);
+}
+
+CDerivedSequence::~CDerivedSequence() { std::erase(Base->Derived, this); }
+
+void CDerivedSequence::Insert(c4_Slot slot) {
+  Slots.insert(Slots.begin() + static_cast<std::ptrdiff_t>(LowerBound(slot)), slot);
+}
+
+void CDerivedSequence::Erase(c4_Slot slot) {
+  const auto position = GetPositionOf(slot);
+  if (position) Slots.erase(Slots.begin() + static_cast<std::ptrdiff_t>(*position));
+}
+
+void CDerivedSequence::EraseRemoved() {
+  std::erase_if(Slots, [this](c4_Slot slot) { return !GetTable().IsLive(slot); });
+}
+
+CSelection::CSelection(std::shared_ptr<c4_Sequence> base, c4_Row values)
+    : CDerivedSequence(std::move(base)), Values(std::move(values)) {
+  CSelection::Fill();
+}
+
+bool CSelection::Accepts(c4_Slot slot) const { return GetTable().Matches(slot, Values); }
+
+bool CSelection::DependsOn(std::size_t column) const {
+  const auto& values = Values.GetValues();
+  return std::any_of(values.begin(), values.end(),
+                     [&](const auto& entry) { return GetTable().FindColumn(entry.first) == column; });
+}
+
+void CSelection::Fill() {
+  Slots = FindMatches(GetBase(), Values);
+  Slots.shrink_to_fit();
+}
+
+CSorting::CSorting(std::shared_ptr<c4_Sequence> base, std::vector<SortKey> keys)
+    : CDerivedSequence(std::move(base)), Keys(std::move(keys)) {
+  CSorting::Fill();
+}
+
+bool CSorting::IsBefore(c4_Slot left, c4_Slot right) const {
+  const int order = CompareByKeys(GetTable(), Keys, left, right);
+  return order != 0 ? order < 0 : GetBase().IsBefore(left, right);
+}
+
+bool CSorting::DependsOn(std::size_t column) const {
+  return std::any_of(Keys.begin(), Keys.end(),
+                     [&](const SortKey& key) { return GetTable().FindColumn(key.Property) == column; });
+}
+
+void CSorting::Fill() { Slots = SortSlots(GetBase(), Keys); }

@@ -1,0 +1,27 @@
+#include "storage/Row.h"
+
+#include <algorithm>
+
+#include "storage/DataThread.h"
+#include "storage/Table.h"
+
+c4_Row operator+(c4_Row left, c4_Row right) {
+  for (auto& [property, value] : right.Values) {
+    const auto same = std::find_if(left.Values.begin(), left.Values.end(),
+                                   [&](const auto& entry) { return entry.first == property; });
+    if (same != left.Values.end()) {
+      same->second = std::move(value);
+    } else {
+      left.Values.emplace_back(property, std::move(value));
+    }
+  }
+  return left;
+}
+
+c4_RowRef::c4_RowRef(std::shared_ptr<c4_Table> table, std::uint32_t slot, std::int64_t rowId)
+    : Table(std::move(table)), Slot(slot), RowId(rowId) {}
+
+bool c4_RowRef::IsValid() const {
+  AssertDataThread();
+  return Table && Table->FindSlot({Slot, RowId}).has_value();
+}

@@ -1,0 +1,98 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "storage/Property.h"
+
+class c4_Table;
+
+/// The number of a row in the memory of its table. Slots grow with the row's number in the file and are
+/// never given to another row while the table is loaded.
+using c4_Slot = std::uint32_t;
+
+struct SortKey {
+  c4_Property Property;
+  bool Descending;
+};
+
+/// An ordered choice of a table's rows, and those derived from it. Each has a total order of slots, so a
+/// row's position is found by binary search, and a change moves the one row concerned: it is taken out of
+/// every derived sequence whose order or choice depends on the property, and put in again after the change.
+class c4_Sequence {
+ public:
+  explicit c4_Sequence(c4_Table& table) : Table(table) {}
+  virtual ~c4_Sequence() = default;
+  c4_Sequence(const c4_Sequence&) = delete;
+  c4_Sequence& operator=(const c4_Sequence&) = delete;
+
+  c4_Table& GetTable() const { return Table; }
+
+  virtual std::size_t GetSize() const = 0;
+  virtual c4_Slot GetSlotAt(std::size_t position) const = 0;
+  /// Whether `left` stands before `right`, or would if both were in the sequence.
+  virtual bool IsBefore(c4_Slot left, c4_Slot right) const = 0;
+  /// Whether a row that is in the base is in this sequence.
+  virtual bool Accepts(c4_Slot slot) const = 0;
+  virtual bool Contains(c4_Slot slot) const = 0;
+  /// What the rows are sorted by, through selections; null if they stand in the order of the table.
+  virtual const std::vector<SortKey>* GetSortKeys() const = 0;
+
+  std::optional<std::size_t> GetPositionOf(c4_Slot slot) const;
+
+  /// Before a change of `column` of the row, or (none) its removal: takes it out of what depends on that.
+  void TakeOut(c4_Slot slot, std::optional<std::size_t> column);
+  /// After the change, or the row's addition.
+  void PutIn(c4_Slot slot, std::optional<std::size_t> column);
+  /// After many rows were removed at once.
+  void DropRemoved();
+  /// After the table was loaded or emptied.
+  void Rebuild();
+
+ protected:
+  /// The first position whose row isn't before the slot.
+  std::size_t LowerBound(c4_Slot slot) const;
+
+ private:
+  friend class CDerivedSequence;
+  using Column = std::optional<std::size_t>;
+
+  virtual bool DependsOn(std::size_t column) const = 0;
+  virtual void Insert(c4_Slot slot) = 0;
+  virtual void Erase(c4_Slot slot) = 0;
+  virtual void EraseRemoved() = 0;
+  virtual void Fill() = 0;
+
+  void TakeOutOfDerived(c4_Slot slot, Column column, bool depends);
+  void PutIntoDerived(c4_Slot slot, Column column, bool depends);
+
+  c4_Table& Table;
+  std::vector<c4_Sequence*> Derived;  // each takes itself off when it goes
+};
+
+/// All rows of a table, in the order of the file.
+class CStoredSequence final : public c4_Sequence {
+ public:
+  using c4_Sequence::c4_Sequence;
+
+  std::size_t GetSize() const override;
+  c4_Slot GetSlotAt(std::size_t position) const override;
+  bool IsBefore(c4_Slot left, c4_Slot right) const override { return left < right; }
+  bool Accepts(c4_Slot) const override { return true; }
+  bool Contains(c4_Slot slot) const override;
+  const std::vector<SortKey>* GetSortKeys() const override { return nullptr; }
+
+ private:
+  bool DependsOn(std::size_t) const override { return false; }
+  void Insert(c4_Slot slot) override;
+  void Erase(c4_Slot slot) override;
+  void EraseRemoved() override;
+  void Fill() override;
+  void MakeOrder();
+
+  bool HasOrder = false;       // while no row was removed the position of a row is its slot
+  std::vector<c4_Slot> Order;  // ascending
+};

@@ -1,0 +1,141 @@
+#include "storage/Statement.h"
+
+#include <sqlite3.h>
+
+#include <cstring>
+#include <limits>
+
+namespace {
+
+std::string DescribeIoError(sqlite3* connection) {
+  const int system = connection != nullptr ? sqlite3_system_errno(connection) : 0;
+  std::string text = "the disk reported an error";
+  if (system != 0) text += std::string(" (") + std::strerror(system) + ")";
+  return text;
+}
+
+std::string DescribeReadOnly(int code) {
+  if (code == SQLITE_READONLY_ROLLBACK) return "an interrupted change of it can't be undone";
+  if (code == SQLITE_READONLY_DIRECTORY) return "its folder may not be written";
+  return "it may not be written";
+}
+
+/// What is wrong, as the end of a sentence about the file.
+std::string Describe(int code, sqlite3* connection) {
+  switch (code & 0xff) {
+    case SQLITE_NOTADB:
+    case SQLITE_CORRUPT:
+      return "it is damaged";
+    case SQLITE_FULL:
+      return "the disk is full";
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+    case SQLITE_PROTOCOL:
+      return "another program is using it";
+    case SQLITE_READONLY:
+      return DescribeReadOnly(code);
+    case SQLITE_IOERR:
+      return DescribeIoError(connection);
+    case SQLITE_NOMEM:
+      return "memory ran out";
+    case SQLITE_CANTOPEN: {
+      const int system = connection != nullptr ? sqlite3_system_errno(connection) : 0;
+      return system != 0 ? std::strerror(system) : "it or its journal can't be opened";
+    }
+    default:
+      return connection != nullptr ? sqlite3_errmsg(connection) : sqlite3_errstr(code);
+  }
+}
+
+}  // namespace
+
+CDatabaseError::CDatabaseError(int code, sqlite3* connection)
+    : CException(Describe(code, connection)), Code(code) {}
+
+CDatabaseError::CDatabaseError(int code, std::string reason) : CException(std::move(reason)), Code(code) {}
+
+bool CDatabaseError::IsDamage() const {
+  return GetPrimaryCode() == SQLITE_CORRUPT || GetPrimaryCode() == SQLITE_NOTADB;
+}
+
+void CStatement::Finalizer::operator()(sqlite3_stmt* statement) const {
+  // The result repeats the statement's last failure, which was seen when it happened.
+  static_cast<void>(sqlite3_finalize(statement));
+}
+
+CStatement::CStatement(sqlite3* connection, std::string_view sql) {
+  sqlite3_stmt* handle = nullptr;
+  const int code = sqlite3_prepare_v3(connection, sql.data(), static_cast<int>(sql.size()),
+                                      SQLITE_PREPARE_PERSISTENT, &handle, nullptr);
+  Handle.reset(handle);
+  if (code != SQLITE_OK) throw CDatabaseError(code, connection);
+}
+
+void CStatement::Check(int code) const {
+  if (code != SQLITE_OK) throw CDatabaseError(code, sqlite3_db_handle(Handle.get()));
+}
+
+void CStatement::Bind(int parameter, std::int64_t value) {
+  Check(sqlite3_bind_int64(Handle.get(), parameter, value));
+}
+
+void CStatement::Bind(int parameter, std::string_view text) {
+  const char* bytes = text.empty() ? "" : text.data();  // a null pointer would bind NULL
+  Check(sqlite3_bind_text64(Handle.get(), parameter, bytes, text.size(), SQLITE_STATIC, SQLITE_UTF8));
+}
+
+void CStatement::Bind(int parameter, std::span<const std::uint8_t> bytes) {
+  if (bytes.empty()) {
+    Check(sqlite3_bind_zeroblob(Handle.get(), parameter, 0));
+  } else {
+    Check(sqlite3_bind_blob64(Handle.get(), parameter, bytes.data(), bytes.size(), SQLITE_STATIC));
+  }
+}
+
+bool CStatement::Step() {
+  const int code = sqlite3_step(Handle.get());
+  if (code == SQLITE_ROW) return true;
+  if (code == SQLITE_DONE) return false;
+  throw CDatabaseError(code, sqlite3_db_handle(Handle.get()));
+}
+
+void CStatement::Run() {
+  const CStatementUse use(*this);
+  use->Step();
+}
+
+void CStatement::Reset() noexcept {
+  // The result repeats the failure of the last step.
+  if (Handle) static_cast<void>(sqlite3_reset(Handle.get()));
+}
+
+std::int64_t CStatement::GetInteger(int column) const { return sqlite3_column_int64(Handle.get(), column); }
+
+std::int32_t CStatement::GetInteger32(int column) const {
+  if (sqlite3_column_type(Handle.get(), column) != SQLITE_INTEGER) return 0;
+  const std::int64_t value = sqlite3_column_int64(Handle.get(), column);
+  const bool fits =
+      value >= std::numeric_limits<std::int32_t>::min() && value <= std::numeric_limits<std::int32_t>::max();
+  return fits ? static_cast<std::int32_t>(value) : 0;
+}
+
+std::string_view CStatement::GetText(int column) const {
+  if (sqlite3_column_type(Handle.get(), column) != SQLITE_TEXT) return {};
+  const unsigned char* text = sqlite3_column_text(Handle.get(), column);
+  if (text == nullptr) throw CDatabaseError(SQLITE_NOMEM, nullptr);
+  return {reinterpret_cast<const char*>(text),
+          static_cast<std::size_t>(sqlite3_column_bytes(Handle.get(), column))};
+}
+
+std::span<const std::uint8_t> CStatement::GetBytes(int column) const {
+  if (sqlite3_column_type(Handle.get(), column) != SQLITE_BLOB) return {};
+  const void* bytes = sqlite3_column_blob(Handle.get(), column);  // null for an empty block
+  if (bytes == nullptr) {
+    if (sqlite3_errcode(sqlite3_db_handle(Handle.get())) == SQLITE_NOMEM) {
+      throw CDatabaseError(SQLITE_NOMEM, nullptr);
+    }
+    return {};
+  }
+  return {static_cast<const std::uint8_t*>(bytes),
+          static_cast<std::size_t>(sqlite3_column_bytes(Handle.get(), column))};
+}

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "base/Exceptions.h"
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+/// A call into SQLite failed. Stays inside the storage: what leaves it is CError or CStorageException.
+class CDatabaseError : public CException {
+ public:
+  /// The last failure of the connection.
+  CDatabaseError(int code, sqlite3* connection);
+  CDatabaseError(int code, std::string reason);
+
+  int GetPrimaryCode() const { return Code & 0xff; }
+  int GetExtendedCode() const { return Code; }
+
+  /// Whether the bytes of the file are to blame, so that trying again can't help.
+  bool IsDamage() const;
+
+ private:
+  int Code;
+};
+
+/// A prepared statement, kept for use after use. Parameters and columns are numbered as SQLite does: from 1
+/// and from 0. Texts and bytes that are bound must stay until the next Reset.
+class CStatement {
+ public:
+  CStatement() = default;
+  CStatement(sqlite3* connection, std::string_view sql);
+
+  explicit operator bool() const { return Handle != nullptr; }
+
+  void Bind(int parameter, std::int64_t value);
+  void Bind(int parameter, std::string_view text);
+  void Bind(int parameter, std::span<const std::uint8_t> bytes);
+
+  /// Whether there is a (further) row.
+  bool Step();
+  /// Steps once and resets, for statements that give no row, or one that nobody reads.
+  void Run();
+  void Reset() noexcept;
+
+  std::int64_t GetInteger(int column) const;
+  /// A value that is no integer, or doesn't fit, is 0.
+  std::int32_t GetInteger32(int column) const;
+  /// A value that is no text is empty. Valid until the next step.
+  std::string_view GetText(int column) const;
+  /// A value that is no block of bytes is empty. Valid until the next step.
+  std::span<const std::uint8_t> GetBytes(int column) const;
+
+ private:
+  struct Finalizer {
+    void operator()(sqlite3_stmt* statement) const;
+  };
+  void Check(int code) const;
+
+  std::unique_ptr<sqlite3_stmt, Finalizer> Handle;
+};
+
+/// Resets a statement at the end of its use, so that it holds no lock on the file.
+class CStatementUse {
+ public:
+  explicit CStatementUse(CStatement& statement) : Statement(statement) {}
+  ~CStatementUse() { Statement.Reset(); }
+  CStatementUse(const CStatementUse&) = delete;
+  CStatementUse& operator=(const CStatementUse&) = delete;
+  CStatement* operator->() const { return &Statement; }
+
+ private:
+  CStatement& Statement;
+};

@@ -1,0 +1,134 @@
+#include "storage/Storage.h"
+
+#include <map>
+#include <utility>
+#include <vector>
+
+#include "storage/DataThread.h"
+#include "storage/Database.h"
+#include "storage/StorageDescription.h"
+#include "storage/StorageException.h"
+#include "storage/StorageImage.h"
+#include "storage/Table.h"
+#include "storage/TextOrder.h"
+#include "storage/Transaction.h"
+
+namespace {
+
+c4_Property MakeProperty(const ViewDescription::Column& column) {
+  switch (column.Type) {
+    case c4_Type::Integer:
+      return c4_IntProp(column.Name);
+    case c4_Type::Text:
+      return c4_StringProp(column.Name);
+    case c4_Type::Bytes:
+      break;
+  }
+  return c4_BytesProp(column.Name);
+}
+
+struct NameOrder {
+  bool operator()(const std::string& left, const std::string& right) const {
+    return CompareTexts(left, right) < 0;
+  }
+};
+
+}  // namespace
+
+class c4_Storage::Impl {
+ public:
+  Impl(const std::string& path, Mode mode) : Path(path), Database(path, mode), Transaction(Database) {}
+  ~Impl() { CloseTables(); }
+  Impl(const Impl&) = delete;
+  Impl& operator=(const Impl&) = delete;
+
+  std::shared_ptr<c4_Sequence> GetAs(const ViewDescription& description);
+  void CloseTables();
+
+  const std::string Path;
+  CDatabase Database;
+  CTransaction Transaction;
+
+ private:
+  std::shared_ptr<c4_Table> OpenTable(const std::string& name, const std::vector<c4_Property>& properties);
+
+  std::map<std::string, std::shared_ptr<c4_Table>, NameOrder> Tables;
+};
+
+std::shared_ptr<c4_Sequence> c4_Storage::Impl::GetAs(const ViewDescription& description) {
+  std::vector<c4_Property> properties;
+  for (const auto& column : description.Columns) properties.push_back(MakeProperty(column));
+  const std::shared_ptr<c4_Table> table = OpenTable(description.Name, properties);
+  if (!Database.IsReadOnly() && !table->IsStored()) {
+    Transaction.Run([&] { table->Store(); });
+  }
+  return {table, &table->GetRoot()};
+}
+
+/// The table with the properties, loaded; not known to the storage unless it could be.
+std::shared_ptr<c4_Table> c4_Storage::Impl::OpenTable(const std::string& name,
+                                                      const std::vector<c4_Property>& properties) {
+  const auto known = Tables.find(name);
+  if (known != Tables.end() && known->second->HasAll(properties)) return known->second;
+  const auto table = known != Tables.end() ? known->second : std::make_shared<c4_Table>(name, Transaction);
+  try {
+    table->Declare(properties);
+    table->Load();
+  } catch (const CDatabaseError& error) {
+    table->Unload();
+    if (known != Tables.end()) Transaction.MarkOutOfStep();
+    if (error.IsDamage()) throw CDamagedStorage(Database.Describe("read", error));
+    throw CError(Database.Describe("read", error));
+  }
+  if (!table->IsInFile() && !Database.IsOurs()) {
+    throw CDamagedStorage(
+        Database.Describe("opened", CException(std::string("it belongs to another program"))));
+  }
+  if (known == Tables.end()) {
+    Tables.emplace(name, table);
+    Transaction.Attach(*table);
+  }
+  return table;
+}
+
+void c4_Storage::Impl::CloseTables() {
+  Transaction.DetachAll();
+  for (const auto& [name, table] : Tables) table->Close();
+  Tables.clear();
+}
+
+c4_Storage::c4_Storage(const std::string& path, Mode mode) : Inside(std::make_unique<Impl>(path, mode)) {}
+
+c4_Storage::~c4_Storage() = default;
+
+c4_View c4_Storage::GetAs(std::string_view description) {
+  AssertDataThread();
+  return c4_View(Inside->GetAs(ParseViewDescription(description)));
+}
+
+void c4_Storage::Commit() {
+  AssertDataThread();
+  Inside->Transaction.Commit();
+}
+
+void c4_Storage::Rollback() {
+  AssertDataThread();
+  Inside->Transaction.Rollback();
+}
+
+void c4_Storage::SaveTo(c4_Stream& stream) {
+  AssertDataThread();
+  SaveStorageImage(Inside->Database, stream);
+}
+
+bool c4_Storage::LoadFrom(c4_Stream& stream) {
+  AssertDataThread();
+  CStorageImage image(stream);
+  if (!image.IsValid()) return false;
+  Inside->Transaction.Rollback();
+  Inside->CloseTables();
+  image.CopyInto(Inside->Database);
+  return true;
+}
+
+const std::string& c4_Storage::GetPath() const { return Inside->Path; }

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "storage/Database.h"
+
+class c4_Table;
+
+/// The one open transaction of a storage. It begins with the first change after a commit and is undone, in
+/// the file and in every table, unless it is committed.
+class CTransaction {
+ public:
+  explicit CTransaction(CDatabase& database);
+  CTransaction(const CTransaction&) = delete;
+  CTransaction& operator=(const CTransaction&) = delete;
+
+  /// The tables to bring back in step when the file isn't as they believe. The caller keeps them alive.
+  void Attach(c4_Table& table) { Tables.push_back(&table); }
+  void DetachAll() { Tables.clear(); }
+
+  CDatabase& GetDatabase() const { return Database; }
+  bool IsOpen() const { return Opened; }
+
+  /// Runs a change of the file and the tables inside the transaction. If it fails everything since the last
+  /// commit is undone and CStorageException raised. The tables may have been loaded anew when `change`
+  /// begins, since another process may have changed the file meanwhile.
+  template <typename Change>
+  void Run(const Change& change) {
+    try {
+      Begin();
+      change();
+    } catch (const CDatabaseError& error) {
+      Undo();
+      Raise(error);
+    } catch (...) {
+      Undo();
+      throw;
+    }
+  }
+
+  /// CStorageException, with everything since the last commit undone, if it doesn't reach the disk.
+  void Commit();
+  void Rollback();
+
+  /// A table couldn't be loaded: all of them are loaded anew before the next change.
+  void MarkOutOfStep() { OutOfStep = true; }
+
+  /// To be called when a read failed: SQLite may have given up the transaction on its own.
+  void CheckAfterRead();
+
+ private:
+  void Begin();
+  void Undo() noexcept;
+  void EndInFile() noexcept;
+  void LoadTables();
+  bool TryLoadTables() noexcept;
+  [[noreturn]] void Raise(const CDatabaseError& error) const;
+
+  CDatabase& Database;
+  std::vector<c4_Table*> Tables;
+  std::int64_t DataVersion;  // of the file when the tables were last in step with it
+  bool Opened = false;
+  bool OutOfStep = false;  // the tables could not be loaded after an undo; they are empty until they can
+};

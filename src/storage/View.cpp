@@ -1,0 +1,168 @@
+#include "storage/View.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "storage/DataThread.h"
+#include "storage/DerivedSequence.h"
+#include "storage/Table.h"
+
+namespace {
+
+constexpr std::size_t kCandidateCost = 16;  // finding a row's position, against looking at one row
+
+std::size_t ToPosition(int index) { return static_cast<std::size_t>(index); }
+
+/// The sort keys that `values` has a value for, from the first one on.
+struct SearchKey {
+  std::size_t Column;
+  bool Descending;
+  const c4_Row::Value* Value;
+};
+
+std::vector<SearchKey> MakeSearchKeys(const c4_Sequence& sequence, const c4_Row& values) {
+  std::vector<SearchKey> keys;
+  const c4_Table& table = sequence.GetTable();
+  const auto addKey = [&](const c4_Property& property, bool descending, const c4_Row::Value& value) {
+    if (const auto column = table.FindColumn(property)) keys.push_back({*column, descending, &value});
+  };
+  const std::vector<SortKey>* sortKeys = sequence.GetSortKeys();
+  if (sortKeys == nullptr) {
+    // A stored view that its owner keeps in order.
+    for (const auto& [property, value] : values.GetValues()) addKey(property, false, value);
+    return keys;
+  }
+  for (const SortKey& key : *sortKeys) {
+    const auto entry = std::find_if(values.GetValues().begin(), values.GetValues().end(),
+                                    [&](const auto& other) { return other.first == key.Property; });
+    if (entry == values.GetValues().end()) break;
+    addKey(key.Property, key.Descending, entry->second);
+  }
+  return keys;
+}
+
+bool IsBelow(const c4_Table& table, c4_Slot slot, const std::vector<SearchKey>& keys) {
+  for (const SearchKey& key : keys) {
+    const int order = table.CompareToValue(key.Column, slot, *key.Value);
+    if (order != 0) return key.Descending ? order > 0 : order < 0;
+  }
+  return false;
+}
+
+}  // namespace
+
+c4_View::c4_View() = default;
+
+c4_View::c4_View(std::shared_ptr<c4_Sequence> sequence) : Sequence(std::move(sequence)) {}
+
+int c4_View::GetSize() const {
+  AssertDataThread();
+  return Sequence ? static_cast<int>(Sequence->GetSize()) : 0;
+}
+
+c4_RowRef c4_View::GetAt(int index) const {
+  if (index < 0 || index >= GetSize()) return {};
+  c4_Table& table = Sequence->GetTable();
+  const RowIdentity row = table.GetIdentity(Sequence->GetSlotAt(ToPosition(index)));
+  return {table.shared_from_this(), row.Slot, row.RowId};
+}
+
+int c4_View::GetIndexOf(const c4_RowRef& row) const {
+  AssertDataThread();
+  if (!Sequence || row.Table.get() != &Sequence->GetTable()) return -1;
+  const auto slot = row.Table->FindSlot({row.Slot, row.RowId});
+  const auto position = slot ? Sequence->GetPositionOf(*slot) : std::nullopt;
+  return position ? static_cast<int>(*position) : -1;
+}
+
+c4_RowRef c4_View::Add(const c4_Row& row) {
+  AssertDataThread();
+  if (!Sequence || !Sequence->GetTable().IsOpen()) return {};
+  c4_Table& table = Sequence->GetTable();
+  const RowIdentity added = table.Add(row);
+  return {table.shared_from_this(), added.Slot, added.RowId};
+}
+
+void c4_View::RemoveAt(int index, int count) {
+  const int size = GetSize();
+  const int first = std::clamp(index, 0, size);
+  const std::int64_t end = std::int64_t{index} + std::max(count, 0);
+  const int last = static_cast<int>(std::clamp(end, std::int64_t{first}, std::int64_t{size}));
+  if (first == last) return;
+  c4_Table& table = Sequence->GetTable();
+  std::vector<RowIdentity> rows;
+  for (int i = first; i < last; ++i) {
+    rows.push_back(table.GetIdentity(Sequence->GetSlotAt(ToPosition(i))));
+  }
+  table.Remove(rows);
+}
+
+void c4_View::SetSize(int size) {
+  const int present = GetSize();
+  if (!Sequence || size < 0) return;
+  RemoveAt(size, present - size);
+  for (int i = present; i < size; ++i) Add(c4_Row());
+}
+
+void c4_View::AddProperty(const c4_Property& property) {
+  AssertDataThread();
+  if (Sequence) Sequence->GetTable().AddProperty(property);
+}
+
+int c4_View::Find(const c4_Row& values, int start) const {
+  const int size = GetSize();
+  start = std::max(start, 0);
+  if (start >= size) return -1;
+  c4_Table& table = Sequence->GetTable();
+  const auto candidates = table.FindCandidates(values);
+  if (candidates && candidates->size() * kCandidateCost <= ToPosition(size)) {
+    std::size_t first = std::numeric_limits<std::size_t>::max();
+    for (const c4_Slot slot : *candidates) {
+      if (!table.Matches(slot, values)) continue;
+      const auto position = Sequence->GetPositionOf(slot);
+      if (position && *position >= ToPosition(start)) first = std::min(first, *position);
+    }
+    return first == std::numeric_limits<std::size_t>::max() ? -1 : static_cast<int>(first);
+  }
+  for (int i = start; i < size; ++i) {
+    if (table.Matches(Sequence->GetSlotAt(ToPosition(i)), values)) return i;
+  }
+  return -1;
+}
+
+int c4_View::Search(const c4_Row& values) const {
+  const int size = GetSize();
+  if (size == 0) return 0;
+  const c4_Table& table = Sequence->GetTable();
+  const std::vector<SearchKey> keys = MakeSearchKeys(*Sequence, values);
+  int first = 0;
+  for (int count = size; count > 0;) {
+    const int half = count / 2;
+    if (IsBelow(table, Sequence->GetSlotAt(ToPosition(first + half)), keys)) {
+      first += half + 1;
+      count -= half + 1;
+    } else {
+      count = half;
+    }
+  }
+  return first;
+}
+
+c4_View c4_View::Select(const c4_Row& values) const {
+  AssertDataThread();
+  if (!Sequence) return {};
+  return c4_View(std::make_shared<CSelection>(Sequence, values));
+}
+
+c4_View c4_View::SortOn(const c4_Properties& properties) const { return SortOnReverse(properties, {}); }
+
+c4_View c4_View::SortOnReverse(const c4_Properties& properties, const c4_Properties& descending) const {
+  AssertDataThread();
+  if (!Sequence) return {};
+  std::vector<SortKey> keys;
+  for (const c4_Property& property : properties) {
+    const bool reverse = std::find(descending.begin(), descending.end(), property) != descending.end();
+    keys.push_back({property, reverse});
+  }
+  return c4_View(std::make_shared<CSorting>(Sequence, std::move(keys)));
+}
