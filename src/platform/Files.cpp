@@ -49,16 +49,32 @@ bool IsTaken(const std::string& path) {
   return ::lstat(path.c_str(), &raw) == 0;
 }
 
+bool IsUnknownOperation(const std::error_code& error) {
+  return error == std::errc::invalid_argument || error == std::errc::function_not_supported ||
+         error == std::errc::not_supported || error == std::errc::operation_not_supported;
+}
+
+std::error_code RenameWithoutReplacing(const std::string& from, const std::string& to) {
+  if (const auto error = AskFaultPlan("rename", to)) return error;
+  const int result = ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE);
+  return result == 0 ? std::error_code() : LastError();
+}
+
+std::error_code Link(const std::string& from, const std::string& to) {
+  if (const auto error = AskFaultPlan("link", to)) return error;
+  return ::link(from.c_str(), to.c_str()) == 0 ? std::error_code() : LastError();
+}
+
 /// For file systems without a rename that refuses to replace.
 std::error_code LinkThenRemove(const std::string& from, const std::string& to) {
-  if (const auto error = AskFaultPlan("link", to)) return error;
-  if (::link(from.c_str(), to.c_str()) == 0) {
-    const std::error_code error = RemoveFile(from);
+  std::error_code error = Link(from, to);
+  if (!error) {
+    error = RemoveFile(from);
     // Both names must not stay: the caller believes that nothing happened.
     if (error) static_cast<void>(RemoveFile(to));
     return error;
   }
-  if (errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS) return LastError();
+  if (error != std::errc::operation_not_permitted && !IsUnknownOperation(error)) return error;
   // Neither is known, as on some FUSE drivers of removable disks. A name taken in this very moment is lost.
   if (IsTaken(to)) return make_error_code(std::errc::file_exists);
   return ::rename(from.c_str(), to.c_str()) == 0 ? std::error_code() : LastError();
@@ -119,12 +135,9 @@ std::error_code RenameOver(const std::string& from, const std::string& to) {
 }
 
 std::error_code RenameToNewName(const std::string& from, const std::string& to) {
-  if (const auto error = AskFaultPlan("rename", to)) return error;
-  if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) != 0) {
-    if (errno != EINVAL && errno != ENOSYS && errno != ENOTSUP) return LastError();
-    if (const auto error = LinkThenRemove(from, to)) return error;
-  }
-  return SyncAfterRename(from, to);
+  std::error_code error = RenameWithoutReplacing(from, to);
+  if (IsUnknownOperation(error)) error = LinkThenRemove(from, to);
+  return error ? error : SyncAfterRename(from, to);
 }
 
 std::error_code RemoveFile(const std::string& path) {

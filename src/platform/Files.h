@@ -32,7 +32,8 @@ std::error_code ReadWholeFile(const std::string& path, std::vector<std::uint8_t>
                               std::size_t limit = std::size_t{1} << 30);
 
 /// Puts `bytes` under `path` in one step: a whole new file beside it, flushed, then renamed over the
-/// name. Whatever stood there keeps its permission bits. On an error the old file is untouched.
+/// name. A link is followed, and whatever stood there keeps its permission bits. On an error the old file
+/// is untouched; only when the last step fails, the flush of the folder, is the new one there already.
 std::error_code WriteFileAtomically(const std::string& path, const void* bytes, std::size_t size);
 
 /// As WriteFileAtomically, but fails with std::errc::file_exists if the name is taken.

@@ -1,14 +1,11 @@
 #include "platform/Mounts.h"
 
-#include <fcntl.h>
 #include <sys/sysmacros.h>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <string_view>
 
-#include "platform/Descriptor.h"
 #include "platform/Files.h"
 
 namespace platform {
@@ -75,17 +72,9 @@ bool ParseLine(std::string_view line, Mount& mount) {
 }
 
 std::vector<Mount> ReadMounts() {
-  Descriptor file;
-  // ReadWholeFile trusts no file of the kernel's making, whose sizes read as 0.
-  if (file.Open("/proc/self/mountinfo", O_RDONLY)) return {};
-  std::string table;
-  std::array<char, 16384> block{};
-  std::size_t got = block.size();
-  while (got == block.size()) {
-    if (file.Read(block.data(), block.size(), got)) return {};
-    table.append(block.data(), got);
-  }
-  return ParseMountTable(table);
+  std::vector<std::uint8_t> table;
+  if (ReadWholeFile("/proc/self/mountinfo", table)) return {};
+  return ParseMountTable(std::string_view(reinterpret_cast<const char*>(table.data()), table.size()));
 }
 
 }  // namespace

@@ -1,0 +1,269 @@
+// The operations that make or replace files, with faults and kills at each of their steps.
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include "platform/Files.h"
+#include "support/FaultSteps.h"
+#include "support/ScratchFolder.h"
+
+using testing::AnyOf;
+using testing::Each;
+using testing::StartsWith;
+using testing::UnorderedElementsAre;
+
+namespace {
+
+const std::string kOld(3000, 'o');
+const std::string kNew(700000, 'n');  // more than one block of a copy
+
+std::error_code Replace(const std::string& path, const std::string& bytes) {
+  return platform::WriteFileAtomically(path, bytes.data(), bytes.size());
+}
+
+std::vector<std::string> NamesIn(const CScratchFolder& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder.GetPath())) {
+    names.push_back(entry.path().filename().string());
+  }
+  return names;
+}
+
+unsigned ModeOf(const std::string& path) {
+  platform::FileStatus status;
+  EXPECT_FALSE(platform::GetStatus(path, status));
+  return status.Mode;
+}
+
+/// An operation that makes "target" of kNew, from a folder where "source" holds kNew.
+struct Operation {
+  const char* Name;
+  bool Replaces;
+  std::error_code (*Run)(const CScratchFolder& folder);
+};
+
+void PrintTo(const Operation& operation, std::ostream* out) { *out << operation.Name; }
+
+class WholeFile : public testing::TestWithParam<Operation> {
+ protected:
+  /// What may stand under the target's name at any moment.
+  void ExpectOldOrNew(const CScratchFolder& folder, bool mustBeNew) const {
+    const std::string path = folder.GetPath() + "/target";
+    const bool isThere = std::filesystem::exists(path);
+    EXPECT_TRUE(isThere || !(GetParam().Replaces || mustBeNew));
+    if (!isThere) return;
+    const std::string bytes = ReadBytes(path);
+    EXPECT_TRUE(bytes == kNew || (GetParam().Replaces && !mustBeNew && bytes == kOld)) << bytes.size();
+    EXPECT_EQ(ReadBytes(folder.GetPath() + "/source"), kNew);
+  }
+
+  void Prepare(const CScratchFolder& folder) const {
+    folder.Write("source", kNew);
+    if (GetParam().Replaces) folder.Write("target", kOld);
+  }
+};
+
+TEST_P(WholeFile, AFaultAtAnyStepLeavesWholeFilesAndNothingElse) {
+  for (int step = 1;; ++step) {
+    const CScratchFolder folder;
+    Prepare(folder);
+    std::error_code error;
+    int steps = 0;
+    {
+      const CFailingStep fault(step);
+      error = GetParam().Run(folder);
+      steps = fault.GetSteps();
+    }
+    ExpectOldOrNew(folder, !error);
+    EXPECT_THAT(NamesIn(folder), Each(AnyOf("source", "target"))) << "step " << step;
+    if (steps < step) {
+      EXPECT_FALSE(error);
+      EXPECT_GT(step, 4);  // at least: create, write, sync, rename
+      return;
+    }
+    EXPECT_EQ(error, std::errc::no_space_on_device) << "step " << step;
+  }
+}
+
+TEST_P(WholeFile, ADiskThatRefusesEverythingFromSomeStepOnLeavesWholeFiles) {
+  for (int step = 1; step <= 12; ++step) {
+    const CScratchFolder folder;
+    Prepare(folder);
+    std::error_code error;
+    {
+      const CFailingStep fault(step, true);
+      error = GetParam().Run(folder);
+    }
+    ExpectOldOrNew(folder, !error);
+  }
+}
+
+TEST_P(WholeFile, AKillAtAnyStepLeavesWholeFiles) {
+  bool killed = true;
+  for (int step = 1; killed; ++step) {
+    const CScratchFolder folder;
+    Prepare(folder);
+    killed = RunAndKillAtStep(step, [&] { static_cast<void>(GetParam().Run(folder)); });
+    ExpectOldOrNew(folder, !killed);
+    // What a kill leaves behind is hidden from a search for photos.
+    EXPECT_THAT(NamesIn(folder), Each(AnyOf("source", "target", StartsWith(".vellumar-"))));
+  }
+}
+
+TEST_P(WholeFile, AShortWriteIsGoneOnWithAndItsEndReported) {
+  const CScratchFolder folder;
+  Prepare(folder);
+  rlimit old{};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &old), 0);
+  auto* const handler = ::signal(SIGXFSZ, SIG_IGN);
+  rlimit small = old;
+  small.rlim_cur = 5000;  // the first write is cut short there, the next one fails
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+  const std::error_code error = GetParam().Run(folder);
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &old), 0);
+  ::signal(SIGXFSZ, handler);
+  EXPECT_EQ(error, std::errc::file_too_large);
+  ExpectOldOrNew(folder, false);
+  EXPECT_THAT(NamesIn(folder), Each(AnyOf("source", "target")));
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, WholeFile,
+                         testing::Values(Operation{"Replace", true,
+                                                   [](const CScratchFolder& folder) {
+                                                     return Replace(folder.GetPath() + "/target", kNew);
+                                                   }},
+                                         Operation{"New", false,
+                                                   [](const CScratchFolder& folder) {
+                                                     return platform::WriteNewFile(
+                                                         folder.GetPath() + "/target", kNew.data(),
+                                                         kNew.size());
+                                                   }},
+                                         Operation{"Copy", false,
+                                                   [](const CScratchFolder& folder) {
+                                                     return platform::CopyToNewFile(
+                                                         folder.GetPath() + "/source",
+                                                         folder.GetPath() + "/target");
+                                                   }}),
+                         [](const auto& tested) { return std::string(tested.param.Name); });
+
+TEST(WriteFileAtomically, KeepsPermissionBitsAndFollowsLinks) {
+  const CScratchFolder folder;
+  const std::string real = folder.Write("below/real", kOld);
+  ASSERT_EQ(::chmod(real.c_str(), 0640), 0);
+  const std::string link = folder.File("link");
+  ASSERT_EQ(::symlink("below/real", link.c_str()), 0);
+  EXPECT_FALSE(Replace(link, kNew));
+  EXPECT_TRUE(std::filesystem::is_symlink(link));
+  EXPECT_EQ(ReadBytes(real), kNew);
+  EXPECT_EQ(ModeOf(real), 0640U);
+
+  // A link that leads nowhere yet gets its file.
+  const std::string dangling = folder.File("dangling");
+  ASSERT_EQ(::symlink((folder.GetPath() + "/below/later").c_str(), dangling.c_str()), 0);
+  EXPECT_FALSE(Replace(dangling, kNew));
+  EXPECT_EQ(ReadBytes(folder.GetPath() + "/below/later"), kNew);
+
+  const std::string loop = folder.File("loop");
+  ASSERT_EQ(::symlink("loop", loop.c_str()), 0);
+  EXPECT_EQ(Replace(loop, kNew), std::errc::too_many_symbolic_link_levels);
+  EXPECT_TRUE(std::filesystem::is_symlink(loop));
+}
+
+TEST(WriteFileAtomically, ReplacesRegularFilesAlone) {
+  const CScratchFolder folder;
+  const std::string inner = folder.File("folder/inner");
+  EXPECT_EQ(Replace(folder.GetPath() + "/folder", kNew), std::errc::is_a_directory);
+  const std::string fifo = folder.File("fifo");
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  EXPECT_EQ(Replace(fifo, kNew), std::errc::not_supported);
+  EXPECT_EQ(Replace(folder.GetPath() + "/none/file", kNew), std::errc::no_such_file_or_directory);
+  EXPECT_THAT(NamesIn(folder), UnorderedElementsAre("folder", "fifo"));
+}
+
+TEST(WriteFileAtomically, LeavesTheFileOfAFolderThatMayNotBeWritten) {
+  const CScratchFolder folder;
+  const std::string path = folder.Write("file", kOld);
+  ASSERT_EQ(::chmod(path.c_str(), 0666), 0);
+  ASSERT_EQ(::chmod(folder.GetPath().c_str(), 0555), 0);
+  EXPECT_TRUE(RunAsNobody([&path] { return Replace(path, kNew) == std::errc::permission_denied; }));
+  EXPECT_EQ(ReadBytes(path), kOld);
+}
+
+TEST(NewNames, AreNeverTakenFromAnother) {
+  const CScratchFolder folder;
+  const std::string from = folder.Write("from", kNew);
+  const std::string taken = folder.Write("taken", kOld);
+  const std::string dangling = folder.File("dangling");
+  ASSERT_EQ(::symlink("nowhere", dangling.c_str()), 0);
+  for (const std::string& to : {taken, dangling}) {
+    EXPECT_EQ(platform::WriteNewFile(to, "x", 1), std::errc::file_exists);
+    EXPECT_EQ(platform::CopyToNewFile(from, to), std::errc::file_exists);
+    EXPECT_EQ(platform::RenameToNewName(from, to), std::errc::file_exists);
+  }
+  EXPECT_EQ(ReadBytes(taken), kOld);
+  EXPECT_TRUE(std::filesystem::is_symlink(dangling));
+  EXPECT_THAT(NamesIn(folder), UnorderedElementsAre("from", "taken", "dangling"));
+}
+
+TEST(RenameToNewName, WorksWhereTheSystemKnowsNoSuchRename) {
+  const CScratchFolder folder;
+  const std::string from = folder.Write("from", kNew);
+  const std::string taken = folder.Write("taken", kOld);
+  const std::string to = folder.File("to");
+  bool knowsLinks = true;
+  platform::SetFaultPlan([&knowsLinks](std::string_view operation, std::string_view) {
+    if (operation == "rename") return make_error_code(std::errc::invalid_argument);
+    if (operation == "link" && !knowsLinks) return make_error_code(std::errc::operation_not_permitted);
+    return std::error_code();
+  });
+  for (const bool links : {true, false}) {
+    knowsLinks = links;
+    EXPECT_EQ(platform::RenameToNewName(from, taken), std::errc::file_exists);
+    EXPECT_FALSE(platform::RenameToNewName(from, to));
+    EXPECT_THAT(NamesIn(folder), UnorderedElementsAre("to", "taken"));
+    EXPECT_FALSE(platform::RenameToNewName(to, from));
+  }
+  // A name that can't be removed after the link leaves the file where it was, under one name.
+  platform::SetFaultPlan([&from](std::string_view operation, std::string_view path) {
+    const bool fails = operation == "rename" || (operation == "remove" && path == from);
+    return fails ? make_error_code(std::errc::invalid_argument) : std::error_code();
+  });
+  EXPECT_TRUE(platform::RenameToNewName(from, to));
+  platform::SetFaultPlan({});
+  EXPECT_THAT(NamesIn(folder), UnorderedElementsAre("from", "taken"));
+  EXPECT_EQ(ReadBytes(from), kNew);
+  EXPECT_EQ(ReadBytes(taken), kOld);
+}
+
+TEST(CopyToNewFile, KeepsPermissionBitsAndTimes) {
+  const CScratchFolder folder;
+  const std::string from = folder.Write("from", kNew);
+  ASSERT_EQ(::chmod(from.c_str(), 0464), 0);
+  const timespec times[2] = {{1000000000, 5}, {1100000000, 123456789}};
+  ASSERT_EQ(::utimensat(AT_FDCWD, from.c_str(), times, 0), 0);
+  const std::string to = folder.File("to");
+  EXPECT_FALSE(platform::CopyToNewFile(from, to));
+  struct stat copy {};
+  ASSERT_EQ(::stat(to.c_str(), &copy), 0);
+  EXPECT_EQ(copy.st_mode & 07777U, 0464U);
+  EXPECT_EQ(copy.st_mtim.tv_sec, 1100000000);
+  EXPECT_EQ(copy.st_mtim.tv_nsec, 123456789);
+}
+
+TEST(CreateTemporaryFile, MakesPrivateFilesOfDifferentNames) {
+  const CScratchFolder folder;
+  std::string first;
+  std::string second;
+  ASSERT_FALSE(platform::CreateTemporaryFile(folder.GetPath() + "/photo.jpg", "vel", first));
+  ASSERT_FALSE(platform::CreateTemporaryFile(folder.GetPath() + "/photo.jpg", "vel", second));
+  EXPECT_NE(first, second);
+  EXPECT_THAT(NamesIn(folder), testing::SizeIs(2));
+  EXPECT_THAT(NamesIn(folder), Each(StartsWith("vel")));
+  EXPECT_EQ(ModeOf(first), 0600U);
+  const CFailingStep fault(1);
+  EXPECT_TRUE(platform::CreateTemporaryFile(folder.GetPath() + "/photo.jpg", "vel", first));
+}
+
+}  // namespace

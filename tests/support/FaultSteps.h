@@ -1,0 +1,61 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <functional>
+#include <system_error>
+
+#include "platform/Faults.h"
+
+/// Lets one step of the file layer fail, counted from 1, or that one and all after it.
+class CFailingStep {
+ public:
+  explicit CFailingStep(int step, bool allAfter = false) {
+    platform::SetFaultPlan([this, step, allAfter](std::string_view, std::string_view) {
+      ++Steps;
+      const bool fails = Steps == step || (allAfter && Steps > step);
+      return fails ? make_error_code(std::errc::no_space_on_device) : std::error_code();
+    });
+  }
+  ~CFailingStep() { platform::SetFaultPlan({}); }
+  CFailingStep(const CFailingStep&) = delete;
+  CFailingStep& operator=(const CFailingStep&) = delete;
+
+  int GetSteps() const { return Steps; }
+
+ private:
+  int Steps = 0;
+};
+
+/// Runs `work` in a child that is killed right before the given step. False if it came to its end first.
+inline bool RunAndKillAtStep(int step, const std::function<void()>& work) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    int steps = 0;
+    platform::SetFaultPlan([&steps, step](std::string_view, std::string_view) {
+      if (++steps == step) ::raise(SIGKILL);
+      return std::error_code();
+    });
+    work();
+    ::_exit(0);
+  }
+  int status = 0;
+  EXPECT_EQ(::waitpid(child, &status, 0), child);
+  return WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
+}
+
+/// Runs `work` in a child that has no rights of root, and gives its result.
+inline bool RunAsNobody(const std::function<bool()>& work) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    constexpr unsigned kNobody = 65534;
+    if (::getuid() == 0 && (::setegid(kNobody) != 0 || ::seteuid(kNobody) != 0)) ::_exit(2);
+    ::_exit(work() ? 0 : 1);
+  }
+  int status = 0;
+  EXPECT_EQ(::waitpid(child, &status, 0), child);
+  return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
