@@ -1,0 +1,253 @@
+// Both settings stores against one contract, and what is special about each.
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include <array>
+
+#include "base/IniSettings.h"
+#include "base/RegistrySettings.h"
+#include "base/Settings.h"
+#include "support/EnvironmentVariable.h"
+#include "support/FaultSteps.h"
+#include "support/ScratchFolder.h"
+
+using testing::ElementsAre;
+
+namespace {
+
+using MakeSettings = std::unique_ptr<CSettings> (*)(const std::string& path);
+
+template <typename Store>
+std::unique_ptr<CSettings> Make(const std::string& path) {
+  return std::make_unique<Store>(path);
+}
+
+class BothStores : public testing::TestWithParam<MakeSettings> {
+ protected:
+  /// A new object each time: nothing that a test sees may come from one's memory.
+  std::unique_ptr<CSettings> Settings() const { return GetParam()(Path()); }
+  std::string Path() const { return Folder.GetPath() + "/store"; }
+
+  const CScratchFolder Folder;
+};
+
+INSTANTIATE_TEST_SUITE_P(Stores, BothStores, testing::Values(&Make<CRegistrySettings>, &Make<CIniSettings>),
+                         [](const auto& tested) { return tested.index == 0 ? "Registry" : "Ini"; });
+
+TEST_P(BothStores, ANewStoreHasNothing) {
+  const auto settings = Settings();
+  for (const char* name : {"Sort", "Login", "DontShowEmailWarning", "DontShowAddFolderTip", ""}) {
+    EXPECT_FALSE(settings->HasValue(name));
+    EXPECT_EQ(settings->GetString(name), "");
+    EXPECT_EQ(settings->GetInt(name), -1);
+    EXPECT_FALSE(settings->GetBool(name));
+    EXPECT_EQ(settings->GetIntOrZero(name), 0);
+    std::array<std::uint8_t, 4> room = {1, 2, 3, 4};
+    std::size_t size = room.size();
+    EXPECT_FALSE(settings->GetBinary(name, room, size));
+    EXPECT_EQ(size, 0U);
+    EXPECT_THAT(room, ElementsAre(1, 2, 3, 4));
+  }
+  EXPECT_FALSE(std::filesystem::exists(Path())) << "reading makes no file";
+}
+
+TEST_P(BothStores, EachValueIsThereForTheNextObject) {
+  Settings()->SetIntValue("Sort", 226);
+  Settings()->SetString("Login", "ann");
+  Settings()->SetBool("DontShowEmailWarning", true);
+  Settings()->SetBool("DontShowAddFolderTip", false);
+  Settings()->SetInt("Sort", -2147483647 - 1);
+  const auto settings = Settings();
+  EXPECT_EQ(settings->GetInt("Sort"), -2147483647 - 1);
+  EXPECT_EQ(settings->GetString("login"), "ann") << "names are compared without regard to case";
+  EXPECT_EQ(settings->GetInt("DONTSHOWEMAILWARNING"), 1);
+  EXPECT_TRUE(settings->GetBool("DontShowEmailWarning"));
+  EXPECT_TRUE(settings->HasValue("DontShowAddFolderTip"));
+  EXPECT_FALSE(settings->GetBool("DontShowAddFolderTip"));
+}
+
+TEST_P(BothStores, MinusOneIsAValueThatReadsAsMissing) {
+  Settings()->SetInt("Sort", -1);
+  EXPECT_TRUE(Settings()->HasValue("Sort"));
+  EXPECT_EQ(Settings()->GetInt("Sort"), -1);
+  EXPECT_EQ(Settings()->GetIntOrZero("Sort"), 0);
+  EXPECT_FALSE(Settings()->GetBool("Sort"));
+}
+
+TEST_P(BothStores, TextsReadBackWhole) {
+  for (const std::string& text :
+       {std::string(100, 'x'), std::string(), std::string("  blanks at both ends\t"),
+        std::string("\"quoted\""), std::string("'"), std::string("a=b;c\\d\"e%1"), std::string("Zoë\xFF\x80"),
+        std::string("[prefs]")}) {
+    Settings()->SetString("Login", text);
+    EXPECT_EQ(Settings()->GetString("Login"), text);
+    EXPECT_TRUE(Settings()->HasValue("Login"));
+  }
+}
+
+TEST_P(BothStores, BlocksReadBackWhole) {
+  const std::array<std::uint8_t, 5> data = {0x00, 0x0A, 0xFF, 0x80, 0x7F};
+  Settings()->SetBinary("Window", data);
+  std::array<std::uint8_t, 5> room{};
+  std::size_t size = room.size();
+  EXPECT_TRUE(Settings()->GetBinary("Window", room, size));
+  EXPECT_EQ(size, data.size());
+  EXPECT_EQ(room, data);
+}
+
+TEST_P(BothStores, AStoreThatCannotBeWrittenLosesTheValueSilently) {
+  Settings()->SetString("Login", "ann");
+  {
+    const CFailingStep fault(1, true);
+    Settings()->SetString("Login", "bob");
+  }
+  EXPECT_EQ(Settings()->GetString("Login"), "ann");
+  const auto nowhere = GetParam()(Folder.GetPath() + "/none/store");
+  nowhere->SetInt("Sort", 1);
+  EXPECT_FALSE(nowhere->HasValue("Sort"));
+}
+
+TEST_P(BothStores, AStoreThatCannotBeReadIsNotOverwritten) {
+  ASSERT_EQ(::chmod(Folder.GetPath().c_str(), 0777), 0);
+  Settings()->SetString("Login", "ann");
+  ASSERT_EQ(::chmod(Path().c_str(), 0200), 0);
+  EXPECT_TRUE(RunAsNobody([this] {
+                Settings()->SetInt("Sort", 1);
+                return !Settings()->HasValue("Login");
+              }) ||
+              ::getuid() != 0);
+  ASSERT_EQ(::chmod(Path().c_str(), 0600), 0);
+  EXPECT_EQ(Settings()->GetString("Login"), "ann");
+}
+
+TEST_P(BothStores, AKillInTheMiddleOfAWriteLeavesTheOldValuesOrTheNew) {
+  Settings()->SetString("Login", "ann");
+  bool killed = true;
+  for (int step = 1; killed; ++step) {
+    const int before = Settings()->GetInt("Sort");
+    killed = RunAndKillAtStep(step, [this, step] { Settings()->SetInt("Sort", step * 100); });
+    EXPECT_THAT(Settings()->GetInt("Sort"), testing::AnyOf(before, step * 100));
+    EXPECT_EQ(Settings()->GetString("Login"), "ann");
+  }
+  EXPECT_GE(Settings()->GetInt("Sort"), 500);
+}
+
+TEST(RegistrySettings, ReadsAValueAsItsOwnTypeAlone) {
+  const CScratchFolder folder;
+  CRegistrySettings settings(folder.File("settings"));
+  settings.SetString("Text", "12");
+  settings.SetInt("Number", 12);
+  settings.SetBinary("Block", std::array<std::uint8_t, 3>{1, 2, 3});
+  EXPECT_EQ(settings.GetInt("Text"), -1);
+  EXPECT_EQ(settings.GetString("Number"), "");
+  EXPECT_EQ(settings.GetString("Block"), "");
+  EXPECT_TRUE(settings.HasValue("Block"));
+  std::array<std::uint8_t, 2> room{};
+  std::size_t size = 0;
+  EXPECT_FALSE(settings.GetBinary("Text", room, size));
+  EXPECT_TRUE(settings.GetBinary("Block", room, size)) << "as much as there is room for";
+  EXPECT_EQ(size, 3U);
+  EXPECT_THAT(room, ElementsAre(1, 2));
+  settings.SetString("number", "now a text");
+  EXPECT_EQ(settings.GetInt("Number"), -1);
+}
+
+TEST(RegistrySettings, KeepsItsFileInTheUsersConfiguration) {
+  const CScratchFolder folder;
+  const CEnvironmentVariable config("XDG_CONFIG_HOME", folder.GetPath() + "/config");
+  CRegistrySettings().SetInt("Sort", 226);
+  const std::string text = ReadBytes(folder.GetPath() + "/config/Vellumar Photo Organizer/settings");
+  EXPECT_EQ(text, "\"Sort\"=dword:000000e2\n");
+}
+
+TEST(RegistrySettings, LivesWithDamagedLinesAndKeepsThem) {
+  const CScratchFolder folder;
+  const std::string damaged =
+      "no value\n\"Sort\n\"Sort\"\n\"Sort\"=dword:xyz\n\"Sort\"=dword:123456789\n\"Sort\"=hex:1,,2\n"
+      "\"Sort\"=\"open\n\"Sort\\\n\"a\\\"b\"=dword:7\n\"Empty\"=hex:";
+  const std::string path = folder.Write("settings", damaged);
+  CRegistrySettings settings(path);
+  EXPECT_FALSE(settings.HasValue("Sort"));
+  EXPECT_EQ(settings.GetInt("a\"b"), 7);
+  std::size_t size = 9;
+  EXPECT_TRUE(settings.GetBinary("Empty", {}, size));
+  EXPECT_EQ(size, 0U);
+  settings.SetInt("Sort", 1);
+  EXPECT_EQ(settings.GetInt("Sort"), 1);
+  EXPECT_EQ(ReadBytes(path), damaged + "\n\"Sort\"=dword:00000001\n");
+}
+
+TEST(RegistrySettings, ATextWithLineEndsStaysOneValue) {
+  const CScratchFolder folder;
+  CRegistrySettings settings(folder.File("settings"));
+  settings.SetString("Login", "a\r\n\"Sort\"=dword:00000001\nb");
+  EXPECT_EQ(settings.GetString("Login"), "a\r\n\"Sort\"=dword:00000001\nb");
+  EXPECT_FALSE(settings.HasValue("Sort"));
+}
+
+TEST(IniSettings, ReadsWhatOthersWrote) {
+  const CScratchFolder folder;
+  const std::string path =
+      folder.Write("prefs.ini",
+                   "\xEF\xBB\xBF; by hand\r\nSort=1\r\n[Other]\r\nSort=2\r\n\r\n[ PREFS ]\r\n"
+                   "; Sort=3\r\n  sort \t=  \"12\"  \r\nSort=4\r\nlogin='ann '\r\nno key\r\n"
+                   "Hex=0x1F rest\r\nEmpty=\r\nWord=twelve\r\nMarker=X@@@@x\r\n");
+  const CIniSettings settings(path);
+  EXPECT_EQ(settings.GetInt("Sort"), 12) << "a text of digits reads as an integer";
+  EXPECT_EQ(settings.GetString("Sort"), "12");
+  EXPECT_EQ(settings.GetString("Login"), "ann ");
+  EXPECT_EQ(settings.GetInt("Hex"), 31);
+  EXPECT_EQ(settings.GetInt("Empty"), -1);
+  EXPECT_TRUE(settings.HasValue("Empty"));
+  EXPECT_EQ(settings.GetInt("Word"), 0);
+  EXPECT_FALSE(settings.HasValue("Marker")) << "the marker is compared without regard to case";
+}
+
+TEST(IniSettings, TheMarkerReadsAsMissing) {
+  const CScratchFolder folder;
+  CIniSettings settings(folder.File("prefs.ini"));
+  settings.SetString("Login", "x@@@@x");
+  EXPECT_FALSE(settings.HasValue("Login"));
+  EXPECT_EQ(settings.GetString("Login"), "");
+  settings.SetString("Login", "x@@@@xy");
+  EXPECT_TRUE(settings.HasValue("Login"));
+}
+
+TEST(IniSettings, ABlockOfAnotherSizeOrSumIsRefused) {
+  const CScratchFolder folder;
+  const std::string path = folder.File("prefs.ini");
+  CIniSettings settings(path);
+  settings.SetBinary("Window", std::array<std::uint8_t, 3>{0x0A, 0xFF, 0x01});
+  EXPECT_EQ(ReadBytes(path), "[prefs]\nWindow=0AFF010A\n");
+  std::array<std::uint8_t, 3> room{};
+  std::size_t size = 0;
+  EXPECT_TRUE(settings.GetBinary("Window", room, size));
+  EXPECT_FALSE(settings.GetBinary("Window", std::span(room).first(2), size));
+  for (const char* bad : {"0AFF010B", "0AFF01", "0AFF010", "0AFG010A", ""}) {
+    settings.SetString("Window", bad);
+    EXPECT_FALSE(settings.GetBinary("Window", room, size)) << bad;
+    EXPECT_EQ(size, 0U);
+  }
+}
+
+TEST(SettingsRef, ForwardsToTheProgramsStore) {
+  const CScratchFolder folder;
+  CSettingsRef reference;
+  SetSettings(nullptr);
+  reference.SetInt("Sort", 5);
+  EXPECT_EQ(reference.GetInt("Sort"), -1);
+  EXPECT_FALSE(reference.GetBool("Sort"));
+  EXPECT_EQ(reference.GetString("Login"), "");
+
+  SetSettings(std::make_unique<CIniSettings>(folder.File("prefs.ini")));
+  reference.SetBool("Sort", true);
+  reference.SetString("Login", "ann");
+  EXPECT_TRUE(reference.GetBool("Sort"));
+  EXPECT_EQ(reference.GetIntOrZero("Sort"), 1);
+  EXPECT_EQ(GetSettings()->GetString("Login"), "ann");
+  EXPECT_TRUE(reference.HasValue("Login"));
+  SetSettings(nullptr);
+}
+
+}  // namespace
