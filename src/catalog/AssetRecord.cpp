@@ -6,7 +6,7 @@
 #include "catalog/Catalog.h"
 #include "catalog/Properties.h"
 #include "catalog/StampList.h"
-#include "imaging/Image.h"
+#include "imaging/JpegImage.h"
 #include "imaging/PreparedPhoto.h"
 #include "imaging/ThumbnailCache.h"
 

@@ -2,6 +2,7 @@
 
 #include "catalog/CatalogFixture.h"
 #include "catalog/Properties.h"
+#include "imaging/Image.h"
 
 namespace {
 

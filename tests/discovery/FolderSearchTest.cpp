@@ -154,7 +154,7 @@ TEST_F(FolderSearchTest, AFullDiskUndoesTheSearchAndTheNextOneFindsThePhotosAgai
   for (int i = 0; i < 300; ++i) AddPhoto(std::to_string(i) + ".jpg", "2003:08:09 14:00:00");
   {
     const CFileSizeLimit full(std::filesystem::file_size(Scratch.File("vellumar.thumbs")) + 20000);
-    EXPECT_FALSE(Search.SearchFolder(Pictures(), false));
+    EXPECT_FALSE(Search.SearchFolder(Pictures(), true));
   }
   ASSERT_EQ(1U, Messages.Texts.size());
   EXPECT_THAT(Messages.Texts.front(), testing::HasSubstr("vellumar.thumbs"));

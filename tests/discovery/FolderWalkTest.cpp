@@ -84,7 +84,9 @@ TEST_F(FolderWalkTest, UnreadableFoldersAreAsGoodAsEmpty) {
   }
   CFolderWalk walk(Pictures(), Catalog, Cache, nullptr);
   CFolderWalk none(Pictures() + "/nosuch", Catalog, Cache, nullptr);
-  if (isRoot) ASSERT_EQ(0, ::seteuid(0));
+  if (isRoot) {
+    ASSERT_EQ(0, ::seteuid(0));
+  }
   ::chmod((Pictures() + "/closed").c_str(), 0700);
   EXPECT_EQ(1, walk.GetFoundCount());
   EXPECT_EQ(0, none.GetFoundCount());
