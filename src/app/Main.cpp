@@ -1,0 +1,131 @@
+#include "app/Main.h"
+
+#include <QApplication>
+#include <QSocketNotifier>
+#include <exception>
+#include <memory>
+
+#include "app/DataStores.h"
+#include "app/SingleInstance.h"
+#include "base/Exceptions.h"
+#include "base/Folders.h"
+#include "base/IniSettings.h"
+#include "base/Messages.h"
+#include "base/RegistrySettings.h"
+#include "base/Texts.h"
+#include "discovery/FolderSearch.h"
+#include "platform/SpecialFolders.h"
+#include "platform/StopSignals.h"
+#include "ui/Application.h"
+#include "ui/FontTable.h"
+#include "ui/MainFrame.h"
+#include "ui/WindowedSearchProgress.h"
+
+namespace {
+
+constexpr int kEarlyExitCode = 0;
+constexpr const char* kActiveDiskSwitch = "/activedisk";
+
+/// The progress window of the start, known to the folder search while this object lives.
+class CStartProgress {
+ public:
+  CStartProgress() : Progress(true, true) { CFolderSearch::GetInstance().Progress = &Progress; }
+  ~CStartProgress() { CFolderSearch::GetInstance().Progress = nullptr; }
+  CStartProgress(const CStartProgress&) = delete;
+  CStartProgress& operator=(const CStartProgress&) = delete;
+
+  CWindowedSearchProgress Progress;
+};
+
+/// Closes the main window, and what stands before it, when the system asks the program to end.
+class CStopSignalWatch {
+ public:
+  explicit CStopSignalWatch(CMainFrame& frame) : Notifier(Signals.GetDescriptor(), QSocketNotifier::Read) {
+    QObject::connect(&Notifier, &QSocketNotifier::activated, &frame, [this, &frame] {
+      Signals.Acknowledge();
+      frame.close();
+      if (QWidget* box = QApplication::activeModalWidget()) box->close();
+    });
+  }
+
+ private:
+  platform::StopSignals Signals;
+  QSocketNotifier Notifier;
+};
+
+/// False, with a message, if a removable disk can't be written to.
+bool ChooseSettings(bool activeDisk) {
+  if (!activeDisk) {
+    SetSettings(std::make_unique<CRegistrySettings>());
+    return true;
+  }
+  SetSettings(std::make_unique<CIniSettings>());
+  if (CheckDiskWritable(GetProgramFolder())) return true;
+  ShowMessageId(StringId::DiskNotWritable);
+  return false;
+}
+
+/// The window that stands in front: a message, else the main window, else that of the search.
+QWidget* FindFrontWindow(CMainFrame& frame) {
+  if (QWidget* box = QApplication::activeModalWidget()) return box;
+  if (frame.isVisible()) return &frame;
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    if (window->isVisible()) return window;
+  }
+  return nullptr;
+}
+
+void BringToFront(CMainFrame& frame, const QByteArray& activationToken) {
+  // The desktop lets a window come to the front only on behalf of what the user has just started.
+  if (!activationToken.isEmpty()) qputenv("XDG_ACTIVATION_TOKEN", activationToken);
+  if (frame.isMinimized()) frame.setWindowState(frame.windowState() & ~Qt::WindowMinimized);
+  QWidget* window = FindFrontWindow(frame);
+  if (window == nullptr) return;
+  window->raise();
+  window->activateWindow();
+}
+
+int RunEventLoop() {
+  const int exitCode = QApplication::exec();
+  if (CApplication* application = CApplication::GetInstance()) application->RethrowFailure();
+  return exitCode;
+}
+
+int RunSession(CMainFrame& frame, std::unique_ptr<CStartProgress>& start) {
+  if (!frame.Create(OpenDataStores, start->Progress)) throw CError("Could not create the main window.");
+  if (!frame.IsClosing()) frame.ShowInFront();
+  start.reset();
+  return frame.IsClosing() ? kNormalExitCode : RunEventLoop();
+}
+
+void ReportFatalFailure(const std::string& message) {
+  ShowMessage(Format(LoadExpandedString(StringId::FatalProblem), message));
+}
+
+}  // namespace
+
+int Main(const std::string& commandLine) {
+  CSingleInstance instance(platform::RuntimeFolder());
+  if (!instance.Claim()) return kEarlyExitCode;
+
+  CMainFrame frame;
+  const CStopSignalWatch stopSignalWatch(frame);
+  instance.OnAnotherStart = [&frame](const QByteArray& token) { BringToFront(frame, token); };
+
+  const bool activeDisk = commandLine.find(kActiveDiskSwitch) != std::string::npos;
+  CFolderSearch::GetInstance().ActiveDisk = activeDisk;
+  if (!ChooseSettings(activeDisk)) return kEarlyExitCode;
+
+  const CFontTable fonts;
+  auto start = std::make_unique<CStartProgress>();
+  try {
+    return RunSession(frame, start);
+  } catch (const CThrowable& failure) {
+    start.reset();
+    ReportFatalFailure(failure.GetMessage());
+  } catch (const std::exception& failure) {
+    start.reset();
+    ReportFatalFailure(failure.what());
+  }
+  return kEarlyExitCode;
+}

@@ -1,0 +1,36 @@
+#include "ui/Application.h"
+
+#include <utility>
+
+#include "base/Messages.h"
+#include "storage/StorageException.h"
+
+CApplication::CApplication(int& argumentCount, char** arguments)
+    : QApplication(argumentCount, arguments) {
+  // The main window ends the loop when it is closed. The progress window goes before, and more than once.
+  setQuitOnLastWindowClosed(false);
+}
+
+CApplication* CApplication::GetInstance() { return dynamic_cast<CApplication*>(instance()); }
+
+bool CApplication::notify(QObject* receiver, QEvent* event) {
+  try {
+    try {
+      return QApplication::notify(receiver, event);
+    } catch (const CStorageException& exception) {
+      ShowMessage(exception.GetMessage());
+    }
+  } catch (...) {
+    Keep(std::current_exception());
+  }
+  return false;
+}
+
+void CApplication::RethrowFailure() {
+  if (Failure) std::rethrow_exception(std::exchange(Failure, nullptr));
+}
+
+void CApplication::Keep(std::exception_ptr failure) {
+  if (!Failure) Failure = std::move(failure);
+  exit(0);
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "base/Messages.h"
+
+class QWidget;
+
+/// Shows messages in boxes of the desktop. A message of a running job is handed to the window thread,
+/// and the job waits for the answer.
+class CWindowMessageBox : public CMessageBox {
+ public:
+  bool Show(const std::string& title, const std::string& text, bool okCancel, MessageParent parent) override;
+};
+
+/// The window that a message box stands on: the progress window if it is asked for and shows, else the main
+/// window if it shows, else null for none.
+QWidget* FindMessageParent(MessageParent parent);

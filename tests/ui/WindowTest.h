@@ -1,0 +1,87 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QColor>
+#include <QImage>
+#include <QTest>
+#include <QTimer>
+#include <QWidget>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "base/Messages.h"
+#include "support/TestJpeg.h"
+#include "ui/Application.h"
+#include "ui/FontTable.h"
+
+/// The application object that every window test needs, on a platform without a screen.
+class CApplicationEnvironment : public testing::Environment {
+ public:
+  void SetUp() override {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    Application = std::make_unique<CApplication>(ArgumentCount, Arguments);
+  }
+  void TearDown() override { Application.reset(); }
+
+ private:
+  char Name[5] = "test";
+  char* Arguments[2] = {Name, nullptr};
+  int ArgumentCount = 1;
+  std::unique_ptr<CApplication> Application;
+};
+
+/// Message boxes by script: each is noted and answered at once.
+class CNotedMessages : public CMessageBox {
+ public:
+  struct Message {
+    std::string Title;
+    std::string Text;
+    bool OkCancel;
+    MessageParent Parent;
+  };
+
+  CNotedMessages() { SetMessageBox(this); }
+  ~CNotedMessages() override { SetMessageBox(nullptr); }
+  bool Show(const std::string& title, const std::string& text, bool okCancel, MessageParent parent) override {
+    Shown.push_back({title, text, okCancel, parent});
+    return Answer;
+  }
+
+  std::vector<Message> Shown;
+  bool Answer = true;
+};
+
+/// A photo of one colour, as a file's bytes.
+inline std::string MakePhoto(unsigned width, unsigned height, const QColor& hue) {
+  const auto part = [](int value) { return static_cast<unsigned>(value); };
+  return MakeJpeg(width, height, part(hue.red()), part(hue.green()), part(hue.blue()));
+}
+
+/// Looks every few milliseconds until `condition` holds, then does `then`, once. Lives in an event loop.
+inline void When(const std::function<bool()>& condition, const std::function<void()>& then) {
+  auto* timer = new QTimer(qApp);
+  QObject::connect(timer, &QTimer::timeout, timer, [=] {
+    if (!condition()) return;
+    timer->stop();
+    timer->deleteLater();
+    then();
+  });
+  timer->start(2);
+}
+
+/// What a widget paints, one pixel for one of the layout.
+inline QImage Painted(QWidget& widget) { return widget.grab().toImage().convertToFormat(QImage::Format_RGB32); }
+
+/// Whether anything but `background` is painted in `area`.
+inline bool HoldsInk(const QImage& image, const QRect& area, QColor background) {
+  for (int y = area.top(); y <= area.bottom(); ++y) {
+    for (int x = area.left(); x <= area.right(); ++x) {
+      if (image.pixelColor(x, y) != background) return true;
+    }
+  }
+  return false;
+}
