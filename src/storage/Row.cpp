@@ -8,7 +8,7 @@
 c4_Row operator+(c4_Row left, c4_Row right) {
   for (auto& [property, value] : right.Values) {
     const auto same = std::find_if(left.Values.begin(), left.Values.end(),
-                                   [&](const auto& entry) { return entry.first == property; });
+                                   [&name = property](const auto& entry) { return entry.first == name; });
     if (same != left.Values.end()) {
       same->second = std::move(value);
     } else {
