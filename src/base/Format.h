@@ -29,7 +29,7 @@ FormatArgument MakeFormatArgument(const T& value) {
 
 /// Fills the placeholders of a text in the order of the arguments: %d %i %u %x %X %c %s %f and %%, with
 /// the flags "-" and "0", a width and a precision of at most 99; the length letters l and h are skipped.
-/// Widths count characters, and a text is never cut inside one.
+/// A width counts characters. The precision of a text counts bytes and never cuts a character.
 ///
 /// A text from a table must never crash the program: a placeholder without an argument, or with one of
 /// the other kind, gives nothing; an unknown one is kept as it stands; arguments left over are ignored.

@@ -95,6 +95,8 @@ bool ParseValue(std::string_view text, RegistryValue& value) {
 }
 
 bool ParseLine(std::string_view line, NamedValue& value) {
+  // Editors may have left blanks or other line ends.
+  line = line.substr(0, line.find_last_not_of(" \t\r") + 1);
   if (!TakeQuoted(line, value.Name) || !line.starts_with('=')) return false;
   return ParseValue(line.substr(1), value.Value);
 }

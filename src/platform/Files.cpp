@@ -31,7 +31,10 @@ std::string FolderOf(const std::string& path) {
 std::error_code SyncFolder(const std::string& folder) {
   if (const auto error = AskFaultPlan("sync", folder)) return error;
   Descriptor descriptor;
-  if (const auto error = descriptor.Open(folder, O_RDONLY | O_DIRECTORY)) return error;
+  if (const auto error = descriptor.Open(folder, O_RDONLY | O_DIRECTORY)) {
+    // A folder that may be written but not read can't be flushed by itself.
+    return error == std::errc::permission_denied ? std::error_code() : error;
+  }
   // Network and FUSE file systems may not know the operation on folders; there is nothing more to do then.
   if (::fsync(descriptor.Get()) != 0 && errno != EINVAL && errno != ENOTSUP) return LastError();
   return {};

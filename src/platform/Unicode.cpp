@@ -3,6 +3,7 @@
 #include <QChar>
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 namespace platform {
 namespace {

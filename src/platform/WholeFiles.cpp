@@ -36,7 +36,7 @@ std::error_code FollowLinks(const std::string& path, std::string& target) {
     const ssize_t length = ::readlink(target.c_str(), text.data(), text.size());
     if (length < 0) return errno == EINVAL || errno == ENOENT ? std::error_code() : LastError();
     const std::string link(text.data(), static_cast<std::size_t>(length));
-    target = link.starts_with('/') ? link : FolderPart(target) + link;
+    target = link.starts_with('/') ? link : FolderPart(target).append(link);
   }
   return make_error_code(std::errc::too_many_symbolic_link_levels);
 }

@@ -165,7 +165,7 @@ TEST(RegistrySettings, LivesWithDamagedLinesAndKeepsThem) {
   const CScratchFolder folder;
   const std::string damaged =
       "no value\n\"Sort\n\"Sort\"\n\"Sort\"=dword:xyz\n\"Sort\"=dword:123456789\n\"Sort\"=hex:1,,2\n"
-      "\"Sort\"=\"open\n\"Sort\\\n\"a\\\"b\"=dword:7\n\"Empty\"=hex:";
+      "\"Sort\"=\"open\n\"Sort\\\n\"a\\\"b\"=dword:7 \r\n\"Empty\"=hex:";
   const std::string path = folder.Write("settings", damaged);
   CRegistrySettings settings(path);
   EXPECT_FALSE(settings.HasValue("Sort"));

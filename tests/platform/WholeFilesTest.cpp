@@ -148,6 +148,22 @@ INSTANTIATE_TEST_SUITE_P(Operations, WholeFile,
                                                    }}),
                          [](const auto& tested) { return std::string(tested.param.Name); });
 
+TEST(WriteFileAtomically, FlushesTheFileBeforeItGetsItsNameAndTheFolderAfter) {
+  const CScratchFolder folder;
+  const std::string path = folder.Write("file", kOld);
+  std::vector<std::string> steps;
+  platform::SetFaultPlan([&](std::string_view operation, std::string_view target) {
+    const bool isFolder = target == folder.GetPath();
+    const bool isFile = target == path;
+    steps.push_back(std::string(operation) + (isFolder ? " folder" : isFile ? " file" : " temporary"));
+    return std::error_code();
+  });
+  EXPECT_FALSE(Replace(path, kNew));
+  platform::SetFaultPlan({});
+  EXPECT_THAT(steps, testing::ElementsAre("create temporary", "chmod temporary", "write temporary",
+                                          "sync temporary", "rename file", "sync folder"));
+}
+
 TEST(WriteFileAtomically, KeepsPermissionBitsAndFollowsLinks) {
   const CScratchFolder folder;
   const std::string real = folder.Write("below/real", kOld);
