@@ -1,16 +1,16 @@
 #include "imaging/Scaler.h"
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
 namespace {
 
-// Weights of one target pixel add up to exactly this, so that a flat area keeps its value.
-constexpr unsigned kWeightBits = 15;
-constexpr std::uint64_t kWeightSum = std::uint64_t{1} << kWeightBits;
+// Samples are cut to whole numbers.
+constexpr float kRounding = 0.5F;
 
-// Between the passes a sample has 8 bits behind the point.
-constexpr unsigned kFractionBits = 8;
+// All that a reduction to no less than half can meet in one direction.
+constexpr int kFewTaps = 3;
 
 /// Which source pixels make up a target pixel, in one direction.
 struct Taps {
@@ -33,8 +33,25 @@ class CAxis {
     }
   }
 
+  /// Gives every position the same number of taps, with weights of 0 where it needs fewer, within source
+  /// positions `begin` to `end`. False, with nothing changed, if that can't be.
+  bool MakeUniform(int count, int begin, int end) {
+    const auto hasMore = [count](const Taps& taps) { return taps.Count > count; };
+    if (end - begin < count || std::ranges::any_of(Positions, hasMore)) return false;
+    std::vector<float> uniform(Positions.size() * static_cast<std::size_t>(count));
+    std::size_t at = 0;
+    for (Taps& taps : Positions) {
+      const int first = std::min(taps.First, end - count);
+      std::copy_n(GetWeights(taps), taps.Count, uniform.data() + at + (taps.First - first));
+      taps = {first, count, at};
+      at += static_cast<std::size_t>(count);
+    }
+    Weights = std::move(uniform);
+    return true;
+  }
+
   const std::vector<Taps>& GetPositions() const { return Positions; }
-  const std::uint16_t* GetWeights(const Taps& taps) const { return Weights.data() + taps.Weights; }
+  const float* GetWeights(const Taps& taps) const { return Weights.data() + taps.Weights; }
 
  private:
   // In units of 1 / target of a source pixel, position p covers [p * source, (p + 1) * source) and source
@@ -47,12 +64,10 @@ class CAxis {
     const std::uint64_t first = begin / t;
     const std::uint64_t last = (end - 1) / t;
     Positions.push_back({static_cast<int>(first), static_cast<int>(last - first + 1), Weights.size()});
-    std::uint64_t given = 0;  // weight given out so far: rounding errors don't add up
+    const double unit = 1.0 / source;
     for (std::uint64_t j = first; j <= last; ++j) {
-      const std::uint64_t covered = std::min(end, (j + 1) * t) - begin;
-      const std::uint64_t upTo = (covered * kWeightSum + s / 2) / s;
-      Weights.push_back(static_cast<std::uint16_t>(upTo - given));
-      given = upTo;
+      const std::uint64_t covered = std::min(end, (j + 1) * t) - std::max(begin, j * t);
+      Weights.push_back(static_cast<float>(static_cast<double>(covered) * unit));
     }
   }
 
@@ -61,39 +76,60 @@ class CAxis {
     const std::int64_t unit = 2 * std::int64_t{target};
     const std::int64_t centre = (2 * std::int64_t{position} + 1) * source - target;
     const std::int64_t first = std::max<std::int64_t>(centre, 0) / unit;
-    const auto sum = static_cast<std::int64_t>(kWeightSum);
-    std::int64_t second = centre < 0 ? 0 : (centre % unit * sum + target) / unit;
-    if (first + 1 >= source) second = 0;
-    Positions.push_back({static_cast<int>(first), second == 0 ? 1 : 2, Weights.size()});
-    Weights.push_back(static_cast<std::uint16_t>(sum - second));
-    if (second != 0) Weights.push_back(static_cast<std::uint16_t>(second));
+    const bool hasTwo = centre > 0 && first + 1 < source;
+    const double second = hasTwo ? static_cast<double>(centre % unit) / static_cast<double>(unit) : 0.0;
+    Positions.push_back({static_cast<int>(first), hasTwo ? 2 : 1, Weights.size()});
+    Weights.push_back(static_cast<float>(1.0 - second));
+    if (hasTwo) Weights.push_back(static_cast<float>(second));
   }
 
   std::vector<Taps> Positions;
-  std::vector<std::uint16_t> Weights;
+  std::vector<float> Weights;
 };
 
-// Samples are taken in runs of this many, a count known to the compiler, so that it makes vectors of them.
+// Samples are taken in runs of this many: at -O2 the compiler makes vectors only of a loop with a known
+// count whose results can't overlap what it reads.
 constexpr std::size_t kRun = 16;
 
-inline std::uint16_t ToFraction(std::uint32_t sum) {
-  constexpr unsigned kShift = kWeightBits - kFractionBits;
-  return static_cast<std::uint16_t>((sum + (1U << (kShift - 1))) >> kShift);
+/// A few source rows and what each counts, for the rows of a mild reduction.
+struct WeightedRows {
+  const std::uint8_t* First = nullptr;
+  const std::uint8_t* Second = nullptr;
+  const std::uint8_t* Third = nullptr;
+  float FirstWeight = 0;
+  float SecondWeight = 0;
+  float ThirdWeight = 0;
+};
+
+/// Sample `i` of the weighted sum of the first `Count` rows.
+template <int Count>
+inline float MixSample(const WeightedRows& rows, std::size_t i) {
+  float sum = rows.FirstWeight * rows.First[i];
+  if constexpr (Count > 1) sum += rows.SecondWeight * rows.Second[i];
+  if constexpr (Count > 2) sum += rows.ThirdWeight * rows.Third[i];
+  return sum;
 }
 
-/// One row that is the weighted sum of `Count` source rows, for the few rows of a mild reduction.
 template <int Count>
-void MixFewRows(const std::uint8_t* const* rows, const std::uint16_t* weights, std::uint16_t* mixed,
-                std::size_t samples) {
-  const auto mix = [&](std::size_t i) {
-    std::uint32_t sum = 0;
-    for (int k = 0; k < Count; ++k) sum += std::uint32_t{weights[k]} * rows[k][i];
-    mixed[i] = ToFraction(sum);
-  };
+void MixFewRows(const WeightedRows& rows, float* mixed, std::size_t samples) {
   std::size_t i = 0;
-  for (; i + kRun <= samples; i += kRun)
-    for (std::size_t lane = 0; lane < kRun; ++lane) mix(i + lane);
-  for (; i < samples; ++i) mix(i);
+  for (; i + kRun <= samples; i += kRun) {
+    std::array<float, kRun> run;
+    for (std::size_t k = 0; k < kRun; ++k) run[k] = MixSample<Count>(rows, i + k);
+    std::copy(run.begin(), run.end(), mixed + i);
+  }
+  for (; i < samples; ++i) mixed[i] = MixSample<Count>(rows, i);
+}
+
+/// Adds a weighted source row to sums.
+void AddRow(const std::uint8_t* row, float weight, float* sums, std::size_t samples) {
+  std::size_t i = 0;
+  for (; i + kRun <= samples; i += kRun) {
+    std::array<float, kRun> run;
+    for (std::size_t k = 0; k < kRun; ++k) run[k] = sums[i + k] + weight * row[i + k];
+    std::copy(run.begin(), run.end(), sums + i);
+  }
+  for (; i < samples; ++i) sums[i] += weight * row[i];
 }
 
 /// Mixes the rows of a source into one row of finer samples.
@@ -104,79 +140,71 @@ class CRowMixer {
         Offset(static_cast<std::size_t>(firstColumn) * static_cast<std::size_t>(source.BytesPerPixel)),
         Mixed(static_cast<std::size_t>(columns) * static_cast<std::size_t>(source.BytesPerPixel)) {}
 
-  const std::uint16_t* Mix(const Taps& taps, const std::uint16_t* weights) {
-    if (taps.Count > kFewRows) {
+  const float* Mix(const Taps& taps, const float* weights) {
+    if (taps.Count > kFewTaps) {
       MixManyRows(taps, weights);
       return Mixed.data();
     }
-    const std::uint8_t* rows[kFewRows] = {};
-    for (int k = 0; k < taps.Count; ++k) rows[k] = Row(taps.First + k);
+    const auto row = [&](int k) { return Row(taps.First + std::min(k, taps.Count - 1)); };
+    const auto weight = [&](int k) { return k < taps.Count ? weights[k] : 0.0F; };
+    const WeightedRows rows{row(0), row(1), row(2), weight(0), weight(1), weight(2)};
     switch (taps.Count) {
       case 1:
-        MixFewRows<1>(rows, weights, Mixed.data(), Mixed.size());
+        MixFewRows<1>(rows, Mixed.data(), Mixed.size());
         break;
       case 2:
-        MixFewRows<2>(rows, weights, Mixed.data(), Mixed.size());
+        MixFewRows<2>(rows, Mixed.data(), Mixed.size());
         break;
       default:
-        MixFewRows<3>(rows, weights, Mixed.data(), Mixed.size());
+        MixFewRows<3>(rows, Mixed.data(), Mixed.size());
         break;
     }
     return Mixed.data();
   }
 
  private:
-  static constexpr int kFewRows = 3;  // all that a reduction to no less than half can meet
-
   const std::uint8_t* Row(int y) const { return Source.Row(y) + Offset; }
 
-  void MixManyRows(const Taps& taps, const std::uint16_t* weights) {
-    Sums.assign(Mixed.size(), 0);
-    for (int k = 0; k < taps.Count; ++k) {
-      const std::uint8_t* row = Row(taps.First + k);
-      const std::uint32_t weight = weights[k];
-      std::size_t i = 0;
-      for (; i + kRun <= Sums.size(); i += kRun)
-        for (std::size_t lane = 0; lane < kRun; ++lane) Sums[i + lane] += weight * row[i + lane];
-      for (; i < Sums.size(); ++i) Sums[i] += weight * row[i];
-    }
-    std::transform(Sums.begin(), Sums.end(), Mixed.begin(), ToFraction);
+  void MixManyRows(const Taps& taps, const float* weights) {
+    std::ranges::fill(Mixed, 0.0F);
+    for (int k = 0; k < taps.Count; ++k) AddRow(Row(taps.First + k), weights[k], Mixed.data(), Mixed.size());
   }
 
   const PixelSource& Source;
   const std::size_t Offset;  // bytes from a row's start to the first column needed
-  std::vector<std::uint16_t> Mixed;
-  std::vector<std::uint32_t> Sums;
+  std::vector<float> Mixed;
 };
 
-/// Makes one target row of a mixed row, whose first pixel is source column `firstColumn`.
-template <int SourceBytes, int TargetBytes>
-void MixColumns(const std::uint16_t* mixed, int firstColumn, const CAxis& columns, std::uint8_t* target) {
-  constexpr unsigned kShift = kWeightBits + kFractionBits;
+/// Makes one target row of a mixed row, whose first pixel is source column `firstColumn`. With a `Count`
+/// other than 0 all columns have that many taps: a loop whose end can be foreseen takes two thirds of the
+/// time.
+template <int SourceBytes, int TargetBytes, int Count>
+void MixColumns(const float* mixed, int firstColumn, const CAxis& columns, std::uint8_t* target) {
   for (const Taps& taps : columns.GetPositions()) {
-    const std::uint16_t* pixel = mixed + std::ptrdiff_t{taps.First - firstColumn} * SourceBytes;
-    const std::uint16_t* weight = columns.GetWeights(taps);
-    std::uint32_t blue = 1U << (kShift - 1);
-    std::uint32_t green = blue;
-    std::uint32_t red = blue;
-    for (int k = 0; k < taps.Count; ++k, pixel += SourceBytes) {
-      blue += std::uint32_t{weight[k]} * pixel[0];
-      green += std::uint32_t{weight[k]} * pixel[1];
-      red += std::uint32_t{weight[k]} * pixel[2];
+    const float* pixel = mixed + std::ptrdiff_t{taps.First - firstColumn} * SourceBytes;
+    const float* weight = columns.GetWeights(taps);
+    float blue = kRounding;
+    float green = kRounding;
+    float red = kRounding;
+    for (int k = 0; k < (Count ? Count : taps.Count); ++k, pixel += SourceBytes) {
+      blue += weight[k] * pixel[0];
+      green += weight[k] * pixel[1];
+      red += weight[k] * pixel[2];
     }
-    target[0] = static_cast<std::uint8_t>(blue >> kShift);
-    target[1] = static_cast<std::uint8_t>(green >> kShift);
-    target[2] = static_cast<std::uint8_t>(red >> kShift);
+    target[0] = static_cast<std::uint8_t>(blue);
+    target[1] = static_cast<std::uint8_t>(green);
+    target[2] = static_cast<std::uint8_t>(red);
     if constexpr (TargetBytes == 4) target[3] = 255;
     target += TargetBytes;
   }
 }
 
-using ColumnMixer = void (*)(const std::uint16_t*, int, const CAxis&, std::uint8_t*);
+using ColumnMixer = void (*)(const float*, int, const CAxis&, std::uint8_t*);
 
+template <int Count>
 ColumnMixer ChooseColumnMixer(int sourceBytes, int targetBytes) {
-  if (sourceBytes == 3) return targetBytes == 3 ? MixColumns<3, 3> : MixColumns<3, 4>;
-  return targetBytes == 3 ? MixColumns<4, 3> : MixColumns<4, 4>;
+  if (sourceBytes == 3) return targetBytes == 3 ? MixColumns<3, 3, Count> : MixColumns<3, 4, Count>;
+  return targetBytes == 3 ? MixColumns<4, 3, Count> : MixColumns<4, 4, Count>;
 }
 
 }  // namespace
@@ -193,15 +221,19 @@ void StretchPixels(const PixelSource& source, const PixelBuffer& target, int x, 
   if (!clip(x, size.Width, target.Size.Width, left, right)) return;
   if (!clip(y, size.Height, target.Size.Height, top, bottom)) return;
 
-  const CAxis columns(source.Size.Width, size.Width, left, right);
+  CAxis columns(source.Size.Width, size.Width, left, right);
   const CAxis rows(source.Size.Height, size.Height, top, bottom);
   const Taps& last = columns.GetPositions().back();
   const int firstColumn = columns.GetPositions().front().First;
-  CRowMixer mixer(source, firstColumn, last.First + last.Count - firstColumn);
-  const ColumnMixer mixColumns = ChooseColumnMixer(source.BytesPerPixel, target.BytesPerPixel);
+  const int endColumn = last.First + last.Count;
+  CRowMixer mixer(source, firstColumn, endColumn - firstColumn);
+  const bool uniform = columns.MakeUniform(kFewTaps, firstColumn, endColumn);
+  const ColumnMixer mixColumns = uniform
+                                     ? ChooseColumnMixer<kFewTaps>(source.BytesPerPixel, target.BytesPerPixel)
+                                     : ChooseColumnMixer<0>(source.BytesPerPixel, target.BytesPerPixel);
   int targetRow = y + top;
   for (const Taps& taps : rows.GetPositions()) {
-    const std::uint16_t* mixed = mixer.Mix(taps, rows.GetWeights(taps));
+    const float* mixed = mixer.Mix(taps, rows.GetWeights(taps));
     std::uint8_t* row = target.Row(targetRow++) + std::ptrdiff_t{x + left} * target.BytesPerPixel;
     mixColumns(mixed, firstColumn, columns, row);
   }
