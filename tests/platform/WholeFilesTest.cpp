@@ -187,6 +187,24 @@ TEST(WriteFileAtomically, KeepsPermissionBitsAndFollowsLinks) {
   EXPECT_TRUE(std::filesystem::is_symlink(loop));
 }
 
+TEST(WriteFileAtomically, NeverShowsAPrivateFileToOthers) {
+  const CScratchFolder folder;
+  const std::string path = folder.Write("file", kOld);
+  ASSERT_EQ(::chmod(path.c_str(), 0600), 0);
+  int looks = 0;
+  platform::SetFaultPlan([&looks](std::string_view operation, std::string_view target) {
+    if (operation == "create") return std::error_code();
+    ++looks;
+    platform::FileStatus status;
+    const bool isFolder = !platform::GetStatus(std::string(target), status) && status.IsFolder;
+    EXPECT_EQ(isFolder ? 0U : status.Mode & 077U, 0U) << operation;
+    return std::error_code();
+  });
+  EXPECT_FALSE(Replace(path, kNew));
+  platform::SetFaultPlan({});
+  EXPECT_EQ(looks, 5);
+}
+
 TEST(WriteFileAtomically, ReplacesRegularFilesAlone) {
   const CScratchFolder folder;
   const std::string inner = folder.File("folder/inner");
