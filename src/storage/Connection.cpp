@@ -2,6 +2,8 @@
 
 #include <sqlite3.h>
 
+#include "platform/Files.h"
+
 namespace {
 
 constexpr int kLockWait = 5000;  // milliseconds
@@ -30,6 +32,23 @@ CConnection Connect(const std::string& path, int flags) {
     CStatement(raw, setting).Run();
   }
   return connection;
+}
+
+std::int64_t QueryInteger(sqlite3* connection, std::string_view sql) {
+  CStatement statement(connection, sql);
+  return statement.Step() ? statement.GetInteger(0) : 0;
+}
+
+void CheckFileSize(sqlite3* connection, const std::string& path) {
+  const std::int64_t pages = QueryInteger(connection, "PRAGMA page_count");
+  const std::int64_t size = pages * QueryInteger(connection, "PRAGMA page_size");
+  platform::FileStatus status;
+  if (const auto error = platform::GetStatus(path, status)) {
+    throw CDatabaseError(SQLITE_IOERR, error.message());
+  }
+  if (status.Size < static_cast<std::uint64_t>(size)) {
+    throw CDatabaseError(SQLITE_CORRUPT, "it is damaged (its end is missing)");
+  }
 }
 
 void MarkAsOurs(sqlite3* connection) {

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "platform/Files.h"
+#include "storage/NewStorageFile.h"
 #include "storage/StorageException.h"
 
 namespace {
@@ -37,24 +38,17 @@ void CDatabase::MakeIfMissing() const {
   platform::FileStatus status;
   std::error_code error = platform::GetStatus(Path, status);
   if (error != std::errc::no_such_file_or_directory) return;
-  std::string temporary;
-  error = platform::CreateTemporaryFile(Path, ".vellumar-", temporary);
+  CNewStorageFile file(Path);
+  error = file.Create();
   if (error) throw CError(MakeText(Path, "made", error.message()));
   try {
-    MarkAsOurs(Connect(temporary, SQLITE_OPEN_READWRITE).get());
+    MarkAsOurs(Connect(file.GetPath(), SQLITE_OPEN_READWRITE).get());
   } catch (const CDatabaseError& failure) {
-    static_cast<void>(platform::RemoveFile(temporary));
     throw CError(Describe("made", failure));
   }
-  // A journal without its file would be taken for the new file's own and played back into it.
-  error = platform::RemoveFile(Path + "-journal");
-  if (!error || error == std::errc::no_such_file_or_directory) {
-    error = platform::RenameToNewName(temporary, Path);
-  }
-  if (!error) return;
-  static_cast<void>(platform::RemoveFile(temporary));
-  // Another process was faster: its file is as good.
-  if (error != std::errc::file_exists) throw CError(MakeText(Path, "made", error.message()));
+  error = file.GiveName();
+  // Another process may have been faster: its file is as good.
+  if (error && error != std::errc::file_exists) throw CError(MakeText(Path, "made", error.message()));
 }
 
 void CDatabase::CheckIsFile() const {
@@ -64,7 +58,10 @@ void CDatabase::CheckIsFile() const {
   }
   if (status.IsFolder) throw CError(MakeText(Path, "opened", "it is a folder"));
   if (!status.IsRegular) throw CError(MakeText(Path, "opened", "it is not a regular file"));
-  if (status.Size == 0) throw CDamagedStorage(MakeText(Path, "opened", "it is damaged (it is empty)"));
+  if (status.Size < kSmallestFile) {
+    const bool empty = status.Size == 0;
+    throw CDamagedStorage(MakeText(Path, "opened", empty ? "it is damaged (it is empty)" : "it is damaged"));
+  }
 }
 
 void CDatabase::Open() {
@@ -77,19 +74,20 @@ void CDatabase::Open() {
 }
 
 void CDatabase::OpenForReading() {
-  Connection = Connect(Path, SQLITE_OPEN_READONLY);
-  for (bool recovered = false;; recovered = true) {
-    try {
-      Execute("BEGIN");
-      CheckContent();
-      Execute("ROLLBACK");
-      return;
-    } catch (const CDatabaseError& error) {
-      if (error.GetExtendedCode() != SQLITE_READONLY_ROLLBACK || recovered) throw;
-      if (IsInTransaction()) Execute("ROLLBACK");
-      RecoverFromJournal();
-    }
+  try {
+    ConnectForReading();
+  } catch (const CDatabaseError& error) {
+    if (error.GetExtendedCode() != SQLITE_READONLY_ROLLBACK) throw;
+    RecoverFromJournal();
+    ConnectForReading();
   }
+}
+
+void CDatabase::ConnectForReading() {
+  Connection = Connect(Path, SQLITE_OPEN_READONLY);
+  Execute("BEGIN");
+  CheckContent();
+  Execute("ROLLBACK");
 }
 
 /// A killed run's transaction stands half in the file and its journal beside it. Only a connection that may
@@ -114,15 +112,7 @@ void CDatabase::OpenForWriting() {
 
 void CDatabase::CheckContent() {
   QueryInteger("SELECT count(*) FROM sqlite_schema");
-  const std::int64_t size = QueryInteger("PRAGMA page_count") * QueryInteger("PRAGMA page_size");
-  platform::FileStatus status;
-  if (const auto error = platform::GetStatus(Path, status)) {
-    throw CDatabaseError(SQLITE_IOERR, error.message());
-  }
-  // SQLite takes a last page that is cut short for one that ends in zeros.
-  if (status.Size < static_cast<std::uint64_t>(size)) {
-    throw CDatabaseError(SQLITE_CORRUPT, "it is damaged (its end is missing)");
-  }
+  CheckFileSize(Connection.get(), Path);
   Ours = QueryInteger("PRAGMA application_id") == kApplicationId;
 }
 
@@ -138,9 +128,7 @@ std::string CDatabase::Describe(std::string_view done, const CThrowable& reason)
 void CDatabase::Execute(const std::string& sql) const { Prepare(sql).Run(); }
 
 std::int64_t CDatabase::QueryInteger(std::string_view sql) const {
-  CStatement statement = Prepare(sql);
-  const CStatementUse use(statement);
-  return use->Step() ? use->GetInteger(0) : 0;
+  return ::QueryInteger(Connection.get(), sql);
 }
 
 bool CDatabase::IsInTransaction() const { return sqlite3_get_autocommit(Connection.get()) == 0; }

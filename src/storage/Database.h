@@ -40,6 +40,7 @@ class CDatabase {
   void CheckIsFile() const;
   void Open();
   void OpenForReading();
+  void ConnectForReading();
   void OpenForWriting();
   void RecoverFromJournal() const;
   void CheckContent();

@@ -96,4 +96,5 @@ void CStoredSequence::EraseRemoved() {
 void CStoredSequence::Fill() {
   HasOrder = false;
   Order = {};
+  if (GetTable().HasRemovedRows()) EraseRemoved();
 }

@@ -73,10 +73,7 @@ std::shared_ptr<c4_Table> c4_Storage::Impl::OpenTable(const std::string& name,
   const auto table = known != Tables.end() ? known->second : std::make_shared<c4_Table>(name, Transaction);
   try {
     table->Declare(properties);
-    table->Load();
   } catch (const CDatabaseError& error) {
-    table->Unload();
-    if (known != Tables.end()) Transaction.MarkOutOfStep();
     if (error.IsDamage()) throw CDamagedStorage(Database.Describe("read", error));
     throw CError(Database.Describe("read", error));
   }

@@ -3,8 +3,9 @@
 #include "base/Exceptions.h"
 
 /// A read or write of a storage failed after it was opened: the disk is full, failed, or may no longer be
-/// written. All uncommitted changes of the storage have been undone by the time this is raised, so the
-/// program can show the text, which names the file and what is wrong, and go on.
+/// written. When a write failed all uncommitted changes of the storage have been undone by the time this is
+/// raised; so they have when the disk failed to read. The program can show the text, which names the file
+/// and what is wrong, and go on. A block of bytes that is damaged leaves the changes as they are.
 class CStorageException : public CException {
  public:
   using CException::CException;

@@ -2,14 +2,11 @@
 
 #include <sqlite3.h>
 
-#include <cerrno>
-
 #include "platform/Files.h"
 #include "storage/DatabaseCopy.h"
+#include "storage/NewStorageFile.h"
 
 namespace {
-
-std::string GetJournalPath(const std::string& path) { return path + "-journal"; }
 
 std::error_code ToErrorCode(const CDatabaseError& error) {
   switch (error.GetPrimaryCode()) {
@@ -35,23 +32,19 @@ std::error_code ToErrorCode(const CDatabaseError& error) {
 /// Reading undoes an interrupted transaction first, if the file may be written.
 void Recover(sqlite3* connection) { CStatement(connection, "SELECT count(*) FROM sqlite_schema").Run(); }
 
-std::error_code RemoveIfThere(const std::string& path) {
-  const std::error_code error = platform::RemoveFile(path);
-  return error == std::errc::no_such_file_or_directory ? std::error_code() : error;
-}
-
 std::error_code CheckIsFile(const std::string& path) {
   platform::FileStatus status;
   if (const auto error = platform::GetStatus(path, status)) return error;
   if (status.IsFolder) return make_error_code(std::errc::is_a_directory);
   if (!status.IsRegular) return make_error_code(std::errc::not_supported);
-  return status.Size == 0 ? make_error_code(std::errc::bad_message) : std::error_code();
+  return status.Size < kSmallestFile ? make_error_code(std::errc::bad_message) : std::error_code();
 }
 
 std::error_code CopyContent(const std::string& from, const std::string& to) {
   try {
     const CConnection source = Connect(from, SQLITE_OPEN_READWRITE);
     Recover(source.get());
+    CheckFileSize(source.get(), from);
     const CConnection target = Connect(to, SQLITE_OPEN_READWRITE);
     CopyDatabase(source.get(), target.get());
     return {};
@@ -66,14 +59,10 @@ std::error_code CopyStorageFile(const std::string& from, const std::string& to) 
   if (const auto error = CheckIsFile(from)) return error;
   platform::FileStatus taken;
   if (!platform::GetStatus(to, taken)) return make_error_code(std::errc::file_exists);
-  std::string temporary;
-  if (const auto error = platform::CreateTemporaryFile(to, ".vellumar-", temporary)) return error;
-  std::error_code error = CopyContent(from, temporary);
-  // A journal without its file would be played back into the copy.
-  if (!error) error = RemoveIfThere(GetJournalPath(to));
-  if (!error) error = platform::RenameToNewName(temporary, to);
-  if (error) static_cast<void>(RemoveIfThere(temporary));
-  return error;
+  CNewStorageFile copy(to);
+  if (const auto error = copy.Create()) return error;
+  if (const auto error = CopyContent(from, copy.GetPath())) return error;
+  return copy.GiveName();
 }
 
 std::error_code SetStorageFileAside(const std::string& from, const std::string& to) {

@@ -73,8 +73,8 @@ void CStorageImage::Receive(c4_Stream& stream) const {
 bool CStorageImage::Check() const {
   try {
     const CConnection connection = Connect(File.GetPath(), SQLITE_OPEN_READONLY);
-    CStatement mark(connection.get(), "PRAGMA application_id");
-    if (!mark.Step() || mark.GetInteger(0) != kApplicationId) return false;
+    if (QueryInteger(connection.get(), "PRAGMA application_id") != kApplicationId) return false;
+    CheckFileSize(connection.get(), File.GetPath());
     CStatement check(connection.get(), "PRAGMA quick_check(1)");
     return check.Step() && check.GetText(0) == "ok";
   } catch (const CDatabaseError& error) {

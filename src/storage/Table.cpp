@@ -37,27 +37,51 @@ void Trim(std::vector<T>& values) {
   if (values.capacity() > values.size() + values.size() / 16) values.shrink_to_fit();
 }
 
+void Reserve(TableRows& rows, std::int64_t count) {
+  const auto size = static_cast<std::size_t>(count);
+  rows.RowIds.reserve(size);
+  for (CColumn& column : rows.Columns) {
+    if (column.Type == c4_Type::Integer) column.Integers.reserve(size);
+    if (column.Type == c4_Type::Text) column.Texts.reserve(size);
+  }
+}
+
+/// Frees what was reserved in vain, and gives columns that the file lacks their empty values.
+void Trim(TableRows& rows) {
+  Trim(rows.RowIds);
+  for (CColumn& column : rows.Columns) {
+    if (column.Type == c4_Type::Integer) column.Integers.resize(rows.RowIds.size());
+    if (column.Type == c4_Type::Text) column.Texts.resize(rows.RowIds.size());
+    Trim(column.Integers);
+    Trim(column.Texts);
+  }
+}
+
 }  // namespace
 
 c4_Table::c4_Table(std::string name, CTransaction& transaction)
     : Name(std::move(name)), Transaction(&transaction), File(transaction.GetDatabase(), Name), Root(*this) {}
 
+void c4_Table::AddColumn(TableRows& rows, const c4_Property& property) {
+  CColumn& column = rows.Columns.emplace_back(CColumn{property, property.Type(), {}, {}, {}});
+  if (column.Type == c4_Type::Integer) column.Integers.resize(rows.RowIds.size());
+  if (column.Type == c4_Type::Text) column.Texts.resize(rows.RowIds.size());
+}
+
 void c4_Table::Declare(const std::vector<c4_Property>& properties) {
+  TableRows fresh;
+  for (const CColumn& column : Rows.Columns) AddColumn(fresh, column.Property);
   for (const c4_Property& property : properties) {
     if (FindColumn(property)) continue;
-    for (const CColumn& column : Columns) {
+    for (const CColumn& column : fresh.Columns) {
       if (!TextsAreEqual(column.Property.Name(), property.Name())) continue;
       throw CError("The view \"" + Name + "\" has a property \"" + property.Name() + "\" of another type.");
     }
-    const auto id = static_cast<std::size_t>(property.Id);
-    if (id >= ColumnOfProperty.size()) ColumnOfProperty.resize(id + 1, -1);
-    ColumnOfProperty[id] = static_cast<int>(Columns.size());
-    CColumn& column = Columns.emplace_back(CColumn{property, property.Type(), {}, {}, {}});
-    if (column.Type == c4_Type::Integer) column.Integers.resize(RowIds.size());
-    if (column.Type == c4_Type::Text) column.Texts.resize(RowIds.size());
-    Stored = false;
+    AddColumn(fresh, property);
   }
-  File.Forget();
+  const bool stored = ReadRows(fresh);
+  Adopt(std::move(fresh));
+  Stored = stored;
 }
 
 bool c4_Table::HasAll(const std::vector<c4_Property>& properties) const {
@@ -65,98 +89,85 @@ bool c4_Table::HasAll(const std::vector<c4_Property>& properties) const {
                      [this](const c4_Property& property) { return FindColumn(property).has_value(); });
 }
 
-void c4_Table::Load() {
-  Clear();
+void c4_Table::Load() { Declare({}); }
+
+void c4_Table::Adopt(TableRows rows) {
+  Rows = std::move(rows);
+  MapColumns();
   File.Forget();
-  File.Inspect();
-  Stored = std::all_of(Columns.begin(), Columns.end(),
-                       [this](const CColumn& column) { return File.HasColumn(column.Property.Name()); });
-  if (File.Exists()) ReadRows();
+  Past = History();
+  Past.OldSlots = Rows.RowIds.size();
+  Past.Complete = !Transaction->IsOpen();
+  Past.Touched = !Past.Complete;
+  if (!Rows.RowIds.empty()) HighestRowId = std::max(HighestRowId, Rows.RowIds.back());
   Root.Rebuild();
 }
 
-void c4_Table::Unload() {
-  Clear();
-  Stored = false;
-  Root.Rebuild();
+void c4_Table::MapColumns() {
+  ColumnOfProperty.clear();
+  for (std::size_t i = 0; i < Rows.Columns.size(); ++i) {
+    const auto id = static_cast<std::size_t>(Rows.Columns[i].Property.Id);
+    if (id >= ColumnOfProperty.size()) ColumnOfProperty.resize(id + 1, -1);
+    ColumnOfProperty[id] = static_cast<int>(i);
+  }
 }
 
 void c4_Table::Close() {
   Transaction = nullptr;
   File.Forget();
-  Unload();
+  Rows = TableRows();
+  Past = History();
+  MapColumns();
+  Root.Rebuild();
 }
 
 void c4_Table::Store() {
   if (Stored) return;
+  File.Inspect();
   File.Make(GetProperties());
   Stored = true;
+  Past.Touched = true;
 }
 
 std::vector<c4_Property> c4_Table::GetProperties() const {
   std::vector<c4_Property> properties;
-  for (const CColumn& column : Columns) properties.push_back(column.Property);
+  for (const CColumn& column : Rows.Columns) properties.push_back(column.Property);
   return properties;
 }
 
-void c4_Table::ReadRows() {
+/// Fills the columns of `rows`. Whether the file has all of them.
+bool c4_Table::ReadRows(TableRows& rows) {
+  File.Inspect();
+  bool stored = true;
   std::vector<CColumn*> held;
   std::vector<c4_Property> properties;
-  for (CColumn& column : Columns) {
-    if (column.Type == c4_Type::Bytes || !File.HasColumn(column.Property.Name())) continue;
+  for (CColumn& column : rows.Columns) {
+    const bool there = File.HasColumn(column.Property.Name());
+    stored = stored && there;
+    if (!there || column.Type == c4_Type::Bytes) continue;
     held.push_back(&column);
     properties.push_back(column.Property);
   }
-  ReserveRows(static_cast<std::size_t>(std::clamp(File.GetHighestRowId(), std::int64_t{0}, kMaximumReserve)));
+  if (!File.Exists()) return stored;
+  Reserve(rows, std::clamp(File.GetHighestRowId(), std::int64_t{0}, kMaximumReserve));
   CStatement statement = File.SelectAll(properties);
-  const CStatementUse use(statement);
-  while (use->Step()) {
-    const std::int64_t rowId = use->GetInteger(0);
-    if (!RowIds.empty() && rowId <= RowIds.back()) {
+  while (statement.Step()) {
+    const std::int64_t rowId = statement.GetInteger(0);
+    if (!rows.RowIds.empty() && rowId <= rows.RowIds.back()) {
       throw CDatabaseError(SQLITE_CORRUPT, "it is damaged (rows are out of order)");
     }
-    RowIds.push_back(rowId);
+    rows.RowIds.push_back(rowId);
     int position = 1;
     for (CColumn* column : held) {
       if (column->Type == c4_Type::Integer) {
-        column->Integers.push_back(use->GetInteger32(position++));
+        column->Integers.push_back(statement.GetInteger32(position++));
       } else {
-        column->Texts.emplace_back(use->GetText(position++));
+        column->Texts.emplace_back(statement.GetText(position++));
       }
     }
   }
-  if (!RowIds.empty()) HighestRowId = std::max(HighestRowId, RowIds.back());
-  TrimRows();
-}
-
-void c4_Table::ReserveRows(std::size_t count) {
-  RowIds.reserve(count);
-  for (CColumn& column : Columns) {
-    if (column.Type == c4_Type::Integer) column.Integers.reserve(count);
-    if (column.Type == c4_Type::Text) column.Texts.reserve(count);
-  }
-}
-
-/// Frees what was reserved in vain, and gives columns that the file lacks their empty values.
-void c4_Table::TrimRows() {
-  Trim(RowIds);
-  for (CColumn& column : Columns) {
-    if (column.Type == c4_Type::Integer) column.Integers.resize(RowIds.size());
-    if (column.Type == c4_Type::Text) column.Texts.resize(RowIds.size());
-    Trim(column.Integers);
-    Trim(column.Texts);
-  }
-}
-
-void c4_Table::Clear() {
-  RowIds = {};
-  Removed = {};
-  RemovedCount = 0;
-  for (CColumn& column : Columns) {
-    column.Integers = {};
-    column.Texts = {};
-    column.Index.reset();
-  }
+  Trim(rows);
+  return stored;
 }
 
 std::optional<std::size_t> c4_Table::FindColumn(const c4_Property& property) const {
@@ -167,10 +178,10 @@ std::optional<std::size_t> c4_Table::FindColumn(const c4_Property& property) con
 
 std::optional<c4_Slot> c4_Table::FindSlot(const RowIdentity& row) const {
   c4_Slot slot = row.Slot;
-  if (slot >= RowIds.size() || RowIds[slot] != row.RowId) {
-    const auto found = std::lower_bound(RowIds.begin(), RowIds.end(), row.RowId);
-    if (found == RowIds.end() || *found != row.RowId) return std::nullopt;
-    slot = static_cast<c4_Slot>(found - RowIds.begin());
+  if (slot >= Rows.RowIds.size() || Rows.RowIds[slot] != row.RowId) {
+    const auto found = std::lower_bound(Rows.RowIds.begin(), Rows.RowIds.end(), row.RowId);
+    if (found == Rows.RowIds.end() || *found != row.RowId) return std::nullopt;
+    slot = static_cast<c4_Slot>(found - Rows.RowIds.begin());
   }
   if (!IsLive(slot)) return std::nullopt;
   return slot;
@@ -179,24 +190,24 @@ std::optional<c4_Slot> c4_Table::FindSlot(const RowIdentity& row) const {
 std::int32_t c4_Table::GetInteger(const c4_Property& property, const RowIdentity& row) const {
   const auto column = FindColumn(property);
   const auto slot = FindSlot(row);
-  return column && slot ? Columns[*column].Integers[*slot] : 0;
+  return column && slot ? Rows.Columns[*column].Integers[*slot] : 0;
 }
 
 const std::string& c4_Table::GetText(const c4_Property& property, const RowIdentity& row) const {
   const auto column = FindColumn(property);
   const auto slot = FindSlot(row);
-  return column && slot ? Columns[*column].Texts[*slot] : kEmptyText;
+  return column && slot ? Rows.Columns[*column].Texts[*slot] : kEmptyText;
 }
 
 c4_Bytes c4_Table::GetBytes(const c4_Property& property, const RowIdentity& row) const {
   const auto column = FindColumn(property);
   const auto slot = FindSlot(row);
-  return column && slot ? ReadBytes(Columns[*column], *slot) : c4_Bytes();
+  return column && slot ? ReadBytes(Rows.Columns[*column], *slot) : c4_Bytes();
 }
 
 c4_Bytes c4_Table::ReadBytes(const CColumn& column, c4_Slot slot) const {
   try {
-    return File.ReadBytes(column.Property, RowIds[slot]);
+    return File.ReadBytes(column.Property, Rows.RowIds[slot]);
   } catch (const CDatabaseError& error) {
     const std::string text = Transaction->GetDatabase().Describe("read", error);
     Transaction->CheckAfterRead();
@@ -205,7 +216,7 @@ c4_Bytes c4_Table::ReadBytes(const CColumn& column, c4_Slot slot) const {
 }
 
 int c4_Table::CompareRows(std::size_t column, c4_Slot left, c4_Slot right) const {
-  const CColumn& values = Columns[column];
+  const CColumn& values = Rows.Columns[column];
   switch (values.Type) {
     case c4_Type::Integer:
       return CompareValues(values.Integers[left], values.Integers[right]);
@@ -218,7 +229,7 @@ int c4_Table::CompareRows(std::size_t column, c4_Slot left, c4_Slot right) const
 }
 
 int c4_Table::CompareToValue(std::size_t column, c4_Slot slot, const c4_Row::Value& value) const {
-  const CColumn& values = Columns[column];
+  const CColumn& values = Rows.Columns[column];
   switch (values.Type) {
     case c4_Type::Integer:
       return CompareValues(values.Integers[slot], GetOrDefault<std::int32_t>(value));

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <cstdint>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "storage/IntegerIndex.h"
@@ -29,6 +29,14 @@ struct CColumn {
   std::optional<CIntegerIndex> Index;  // made when a search first asks for it
 };
 
+/// The rows of a table as they are held.
+struct TableRows {
+  std::vector<std::int64_t> RowIds;  // by slot, ascending
+  std::vector<CColumn> Columns;
+  std::vector<bool> Removed;  // by slot; may be shorter than RowIds
+  std::size_t RemovedCount = 0;
+};
+
 /// One stored view: its rows in memory, in step with the file's table and with every sequence derived from
 /// it. Reads and changes of rows that aren't there, and of properties that the view doesn't have, give 0 or
 /// empty, and do nothing. Writing raises CStorageException after the transaction was undone.
@@ -40,32 +48,40 @@ class c4_Table : public std::enable_shared_from_this<c4_Table> {
 
   // The storage's side.
 
-  /// Adds columns that aren't there yet, in memory; CError if one is there with another type. Load reads
-  /// their values and Store adds them to the file.
+  /// Takes in columns that aren't there yet, and reads their values. CError if one is there with another
+  /// type, CDatabaseError if the file can't be read; the table is then as it was.
   void Declare(const std::vector<c4_Property>& properties);
   bool HasAll(const std::vector<c4_Property>& properties) const;
-  bool IsInFile() const { return File.Exists(); }
-  bool IsStored() const { return Stored; }
-  /// CDatabaseError; the table is then to be unloaded.
+  /// Reads everything from the file. CDatabaseError; the rows are then as they were.
   void Load();
-  void Unload();
   /// Ends all use of the file.
   void Close();
-  /// Makes the table and its columns in the file, where it lacks them.
+  bool IsInFile() const { return File.Exists(); }
+  /// Whether the file has all columns; Store adds what it lacks.
+  bool IsStored() const { return Stored; }
   void Store();
+
+  // The transaction's side.
+
+  void BeginChanges();
+  void KeepChanges();
+  /// Brings back the rows as they were at BeginChanges. False if that can't be done from memory; the rows
+  /// are then gone until Load.
+  bool UndoChanges() noexcept;
 
   // What views ask.
 
   bool IsOpen() const { return Transaction != nullptr; }
   CStoredSequence& GetRoot() { return Root; }
   std::optional<std::size_t> FindColumn(const c4_Property& property) const;
-  const CColumn& GetColumn(std::size_t column) const { return Columns[column]; }
-  std::size_t GetSlotCount() const { return RowIds.size(); }
+  const CColumn& GetColumn(std::size_t column) const { return Rows.Columns[column]; }
+  std::size_t GetSlotCount() const { return Rows.RowIds.size(); }
   bool IsLive(c4_Slot slot) const {
-    return slot < RowIds.size() && (Removed.empty() || slot >= Removed.size() || !Removed[slot]);
+    return slot < Rows.RowIds.size() && (slot >= Rows.Removed.size() || !Rows.Removed[slot]);
   }
+  bool HasRemovedRows() const { return Rows.RemovedCount > 0; }
   std::optional<c4_Slot> FindSlot(const RowIdentity& row) const;
-  RowIdentity GetIdentity(c4_Slot slot) const { return {slot, RowIds[slot]}; }
+  RowIdentity GetIdentity(c4_Slot slot) const { return {slot, Rows.RowIds[slot]}; }
 
   std::int32_t GetInteger(const c4_Property& property, const RowIdentity& row) const;
   const std::string& GetText(const c4_Property& property, const RowIdentity& row) const;
@@ -87,29 +103,48 @@ class c4_Table : public std::enable_shared_from_this<c4_Table> {
   void AddProperty(const c4_Property& property);
 
  private:
+  /// How to undo one step: the value to put back, or that the row was removed.
+  struct OldValue {
+    std::uint32_t Column;  // kRowRemoved for a removal
+    c4_Slot Slot;
+    std::variant<std::int32_t, std::string> Value;
+  };
+  static constexpr std::uint32_t kRowRemoved = 0xffffffff;
+
+  /// What happened since the last commit, as far as it concerns the rows of that time.
+  struct History {
+    std::size_t OldSlots = 0;  // rows from here on are new
+    std::vector<OldValue> OldValues;
+    std::optional<TableRows> BeforeClear;  // set when all rows were removed at once
+    std::size_t OldSlotsBeforeClear = 0;
+    bool Touched = false;
+    bool Complete = true;  // false once the rows were loaded in the middle of a transaction
+  };
+
   std::vector<c4_Property> GetProperties() const;
-  void ReadRows();
-  void ReserveRows(std::size_t count);
-  void TrimRows();
+  static void AddColumn(TableRows& rows, const c4_Property& property);
+  bool ReadRows(TableRows& rows);
+  void Adopt(TableRows rows);
+  void MapColumns();
   c4_Bytes ReadBytes(const CColumn& column, c4_Slot slot) const;
   bool Holds(const CColumn& column, c4_Slot slot, const c4_Row::Value& value) const;
-  void Assign(CColumn& column, c4_Slot slot, const c4_Row::Value& value);
   c4_Slot Append(std::int64_t rowId, const c4_Row& row);
   void MarkRemoved(c4_Slot slot);
   void RemoveSlots(const std::vector<c4_Slot>& slots);
-  void Clear();
+  void RemoveAll();
+  void RememberValue(std::size_t column, c4_Slot slot);
+  void RememberRow(c4_Slot slot);
+  void PutBack(OldValue& old);
   CColumn* FindColumnToIndex(const c4_Row& values);
   void MakeIndex(CColumn& column);
 
   std::string Name;
   CTransaction* Transaction;  // null once the storage is closed
   mutable CTableFile File;    // reading changes no more than what is prepared
-  bool Stored = false;        // the file has all columns
-  std::vector<CColumn> Columns;
+  bool Stored = false;
+  TableRows Rows;
   std::vector<int> ColumnOfProperty;  // by the property's id; -1 for none
-  std::vector<std::int64_t> RowIds;   // by slot, ascending
-  std::vector<bool> Removed;          // by slot; may be shorter than RowIds
-  std::size_t RemovedCount = 0;
-  std::int64_t HighestRowId = 0;  // of all rows ever seen: no number is used twice in a session
+  std::int64_t HighestRowId = 0;      // of all rows ever seen: no number is used twice in a session
+  History Past;
   CStoredSequence Root;
 };

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
+#include <utility>
 
 #include "storage/Table.h"
 
@@ -27,6 +29,11 @@ std::ptrdiff_t CountValuesInSample(std::span<const std::int32_t> values) {
   return std::unique(sample.begin(), sample.end()) - sample.begin();
 }
 
+void Assign(CColumn& column, c4_Slot slot, const c4_Row::Value& value) {
+  if (const auto* integer = std::get_if<std::int32_t>(&value)) column.Integers[slot] = *integer;
+  if (const auto* text = std::get_if<std::string>(&value)) column.Texts[slot] = *text;
+}
+
 }  // namespace
 
 bool c4_Table::Holds(const CColumn& column, c4_Slot slot, const c4_Row::Value& value) const {
@@ -35,20 +42,16 @@ bool c4_Table::Holds(const CColumn& column, c4_Slot slot, const c4_Row::Value& v
   return false;  // not worth reading it
 }
 
-void c4_Table::Assign(CColumn& column, c4_Slot slot, const c4_Row::Value& value) {
-  if (const auto* integer = std::get_if<std::int32_t>(&value)) column.Integers[slot] = *integer;
-  if (const auto* text = std::get_if<std::string>(&value)) column.Texts[slot] = *text;
-}
-
 void c4_Table::Set(const c4_Property& property, const RowIdentity& row, const c4_Row::Value& value) {
   const auto number = FindColumn(property);
   const auto before = FindSlot(row);
-  if (!IsOpen() || !number || !before || Holds(Columns[*number], *before, value)) return;
+  if (!IsOpen() || !number || !before || Holds(Rows.Columns[*number], *before, value)) return;
   Transaction->Run([&] {
     Store();
     const auto slot = FindSlot(row);
     if (!slot) return;
-    CColumn& column = Columns[*number];
+    CColumn& column = Rows.Columns[*number];
+    RememberValue(*number, *slot);
     Root.TakeOut(*slot, number);
     File.Update(property, row.RowId, value);
     if (column.Index) column.Index->Erase(column.Integers, *slot);
@@ -68,6 +71,7 @@ RowIdentity c4_Table::Add(const c4_Row& row) {
     }
     ++HighestRowId;
     File.Insert(HighestRowId, GetProperties(), row);
+    Past.Touched = true;
     const c4_Slot slot = Append(HighestRowId, row);
     Root.PutIn(slot, std::nullopt);
     added = GetIdentity(slot);
@@ -76,16 +80,16 @@ RowIdentity c4_Table::Add(const c4_Row& row) {
 }
 
 c4_Slot c4_Table::Append(std::int64_t rowId, const c4_Row& row) {
-  const auto slot = static_cast<c4_Slot>(RowIds.size());
-  RowIds.push_back(rowId);
-  for (CColumn& column : Columns) {
+  const auto slot = static_cast<c4_Slot>(Rows.RowIds.size());
+  Rows.RowIds.push_back(rowId);
+  for (CColumn& column : Rows.Columns) {
     if (column.Type == c4_Type::Integer) column.Integers.push_back(0);
     if (column.Type == c4_Type::Text) column.Texts.emplace_back();
   }
   for (const auto& [property, value] : row.GetValues()) {
-    if (const auto column = FindColumn(property)) Assign(Columns[*column], slot, value);
+    if (const auto column = FindColumn(property)) Assign(Rows.Columns[*column], slot, value);
   }
-  for (CColumn& column : Columns) {
+  for (CColumn& column : Rows.Columns) {
     if (column.Index) column.Index->Insert(column.Integers, slot);
   }
   return slot;
@@ -98,23 +102,34 @@ void c4_Table::Remove(const std::vector<RowIdentity>& rows) {
     for (const RowIdentity& row : rows) {
       if (const auto slot = FindSlot(row)) slots.push_back(*slot);
     }
-    if (slots.size() == RowIds.size() - RemovedCount) {
-      if (slots.empty()) return;
-      File.DeleteAll();
-      Clear();
-      Root.Rebuild();
+    if (slots.size() == Rows.RowIds.size() - Rows.RemovedCount) {
+      if (!slots.empty()) RemoveAll();
     } else {
       RemoveSlots(slots);
     }
   });
 }
 
+void c4_Table::RemoveAll() {
+  File.DeleteAll();
+  TableRows empty;
+  for (const CColumn& column : Rows.Columns) AddColumn(empty, column.Property);
+  if (!Past.BeforeClear) {
+    Past.BeforeClear = std::move(Rows);
+    Past.OldSlotsBeforeClear = std::exchange(Past.OldSlots, 0);
+  }
+  Past.Touched = true;
+  Rows = std::move(empty);
+  Root.Rebuild();
+}
+
 void c4_Table::RemoveSlots(const std::vector<c4_Slot>& slots) {
   if (slots.size() <= kFewRows) {
     for (const c4_Slot slot : slots) {
+      RememberRow(slot);
       Root.TakeOut(slot, std::nullopt);  // may read the row's bytes from the file
-      File.Delete(RowIds[slot]);
-      for (CColumn& column : Columns) {
+      File.Delete(Rows.RowIds[slot]);
+      for (CColumn& column : Rows.Columns) {
         if (column.Index) column.Index->Erase(column.Integers, slot);
       }
       MarkRemoved(slot);
@@ -122,32 +137,35 @@ void c4_Table::RemoveSlots(const std::vector<c4_Slot>& slots) {
     return;
   }
   for (const c4_Slot slot : slots) {
-    File.Delete(RowIds[slot]);
+    RememberRow(slot);
+    File.Delete(Rows.RowIds[slot]);
     MarkRemoved(slot);
   }
-  for (CColumn& column : Columns) {
+  for (CColumn& column : Rows.Columns) {
     if (column.Index) column.Index->EraseIf([this](c4_Slot slot) { return !IsLive(slot); });
   }
   Root.DropRemoved();
 }
 
 void c4_Table::MarkRemoved(c4_Slot slot) {
-  if (Removed.size() <= slot) Removed.resize(RowIds.size());
-  Removed[slot] = true;
-  ++RemovedCount;
-  for (CColumn& column : Columns) {
+  if (Rows.Removed.size() <= slot) Rows.Removed.resize(Rows.RowIds.size());
+  Rows.Removed[slot] = true;
+  ++Rows.RemovedCount;
+  for (CColumn& column : Rows.Columns) {
     if (column.Type == c4_Type::Text) std::string().swap(column.Texts[slot]);
   }
 }
 
 void c4_Table::AddProperty(const c4_Property& property) {
   if (!IsOpen() || FindColumn(property)) return;
-  Declare({property});
-  Transaction->Run([this] { Store(); });
+  Transaction->Run([&] {
+    Declare({property});
+    Store();
+  });
 }
 
 std::optional<std::span<const c4_Slot>> c4_Table::FindCandidates(const c4_Row& values) {
-  if (RowIds.size() < kWorthAnIndex) return std::nullopt;
+  if (Rows.RowIds.size() < kWorthAnIndex) return std::nullopt;
   std::optional<std::span<const c4_Slot>> best;
   const auto ask = [&](const CColumn& column, std::int32_t value) {
     const auto found = column.Index->Find(column.Integers, value);
@@ -157,7 +175,7 @@ std::optional<std::span<const c4_Slot>> c4_Table::FindCandidates(const c4_Row& v
     for (const auto& [property, value] : values.GetValues()) {
       const auto column = FindColumn(property);
       const auto* integer = std::get_if<std::int32_t>(&value);
-      if (column && integer != nullptr && Columns[*column].Index) ask(Columns[*column], *integer);
+      if (column && integer != nullptr && Rows.Columns[*column].Index) ask(Rows.Columns[*column], *integer);
     }
   };
   askAll();
@@ -175,19 +193,19 @@ CColumn* c4_Table::FindColumnToIndex(const c4_Row& values) {
   std::ptrdiff_t most = kWorthOfValues - 1;
   for (const auto& [property, value] : values.GetValues()) {
     const auto number = FindColumn(property);
-    if (!number || Columns[*number].Type != c4_Type::Integer || Columns[*number].Index) continue;
-    const std::ptrdiff_t count = CountValuesInSample(Columns[*number].Integers);
+    if (!number || Rows.Columns[*number].Type != c4_Type::Integer || Rows.Columns[*number].Index) continue;
+    const std::ptrdiff_t count = CountValuesInSample(Rows.Columns[*number].Integers);
     if (count <= most) continue;
     most = count;
-    best = &Columns[*number];
+    best = &Rows.Columns[*number];
   }
   return best;
 }
 
 void c4_Table::MakeIndex(CColumn& column) {
   std::vector<c4_Slot> slots;
-  slots.reserve(RowIds.size() - RemovedCount);
-  for (std::size_t slot = 0; slot < RowIds.size(); ++slot) {
+  slots.reserve(Rows.RowIds.size() - Rows.RemovedCount);
+  for (std::size_t slot = 0; slot < Rows.RowIds.size(); ++slot) {
     if (IsLive(static_cast<c4_Slot>(slot))) slots.push_back(static_cast<c4_Slot>(slot));
   }
   column.Index.emplace(column.Integers, std::move(slots));

@@ -55,13 +55,14 @@ CTableFile::CTableFile(CDatabase& database, std::string name)
     : Database(database), Name(std::move(name)), QuotedName(Quote(Name)) {}
 
 void CTableFile::Inspect() {
-  Columns.clear();
+  std::set<std::string, NameOrder> found;
   CStatement statement = Database.Prepare(
       "SELECT c.name FROM sqlite_schema AS t, pragma_table_info(t.name) AS c "
       "WHERE t.type='table' AND t.name=? COLLATE NOCASE");
   const CStatementUse use(statement);
   use->Bind(1, std::string_view(Name));
-  while (use->Step()) Columns.emplace(use->GetText(0));
+  while (use->Step()) found.emplace(use->GetText(0));
+  Columns = std::move(found);
 }
 
 bool CTableFile::HasColumn(const std::string& name) const { return Columns.contains(name); }

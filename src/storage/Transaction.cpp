@@ -6,33 +6,36 @@
 CTransaction::CTransaction(CDatabase& database)
     : Database(database), DataVersion(database.GetDataVersion()) {}
 
+void CTransaction::Attach(c4_Table& table) {
+  Tables.push_back(&table);
+  if (Opened) table.BeginChanges();
+}
+
 void CTransaction::Begin() {
   if (Opened) return;
   Database.Execute("BEGIN IMMEDIATE");
   Opened = true;
   if (OutOfStep || Database.GetDataVersion() != DataVersion) LoadTables();
+  for (c4_Table* table : Tables) table->BeginChanges();
 }
 
 void CTransaction::Commit() {
-  if (OutOfStep && !Opened) Rollback();
   if (!Opened) return;
   try {
     Database.Execute("COMMIT");
-    Opened = false;
   } catch (const CDatabaseError& error) {
     Undo();
+    // The failure may have come after the file was changed for good.
+    OutOfStep = true;
+    TryLoadTables();
     Raise(error);
   }
+  Opened = false;
+  for (c4_Table* table : Tables) table->KeepChanges();
 }
 
 void CTransaction::Rollback() {
-  if (!Opened && !OutOfStep) return;
-  EndInFile();
-  try {
-    LoadTables();
-  } catch (const CDatabaseError& error) {
-    throw CStorageException(Database.Describe("read", error));
-  }
+  if (Opened) Undo();
 }
 
 void CTransaction::CheckAfterRead() {
@@ -40,8 +43,13 @@ void CTransaction::CheckAfterRead() {
 }
 
 void CTransaction::Undo() noexcept {
+  const bool began = Opened;
   EndInFile();
-  TryLoadTables();
+  if (!began) return;
+  for (c4_Table* table : Tables) {
+    if (!table->UndoChanges()) OutOfStep = true;
+  }
+  if (OutOfStep) TryLoadTables();
 }
 
 void CTransaction::EndInFile() noexcept {
@@ -50,25 +58,22 @@ void CTransaction::EndInFile() noexcept {
     // After some failures SQLite has rolled back already.
     if (Database.IsInTransaction()) Database.Execute("ROLLBACK");
   } catch (const CDatabaseError&) {
-    // The journal stands; the next read plays it back.
+    // The journal stands; whoever reads the file next plays it back.
   }
 }
 
 void CTransaction::LoadTables() {
   OutOfStep = true;
-  for (c4_Table* table : Tables) table->Unload();
   for (c4_Table* table : Tables) table->Load();
   DataVersion = Database.GetDataVersion();
   OutOfStep = false;
 }
 
-bool CTransaction::TryLoadTables() noexcept {
+void CTransaction::TryLoadTables() noexcept {
   try {
     LoadTables();
-    return true;
   } catch (...) {
-    for (c4_Table* table : Tables) table->Unload();
-    return false;
+    // The tables stay as they are until the next change, which loads them or fails.
   }
 }
 

@@ -8,15 +8,16 @@
 class c4_Table;
 
 /// The one open transaction of a storage. It begins with the first change after a commit and is undone, in
-/// the file and in every table, unless it is committed.
+/// the file and in every table, unless it is committed. The tables undo their part from memory, so they
+/// show the last commit even while the disk answers nothing.
 class CTransaction {
  public:
   explicit CTransaction(CDatabase& database);
   CTransaction(const CTransaction&) = delete;
   CTransaction& operator=(const CTransaction&) = delete;
 
-  /// The tables to bring back in step when the file isn't as they believe. The caller keeps them alive.
-  void Attach(c4_Table& table) { Tables.push_back(&table); }
+  /// A table that takes part from now on. The caller keeps it alive until DetachAll.
+  void Attach(c4_Table& table);
   void DetachAll() { Tables.clear(); }
 
   CDatabase& GetDatabase() const { return Database; }
@@ -43,9 +44,6 @@ class CTransaction {
   void Commit();
   void Rollback();
 
-  /// A table couldn't be loaded: all of them are loaded anew before the next change.
-  void MarkOutOfStep() { OutOfStep = true; }
-
   /// To be called when a read failed: SQLite may have given up the transaction on its own.
   void CheckAfterRead();
 
@@ -54,12 +52,12 @@ class CTransaction {
   void Undo() noexcept;
   void EndInFile() noexcept;
   void LoadTables();
-  bool TryLoadTables() noexcept;
+  void TryLoadTables() noexcept;
   [[noreturn]] void Raise(const CDatabaseError& error) const;
 
   CDatabase& Database;
   std::vector<c4_Table*> Tables;
   std::int64_t DataVersion;  // of the file when the tables were last in step with it
   bool Opened = false;
-  bool OutOfStep = false;  // the tables could not be loaded after an undo; they are empty until they can
+  bool OutOfStep = false;  // the tables may differ from the file: they are loaded before the next change
 };
