@@ -137,19 +137,29 @@ class CJpegDecoder::Impl {
 
   void Decode(int reduction, const PixelBuffer& target) {
     if (Form == ColorForm::Unsupported) throw CException("Unsupported number of channels");
-    const bool decoded = IsAffordable() && RunGuarded(Errors, [&] {
-                           return Start(reduction, target.Size) && ReadAllScans() && ReadRows(target);
-                         });
+    const bool decoded = IsAffordable() &&
+                         RunGuarded(Errors, [&] { return Start(reduction, target.Size); }) && TakeInScans() &&
+                         RunGuarded(Errors, [&] { return ReadRows(target); });
     if (!decoded) throw CException("Cannot read JPEG data from file\n");
   }
 
  private:
-  // All below but IsAffordable runs guarded.
-
   bool IsAffordable() const {
     const std::uint64_t pixels = std::uint64_t{Info.image_width} * Info.image_height;
     return pixels <= (Info.arith_code ? kMaxArithmeticPixels : kMaxPixels);
   }
+
+  /// Takes in the scans of a progressive file, or of one with a scan for each channel. Where the library
+  /// gives up on what stands between scans, the file ends, and the scans before it are the picture.
+  bool TakeInScans() {
+    if (!Info.buffered_image || RunGuarded(Errors, [this] { return ReadAllScans(); })) return true;
+    if (TooCostly) return false;
+    Info.src->bytes_in_buffer = 0;
+    Info.unread_marker = JPEG_EOI;
+    return RunGuarded(Errors, [this] { return ReadAllScans(); });
+  }
+
+  // All below runs guarded.
 
   bool Start(int reduction, ImageSize size) {
     Info.scale_num = 1;
@@ -168,15 +178,13 @@ class CJpegDecoder::Impl {
            Info.output_height == static_cast<unsigned>(size.Height);
   }
 
-  /// Takes in the scans of a progressive file, or of one with a scan for each channel, within the limits.
   bool ReadAllScans() {
-    if (!Info.buffered_image) return true;
-    std::uint64_t visits = 0;
     for (int status = JPEG_REACHED_SOS; status != JPEG_REACHED_EOI; status = jpeg_consume_input(&Info)) {
       if (status != JPEG_REACHED_SOS) continue;
-      visits += std::uint64_t{Info.MCUs_per_row} * Info.MCU_rows_in_scan *
-                static_cast<unsigned>(Info.blocks_in_MCU);
-      if (Info.input_scan_number > kMaxScans || visits > kMaxBlockVisits) return false;
+      BlockVisits += std::uint64_t{Info.MCUs_per_row} * Info.MCU_rows_in_scan *
+                     static_cast<unsigned>(Info.blocks_in_MCU);
+      TooCostly = Info.input_scan_number > kMaxScans || BlockVisits > kMaxBlockVisits;
+      if (TooCostly) return false;
     }
     return jpeg_start_output(&Info, Info.input_scan_number);
   }
@@ -236,6 +244,8 @@ class CJpegDecoder::Impl {
   MemorySource Source;
   jpeg_decompress_struct Info{};
   ColorForm Form = ColorForm::Unsupported;
+  std::uint64_t BlockVisits = 0;
+  bool TooCostly = false;
 };
 
 CJpegDecoder::CJpegDecoder(std::span<const std::uint8_t> bytes) : Inside(std::make_unique<Impl>(bytes)) {}
