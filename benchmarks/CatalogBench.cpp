@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <cstdio>
-#include <functional>
 #include <memory>
 #include <random>
 #include <stdexcept>
@@ -122,15 +121,17 @@ struct OperationTimes {
   double Rate = 0;
 };
 
-// The median over the rounds of the mean over a round's picks: a single pick is too short for the clock.
-double TimePicks(int photos, std::mt19937& random, const std::function<void(int)>& operation) {
-  std::uniform_int_distribution<int> pick(0, photos - 1);
+// The median over the rounds of the mean over a round's picks: a single pick is too short for the clock. The
+// picks are copied together beforehand, so that fetching them isn't measured too.
+template <typename Key, typename Operation>
+double TimePicks(const std::vector<Key>& keys, std::mt19937& random, const Operation& operation) {
+  std::uniform_int_distribution<std::size_t> pick(0, keys.size() - 1);
   std::vector<double> rounds;
-  std::vector<int> picks(kPicksPerRound);
   for (int round = 0; round < kRounds; ++round) {
-    for (int& index : picks) index = pick(random);
+    std::vector<Key> picks;
+    for (int i = 0; i < kPicksPerRound; ++i) picks.push_back(keys[pick(random)]);
     const Clock::time_point start = Clock::now();
-    for (const int index : picks) operation(index);
+    for (const Key& key : picks) operation(key);
     rounds.push_back(SecondsSince(start) / kPicksPerRound);
   }
   return Median(rounds);
@@ -144,16 +145,15 @@ OperationTimes MeasureOperations(const std::string& path, int photos) {
   std::vector<std::int32_t> ids;
   for (int i = 0; i < photos; ++i) {
     paths.push_back(PathOf(i));
-    ids.push_back(catalog.GetAssets()[i].IsValid() ? catalog.FindAssetByPath(paths.back()).GetAssetID() : 0);
+    ids.push_back(catalog.FindAssetByPath(paths.back()).GetAssetID());
   }
   OperationTimes times;
-  times.FindByPath = TimePicks(photos, random, [&](int index) {
-    if (!catalog.FindAssetByPath(paths[static_cast<std::size_t>(index)]).IsValid()) {
+  times.FindByPath = TimePicks(paths, random, [&](const std::string& picked) {
+    if (!catalog.FindAssetByPath(picked).IsValid())
       throw std::runtime_error("a photo is not found by its path");
-    }
   });
-  times.GetStamps = TimePicks(photos, random, [&](int index) {
-    const CAssetRecord photo = catalog.FindAssetById(ids[static_cast<std::size_t>(index)]);
+  times.GetStamps = TimePicks(ids, random, [&](std::int32_t id) {
+    const CAssetRecord photo = catalog.FindAssetById(id);
     if (photo.GetStamps(StampId::CameraDate).Count() != 1) throw std::runtime_error("a stamp is missing");
   });
 

@@ -30,6 +30,7 @@ void SetHome(const std::string& home) {
   }
   std::filesystem::permissions(folder / "runtime", std::filesystem::perms::owner_all);
   setenv("QT_QPA_PLATFORM", "offscreen", 1);
+  setenv("QT_LOGGING_RULES", "default.warning=false", 1);  // on what that platform can't do
 }
 
 [[noreturn]] void BecomeChild(const std::vector<std::string>& arguments, const std::string& home,

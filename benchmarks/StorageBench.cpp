@@ -1,0 +1,265 @@
+#include <sqlite3.h>
+#include <strings.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "Benchmarks.h"
+#include "Measure.h"
+#include "storage/Storage.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr int kSmall = 1000;  // photos
+constexpr int kLarge = 100000;
+constexpr int kStampsPerPhoto = 3;
+constexpr int kRepetitions = 7;
+constexpr int kLookups = 20000;
+constexpr int kCommits = 60;
+
+const c4_IntProp pAssetID("AssetID");
+const c4_IntProp pStampType("StampType");
+const c4_IntProp pIndexInt("IndexInt");
+const c4_IntProp pRollID("RollID");
+const c4_IntProp pCachedDate("CachedDate");
+const c4_IntProp pCachedRating("CachedRating");
+const c4_IntProp pLocationType("LocationType");
+const c4_StringProp pLocation("Location");
+const c4_StringProp pFilename("Filename");
+const c4_StringProp pSortedString("SortedString");
+const c4_BytesProp pID("ID");
+
+constexpr const char* kAssets =
+    "Asset[AssetID:I,LocationType:I,Location:S,Filename:S,RollID:I,ID:B,CachedRating:I,CachedDate:I,"
+    "Missing:I,Tossed:I,ToEmail:I,ToRemotePrint:I]";
+constexpr const char* kStamps = "Stamp[StampType:I,SortedString:S,AssetID:I,IndexInt:I,PersonID:I]";
+
+struct PhotoKey {
+  std::string Location;
+  std::string Filename;
+  std::int32_t Date;
+  std::int32_t Rating;
+};
+
+/// Photos as a few years' use leaves them: folders and files not in the order of the alphabet.
+PhotoKey MakePhoto(int index) {
+  std::mt19937 random(static_cast<unsigned>(index / 120));
+  const unsigned folder = static_cast<unsigned>(random() % 5000);
+  PhotoKey key;
+  key.Location = "/home/someone/Pictures/20" + std::to_string(10 + folder % 15) + "/Trip " +
+                 std::to_string(folder) + "/";
+  key.Filename = "IMG_" + std::to_string(10000 + (index * 7919) % 90000) + ".JPG";
+  key.Date =
+      1'100'000'000 + static_cast<std::int32_t>((static_cast<unsigned>(index) * 2654435761U) % 500'000'000U);
+  key.Rating = index * 31 % 5;
+  return key;
+}
+
+void FillStorage(const std::string& path, int photos) {
+  c4_Storage storage(path, c4_Storage::Mode::ReadWrite);
+  c4_View assets = storage.GetAs(kAssets);
+  c4_View stamps = storage.GetAs(kStamps);
+  for (int i = 0; i < photos; ++i) {
+    const PhotoKey key = MakePhoto(i);
+    assets.Add(pAssetID[i + 1] + pLocationType[1] + pLocation[key.Location] + pFilename[key.Filename] +
+               pRollID[i / 500] + pID[c4_Bytes(16, static_cast<std::uint8_t>(i))] +
+               pCachedRating[key.Rating] + pCachedDate[key.Date]);
+    for (const int type : {7, 9, 6}) {
+      stamps.Add(pStampType[type] + pSortedString[std::to_string(20'000'000'000'000 + key.Date)] +
+                 pAssetID[i + 1] + pIndexInt[type == 6 ? 9 : 0]);
+    }
+  }
+  storage.Commit();
+}
+
+double TimeOnce(const std::function<void()>& work) {
+  const Clock::time_point start = Clock::now();
+  work();
+  return SecondsSince(start);
+}
+
+void Check(bool right, const char* what) {
+  if (!right) throw std::runtime_error(what);
+}
+
+/// The two sides of a ratio, each the shortest of several runs, run in turns.
+struct Sides {
+  double Ours = std::numeric_limits<double>::max();
+  double Plain = std::numeric_limits<double>::max();
+
+  void Measure(const std::function<void()>& ours, const std::function<void()>& plain) {
+    for (int i = 0; i < kRepetitions; ++i) {
+      Plain = std::min(Plain, TimeOnce(plain));
+      Ours = std::min(Ours, TimeOnce(ours));
+    }
+  }
+};
+
+std::size_t StepThroughTable(sqlite3* database, const std::string& table) {
+  sqlite3_stmt* statement = nullptr;
+  const std::string query = "SELECT * FROM " + table;
+  Check(sqlite3_prepare_v2(database, query.c_str(), -1, &statement, nullptr) == SQLITE_OK, "can't prepare");
+  const int columns = sqlite3_column_count(statement);
+  std::size_t sum = 0;
+  while (sqlite3_step(statement) == SQLITE_ROW) {
+    for (int column = 0; column < columns; ++column) {
+      if (sqlite3_column_type(statement, column) == SQLITE_INTEGER) {
+        sum += static_cast<std::size_t>(sqlite3_column_int(statement, column));
+      } else {
+        const auto* bytes = static_cast<const unsigned char*>(sqlite3_column_blob(statement, column));
+        const int size = sqlite3_column_bytes(statement, column);
+        if (size > 0) sum += bytes[size - 1];
+      }
+    }
+  }
+  Check(sqlite3_finalize(statement) == SQLITE_OK, "can't finish");
+  return sum;
+}
+
+void RunPlainLoop(const std::string& path) {
+  sqlite3* database = nullptr;
+  Check(sqlite3_open_v2(path.c_str(), &database, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX, nullptr) ==
+            SQLITE_OK,
+        "can't open");
+  Check(StepThroughTable(database, "Asset") + StepThroughTable(database, "Stamp") > 0, "nothing was read");
+  Check(sqlite3_close(database) == SQLITE_OK, "can't close");
+}
+
+void OpenWithSortedViews(const std::string& path) {
+  c4_Storage storage(path, c4_Storage::Mode::ReadWrite);
+  const c4_View assets = storage.GetAs(kAssets);
+  const c4_View stamps = storage.GetAs(kStamps);
+  const c4_View byPath = assets.SortOn({pLocation, pFilename});
+  const c4_View byId = assets.SortOn({pAssetID});
+  Check(byPath.GetSize() == kLarge && byId.GetSize() == kLarge, "rows are missing");
+  Check(stamps.GetSize() == kLarge * kStampsPerPhoto, "stamps are missing");
+}
+
+void MeasureOpening(const std::string& path) {
+  Sides sides;
+  sides.Measure([&] { OpenWithSortedViews(path); }, [&] { RunPlainLoop(path); });
+  std::printf("  opening %d photos and %d stamps with both sorted views: %.0f ms, plain loop: %.0f ms\n",
+              kLarge, kLarge * kStampsPerPhoto, sides.Ours * 1e3, sides.Plain * 1e3);
+  PrintRatio("opening / plain loop", sides.Ours / sides.Plain, Limit::AtMost, 3);
+}
+
+/// SortOn against std::sort over the same keys, held as values in a vector.
+template <typename Key, typename Below>
+void MeasureSort(const char* name, const c4_View& view, const c4_Properties& properties,
+                 const std::vector<Key>& keys, const Below& below) {
+  Sides sides;
+  std::vector<Key> copy;
+  for (int i = 0; i < kRepetitions; ++i) {
+    copy = keys;
+    sides.Plain = std::min(sides.Plain, TimeOnce([&] { std::sort(copy.begin(), copy.end(), below); }));
+    sides.Ours =
+        std::min(sides.Ours, TimeOnce([&] { Check(view.SortOn(properties).GetSize() == kLarge, "rows"); }));
+  }
+  std::printf("  SortOn of %d rows by %s: %.1f ms, std::sort: %.1f ms\n", kLarge, name, sides.Ours * 1e3,
+              sides.Plain * 1e3);
+  PrintRatio(std::string("SortOn by ") + name + " / std::sort", sides.Ours / sides.Plain, Limit::AtMost, 4);
+}
+
+void MeasureSorts(const std::string& path) {
+  c4_Storage storage(path, c4_Storage::Mode::ReadOnly);
+  const c4_View assets = storage.GetAs(kAssets);
+  std::vector<std::pair<std::int32_t, std::int32_t>> numbers;
+  std::vector<std::pair<std::string, std::string>> paths;
+  for (int i = 0; i < kLarge; ++i) {
+    const PhotoKey key = MakePhoto(i);
+    numbers.emplace_back(key.Rating, key.Date);
+    paths.emplace_back(key.Location, key.Filename);
+  }
+  MeasureSort("two integers", assets, {pCachedRating, pCachedDate}, numbers, std::less<>());
+  MeasureSort("two texts", assets, {pLocation, pFilename}, paths, [](const auto& left, const auto& right) {
+    const int order = strcasecmp(left.first.c_str(), right.first.c_str());
+    return order != 0 ? order < 0 : strcasecmp(left.second.c_str(), right.second.c_str()) < 0;
+  });
+  MeasureSort("text and integer", assets, {pFilename, pCachedDate}, paths,
+              [](const auto& left, const auto& right) {
+                return strcasecmp(left.second.c_str(), right.second.c_str()) < 0;
+              });
+}
+
+struct OperationTimes {
+  double Search = std::numeric_limits<double>::max();  // seconds each
+  double Stamps = std::numeric_limits<double>::max();
+  double Commit = std::numeric_limits<double>::max();
+};
+
+OperationTimes MeasureOperations(const std::string& path, int photos) {
+  c4_Storage storage(path, c4_Storage::Mode::ReadWrite);
+  const c4_View assets = storage.GetAs(kAssets);
+  const c4_View stamps = storage.GetAs(kStamps);
+  const c4_View byPath = assets.SortOn({pLocation, pFilename});
+  const c4_View byId = assets.SortOn({pAssetID});
+  std::mt19937 random(5);
+  std::vector<int> picks(kLookups);
+  for (int& pick : picks) pick = static_cast<int>(random() % static_cast<unsigned>(photos));
+  std::vector<PhotoKey> keys;
+  for (const int pick : picks) keys.push_back(MakePhoto(pick));
+
+  OperationTimes times;
+  for (int repetition = 0; repetition < kRepetitions; ++repetition) {
+    times.Search = std::min(
+        times.Search, TimeOnce([&] {
+                        for (const PhotoKey& key : keys) {
+                          const int at = byPath.Search(pLocation[key.Location] + pFilename[key.Filename]);
+                          Check(assets.GetIndexOf(byPath[at]) >= 0, "a path isn't found");
+                        }
+                      }) / kLookups);
+    times.Stamps = std::min(times.Stamps, TimeOnce([&] {
+                                            for (const int pick : picks) {
+                                              const c4_View found =
+                                                  stamps.Select(pStampType[6] + pAssetID[pick + 1]);
+                                              Check(found.GetSize() == 1, "a stamp isn't found");
+                                            }
+                                          }) / kLookups);
+  }
+  for (int i = 0; i < kCommits; ++i) {
+    const c4_RowRef row = byId[picks[static_cast<std::size_t>(i)]];
+    times.Commit = std::min(times.Commit, TimeOnce([&] {
+                              pCachedRating.Set(row, 10 + i);
+                              storage.Commit();
+                            }));
+  }
+  return times;
+}
+
+void MeasureGrowth(const std::string& smallPath, const std::string& largePath) {
+  const OperationTimes few = MeasureOperations(smallPath, kSmall);
+  const OperationTimes many = MeasureOperations(largePath, kLarge);
+  std::printf(
+      "  at %d and at %d photos: Search by path %.2f and %.2f us, Select of a photo's stamp %.2f and %.2f "
+      "us, "
+      "a committed change %.2f and %.2f ms\n",
+      kSmall, kLarge, few.Search * 1e6, many.Search * 1e6, few.Stamps * 1e6, many.Stamps * 1e6,
+      few.Commit * 1e3, many.Commit * 1e3);
+  PrintRatio("Search by path, large / small", many.Search / few.Search, Limit::AtMost, 3);
+  PrintRatio("Select of stamps, large / small", many.Stamps / few.Stamps, Limit::AtMost, 3);
+  PrintRatio("committed change, large / small", many.Commit / few.Commit, Limit::AtMost, 3);
+}
+
+}  // namespace
+
+void RunStorageBench() {
+  const CScratchFolder scratch("storage");
+  const std::string small = scratch.GetPath() + "/small.db";
+  const std::string large = scratch.GetPath() + "/large.db";
+  FillStorage(small, kSmall);
+  std::printf("  filling %d photos, one transaction: %.1f s\n", kLarge,
+              TimeOnce([&] { FillStorage(large, kLarge); }));
+  MeasureOpening(large);
+  MeasureSorts(large);
+  MeasureGrowth(small, large);
+}
