@@ -22,7 +22,7 @@ enum class ExifStatus : std::uint32_t {
 struct ExifEntry {
   std::uint16_t Tag = 0;
   std::uint16_t Type = 0;
-  std::span<const std::uint8_t> Value;  // inside the segment that the reader holds
+  std::span<const std::uint8_t> Value{};  // inside the segment that the reader holds
 };
 
 /// Finds the EXIF segment of a JPEG and reads the entries of its directories. It trusts nothing in it:
