@@ -5,7 +5,6 @@
 #include <optional>
 #include <span>
 #include <string>
-#include <variant>
 #include <vector>
 
 #include "storage/IntegerIndex.h"
@@ -107,7 +106,8 @@ class c4_Table : public std::enable_shared_from_this<c4_Table> {
   struct OldValue {
     std::uint32_t Column;  // kRowRemoved for a removal
     c4_Slot Slot;
-    std::variant<std::int32_t, std::string> Value;
+    std::int32_t Integer;  // one of the two is in use, as the column's type says
+    std::string Text;
   };
   static constexpr std::uint32_t kRowRemoved = 0xffffffff;
 

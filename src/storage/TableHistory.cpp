@@ -28,8 +28,8 @@ void c4_Table::RememberValue(std::size_t column, c4_Slot slot) {
   const auto isSame = [&](const OldValue& value) { return value.Column == number && value.Slot == slot; };
   if (std::any_of(recent, old.end(), isSame)) return;
   const CColumn& values = Rows.Columns[column];
-  if (values.Type == c4_Type::Integer) Past.OldValues.push_back({number, slot, values.Integers[slot]});
-  if (values.Type == c4_Type::Text) Past.OldValues.push_back({number, slot, values.Texts[slot]});
+  if (values.Type == c4_Type::Integer) Past.OldValues.push_back({number, slot, values.Integers[slot], {}});
+  if (values.Type == c4_Type::Text) Past.OldValues.push_back({number, slot, 0, values.Texts[slot]});
 }
 
 void c4_Table::RememberRow(c4_Slot slot) {
@@ -39,7 +39,7 @@ void c4_Table::RememberRow(c4_Slot slot) {
     // The texts of a removed row are freed, the integers stay where they are.
     if (Rows.Columns[column].Type == c4_Type::Text) RememberValue(column, slot);
   }
-  Past.OldValues.push_back({kRowRemoved, slot, std::int32_t{0}});
+  Past.OldValues.push_back({kRowRemoved, slot, 0, {}});
 }
 
 void c4_Table::PutBack(OldValue& old) {
@@ -47,10 +47,13 @@ void c4_Table::PutBack(OldValue& old) {
     if (old.Slot >= Rows.Removed.size() || !Rows.Removed[old.Slot]) return;  // it failed to be removed
     Rows.Removed[old.Slot] = false;
     --Rows.RemovedCount;
-  } else if (auto* text = std::get_if<std::string>(&old.Value)) {
-    Rows.Columns[old.Column].Texts[old.Slot] = std::move(*text);
+    return;
+  }
+  CColumn& column = Rows.Columns[old.Column];
+  if (column.Type == c4_Type::Text) {
+    column.Texts[old.Slot] = std::move(old.Text);
   } else {
-    Rows.Columns[old.Column].Integers[old.Slot] = std::get<std::int32_t>(old.Value);
+    column.Integers[old.Slot] = old.Integer;
   }
 }
 
