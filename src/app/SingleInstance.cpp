@@ -25,7 +25,8 @@ QByteArray GetActivationToken() {
 }  // namespace
 
 CSingleInstance::CSingleInstance(const std::string& folder)
-    : LockPath(JoinPath(folder, "vellumar.lock")), SocketPath(ToQString(JoinPath(folder, "vellumar.socket"))) {
+    : LockPath(JoinPath(folder, "vellumar.lock")),
+      SocketPath(ToQString(JoinPath(folder, "vellumar.socket"))) {
   QObject::connect(&Server, &QLocalServer::newConnection, &Server, [this] { Answer(); });
 }
 

@@ -31,7 +31,9 @@ CFilmstrip::CFilmstrip(QWidget* parent) : QWidget(parent) {
 
 int CFilmstrip::GetCount() const { return Set != nullptr ? Set->GetCount() : 0; }
 
-CAssetRecord CFilmstrip::GetCurrentRecord() const { return Set != nullptr ? Set->GetAsset(Current) : CAssetRecord(); }
+CAssetRecord CFilmstrip::GetCurrentRecord() const {
+  return Set != nullptr ? Set->GetAsset(Current) : CAssetRecord();
+}
 
 void CFilmstrip::SetPhotoSet(const CPhotoSet* set, int current) {
   Set = set;

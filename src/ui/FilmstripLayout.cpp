@@ -23,7 +23,9 @@ int CellAt(int x, int stripStart, int count) {
 
 int CellsPerPage(int stripWidth) { return std::max(1, stripWidth / kCellPitch); }
 
-QRect CellRect(int cell, int stripStart) { return {stripStart + cell * kCellPitch, 0, kCellPitch, kStripHeight}; }
+QRect CellRect(int cell, int stripStart) {
+  return {stripStart + cell * kCellPitch, 0, kCellPitch, kStripHeight};
+}
 
 QRect ThumbnailBox(const QRect& cell) {
   return {cell.x() + (cell.width() - kThumbnailWidth) / 2, cell.y() + (cell.height() - kThumbnailHeight) / 2,

@@ -23,10 +23,10 @@ struct FontForm {
 };
 
 constexpr FontForm kForms[] = {
-    {15, 13, Style::Italic}, {15, 13, Style::Plain},  {15, 13, Style::Bold},  {14, 12, Style::Italic},
-    {14, 12, Style::Plain},  {18, 18, Style::Plain},  {15, 15, Style::Plain}, {12, 12, Style::Plain},
+    {15, 13, Style::Italic}, {15, 13, Style::Plain},  {15, 13, Style::Bold},   {14, 12, Style::Italic},
+    {14, 12, Style::Plain},  {18, 18, Style::Plain},  {15, 15, Style::Plain},  {12, 12, Style::Plain},
     {12, 12, Style::Small},  {14, 14, Style::Plain},  {15, 15, Style::Italic}, {15, 15, Style::Plain},
-    {15, 15, Style::Bold},   {15, 15, Style::Italic}, {14, 14, Style::Plain}, {20, 20, Style::Plain},
+    {15, 15, Style::Bold},   {15, 15, Style::Italic}, {14, 14, Style::Plain},  {20, 20, Style::Plain},
     {25, 25, Style::Bold},
 };
 

@@ -53,7 +53,6 @@ class CFontTable {
 
   const Entry& GetEntry(FontId id) const { return Entries[static_cast<std::size_t>(id) - 1]; }
 
-
   std::array<Entry, kCount> Entries;
 };
 

@@ -112,13 +112,20 @@ void CMainFrame::resizeEvent(QResizeEvent*) {
 
 void CMainFrame::keyPressEvent(QKeyEvent* event) {
   switch (event->key()) {
-    case Qt::Key_Left: return Strip.MoveBy(-1);
-    case Qt::Key_Right: return Strip.MoveBy(1);
-    case Qt::Key_PageUp: return Strip.MovePage(true);
-    case Qt::Key_PageDown: return Strip.MovePage(false);
-    case Qt::Key_Home: return Strip.MoveTo(0);
-    case Qt::Key_End: return Strip.MoveTo(Strip.GetCount() - 1);
-    default: QWidget::keyPressEvent(event);
+    case Qt::Key_Left:
+      return Strip.MoveBy(-1);
+    case Qt::Key_Right:
+      return Strip.MoveBy(1);
+    case Qt::Key_PageUp:
+      return Strip.MovePage(true);
+    case Qt::Key_PageDown:
+      return Strip.MovePage(false);
+    case Qt::Key_Home:
+      return Strip.MoveTo(0);
+    case Qt::Key_End:
+      return Strip.MoveTo(Strip.GetCount() - 1);
+    default:
+      QWidget::keyPressEvent(event);
   }
 }
 

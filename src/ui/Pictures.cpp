@@ -8,7 +8,9 @@
 
 namespace {
 
-QString GetResourcePath(PictureId id) { return QStringLiteral(":/pictures/%1.svg").arg(static_cast<int>(id)); }
+QString GetResourcePath(PictureId id) {
+  return QStringLiteral(":/pictures/%1.svg").arg(static_cast<int>(id));
+}
 
 /// Renders a picture over the whole of a pixmap of `size` device pixels.
 QPixmap Render(QSvgRenderer& renderer, const QSize& size) {

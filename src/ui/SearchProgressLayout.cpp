@@ -32,7 +32,9 @@ QRegion ProgressOutline(bool splash) {
   return outline;
 }
 
-QRect ProgressFrame(bool splash) { return {QPoint(26, 25 + Offset(splash)), QPoint(373, 43 + Offset(splash))}; }
+QRect ProgressFrame(bool splash) {
+  return {QPoint(26, 25 + Offset(splash)), QPoint(373, 43 + Offset(splash))};
+}
 
 QRect ProgressBar(bool splash) { return ProgressFrame(splash).adjusted(1, 1, -1, -1); }
 

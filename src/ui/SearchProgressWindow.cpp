@@ -80,7 +80,8 @@ void CSearchProgressWindow::paintEvent(QPaintEvent* event) {
 void CSearchProgressWindow::PaintProductLines(QPainter& painter) const {
   painter.setFont(GetFont(FontId::Band));
   for (int i = 0; i < kProductLines; ++i) {
-    painter.drawText(ProgressProductLine(i, Lines.back()), Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+    painter.drawText(ProgressProductLine(i, Lines.back()),
+                     Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
                      ToQString(Lines[static_cast<std::size_t>(i)]));
   }
 }
@@ -115,7 +116,9 @@ void CSearchProgressWindow::PaintCells(QPainter& painter) const {
   }
 }
 
-void CSearchProgressWindow::keyPressEvent(QKeyEvent* event) { StopRequested = event->key() == Qt::Key_Escape; }
+void CSearchProgressWindow::keyPressEvent(QKeyEvent* event) {
+  StopRequested = event->key() == Qt::Key_Escape;
+}
 
 void CSearchProgressWindow::closeEvent(QCloseEvent* event) {
   // The search's owner takes the window away, once the search has stopped.

@@ -1,8 +1,7 @@
-#include "ui/Application.h"
-
 #include <stdexcept>
 
 #include "storage/StorageException.h"
+#include "ui/Application.h"
 #include "ui/WindowTest.h"
 
 namespace {

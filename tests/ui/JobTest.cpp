@@ -1,5 +1,3 @@
-#include "ui/Job.h"
-
 #include <QMessageBox>
 #include <QPushButton>
 #include <chrono>
@@ -8,6 +6,7 @@
 
 #include "base/Exceptions.h"
 #include "storage/DataThread.h"
+#include "ui/Job.h"
 #include "ui/MessageBox.h"
 #include "ui/SearchProgressWindow.h"
 #include "ui/WindowTest.h"
@@ -133,7 +132,9 @@ TEST(Job, AsksThroughAMessageBoxAndWaitsForTheAnswer) {
     When([] { return QApplication::activeModalWidget() != nullptr; },
          [key] { QTest::keyClick(QApplication::activeModalWidget(), key); });
     bool answer = true;
-    RunJob([&] { answer = messages.Show("Title", "Bring in 5000 photos?", true, MessageParent::ProgressWindow); });
+    RunJob([&] {
+      answer = messages.Show("Title", "Bring in 5000 photos?", true, MessageParent::ProgressWindow);
+    });
     return answer;
   };
   EXPECT_FALSE(ask(Qt::Key_Escape));

@@ -1,5 +1,3 @@
-#include "ui/MainFrame.h"
-
 #include <QWheelEvent>
 #include <filesystem>
 
@@ -8,6 +6,7 @@
 #include "sets/PhotoSet.h"
 #include "support/ScratchFolder.h"
 #include "ui/Colours.h"
+#include "ui/MainFrame.h"
 #include "ui/WindowTest.h"
 #include "ui/WindowedSearchProgress.h"
 

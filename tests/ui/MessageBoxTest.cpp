@@ -1,8 +1,7 @@
-#include "ui/MessageBox.h"
-
 #include <QMessageBox>
 #include <QPushButton>
 
+#include "ui/MessageBox.h"
 #include "ui/SearchProgressWindow.h"
 #include "ui/WindowTest.h"
 

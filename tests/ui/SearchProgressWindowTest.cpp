@@ -1,8 +1,7 @@
-#include "ui/SearchProgressWindow.h"
-
 #include "discovery/SearchProgress.h"
 #include "ui/Colours.h"
 #include "ui/Job.h"
+#include "ui/SearchProgressWindow.h"
 #include "ui/WindowTest.h"
 #include "ui/WindowedSearchProgress.h"
 
@@ -54,9 +53,7 @@ TEST_F(SearchProgressWindow, PicturesGoRoundTheFiveCells) {
   CSearchProgressWindow window(true);
   window.show();
   window.SetTotal(10);
-  const auto middle = [&](int cell) {
-    return Painted(window).pixelColor(ProgressCell(true, cell).center());
-  };
+  const auto middle = [&](int cell) { return Painted(window).pixelColor(ProgressCell(true, cell).center()); };
   EXPECT_EQ(middle(0), colours::kEmptyCell);
   const QColor hues[] = {Qt::red, Qt::green, Qt::blue, Qt::cyan, Qt::magenta, Qt::yellow};
   for (int i = 0; i < 6; ++i) window.SetCurrent(i, Plain(hues[i]));
@@ -151,7 +148,8 @@ TEST(ReportThrottle, LetsSixtyASecondThrough) {
   CReportThrottle::Time now{};
   now += std::chrono::hours(1);
   int shown = 0;
-  for (int i = 0; i < 10'000; ++i, now += std::chrono::microseconds(100)) shown += throttle.IsDue(now) ? 1 : 0;
+  for (int i = 0; i < 10'000; ++i, now += std::chrono::microseconds(100))
+    shown += throttle.IsDue(now) ? 1 : 0;
   EXPECT_LE(shown, 61);
   EXPECT_GE(shown, 58);
   now += std::chrono::seconds(5);

@@ -34,6 +34,10 @@ class CApplicationEnvironment : public testing::Environment {
   std::unique_ptr<CApplication> Application;
 };
 
+/// Registered before main; the environment goes when the tests have run.
+inline testing::Environment* const kApplicationEnvironment =
+    testing::AddGlobalTestEnvironment(std::make_unique<CApplicationEnvironment>().release());
+
 /// Message boxes by script: each is noted and answered at once.
 class CNotedMessages : public CMessageBox {
  public:
@@ -74,7 +78,9 @@ inline void When(const std::function<bool()>& condition, const std::function<voi
 }
 
 /// What a widget paints, one pixel for one of the layout.
-inline QImage Painted(QWidget& widget) { return widget.grab().toImage().convertToFormat(QImage::Format_RGB32); }
+inline QImage Painted(QWidget& widget) {
+  return widget.grab().toImage().convertToFormat(QImage::Format_RGB32);
+}
 
 /// Whether anything but `background` is painted in `area`.
 inline bool HoldsInk(const QImage& image, const QRect& area, QColor background) {

@@ -13,12 +13,13 @@ namespace {
 
 constexpr int kNoDisplayExitCode = 2;
 
-/// The toolkit ends the process with a core dump when it finds no display. This says what is wrong.
+/// The toolkit ends the process with a core dump when it finds no display. This says what is wrong instead.
 void OnStartMessage(QtMsgType type, const QMessageLogContext&, const QString& message) {
+  if (type == QtFatalMsg) {
+    std::fputs("vellumar: there is no display to show windows on.\n", stderr);
+    std::_Exit(kNoDisplayExitCode);
+  }
   std::fprintf(stderr, "%s\n", qPrintable(message));
-  if (type != QtFatalMsg) return;
-  std::fputs("vellumar: there is no display to show windows on.\n", stderr);
-  std::_Exit(kNoDisplayExitCode);
 }
 
 bool HasArgument(int count, char** arguments, const char* wanted) {

@@ -1,0 +1,116 @@
+#include <csignal>
+
+#include "app/Main.h"
+#include "app/SessionFixture.h"
+#include "base/Exceptions.h"
+#include "catalog/Catalog.h"
+#include "ui/MainFrame.h"
+
+namespace {
+
+CMainFrame* FindMainWindow() {
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    if (auto* frame = dynamic_cast<CMainFrame*>(window); frame != nullptr && frame->isVisible()) return frame;
+  }
+  return nullptr;
+}
+
+/// Runs the program until its main window shows and `then` has ended it.
+int RunUntilShown(const std::function<void(CMainFrame&)>& then) {
+  When([] { return FindMainWindow() != nullptr; }, [&then] { then(*FindMainWindow()); });
+  return Main("");
+}
+
+class Program : public CSessionFixture {
+ protected:
+  int RunAndClose() {
+    ForgetLastSession();
+    return RunUntilShown([](CMainFrame& frame) {
+      EXPECT_TRUE(frame.isMaximized());
+      EXPECT_EQ(frame.windowTitle(), "Vellumar Photo Organizer");
+      QTest::qWait(1);  // the progress window goes once the main window is there
+      for (const QWidget* window : QApplication::topLevelWidgets()) {
+        EXPECT_TRUE(window == &frame || !window->isVisible()) << window->objectName().toStdString();
+      }
+      frame.close();
+    });
+  }
+
+  int Photos() const { return ReadNumber(CatalogPath(), "select count(*) from Asset"); }
+  int Roll() const { return ReadNumber(CatalogPath(), "select CurrentRollID from Singletons"); }
+};
+
+}  // namespace
+
+TEST_F(Program, BringsInPhotosOnceAndKeepsThem) {
+  AddPhotos(3);
+  EXPECT_EQ(RunAndClose(), 1);
+  EXPECT_EQ(Photos(), 3);
+  EXPECT_EQ(Roll(), 0);
+  EXPECT_EQ(ReadNumber(CachePath(), "select count(*) from Cache where length(Thumbnail) > 0"), 3);
+
+  EXPECT_EQ(RunAndClose(), 1);
+  EXPECT_EQ(Photos(), 3);
+  EXPECT_EQ(Roll(), 0);
+
+  AddPhotos(2, "Pictures/more");
+  EXPECT_EQ(RunAndClose(), 1);
+  EXPECT_EQ(Photos(), 5);
+  EXPECT_EQ(Roll(), 1);
+  EXPECT_TRUE(Messages.Shown.empty());
+}
+
+TEST_F(Program, NewerCatalogGivesTwoMessages) {
+  { CCatalog().Open(CatalogPath()); }
+  Execute(CatalogPath(), "update Singletons set DBVersion = 11");
+  const std::string before = ReadBytes(CatalogPath());
+  EXPECT_EQ(Main(""), 0);
+  EXPECT_EQ(ReadBytes(CatalogPath()), before);
+  ASSERT_EQ(Messages.Shown.size(), 2U);
+  EXPECT_NE(Messages.Shown[0].Text.find("older version"), std::string::npos);
+  EXPECT_EQ(Messages.Shown[1].Text,
+            "The following problem has occurred:\n\n    Could not create the main window.\n\n"
+            "Vellumar Photo Organizer will now exit.");
+  EXPECT_EQ(Messages.Shown[1].Title, "Vellumar Photo Organizer");
+}
+
+TEST_F(Program, DamagedCatalogIsNamedAndKept) {
+  std::ofstream(CatalogPath(), std::ios::binary) << "no catalog";
+  EXPECT_EQ(Main(""), 0);
+  ASSERT_EQ(Messages.Shown.size(), 1U);
+  EXPECT_NE(Messages.Shown[0].Text.find(CatalogPath()), std::string::npos) << Messages.Shown[0].Text;
+  EXPECT_NE(Messages.Shown[0].Text.find("will now exit."), std::string::npos);
+  EXPECT_EQ(ReadBytes(CatalogPath()), "no catalog");
+}
+
+TEST_F(Program, ThrowableInTheLoopEndsItInOrder) {
+  AddPhotos(1);
+  EXPECT_EQ(RunUntilShown([](CMainFrame&) { throw CError("no strip %1"); }), 0);
+  ASSERT_EQ(Messages.Shown.size(), 1U);
+  EXPECT_NE(Messages.Shown[0].Text.find("    no strip %1\n\n"), std::string::npos)
+      << "values aren't expanded";
+  EXPECT_EQ(Photos(), 1);
+}
+
+TEST_F(Program, StopSignalClosesTheWindowInTheNormalWay) {
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+    EXPECT_EQ(RunUntilShown([signal](CMainFrame&) { ::raise(signal); }), 1);
+  }
+}
+
+TEST_F(Program, StopSignalDuringTheStartEndsItWithoutAWindow) {
+  AddPhotos(5);
+  QTimer::singleShot(0, [] { ::raise(SIGTERM); });
+  EXPECT_EQ(Main(""), 1);
+  EXPECT_EQ(ReadNumber(CatalogPath(), "select DBVersion from Singletons"), 10);
+}
+
+TEST_F(Program, MissingPicturesFolderIsMadeAndToldOnce) {
+  std::filesystem::remove(PicturesFolder());
+  std::filesystem::create_directory(Scratch.GetPath() + "/Documents");
+  EXPECT_EQ(RunAndClose(), 1);
+  ASSERT_EQ(Messages.Shown.size(), 1U);
+  EXPECT_NE(Messages.Shown[0].Text.find("cannot find your photo collection"), std::string::npos);
+  EXPECT_EQ(RunAndClose(), 1);
+  EXPECT_EQ(Messages.Shown.size(), 1U);
+}

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <sqlite3.h>
+
+#include <array>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "base/Folders.h"
+#include "discovery/FolderSearch.h"
+#include "support/EnvironmentVariable.h"
+#include "support/ScratchFolder.h"
+#include "ui/WindowTest.h"
+
+/// Reads one number from a database file, as any other program would; -1 if it can't be read.
+inline int ReadNumber(const std::string& path, const std::string& query) {
+  sqlite3* database = nullptr;
+  sqlite3_stmt* statement = nullptr;
+  int number = -1;
+  if (sqlite3_open_v2(path.c_str(), &database, SQLITE_OPEN_READWRITE, nullptr) == SQLITE_OK &&
+      sqlite3_prepare_v2(database, query.c_str(), -1, &statement, nullptr) == SQLITE_OK &&
+      sqlite3_step(statement) == SQLITE_ROW) {
+    number = sqlite3_column_int(statement, 0);
+  }
+  sqlite3_finalize(statement);
+  sqlite3_close(database);
+  return number;
+}
+
+/// Runs statements on a database file, which is made if it is missing.
+inline void Execute(const std::string& path, const std::string& statements) {
+  sqlite3* database = nullptr;
+  ASSERT_EQ(sqlite3_open(path.c_str(), &database), SQLITE_OK);
+  EXPECT_EQ(sqlite3_exec(database, statements.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
+  sqlite3_close(database);
+}
+
+/// A user with a home of its own.
+class CSessionFixture : public testing::Test {
+ protected:
+  CSessionFixture()
+      : Home("HOME", Scratch.GetPath()),
+        Data("XDG_DATA_HOME", std::nullopt),
+        Config("XDG_CONFIG_HOME", std::nullopt),
+        Runtime("XDG_RUNTIME_DIR", Scratch.GetPath() + "/run") {
+    std::filesystem::create_directory(Scratch.GetPath() + "/run");
+    std::filesystem::create_directory(PicturesFolder());
+    ForgetLastSession();
+  }
+  ~CSessionFixture() override { ForgetLastSession(); }
+
+  /// Forgets what the process keeps to its end, as a new process would have it.
+  static void ForgetLastSession() {
+    CFolderSearch::GetInstance().Reset();
+    ForgetMyPicturesFolder();
+  }
+
+  std::string PicturesFolder() const { return Scratch.GetPath() + "/Pictures"; }
+  std::string CatalogPath() const { return DataFolder() + "/vellumar.db"; }
+  std::string CachePath() const { return DataFolder() + "/vellumar.thumbs"; }
+
+  /// The data folder, made if it is missing.
+  std::string DataFolder() const {
+    const std::string folder = GetApplicationDataFolder();
+    std::filesystem::create_directories(folder);
+    return folder;
+  }
+
+  void AddPhotos(int count, const std::string& folder = "Pictures") const {
+    for (int i = 0; i < count; ++i) {
+      Scratch.Write(folder + "/photo" + std::to_string(i) + ".jpg", MakePhoto(160, 120, Qt::darkGreen));
+    }
+  }
+
+  CScratchFolder Scratch;
+  const CEnvironmentVariable Home, Data, Config, Runtime;
+  CNotedMessages Messages;
+};
