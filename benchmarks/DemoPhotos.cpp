@@ -175,13 +175,13 @@ struct Sample {
 };
 
 const std::vector<Sample> kSamples{
-    {"Lakes in August/Boats gone home.jpg", &kSunsetLake, 1920, 1280, 2026, 8, 9, 20},
-    {"Lakes in August/Still water.jpg", &kMorningLake, 1920, 1280, 2026, 8, 8, 8},
-    {"Lakes in August/Across the lake.jpg", &kMorningLake, 1600, 1200, 2026, 8, 8, 9},
-    {"Lakes in August/Last light.jpg", &kSunsetLake, 1200, 1600, 2026, 8, 9, 21},
-    {"Lakes in August/Moon over the bay.jpg", &kMoonBay, 1800, 1200, 2026, 8, 9, 23},
-    {"Lakes in August/Path through the wood.jpg", &kSummerForest, 1800, 1200, 2026, 8, 10, 11},
-    {"Lakes in August/Clearing.jpg", &kSummerForest, 1200, 1600, 2026, 8, 10, 12},
+    {"August at the lake/A quiet evening.jpg", &kSunsetLake, 1920, 1280, 2026, 8, 9, 20},
+    {"August at the lake/Still water.jpg", &kMorningLake, 1920, 1280, 2026, 8, 8, 8},
+    {"August at the lake/Across the lake.jpg", &kMorningLake, 1600, 1200, 2026, 8, 8, 9},
+    {"August at the lake/Last light.jpg", &kSunsetLake, 1200, 1600, 2026, 8, 9, 21},
+    {"August at the lake/Moon over the bay.jpg", &kMoonBay, 1800, 1200, 2026, 8, 9, 23},
+    {"August at the lake/Path through the wood.jpg", &kSummerForest, 1800, 1200, 2026, 8, 10, 11},
+    {"August at the lake/Clearing.jpg", &kSummerForest, 1200, 1600, 2026, 8, 10, 12},
     {"Mountains/Above the valley.jpg", &kAlps, 1920, 1280, 2026, 9, 5, 10},
     {"Mountains/North face.jpg", &kAlps, 1600, 1200, 2026, 9, 5, 12},
     {"Mountains/The pass.jpg", &kAlps, 1200, 1600, 2026, 9, 6, 9},
