@@ -11,8 +11,8 @@
 /// call stands for itself, so threads need no lock. Failures raise the exceptions of the system, with the
 /// texts given here; the library's warnings about flawed data are passed over.
 ///
-/// What a file can cost is limited: 2^30 pixels, 500 scans, 1 GiB of coefficients, and a number of blocks
-/// that one core works through in a few seconds.
+/// What a file can cost is limited: 2^30 pixels (2^26 with arithmetic coding), 500 scans, 512 MiB of
+/// coefficients, and a number of blocks that one core works through in about five seconds.
 
 /// Decodes one picture.
 class CJpegDecoder {

@@ -8,11 +8,12 @@
 namespace {
 
 constexpr std::uint64_t kMaxPixels = std::uint64_t{1} << 30;
-constexpr std::uint64_t kMaxArithmeticPixels = std::uint64_t{1} << 28;  // several times slower a block
-constexpr long kMaxCoefficientBytes = 1L << 30;
+constexpr std::uint64_t kMaxArithmeticPixels = std::uint64_t{1} << 26;  // up to 20 ns each, even of no data
+constexpr long kMaxCoefficientBytes = 1L << 29;  // 178 megapixels with chroma halved both ways
 constexpr int kMaxScans = 500;
-// Blocks over all scans of a file with several: a picture of 40 megapixels in 300 scans.
-constexpr std::uint64_t kMaxBlockVisits = std::uint64_t{1} << 28;
+// Blocks over all scans of a file with several, up to 120 ns each. The largest picture whose coefficients may
+// be held comes to two thirds of it in the usual ten scans.
+constexpr std::uint64_t kMaxBlockVisits = std::uint64_t{1} << 25;
 constexpr int kGrey = 128;
 constexpr int kRowsAtOnce = 16;
 
