@@ -31,7 +31,7 @@ std::vector<c4_Slot> FindMatches(const c4_Sequence& sequence, const c4_Row& valu
     return ScanAll(sequence, values);
   }
   std::vector<c4_Slot> matches;
-  for (const c4_Slot slot : *candidates) {
+  for (const auto& [value, slot] : *candidates) {
     if (table.Matches(slot, values) && sequence.Contains(slot)) matches.push_back(slot);
   }
   // The index gives them in the table's order.

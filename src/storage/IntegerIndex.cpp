@@ -1,35 +1,34 @@
 #include "storage/IntegerIndex.h"
 
 #include <algorithm>
+#include <limits>
 
-#include "storage/SlotSort.h"
+#include "storage/KeyedSlots.h"
 
-CIntegerIndex::CIntegerIndex(Values values, std::vector<c4_Slot> slots) : Slots(std::move(slots)) {
+CIntegerIndex::CIntegerIndex(std::span<const std::int32_t> values, const std::vector<c4_Slot>& slots) {
   std::vector<KeyedSlot> keyed;
-  keyed.reserve(Slots.size());
-  for (const c4_Slot slot : Slots) keyed.push_back({MakeSortable(values[slot]), slot});
+  keyed.reserve(slots.size());
+  for (const c4_Slot slot : slots) keyed.push_back({MakeSortable(values[slot]), slot});
   SortKeyedSlots(keyed);
-  for (std::size_t i = 0; i < keyed.size(); ++i) Slots[i] = keyed[i].Slot;
+  Entries.reserve(keyed.size());
+  for (const KeyedSlot& slot : keyed) Entries.push_back({values[slot.Slot], slot.Slot});
 }
 
-std::span<const c4_Slot> CIntegerIndex::Find(Values values, std::int32_t value) const {
-  const auto first =
-      std::partition_point(Slots.begin(), Slots.end(), [&](c4_Slot slot) { return values[slot] < value; });
-  const auto last =
-      std::partition_point(first, Slots.end(), [&](c4_Slot slot) { return values[slot] == value; });
-  return {first, last};
+std::span<const CIntegerIndex::Entry> CIntegerIndex::Find(std::int32_t value) const {
+  const auto first = std::lower_bound(Entries.begin(), Entries.end(), Entry{value, 0});
+  // Mostly a few rows, so the end is sought in steps that double.
+  std::ptrdiff_t reach = 1;
+  const auto left = Entries.end() - first;
+  while (reach < left && (first + reach)->Value == value) reach *= 2;
+  const Entry last{value, std::numeric_limits<c4_Slot>::max()};
+  return {first, std::upper_bound(first, first + std::min(reach, left), last)};
 }
 
-std::vector<c4_Slot>::const_iterator CIntegerIndex::FindPlace(Values values, c4_Slot slot) const {
-  const std::int32_t value = values[slot];
-  return std::partition_point(Slots.begin(), Slots.end(), [&](c4_Slot other) {
-    return values[other] != value ? values[other] < value : other < slot;
-  });
+void CIntegerIndex::Insert(const Entry& entry) {
+  Entries.insert(std::lower_bound(Entries.begin(), Entries.end(), entry), entry);
 }
 
-void CIntegerIndex::Insert(Values values, c4_Slot slot) { Slots.insert(FindPlace(values, slot), slot); }
-
-void CIntegerIndex::Erase(Values values, c4_Slot slot) {
-  const auto place = FindPlace(values, slot);
-  if (place != Slots.end() && *place == slot) Slots.erase(place);
+void CIntegerIndex::Erase(const Entry& entry) {
+  const auto place = std::lower_bound(Entries.begin(), Entries.end(), entry);
+  if (place != Entries.end() && *place == entry) Entries.erase(place);
 }

@@ -1,31 +1,34 @@
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <span>
 #include <vector>
 
 #include "storage/Sequence.h"
 
-/// The slots of a table ordered by the values of one integer column, equal ones by slot: 4 bytes a row.
-/// `values` is that column, by slot. A row must be erased before its value changes and put in again after.
+/// The slots of a table ordered by the values of one integer column, equal ones by slot: 8 bytes a row. The
+/// values stand beside the slots, so that a search doesn't run through the table's memory.
 class CIntegerIndex {
  public:
-  using Values = std::span<const std::int32_t>;
+  struct Entry {
+    std::int32_t Value;
+    c4_Slot Slot;
+    friend auto operator<=>(const Entry&, const Entry&) = default;
+  };
 
-  /// `slots` are ascending.
-  CIntegerIndex(Values values, std::vector<c4_Slot> slots);
+  CIntegerIndex(std::span<const std::int32_t> values, const std::vector<c4_Slot>& slots);
 
-  std::span<const c4_Slot> Find(Values values, std::int32_t value) const;
-  void Insert(Values values, c4_Slot slot);
-  void Erase(Values values, c4_Slot slot);
+  /// The entries of a value, ascending by slot.
+  std::span<const Entry> Find(std::int32_t value) const;
+  void Insert(const Entry& entry);
+  void Erase(const Entry& entry);
 
   template <typename IsGone>
   void EraseIf(const IsGone& isGone) {
-    std::erase_if(Slots, isGone);
+    std::erase_if(Entries, [&](const Entry& entry) { return isGone(entry.Slot); });
   }
 
  private:
-  std::vector<c4_Slot>::const_iterator FindPlace(Values values, c4_Slot slot) const;
-
-  std::vector<c4_Slot> Slots;
+  std::vector<Entry> Entries;
 };

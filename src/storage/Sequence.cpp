@@ -72,6 +72,12 @@ c4_Slot CStoredSequence::GetSlotAt(std::size_t position) const {
 
 bool CStoredSequence::Contains(c4_Slot slot) const { return GetTable().IsLive(slot); }
 
+std::optional<std::size_t> CStoredSequence::GetPositionOf(c4_Slot slot) const {
+  if (!Contains(slot)) return std::nullopt;
+  if (!HasOrder) return slot;
+  return static_cast<std::size_t>(std::lower_bound(Order.begin(), Order.end(), slot) - Order.begin());
+}
+
 void CStoredSequence::MakeOrder() {
   if (HasOrder) return;
   Order.resize(GetTable().GetSlotCount());

@@ -41,7 +41,7 @@ class c4_Sequence {
   /// What the rows are sorted by, through selections; null if they stand in the order of the table.
   virtual const std::vector<SortKey>* GetSortKeys() const = 0;
 
-  std::optional<std::size_t> GetPositionOf(c4_Slot slot) const;
+  virtual std::optional<std::size_t> GetPositionOf(c4_Slot slot) const;
 
   /// Before a change of `column` of the row, or (none) its removal: takes it out of what depends on that.
   void TakeOut(c4_Slot slot, std::optional<std::size_t> column);
@@ -83,6 +83,7 @@ class CStoredSequence final : public c4_Sequence {
   bool IsBefore(c4_Slot left, c4_Slot right) const override { return left < right; }
   bool Accepts(c4_Slot) const override { return true; }
   bool Contains(c4_Slot slot) const override;
+  std::optional<std::size_t> GetPositionOf(c4_Slot slot) const override;
   const std::vector<SortKey>* GetSortKeys() const override { return nullptr; }
 
  private:

@@ -42,7 +42,7 @@ void Reserve(TableRows& rows, std::int64_t count) {
   rows.RowIds.reserve(size);
   for (CColumn& column : rows.Columns) {
     if (column.Type == c4_Type::Integer) column.Integers.reserve(size);
-    if (column.Type == c4_Type::Text) column.Texts.reserve(size);
+    if (column.Type == c4_Type::Text) column.Texts.Reserve(size);
   }
 }
 
@@ -51,9 +51,9 @@ void Trim(TableRows& rows) {
   Trim(rows.RowIds);
   for (CColumn& column : rows.Columns) {
     if (column.Type == c4_Type::Integer) column.Integers.resize(rows.RowIds.size());
-    if (column.Type == c4_Type::Text) column.Texts.resize(rows.RowIds.size());
+    if (column.Type == c4_Type::Text) column.Texts.Resize(rows.RowIds.size());
     Trim(column.Integers);
-    Trim(column.Texts);
+    column.Texts.Trim();
   }
 }
 
@@ -65,7 +65,7 @@ c4_Table::c4_Table(std::string name, CTransaction& transaction)
 void c4_Table::AddColumn(TableRows& rows, const c4_Property& property) {
   CColumn& column = rows.Columns.emplace_back(CColumn{property, property.Type(), {}, {}, {}});
   if (column.Type == c4_Type::Integer) column.Integers.resize(rows.RowIds.size());
-  if (column.Type == c4_Type::Text) column.Texts.resize(rows.RowIds.size());
+  if (column.Type == c4_Type::Text) column.Texts.Resize(rows.RowIds.size());
 }
 
 void c4_Table::Declare(const std::vector<c4_Property>& properties) {
@@ -162,7 +162,7 @@ bool c4_Table::ReadRows(TableRows& rows) {
       if (column->Type == c4_Type::Integer) {
         column->Integers.push_back(statement.GetInteger32(position++));
       } else {
-        column->Texts.emplace_back(statement.GetText(position++));
+        column->Texts.Append(statement.GetText(position++));
       }
     }
   }

@@ -11,6 +11,7 @@
 #include "storage/Row.h"
 #include "storage/Sequence.h"
 #include "storage/TableFile.h"
+#include "storage/TextColumn.h"
 #include "storage/Transaction.h"
 
 /// Names one row through all changes around it. The slot is where it was seen last; RowId decides.
@@ -24,7 +25,7 @@ struct CColumn {
   c4_Property Property;
   c4_Type Type;
   std::vector<std::int32_t> Integers;  // one of the two is in use, as Type says
-  std::vector<std::string> Texts;
+  CTextColumn Texts;
   std::optional<CIntegerIndex> Index;  // made when a search first asks for it
 };
 
@@ -92,7 +93,7 @@ class c4_Table : public std::enable_shared_from_this<c4_Table> {
   bool Matches(c4_Slot slot, const c4_Row& values) const;
 
   /// Rows among which are all that match, ascending, if an index knows; made where it is worth it.
-  std::optional<std::span<const c4_Slot>> FindCandidates(const c4_Row& values);
+  std::optional<std::span<const CIntegerIndex::Entry>> FindCandidates(const c4_Row& values);
 
   // Changes.
 

@@ -31,7 +31,7 @@ std::ptrdiff_t CountValuesInSample(std::span<const std::int32_t> values) {
 
 void Assign(CColumn& column, c4_Slot slot, const c4_Row::Value& value) {
   if (const auto* integer = std::get_if<std::int32_t>(&value)) column.Integers[slot] = *integer;
-  if (const auto* text = std::get_if<std::string>(&value)) column.Texts[slot] = *text;
+  if (const auto* text = std::get_if<std::string>(&value)) column.Texts.Set(slot, *text);
 }
 
 }  // namespace
@@ -54,9 +54,9 @@ void c4_Table::Set(const c4_Property& property, const RowIdentity& row, const c4
     RememberValue(*number, *slot);
     Root.TakeOut(*slot, number);
     File.Update(property, row.RowId, value);
-    if (column.Index) column.Index->Erase(column.Integers, *slot);
+    if (column.Index) column.Index->Erase({column.Integers[*slot], *slot});
     Assign(column, *slot, value);
-    if (column.Index) column.Index->Insert(column.Integers, *slot);
+    if (column.Index) column.Index->Insert({column.Integers[*slot], *slot});
     Root.PutIn(*slot, number);
   });
 }
@@ -84,13 +84,13 @@ c4_Slot c4_Table::Append(std::int64_t rowId, const c4_Row& row) {
   Rows.RowIds.push_back(rowId);
   for (CColumn& column : Rows.Columns) {
     if (column.Type == c4_Type::Integer) column.Integers.push_back(0);
-    if (column.Type == c4_Type::Text) column.Texts.emplace_back();
+    if (column.Type == c4_Type::Text) column.Texts.Append({});
   }
   for (const auto& [property, value] : row.GetValues()) {
     if (const auto column = FindColumn(property)) Assign(Rows.Columns[*column], slot, value);
   }
   for (CColumn& column : Rows.Columns) {
-    if (column.Index) column.Index->Insert(column.Integers, slot);
+    if (column.Index) column.Index->Insert({column.Integers[slot], slot});
   }
   return slot;
 }
@@ -130,7 +130,7 @@ void c4_Table::RemoveSlots(const std::vector<c4_Slot>& slots) {
       Root.TakeOut(slot, std::nullopt);  // may read the row's bytes from the file
       File.Delete(Rows.RowIds[slot]);
       for (CColumn& column : Rows.Columns) {
-        if (column.Index) column.Index->Erase(column.Integers, slot);
+        if (column.Index) column.Index->Erase({column.Integers[slot], slot});
       }
       MarkRemoved(slot);
     }
@@ -152,7 +152,7 @@ void c4_Table::MarkRemoved(c4_Slot slot) {
   Rows.Removed[slot] = true;
   ++Rows.RemovedCount;
   for (CColumn& column : Rows.Columns) {
-    if (column.Type == c4_Type::Text) std::string().swap(column.Texts[slot]);
+    if (column.Type == c4_Type::Text) column.Texts.Set(slot, {});
   }
 }
 
@@ -164,11 +164,11 @@ void c4_Table::AddProperty(const c4_Property& property) {
   });
 }
 
-std::optional<std::span<const c4_Slot>> c4_Table::FindCandidates(const c4_Row& values) {
+std::optional<std::span<const CIntegerIndex::Entry>> c4_Table::FindCandidates(const c4_Row& values) {
   if (Rows.RowIds.size() < kWorthAnIndex) return std::nullopt;
-  std::optional<std::span<const c4_Slot>> best;
+  std::optional<std::span<const CIntegerIndex::Entry>> best;
   const auto ask = [&](const CColumn& column, std::int32_t value) {
-    const auto found = column.Index->Find(column.Integers, value);
+    const auto found = column.Index->Find(value);
     if (!best || found.size() < best->size()) best = found;
   };
   const auto askAll = [&] {
@@ -208,5 +208,5 @@ void c4_Table::MakeIndex(CColumn& column) {
   for (std::size_t slot = 0; slot < Rows.RowIds.size(); ++slot) {
     if (IsLive(static_cast<c4_Slot>(slot))) slots.push_back(static_cast<c4_Slot>(slot));
   }
-  column.Index.emplace(column.Integers, std::move(slots));
+  column.Index.emplace(column.Integers, slots);
 }

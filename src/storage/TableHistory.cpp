@@ -51,7 +51,7 @@ void c4_Table::PutBack(OldValue& old) {
   }
   CColumn& column = Rows.Columns[old.Column];
   if (column.Type == c4_Type::Text) {
-    column.Texts[old.Slot] = std::move(old.Text);
+    column.Texts.Set(old.Slot, old.Text);
   } else {
     column.Integers[old.Slot] = old.Integer;
   }
@@ -75,7 +75,7 @@ bool c4_Table::UndoChanges() noexcept {
     Rows.RowIds.resize(size);
     for (CColumn& column : Rows.Columns) {
       if (column.Type == c4_Type::Integer) column.Integers.resize(size);
-      if (column.Type == c4_Type::Text) column.Texts.resize(size);
+      if (column.Type == c4_Type::Text) column.Texts.Resize(size);
       column.Index.reset();
     }
     BeginChanges();

@@ -117,7 +117,7 @@ int c4_View::Find(const c4_Row& values, int start) const {
   const auto candidates = table.FindCandidates(values);
   if (candidates && candidates->size() * kCandidateCost <= ToPosition(size)) {
     std::size_t first = std::numeric_limits<std::size_t>::max();
-    for (const c4_Slot slot : *candidates) {
+    for (const auto& [value, slot] : *candidates) {
       if (!table.Matches(slot, values)) continue;
       const auto position = Sequence->GetPositionOf(slot);
       if (position && *position >= ToPosition(start)) first = std::min(first, *position);
