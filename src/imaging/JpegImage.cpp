@@ -14,7 +14,8 @@ constexpr int kRowAlignment = 4;  // bytes
 int GetRowPadding(int width, int bytesPerPixel) { return -(width * bytesPerPixel) & (kRowAlignment - 1); }
 
 std::size_t GetRowBytes(int width, int bytesPerPixel) {
-  return static_cast<std::size_t>(width * bytesPerPixel + GetRowPadding(width, bytesPerPixel));
+  const int rowBytes = width * bytesPerPixel + GetRowPadding(width, bytesPerPixel);
+  return static_cast<std::size_t>(rowBytes);
 }
 
 /// Room for a bitmap, its pixels not set but the padding of its rows 0.
@@ -67,9 +68,8 @@ CJpegImage::CJpegImage(ImageSize size)
 CJpegImage::~CJpegImage() = default;
 
 void CJpegImage::LoadFile(const std::string& path, int boxWidth, int boxHeight) {
-  const std::string kept = path;  // may be this image's own
-  TakeDecoded(ReadPhoto(kept), {boxWidth, boxHeight});
-  SetPath(kept);
+  TakeDecoded(ReadPhoto(path), {boxWidth, boxHeight});
+  SetPath(path);
 }
 
 void CJpegImage::LoadMemory(std::span<const std::uint8_t> bytes, int boxWidth, int boxHeight) {

@@ -78,17 +78,20 @@ void CTiffImage::Clear() {
 }
 
 void CTiffImage::LoadFile(const std::string& path, int boxWidth, int boxHeight) {
-  const std::string kept = path;  // may be this image's own
   std::vector<std::uint8_t> bytes;
-  if (platform::ReadWholeFile(kept, bytes)) bytes.clear();
-  LoadMemory(bytes, boxWidth, boxHeight);
-  SetPath(kept);
+  if (platform::ReadWholeFile(path, bytes)) bytes.clear();
+  TakeDecoded(bytes, {boxWidth, boxHeight});
+  SetPath(path);
 }
 
 void CTiffImage::LoadMemory(std::span<const std::uint8_t> bytes, int boxWidth, int boxHeight) {
-  Clear();
+  TakeDecoded(bytes, {boxWidth, boxHeight});
   SetPath({});
-  RequestedSize = {boxWidth, boxHeight};
+}
+
+void CTiffImage::TakeDecoded(std::span<const std::uint8_t> bytes, ImageSize box) {
+  Clear();
+  RequestedSize = box;
   TiffInput input{bytes};
   const TiffHandle tiff = OpenTiff(input);
   if (!tiff) return;

@@ -39,6 +39,7 @@ class CTiffImage : public CImage {
 
  private:
   void Clear();
+  void TakeDecoded(std::span<const std::uint8_t> bytes, ImageSize box);
 
   std::vector<std::uint32_t> Bits;
   BitmapHeader Header;
