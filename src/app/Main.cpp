@@ -85,17 +85,11 @@ void BringToFront(CMainFrame& frame, const QByteArray& activationToken) {
   window->activateWindow();
 }
 
-int RunEventLoop() {
-  const int exitCode = QApplication::exec();
-  if (CApplication* application = CApplication::GetInstance()) application->RethrowFailure();
-  return exitCode;
-}
-
 int RunSession(CMainFrame& frame, std::unique_ptr<CStartProgress>& start) {
   if (!frame.Create(OpenDataStores, start->Progress)) throw CError("Could not create the main window.");
   if (!frame.IsClosing()) frame.ShowInFront();
   start.reset();
-  return frame.IsClosing() ? kNormalExitCode : RunEventLoop();
+  return frame.IsClosing() ? kNormalExitCode : CApplication::GetInstance()->RunLoop();
 }
 
 void ReportFatalFailure(const std::string& message) {

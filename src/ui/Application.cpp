@@ -4,6 +4,7 @@
 
 #include "base/Messages.h"
 #include "storage/StorageException.h"
+#include "ui/Job.h"
 
 CApplication::CApplication(int& argumentCount, char** arguments) : QApplication(argumentCount, arguments) {
   // The main window ends the loop when it is closed. The progress window goes before, and more than once.
@@ -25,11 +26,25 @@ bool CApplication::notify(QObject* receiver, QEvent* event) {
   return false;
 }
 
+int CApplication::RunLoop() {
+  LoopRuns = true;
+  const int exitCode = exec();
+  LoopRuns = false;
+  RethrowFailure();
+  return exitCode;
+}
+
+void CApplication::EndLoop(int exitCode) {
+  // An exit without a loop would be remembered, and the next message box would close as soon as it opens.
+  if (LoopRuns) exit(exitCode);
+}
+
 void CApplication::RethrowFailure() {
   if (Failure) std::rethrow_exception(std::exchange(Failure, nullptr));
 }
 
 void CApplication::Keep(std::exception_ptr failure) {
   if (!Failure) Failure = std::move(failure);
-  exit(0);
+  StopJob();
+  EndLoop(0);
 }

@@ -5,13 +5,19 @@
 
 /// The application object, with the guard around every event handler. No exception may travel through
 /// the frames of the event loop, so the guard stops it where the event is delivered: of a storage that
-/// refused a write the text is shown and the program goes on; anything else is kept, the loop ends, and
-/// RethrowFailure raises it again in the caller of the loop.
+/// refused a write the text is shown and the program goes on; anything else is kept, a running job is asked
+/// to stop, the loop ends, and its caller gets the exception.
 class CApplication : public QApplication {
  public:
   CApplication(int& argumentCount, char** arguments);
 
-  /// Raises what the guard has kept, once. To be called when a loop has ended.
+  /// Handles events until EndLoop, and returns what that was given; raises what the guard has kept.
+  int RunLoop();
+
+  /// Ends RunLoop. Does nothing while it doesn't run.
+  void EndLoop(int exitCode);
+
+  /// Raises what the guard has kept, once. For waits outside RunLoop.
   void RethrowFailure();
 
   /// Null where there is none, or where it is of another kind.
@@ -23,4 +29,5 @@ class CApplication : public QApplication {
   void Keep(std::exception_ptr failure);
 
   std::exception_ptr Failure;  // the first one
+  bool LoopRuns = false;
 };

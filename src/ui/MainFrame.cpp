@@ -1,7 +1,6 @@
 #include "ui/MainFrame.h"
 
 #include <QCloseEvent>
-#include <QCoreApplication>
 #include <QKeyEvent>
 #include <QPointer>
 #include <QWheelEvent>
@@ -9,6 +8,7 @@
 #include "base/Texts.h"
 #include "discovery/FolderSearch.h"
 #include "sets/QuerySet.h"
+#include "ui/Application.h"
 #include "ui/Colours.h"
 #include "ui/FontTable.h"
 #include "ui/Job.h"
@@ -94,7 +94,7 @@ void CMainFrame::ShowNewestRoll() { Strip.MoveTo(FindFirstOfRoll(*PhotoSet, Cata
 void CMainFrame::closeEvent(QCloseEvent* event) {
   Closing = true;
   if (!IsJobRunning()) {
-    QCoreApplication::exit(kNormalExitCode);
+    if (CApplication* application = CApplication::GetInstance()) application->EndLoop(kNormalExitCode);
     return;
   }
   event->ignore();

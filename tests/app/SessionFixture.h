@@ -45,6 +45,7 @@ class CSessionFixture : public testing::Test {
         Config("XDG_CONFIG_HOME", std::nullopt),
         Runtime("XDG_RUNTIME_DIR", Scratch.GetPath() + "/run") {
     std::filesystem::create_directory(Scratch.GetPath() + "/run");
+    std::filesystem::permissions(Scratch.GetPath() + "/run", std::filesystem::perms::owner_all);
     std::filesystem::create_directory(PicturesFolder());
     ForgetLastSession();
   }

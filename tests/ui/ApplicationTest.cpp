@@ -1,3 +1,4 @@
+#include <QEventLoop>
 #include <stdexcept>
 
 #include "storage/StorageException.h"
@@ -6,15 +7,14 @@
 
 namespace {
 
-/// Runs an event loop whose first handler does `work`. Returns its exit code; raises what the guard kept.
+/// Runs the event loop with a handler that does `work`. Returns its exit code; raises what the guard kept.
 int RunLoopWith(const std::function<void()>& work) {
-  QTimer::singleShot(0, [&] {
-    QTimer::singleShot(20, [] { QCoreApplication::exit(7); });
-    work();
-  });
-  const int code = QApplication::exec();
-  CApplication::GetInstance()->RethrowFailure();
-  return code;
+  CApplication& application = *CApplication::GetInstance();
+  QTimer end;
+  QObject::connect(&end, &QTimer::timeout, [&] { application.EndLoop(7); });
+  end.start(20);
+  QTimer::singleShot(0, &end, work);
+  return application.RunLoop();
 }
 
 }  // namespace
@@ -37,4 +37,16 @@ TEST(Application, OtherExceptionsEndTheLoopAndReachItsCaller) {
   EXPECT_THROW(RunLoopWith([] { throw std::bad_alloc(); }), std::bad_alloc);
   EXPECT_TRUE(messages.Shown.empty());
   EXPECT_EQ(RunLoopWith([] {}), 7) << "a failure is raised once";
+}
+
+TEST(Application, EndsNoLoopThatDoesNotRun) {
+  CApplication::GetInstance()->EndLoop(1);
+  bool waited = false;
+  QEventLoop loop;
+  QTimer::singleShot(5, &loop, [&] {
+    waited = true;
+    loop.quit();
+  });
+  loop.exec();
+  EXPECT_TRUE(waited) << "every later message box would close as soon as it opens";
 }

@@ -112,29 +112,55 @@ TEST(Job, StopReachesItAndPutOffWorkComesAfterIt) {
   StopJob();  // without one it does nothing
 }
 
-TEST(Job, SurvivesAnExitOfTheApplicationMeanwhile) {
+TEST(Job, FailureOfAHandlerStopsItAndReachesTheCaller) {
+  CNotedMessages messages;
+  std::atomic<bool> stopped = false;
+  bool finished = false;
+  QTimer::singleShot(0, [] { throw CError("broken"); });
+  const auto run = [&] {
+    RunJob(
+        [&] {
+          Until(stopped)();
+          finished = true;
+        },
+        [&] { stopped = true; });
+  };
+  EXPECT_THROW(run(), CError);
+  EXPECT_TRUE(finished) << "the job must have ended before its caller goes on";
+}
+
+TEST(Job, OutlastsTheEndOfTheLoopAroundIt) {
+  CApplication& application = *CApplication::GetInstance();
   std::atomic<bool> done = false;
   bool finished = false;
   QTimer::singleShot(0, [&] {
-    QCoreApplication::exit(1);
-    QTimer::singleShot(20, [&] { done = true; });
+    QTimer::singleShot(0, [&] {
+      application.EndLoop(3);
+      QTimer::singleShot(20, [&] { done = true; });
+    });
+    RunJob([&] {
+      Until(done)();
+      finished = true;
+    });
   });
-  RunJob([&] {
-    Until(done)();
-    finished = true;
-  });
+  EXPECT_EQ(application.RunLoop(), 3);
   EXPECT_TRUE(finished);
 }
 
 TEST(Job, AsksThroughAMessageBoxAndWaitsForTheAnswer) {
   CWindowMessageBox messages;
   const auto ask = [&](Qt::Key key) {
+    bool seen = false;
     When([] { return QApplication::activeModalWidget() != nullptr; },
-         [key] { QTest::keyClick(QApplication::activeModalWidget(), key); });
+         [&seen, key] {
+           seen = true;
+           QTest::keyClick(QApplication::activeModalWidget(), key);
+         });
     bool answer = true;
     RunJob([&] {
       answer = messages.Show("Title", "Bring in 5000 photos?", true, MessageParent::ProgressWindow);
     });
+    EXPECT_TRUE(seen);
     return answer;
   };
   EXPECT_FALSE(ask(Qt::Key_Escape));

@@ -11,9 +11,15 @@ namespace {
 bool Answer(bool okCancel, const std::function<void(QMessageBox&)>& look,
             MessageParent parent = MessageParent::MainWindow, const std::string& text = "A text") {
   CWindowMessageBox messages;
+  bool seen = false;
   When([] { return QApplication::activeModalWidget() != nullptr; },
-       [&look] { look(*qobject_cast<QMessageBox*>(QApplication::activeModalWidget())); });
-  return messages.Show("A title", text, okCancel, parent);
+       [&] {
+         seen = true;
+         look(*qobject_cast<QMessageBox*>(QApplication::activeModalWidget()));
+       });
+  const bool answer = messages.Show("A title", text, okCancel, parent);
+  EXPECT_TRUE(seen);
+  return answer;
 }
 
 }  // namespace
