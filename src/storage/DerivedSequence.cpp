@@ -11,6 +11,8 @@ namespace {
 /// A candidate of an index costs a check and a place in the order; a row of the sequence only a check.
 constexpr std::size_t kCandidateCost = 16;
 
+constexpr std::size_t kMarksASearch = 8;
+
 std::vector<c4_Slot> ScanAll(const c4_Sequence& sequence, const c4_Row& values) {
   const c4_Table& table = sequence.GetTable();
   std::vector<c4_Slot> matches;
@@ -50,15 +52,18 @@ CDerivedSequence::CDerivedSequence(std::shared_ptr<c4_Sequence> base)
 CDerivedSequence::~CDerivedSequence() { std::erase(Base->Derived, this); }
 
 void CDerivedSequence::Insert(c4_Slot slot) {
+  ++Changes;
   Slots.insert(Slots.begin() + static_cast<std::ptrdiff_t>(LowerBound(slot)), slot);
 }
 
 void CDerivedSequence::Erase(c4_Slot slot) {
   const auto position = GetPositionOf(slot);
+  ++Changes;
   if (position) Slots.erase(Slots.begin() + static_cast<std::ptrdiff_t>(*position));
 }
 
 void CDerivedSequence::EraseRemoved() {
+  ++Changes;
   std::erase_if(Slots, [this](c4_Slot slot) { return !GetTable().IsLive(slot); });
 }
 
@@ -95,4 +100,24 @@ bool CSorting::DependsOn(std::size_t column) const {
                      [&](const SortKey& key) { return GetTable().FindColumn(key.Property) == column; });
 }
 
-void CSorting::Fill() { Slots = SortSlots(GetBase(), Keys); }
+void CSorting::Fill() {
+  ++Changes;
+  Slots = SortSlots(GetBase(), Keys);
+}
+
+std::pair<std::size_t, std::size_t> CSorting::NarrowSearch(const c4_Row& values) const {
+  if (GuidedChanges != Changes) {
+    Guide.reset();
+    Searches = 0;
+    GuidedChanges = Changes;
+  }
+  const auto value = std::find_if(
+      values.GetValues().begin(), values.GetValues().end(),
+      [this](const auto& entry) { return !Keys.empty() && entry.first == Keys.front().Property; });
+  if (value == values.GetValues().end()) return {0, Slots.size()};
+  // Between two changes a search pays for a few marks at most, an import for none.
+  if (!Guide && ++Searches * kMarksASearch > CSearchGuide::GetCost(Slots.size())) {
+    Guide.emplace(GetTable(), Keys.front(), Slots);
+  }
+  return Guide ? Guide->Narrow(value->second) : std::pair(std::size_t{0}, Slots.size());
+}

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
 #include "storage/Row.h"
+#include "storage/SearchGuide.h"
 #include "storage/Sequence.h"
 
 /// A sequence that holds a part of its base's rows, or all, in an order of its own. It keeps the base
@@ -21,6 +24,7 @@ class CDerivedSequence : public c4_Sequence {
   c4_Sequence& GetBase() const { return *Base; }
 
   std::vector<c4_Slot> Slots;
+  std::uint64_t Changes = 0;  // of Slots
 
  private:
   void Insert(c4_Slot slot) override;
@@ -56,12 +60,18 @@ class CSorting final : public CDerivedSequence {
   bool Accepts(c4_Slot) const override { return true; }
   bool Contains(c4_Slot slot) const override { return GetBase().Contains(slot); }
   const std::vector<SortKey>* GetSortKeys() const override { return &Keys; }
+  std::pair<std::size_t, std::size_t> NarrowSearch(const c4_Row& values) const override;
 
  private:
   bool DependsOn(std::size_t column) const override;
   void Fill() override;
 
   std::vector<SortKey> Keys;
+
+  // Made once there were enough searches since the last change to be worth it.
+  mutable std::optional<CSearchGuide> Guide;
+  mutable std::uint64_t GuidedChanges = 0;  // the state of Slots that the guide and the count are for
+  mutable std::size_t Searches = 0;
 };
 
 /// The rows of `sequence` with these values, in its order. Asks an index of the table where that is less

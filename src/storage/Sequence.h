@@ -4,10 +4,12 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "storage/Property.h"
 
+class c4_Row;
 class c4_Table;
 
 /// The number of a row in the memory of its table. Slots grow with the row's number in the file and are
@@ -42,6 +44,10 @@ class c4_Sequence {
   virtual const std::vector<SortKey>* GetSortKeys() const = 0;
 
   virtual std::optional<std::size_t> GetPositionOf(c4_Slot slot) const;
+
+  /// Positions, first and last, between which a search for values in sort order ends; all there are unless
+  /// the sequence knows better.
+  virtual std::pair<std::size_t, std::size_t> NarrowSearch(const c4_Row&) const { return {0, GetSize()}; }
 
   /// Before a change of `column` of the row, or (none) its removal: takes it out of what depends on that.
   void TakeOut(c4_Slot slot, std::optional<std::size_t> column);

@@ -131,21 +131,20 @@ int c4_View::Find(const c4_Row& values, int start) const {
 }
 
 int c4_View::Search(const c4_Row& values) const {
-  const int size = GetSize();
-  if (size == 0) return 0;
+  if (GetSize() == 0) return 0;
   const c4_Table& table = Sequence->GetTable();
   const std::vector<SearchKey> keys = MakeSearchKeys(*Sequence, values);
-  int first = 0;
-  for (int count = size; count > 0;) {
-    const int half = count / 2;
-    if (IsBelow(table, Sequence->GetSlotAt(ToPosition(first + half)), keys)) {
+  auto [first, last] = Sequence->NarrowSearch(values);
+  for (std::size_t count = last - first; count > 0;) {
+    const std::size_t half = count / 2;
+    if (IsBelow(table, Sequence->GetSlotAt(first + half), keys)) {
       first += half + 1;
       count -= half + 1;
     } else {
       count = half;
     }
   }
-  return first;
+  return static_cast<int>(first);
 }
 
 c4_View c4_View::Select(const c4_Row& values) const {

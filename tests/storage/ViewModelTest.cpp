@@ -290,6 +290,11 @@ class CModelRun {
   }
 
   void CheckSearch(const std::string& after) {
+    // A view that was searched often without a change in between searches in another way.
+    for (int i = Pick(4) == 0 ? 8 : 1; i > 0 && !testing::Test::HasFailure(); --i) CheckOneSearch(after);
+  }
+
+  void CheckOneSearch(const std::string& after) {
     const ModelRow wanted = PickRow();
     const auto below = [&](auto order) {
       return [&wanted, order](const ModelRow& row) { return order(row, wanted); };
@@ -299,6 +304,8 @@ class CModelRun {
               CountBelow(Model, below(NumbersBelow)));
     ASSERT_EQ(Views[4].View.Search(pSmall[wanted.Small] + pWide[wanted.Wide] + pText[wanted.Text]),
               CountBelow(Model, below(MixedBelow)));
+    ASSERT_EQ(Views[5].View.Search(pText[wanted.Text] + pWide[wanted.Wide]),
+              CountBelow(Model, below(TextDownBelow)));
     ASSERT_EQ(Views[4].View.Search(pSmall[wanted.Small]),
               CountBelow(Model, [&](const ModelRow& row) { return row.Small > wanted.Small; }));
   }

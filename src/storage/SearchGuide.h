@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "storage/Row.h"
+#include "storage/Sequence.h"
+
+/// The beginnings of the sort keys of every 64th row of a sorted sequence, close together in memory. A
+/// search looks there first and is left with some hundred rows: in a large view nearly each look at a row is
+/// a wait for memory. Good until the sequence changes.
+class CSearchGuide {
+ public:
+  CSearchGuide(const c4_Table& table, const SortKey& key, std::span<const c4_Slot> slots);
+
+  /// How many rows a guide for a sequence of that size looks at.
+  static std::size_t GetCost(std::size_t size) { return size / kDistance; }
+
+  /// The positions, first and last, between which the first row that isn't below the value stands.
+  std::pair<std::size_t, std::size_t> Narrow(const c4_Row::Value& value) const;
+
+ private:
+  static constexpr std::size_t kDistance = 64;
+
+  std::uint64_t MakeTextKey(std::string_view text) const;
+  std::optional<std::uint64_t> MakeValueKey(const c4_Row::Value& value) const;
+
+  std::size_t Size;
+  bool IsText = false;
+  std::uint64_t Flip;                // all ones for the descending order
+  std::string Prefix;                // folded; all texts of the sequence begin with it
+  std::vector<std::uint64_t> Marks;  // never descending; the i-th is of position i * kDistance
+};
