@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr std::size_t kExifBytes = 20 * 1024;
+constexpr std::size_t kExifBytes = 20480;
 constexpr int kQuality = 92;
 constexpr float kGrain = 9;  // steps of 256; with the quality, about 3 bits a pixel
 constexpr int kPerFolder = 100;

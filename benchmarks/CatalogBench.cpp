@@ -129,6 +129,7 @@ double TimePicks(const std::vector<Key>& keys, std::mt19937& random, const Opera
   std::vector<double> rounds;
   for (int round = 0; round < kRounds; ++round) {
     std::vector<Key> picks;
+    picks.reserve(kPicksPerRound);
     for (int i = 0; i < kPicksPerRound; ++i) picks.push_back(keys[pick(random)]);
     const Clock::time_point start = Clock::now();
     for (const Key& key : picks) operation(key);

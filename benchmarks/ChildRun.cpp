@@ -40,6 +40,7 @@ void SetHome(const std::string& home) {
     std::vector<std::string> owned{"vellumar_bench"};
     owned.insert(owned.end(), arguments.begin(), arguments.end());
     std::vector<char*> pointers;
+    pointers.reserve(owned.size() + 1);
     for (std::string& argument : owned) pointers.push_back(argument.data());
     pointers.push_back(nullptr);
     if (dup2(output, STDOUT_FILENO) >= 0) execv("/proc/self/exe", pointers.data());
