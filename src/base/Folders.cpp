@@ -34,6 +34,15 @@ bool FileExists(const std::string& path, bool allowFolder) {
   return allowFolder || !status.IsFolder;
 }
 
+bool IsOtherSpelling(const std::string& stored, const std::string& found) {
+  if (!FileExists(stored, true)) return true;
+  platform::FileStatus first, second;
+  if (platform::GetStatus(stored, first) || platform::GetStatus(found, second)) return false;
+  // Two names of one file are one photo twice, and stay so.
+  const bool hasOneName = first.IsFolder || first.LinkCount == 1;
+  return hasOneName && first.Device == second.Device && first.Inode == second.Inode;
+}
+
 std::string GetProgramFolder() { return WithClosingSlash(platform::ExecutableFolder()); }
 
 std::string GetMyPicturesFolder() {

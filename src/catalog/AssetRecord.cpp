@@ -12,10 +12,6 @@
 
 namespace {
 
-// Values of LocationType. Any other means no path.
-constexpr std::int32_t kWholePath = 0;  // in Location; in old catalogs, before their upgrade
-constexpr std::int32_t kFolderAndName = 1;
-
 const c4_IntProp& PropertyOf(PhotoFlag which) {
   switch (which) {
     case PhotoFlag::Tossed:
@@ -28,11 +24,15 @@ const c4_IntProp& PropertyOf(PhotoFlag which) {
   return props::ToRemotePrint;
 }
 
+LocationType LocationTypeOf(const c4_RowRef& row) {
+  return static_cast<LocationType>(props::LocationType.Get(row));
+}
+
 PathParts PartsOf(const c4_RowRef& row) {
-  switch (props::LocationType.Get(row)) {
-    case kWholePath:
+  switch (LocationTypeOf(row)) {
+    case LocationType::WholePath:
       return SplitPath(props::Location.Get(row));
-    case kFolderAndName:
+    case LocationType::FolderAndName:
       return {props::Location.Get(row), props::Filename.Get(row)};
     default:
       return {};
@@ -48,6 +48,7 @@ std::int32_t EarlierOf(std::int32_t a, std::int32_t b) {
 }  // namespace
 
 std::int32_t CAssetRecord::GetAssetID() const { return props::AssetID.Get(Row); }
+LocationType CAssetRecord::GetLocationType() const { return LocationTypeOf(Row); }
 std::int32_t CAssetRecord::GetRollID() const { return props::RollID.Get(Row); }
 std::int32_t CAssetRecord::GetCachedDate() const { return props::CachedDate.Get(Row); }
 std::int32_t CAssetRecord::GetCachedRating() const { return props::CachedRating.Get(Row); }
@@ -88,7 +89,7 @@ bool CAssetRecord::SetPath(const std::string& path) {
   if (!IsValid()) return false;
   const PathParts parts = SplitPath(path);
   CAutoCommitPause pause(*Owner);
-  props::LocationType.Set(Row, kFolderAndName);
+  props::LocationType.Set(Row, static_cast<std::int32_t>(LocationType::FolderAndName));
   props::Location.Set(Row, parts.Folder);
   props::Filename.Set(Row, parts.Name);
   pause.Commit();

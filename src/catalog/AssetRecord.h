@@ -13,6 +13,12 @@ struct PreparedPhoto;
 
 enum class PhotoFlag { Tossed = 0, ToEmail = 1, ToRemotePrint = 2 };
 
+/// How a photo's path is stored. Any other value means no path.
+enum class LocationType : std::int32_t {
+  WholePath = 0,  // in Location; in old catalogs, before their upgrade
+  FolderAndName = 1,
+};
+
 /// What is stored in Missing.
 enum class MissingState : std::int32_t {
   InPlace = 0,
@@ -27,6 +33,7 @@ class CAssetRecord : public CRecord {
   using CRecord::CRecord;
 
   std::int32_t GetAssetID() const;
+  LocationType GetLocationType() const;
   std::int32_t GetRollID() const;
   std::int32_t GetCachedDate() const;    // seconds since 1970; 0 until the first date stamp
   std::int32_t GetCachedRating() const;  // 0 to 4; 0 is not rated

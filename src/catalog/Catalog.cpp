@@ -1,5 +1,7 @@
 #include "catalog/Catalog.h"
 
+#include <limits>
+
 #include "base/Exceptions.h"
 #include "base/Folders.h"
 #include "catalog/CatalogUpgrade.h"
@@ -20,8 +22,6 @@ constexpr const char* kSingletonsView =
     "CurrentRollID:I,DBGUID:B,CurrentPhotoFolder:S]";
 constexpr const char* kStampStructView =
     "StampStruct[StampType:I,StampName:S,Sortable:I,StampStyle:I,StampFormat:I]";
-
-constexpr std::int32_t kCategoryOfCategories = 0;
 
 CCatalog* instance = nullptr;
 
@@ -101,6 +101,7 @@ void CCatalog::AddFirstRows() {
                    props::NextStringKey[0] + props::DBVersion[kCatalogVersion] + props::CurrentRollID[-1] +
                    props::DBGUID[CGuid::Generate().ToBytes()]);
   }
+  if (!GetDBGUID().IsValid()) RenewDBGUID();
   if (!GetPerson(-1).IsValid()) {
     const CPersonRecord person = AddPerson("Vellumar User", "");
     props::CurrentPersonID.Set(Singletons[0], props::PersonID.Get(person.GetRow()));
@@ -148,7 +149,7 @@ bool CCatalog::Rewrite(const std::string& temporary, const std::string& rewritte
     if (!storage.LoadFrom(in)) return false;
     storage.Commit();
     return true;
-  } catch (const CThrowable&) {
+  } catch (...) {
     return false;  // The catalog goes on in its old file.
   }
 }
@@ -168,9 +169,14 @@ void CCatalog::RenewDBGUID() {
   CommitIfAuto();
 }
 
+std::int32_t CCatalog::Successor(std::int32_t number) {
+  if (number == std::numeric_limits<std::int32_t>::max()) throw CError("The catalog has no numbers left.");
+  return number + 1;
+}
+
 std::int32_t CCatalog::Alloc(const c4_IntProp& counter) {
   const std::int32_t value = counter.Get(Singletons[0]);
-  counter.Set(Singletons[0], value + 1);
+  counter.Set(Singletons[0], Successor(value));
   CommitIfAuto();
   return value;
 }

@@ -38,7 +38,8 @@ class CCatalog : public CCommittingStore {
   void Close();
   bool IsOpen() const { return Opened; }
 
-  /// Rewrites the file without its free space. The catalog goes on as it was if that can't be done.
+  /// Rewrites the file without its free space. If that can't be done the catalog goes on in its old file;
+  /// CError if it can't be opened again.
   void Defragment();
 
   // The singletons.
@@ -95,12 +96,15 @@ class CCatalog : public CCommittingStore {
 
  private:
   friend class CCatalogUpgrade;
+  static constexpr std::int32_t kCategoryOfCategories = 0;
+
   void OpenViews();
   void DropViews();
   void AddFirstRows();
   void AddFirstStrings();
   void Upgrade();
   bool Rewrite(const std::string& temporary, const std::string& rewritten);
+  static std::int32_t Successor(std::int32_t number);
   std::int32_t Alloc(const c4_IntProp& counter);
   c4_View StringsOf(std::int32_t category, bool byText) const;
   c4_RowRef FindString(std::int32_t key) const;

@@ -5,13 +5,12 @@
 #include "platform/Unicode.h"
 
 CAssetRecord CCatalog::AddAsset(const std::string& path) {
-  constexpr std::int32_t kFolderAndName = 1;
   const PathParts parts = SplitPath(path);
   CAutoCommitPause pause(*this);
-  const c4_RowRef row =
-      Assets.Add(props::AssetID[AllocAssetID()] + props::Location[parts.Folder] +
-                 props::Filename[parts.Name] + props::LocationType[kFolderAndName] +
-                 props::RollID[GetCurrentRollID() + 1] + props::ID[CGuid::Generate().ToBytes()]);
+  const c4_RowRef row = Assets.Add(
+      props::AssetID[AllocAssetID()] + props::Location[parts.Folder] + props::Filename[parts.Name] +
+      props::LocationType[static_cast<std::int32_t>(LocationType::FolderAndName)] +
+      props::RollID[Successor(GetCurrentRollID())] + props::ID[CGuid::Generate().ToBytes()]);
   pause.Commit();
   return MakeRecord(row);
 }
@@ -28,7 +27,7 @@ CAssetRecord CCatalog::FindAssetByPath(const std::string& path) {
     const std::string& name = props::Filename.Get(row);
     if (folder == parts.Folder && name == parts.Name) return MakeRecord(row);
     if (!platform::EqualNoCase(folder, parts.Folder) || !platform::EqualNoCase(name, parts.Name)) break;
-    if (!otherCase.IsValid() && !FileExists(folder + name, false)) otherCase = row;
+    if (!otherCase.IsValid() && IsOtherSpelling(folder + name, path)) otherCase = row;
   }
   return MakeRecord(otherCase);
 }

@@ -13,7 +13,7 @@ std::int32_t CCatalog::AddString(std::int32_t category, const std::string& text)
   std::int32_t key = FindStringKey(category, text);
   if (key >= 0) {
     const c4_RowRef row = FindString(key);
-    props::RefCount.Set(row, props::RefCount.Get(row) + 1);
+    props::RefCount.Set(row, Successor(props::RefCount.Get(row)));
   } else {
     key = AllocStringKey();
     Strings.Add(props::Category[category] + props::Key[key] + props::String[text] + props::RefCount[1]);
@@ -23,7 +23,6 @@ std::int32_t CCatalog::AddString(std::int32_t category, const std::string& text)
 }
 
 std::int32_t CCatalog::GetCategory(const std::string& name) {
-  constexpr std::int32_t kCategoryOfCategories = 0;
   const std::int32_t key = FindStringKey(kCategoryOfCategories, name);
   return key >= 0 ? key : AddString(kCategoryOfCategories, name);
 }

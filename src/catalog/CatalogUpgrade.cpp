@@ -16,7 +16,6 @@
 
 namespace {
 
-constexpr std::int32_t kWholePath = 0;
 constexpr std::uint16_t kDateTimeTag = 306;
 
 std::int32_t ReadCameraDate(const std::string& path) {
@@ -45,9 +44,11 @@ void CCatalogUpgrade::Run() {
 }
 
 void CCatalogUpgrade::DropUncountedStrings() {
-  // Texts without counts are of no use; the next opening enters the first ones anew.
+  // Texts without counts are of no use.
   c4_View& strings = Catalog.Strings;
-  if (!strings.IsEmpty() && props::RefCount.Get(strings[0]) == 0) strings.SetSize(0);
+  if (props::RefCount.Get(strings[0]) != 0) return;
+  strings.SetSize(0);
+  Catalog.AddFirstStrings();
 }
 
 void CCatalogUpgrade::CompleteAssets() {
@@ -59,7 +60,7 @@ void CCatalogUpgrade::CompleteAssets() {
       props::CachedDate.Set(row, record.GetStamps(StampId::Date).Get(0).GetDate());
       props::CachedRating.Set(row, record.GetStamps(StampId::Rating).Get(0).GetNumber());
     }
-    if (props::LocationType.Get(row) == kWholePath) record.SetPath(record.GetPath());
+    if (record.GetLocationType() == LocationType::WholePath) record.SetPath(record.GetPath());
   }
 }
 
@@ -90,14 +91,14 @@ void CCatalogUpgrade::RemoveDuplicates() {
   std::unordered_map<std::string, std::vector<std::string>> kept;  // spellings by lower-cased path
   std::vector<c4_RowRef> doomed;
   for (int i = 0; i < Catalog.Assets.GetSize(); ++i) {
-    const CAssetRecord record(&Catalog, Catalog.Assets[i]);
-    const std::string path = record.GetPath();
+    const c4_RowRef row = Catalog.Assets[i];
+    const std::string path = props::Location.Get(row) + props::Filename.Get(row);
     std::vector<std::string>& spellings = kept[platform::ToLower(path)];
     const auto isSamePhoto = [&path](const std::string& other) {
-      return other == path || !FileExists(other, false) || !FileExists(path, false);
+      return other == path || IsOtherSpelling(other, path) || !FileExists(path, false);
     };
     if (std::any_of(spellings.begin(), spellings.end(), isSamePhoto)) {
-      doomed.push_back(record.GetRow());
+      doomed.push_back(row);
     } else {
       spellings.push_back(path);
     }

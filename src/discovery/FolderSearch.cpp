@@ -83,6 +83,15 @@ bool CFolderSearch::SearchAllFolders(bool force) {
 }
 
 std::string CFolderSearch::FirstSearch() {
+  try {
+    return SearchStartingFolder();
+  } catch (const CStorageException& exception) {
+    ShowMessage(exception.GetMessage(), false, MessageParent::ProgressWindow);
+    return GetMyPicturesFolder();
+  }
+}
+
+std::string CFolderSearch::SearchStartingFolder() {
   if (ActiveDisk) {
     int found = 0;
     SearchFolder(GetActiveDiskPhotoFolder(), true, &found);
@@ -102,13 +111,18 @@ std::string CFolderSearch::FirstSearch() {
 void CFolderSearch::UpdateMissingFlags() {
   CCatalog* const catalog = CCatalog::GetInstance();
   CQuerySet photos(catalog, SetKind::All);
-  CAutoCommitPause pause(*catalog);
-  for (int i = 0; i < photos.GetCount(); ++i) {
-    CAssetRecord record = photos.GetAsset(i);
-    if (record.GetMissing() == MissingState::FolderRemoved) continue;
-    record.SetMissing(FileExists(record.GetPath(), false) ? MissingState::InPlace : MissingState::Gone);
+  try {
+    CAutoCommitPause pause(*catalog);
+    for (int i = 0; i < photos.GetCount(); ++i) {
+      CAssetRecord record = photos.GetAsset(i);
+      if (record.GetMissing() == MissingState::FolderRemoved) continue;
+      record.SetMissing(FileExists(record.GetPath(), false) ? MissingState::InPlace : MissingState::Gone);
+    }
+    pause.Commit();
+  } catch (const CStorageException& exception) {
+    // The flags are those of the last time, and the next start looks again.
+    ShowMessage(exception.GetMessage(), false, MessageParent::ProgressWindow);
   }
-  pause.Commit();
 }
 
 void CFolderSearch::MarkFolderRemoved(const std::string& folder) {

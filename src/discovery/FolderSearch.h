@@ -30,7 +30,7 @@ class CFolderSearch {
   /// The search at start. Returns the folder that the session opens on; empty means all.
   std::string FirstSearch();
 
-  /// Looks whether each photo's file is in place.
+  /// Looks whether each photo's file is in place. A disk that refuses to be written is told to the user.
   void UpdateMissingFlags();
 
   /// Takes the photos under a folder out of view.
@@ -49,6 +49,7 @@ class CFolderSearch {
   CFolderSearch();
   ~CFolderSearch();
   bool Search(const std::string& folder, int* foundOut, int* pendingOut);
+  std::string SearchStartingFolder();
   bool MayBringIn(int pending, const std::string& folder);
 
   std::unique_ptr<CStringHistory> History;

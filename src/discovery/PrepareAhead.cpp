@@ -1,6 +1,7 @@
 #include "discovery/PrepareAhead.h"
 
 #include <algorithm>
+#include <system_error>
 #include <utility>
 
 namespace {
@@ -13,7 +14,11 @@ constexpr std::size_t kResultsPerThread = 8;
 CPrepareAhead::CPrepareAhead(std::span<const CFoundFile> files, unsigned threadCount)
     : Files(files), Ring(kResultsPerThread * std::max(threadCount, 1U)) {
   const std::size_t threads = std::min<std::size_t>(std::max(threadCount, 1U), files.size());
-  for (std::size_t i = 0; i < threads; ++i) Threads.emplace_back([this] { Work(); });
+  try {
+    for (std::size_t i = 0; i < threads; ++i) Threads.emplace_back([this] { Work(); });
+  } catch (const std::system_error&) {
+    // The system has no more threads to give: those that it gave do the work, or the taker itself.
+  }
 }
 
 CPrepareAhead::~CPrepareAhead() {
@@ -26,6 +31,7 @@ CPrepareAhead::~CPrepareAhead() {
 }
 
 PreparedPhoto CPrepareAhead::TakeNext() {
+  if (Threads.empty()) return PreparePhoto(Files[NextToTake++].Path);
   std::unique_lock lock(Mutex);
   std::optional<PreparedPhoto>& slot = Ring[NextToTake % Ring.size()];
   ResultReady.wait(lock, [&slot] { return slot.has_value(); });

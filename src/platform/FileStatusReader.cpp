@@ -23,6 +23,7 @@ std::error_code ReadStatusAt(int folder, const char* name, FileStatus& status) {
   status.Device = makedev(raw.stx_dev_major, raw.stx_dev_minor);
   status.Inode = raw.stx_ino;
   status.Mode = raw.stx_mode & 07777U;
+  status.LinkCount = raw.stx_nlink;
   return {};
 }
 

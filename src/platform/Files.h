@@ -20,7 +20,8 @@ struct FileStatus {
   std::int64_t Modified = 0;  // seconds since 1970, UTC
   std::uint64_t Device = 0;
   std::uint64_t Inode = 0;
-  std::uint32_t Mode = 0;  // permission bits
+  std::uint32_t Mode = 0;       // permission bits
+  std::uint64_t LinkCount = 0;  // names of the file
 };
 
 /// Reads the status of what `path` leads to, links followed.

@@ -115,6 +115,10 @@ PseudoFileSystems::PseudoFileSystems(const std::vector<Mount>& mounts) {
   for (const Mount& mount : mounts) {
     if (IsPseudoMount(mount)) Devices.push_back(mount.Device);
   }
+  // Containers mount single files of real disks there too.
+  for (const Mount& mount : mounts) {
+    if (!IsPseudoMount(mount)) std::erase(Devices, mount.Device);
+  }
   std::sort(Devices.begin(), Devices.end());
 }
 

@@ -70,6 +70,8 @@ std::error_code TakeOverRights(const Descriptor& file, const std::string& path, 
     // Only root can keep another's file another's; for everyone else the new file is the writer's.
     if (::fchown(file.Get(), old.st_uid, old.st_gid) != 0 && errno != EPERM) return LastError();
   }
+  // File systems without modes of their own refuse to set them.
+  if (fresh.st_mode == old.st_mode) return {};
   return SetMode(file, path, old.st_mode & 07777U);
 }
 

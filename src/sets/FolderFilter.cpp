@@ -13,5 +13,5 @@ bool CFolderFilter::Matches(const CAssetRecord& record) const {
   // Another spelling is this folder too, unless it stands on the disk beside it.
   if (folder.size() < Folder.size()) return false;
   const std::string otherSpelling = folder.substr(0, Folder.size());
-  return platform::EqualNoCase(otherSpelling, Folder) && !FileExists(otherSpelling, true);
+  return platform::EqualNoCase(otherSpelling, Folder) && IsOtherSpelling(otherSpelling, Folder);
 }
