@@ -15,7 +15,7 @@ namespace {
 
 std::string FindDataFolder(bool activeDisk) {
   if (activeDisk) return GetProgramFolder();
-  const std::string folder = GetApplicationDataFolder();
+  std::string folder = GetApplicationDataFolder();
   // What keeps the folder from being made shows when the catalog is opened in it.
   static_cast<void>(platform::CreateFolders(folder));
   return folder;

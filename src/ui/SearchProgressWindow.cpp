@@ -10,14 +10,14 @@
 #include "ui/FontTable.h"
 #include "ui/Pictures.h"
 #include "ui/QtText.h"
-#include "ui/TextButton.h"
 
 CSearchProgressWindow::CSearchProgressWindow(bool showSplash, QWidget* parent)
     : QWidget(parent, Qt::Dialog | Qt::FramelessWindowHint),
       ShowSplash(showSplash),
       Lines{LoadExpandedString(StringId::SplashProduct), LoadExpandedString(StringId::SplashVersion),
             LoadExpandedString(StringId::SplashLegal1), LoadExpandedString(StringId::SplashLegal2),
-            LoadExpandedString(StringId::SplashLegal3)} {
+            LoadExpandedString(StringId::SplashLegal3)},
+      StopButton(ToQString(LoadExpandedString(StringId::StopSearching)), this) {
   setObjectName(QStringLiteral("SearchProgress"));
   const QString title = ToQString(LoadExpandedString(StringId::SearchWindowTitle));
   setWindowTitle(title);
@@ -30,14 +30,11 @@ CSearchProgressWindow::CSearchProgressWindow(bool showSplash, QWidget* parent)
   setMask(ProgressOutline(ShowSplash));
 
   setFocusPolicy(Qt::StrongFocus);
-  StopButton = new CTextButton(ToQString(LoadExpandedString(StringId::StopSearching)), this);
-  StopButton->setObjectName(QStringLiteral("StopSearching"));
-  StopButton->setFocusPolicy(Qt::NoFocus);  // every key is the window's
-  StopButton->setGeometry(ProgressStopButton(ShowSplash));
-  connect(StopButton, &QAbstractButton::clicked, this, [this] { RequestStop(); });
+  StopButton.setObjectName(QStringLiteral("StopSearching"));
+  StopButton.setFocusPolicy(Qt::NoFocus);  // every key is the window's
+  StopButton.setGeometry(ProgressStopButton(ShowSplash));
+  connect(&StopButton, &QAbstractButton::clicked, this, [this] { RequestStop(); });
 }
-
-CSearchProgressWindow::~CSearchProgressWindow() = default;
 
 void CSearchProgressWindow::ShowCentered() {
   if (isVisible()) return;

@@ -9,8 +9,7 @@
 #include <string>
 
 #include "ui/SearchProgressLayout.h"
-
-class CTextButton;
+#include "ui/TextButton.h"
 
 /// The window that tells how a search goes: a bar with a text, the photos found last in five small cells,
 /// a button to stop. Esc stops too, and any other key takes that back. In its large form, shown at
@@ -20,7 +19,6 @@ class CTextButton;
 class CSearchProgressWindow : public QWidget {
  public:
   explicit CSearchProgressWindow(bool showSplash, QWidget* parent = nullptr);
-  ~CSearchProgressWindow() override;
 
   /// Shows the window in the middle of its parent, or of the screen, with the focus. Does nothing when it
   /// shows already.
@@ -52,5 +50,5 @@ class CSearchProgressWindow : public QWidget {
   std::array<QPixmap, kProgressCells> Pictures;
   std::atomic<bool> StopRequested = false;
   std::array<std::string, kProductLines> Lines;
-  CTextButton* StopButton;  // a child
+  CTextButton StopButton;
 };
