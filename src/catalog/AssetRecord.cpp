@@ -115,14 +115,22 @@ bool CAssetRecord::StampNewPhoto(std::int32_t created, std::int32_t written, con
   } else {
     GetStamps(StampId::Date).SetDate(fileDate, 0, StampId::FileCreateDate);
   }
-  CThumbnailCache::GetInstance()->StoreBytes(GetAssetID(), prepared.Thumbnail);
+  StoreThumbnail(prepared);
   pause.Commit();
   return true;
 }
 
-void CAssetRecord::MakeThumbnail() {
+void CAssetRecord::MakeThumbnail() { StoreThumbnail(PreparePhoto(GetPath())); }
+
+void CAssetRecord::StoreThumbnail(const PreparedPhoto& prepared) {
   if (!IsValid()) return;
-  CThumbnailCache::GetInstance()->StoreBytes(GetAssetID(), PreparePhoto(GetPath()).Thumbnail);
+  CThumbnailCache& cache = *CThumbnailCache::GetInstance();
+  if (prepared.WasRead) {
+    cache.StoreBytes(GetAssetID(), prepared.Thumbnail);
+  } else {
+    // The next search tries again. What stands under the number can be of a photo that was taken back.
+    cache.Remove(GetAssetID());
+  }
 }
 
 std::unique_ptr<CImage> CAssetRecord::LoadThumbnail() const {

@@ -56,8 +56,10 @@ class CAssetRecord : public CRecord {
   bool StampNewPhoto(std::int32_t created, std::int32_t written);
   bool StampNewPhoto(std::int32_t created, std::int32_t written, const PreparedPhoto& prepared);
 
-  /// Decodes the photo and stores its thumbnail; an empty one if it can't be decoded.
+  /// Decodes the photo and stores its thumbnail; an empty one if it can't be decoded, none if the file can't
+  /// be read now. The second form takes what was read ahead.
   void MakeThumbnail();
+  void StoreThumbnail(const PreparedPhoto& prepared);
 
   /// The stored thumbnail, or null. Opens no photo file and raises nothing.
   std::unique_ptr<CImage> LoadThumbnail() const;

@@ -10,6 +10,7 @@
 #include "catalog/Catalog.h"
 #include "catalog/StringHistory.h"
 #include "discovery/FolderWalk.h"
+#include "discovery/SearchProgress.h"
 #include "imaging/ThumbnailCache.h"
 #include "platform/Mounts.h"
 #include "sets/QuerySet.h"
@@ -45,17 +46,28 @@ CStringHistory& CFolderSearch::GetHistory() {
 }
 
 bool CFolderSearch::SearchFolder(const std::string& folder, bool force, int* foundOut, int* pendingOut) {
-  if (!force && SearchedFolders.contains(folder)) return false;
   try {
-    const bool ended = Search(folder, foundOut, pendingOut);
-    SearchedFolders.insert(folder);
-    return ended;
+    return SearchUnlessDone(folder, force, foundOut, pendingOut);
   } catch (const CStorageException& exception) {
     ShowMessage(exception.GetMessage(), false, MessageParent::ProgressWindow);
-  } catch (const CException&) {
-    // The folder counts as not searched, so the next search tries again.
+    return false;
   }
-  return false;
+}
+
+bool CFolderSearch::SearchUnlessDone(const std::string& folder, bool force, int* foundOut, int* pendingOut) {
+  if (!force && SearchedFolders.contains(folder)) return false;
+  bool ended = false;
+  try {
+    ended = Search(folder, foundOut, pendingOut);
+  } catch (const CStorageException&) {
+    // Damaged thumbnails can be lost: the search is run again over a new file.
+    if (!CThumbnailCache::GetInstance()->RenewIfDamaged()) throw;
+    ended = Search(folder, foundOut, pendingOut);
+  } catch (const CException&) {
+    return false;  // The folder counts as not searched, so the next search tries again.
+  }
+  SearchedFolders.insert(folder);
+  return ended;
 }
 
 bool CFolderSearch::Search(const std::string& folder, int* foundOut, int* pendingOut) {
@@ -74,11 +86,16 @@ bool CFolderSearch::MayBringIn(int pending, const std::string& folder) {
 
 bool CFolderSearch::SearchAllFolders(bool force) {
   bool anyEnded = false;
-  for (int i = 0; i < GetHistory().Count(); ++i) {
-    anyEnded |= SearchFolder(GetHistory().Get(i), force);
+  try {
+    for (int i = 0; i < GetHistory().Count(); ++i) {
+      anyEnded |= SearchUnlessDone(GetHistory().Get(i), force);
+    }
+    anyEnded |= SearchUnlessDone(GetMyPicturesFolder(), force);
+    if (ActiveDisk) anyEnded |= SearchUnlessDone(GetActiveDiskPhotoFolder(), false);
+  } catch (const CStorageException& exception) {
+    // A disk that refuses one folder refuses all; it is told once.
+    ShowMessage(exception.GetMessage(), false, MessageParent::ProgressWindow);
   }
-  anyEnded |= SearchFolder(GetMyPicturesFolder(), force);
-  if (ActiveDisk) anyEnded |= SearchFolder(GetActiveDiskPhotoFolder(), false);
   return anyEnded;
 }
 
@@ -103,7 +120,7 @@ std::string CFolderSearch::SearchStartingFolder() {
     SearchAllFolders(true);
     return folder;
   }
-  if (!FileExists(folder, true)) folder = GetMyPicturesFolder();
+  if (FileExists(folder, false) || !FileExists(folder, true)) folder = GetMyPicturesFolder();
   SearchFolder(folder, false);
   return folder;
 }
@@ -113,7 +130,8 @@ void CFolderSearch::UpdateMissingFlags() {
   CQuerySet photos(catalog, SetKind::All);
   try {
     CAutoCommitPause pause(*catalog);
-    for (int i = 0; i < photos.GetCount(); ++i) {
+    const auto isStopped = [this] { return Progress != nullptr && Progress->IsStopped(); };
+    for (int i = 0; i < photos.GetCount() && !isStopped(); ++i) {
       CAssetRecord record = photos.GetAsset(i);
       if (record.GetMissing() == MissingState::FolderRemoved) continue;
       record.SetMissing(FileExists(record.GetPath(), false) ? MissingState::InPlace : MissingState::Gone);

@@ -30,7 +30,8 @@ class CFolderSearch {
   /// The search at start. Returns the folder that the session opens on; empty means all.
   std::string FirstSearch();
 
-  /// Looks whether each photo's file is in place. A disk that refuses to be written is told to the user.
+  /// Looks whether each photo's file is in place, until the user stops it. A disk that refuses to be written
+  /// is told to the user.
   void UpdateMissingFlags();
 
   /// Takes the photos under a folder out of view.
@@ -48,6 +49,8 @@ class CFolderSearch {
  private:
   CFolderSearch();
   ~CFolderSearch();
+  bool SearchUnlessDone(const std::string& folder, bool force, int* foundOut = nullptr,
+                        int* pendingOut = nullptr);
   bool Search(const std::string& folder, int* foundOut, int* pendingOut);
   std::string SearchStartingFolder();
   bool MayBringIn(int pending, const std::string& folder);

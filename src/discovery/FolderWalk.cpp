@@ -24,7 +24,7 @@ CFolderWalk::CFolderWalk(std::string root, CCatalog& catalog, CThumbnailCache& c
                          CSearchProgress* progress)
     : Catalog(catalog), Cache(cache), Progress(progress), Root(std::move(root)) {
   CAutoCommitPause pause(Catalog);
-  Walk(Root);
+  WalkAll();
   pause.Commit();
   std::sort(Pending.begin(), Pending.end(),
             [](const CFoundFile& a, const CFoundFile& b) { return a.Path < b.Path; });
@@ -39,6 +39,15 @@ bool CFolderWalk::Enter(const std::string& folder) {
   return VisitedFolders.emplace(status.Device, status.Inode).second;
 }
 
+void CFolderWalk::WalkAll() {
+  Walk(Root);
+  // A folder that a link leads to mostly stands in the tree itself, and its photos are known by that place.
+  while (!LinkedFolders.empty()) {
+    const std::vector<std::string> folders = std::exchange(LinkedFolders, {});
+    for (const std::string& folder : folders) Walk(folder);
+  }
+}
+
 void CFolderWalk::Walk(const std::string& folder) {
   if (IsStopped() || !Enter(folder)) return;
   std::vector<platform::FolderEntry> entries;
@@ -47,7 +56,9 @@ void CFolderWalk::Walk(const std::string& folder) {
     if (IsStopped()) return;
     if (entry.Name.starts_with('.')) continue;
     const std::string path = JoinPath(folder, entry.Name);
-    if (entry.IsFolder) {
+    if (entry.IsFolder && entry.IsLink) {
+      LinkedFolders.push_back(path);
+    } else if (entry.IsFolder) {
       Walk(path);
     } else if (entry.IsRegular) {
       LookAtFile(path, entry.Status);
@@ -91,7 +102,7 @@ bool CFolderWalk::Update() {
 CAssetRecord CFolderWalk::ImportFile(const CFoundFile& found, const PreparedPhoto& prepared) {
   if (found.Known) {
     CAssetRecord record = Catalog.FindAssetByPath(found.Path);
-    Cache.StoreBytes(record.GetAssetID(), prepared.Thumbnail);
+    record.StoreThumbnail(prepared);
     return record;
   }
   CAssetRecord record = Catalog.AddAsset(found.Path);

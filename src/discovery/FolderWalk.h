@@ -30,6 +30,7 @@ class CFolderWalk {
   bool Update();
 
  private:
+  void WalkAll();
   void Walk(const std::string& folder);
   bool Enter(const std::string& folder);
   void LookAtFile(const std::string& path, const platform::FileStatus& status);
@@ -42,6 +43,7 @@ class CFolderWalk {
   const std::string Root;
   const platform::PseudoFileSystems PseudoFileSystems;
   std::set<std::pair<std::uint64_t, std::uint64_t>> VisitedFolders;  // device and inode
+  std::vector<std::string> LinkedFolders;                            // found, and entered after all others
   std::vector<CFoundFile> Pending;                                   // by path, byte for byte
   int Found = 0;                                                     // photo files seen
   bool AddedNew = false;

@@ -27,6 +27,7 @@ PreparedPhoto PreparePhoto(const std::string& path) {
     reader.LoadBytes(bytes);
     prepared.CameraDate = reader.GetDateTime(kDateTimeTag);
     prepared.Thumbnail = MakeThumbnail(path, bytes);
+    prepared.WasRead = true;
   } catch (...) {
     // Out of memory at worst: this photo goes without, the others don't.
   }

@@ -11,6 +11,7 @@ constexpr int kThumbnailQuality = 50;
 
 /// What a photo that enters the catalog gives.
 struct PreparedPhoto {
+  bool WasRead = false;                 // false if the file can't be read now, or memory is short
   std::int32_t CameraDate = 0;          // of the EXIF DateTime; seconds since 1970, 0 for none
   std::vector<std::uint8_t> Thumbnail;  // a JPEG; empty if the file gives no picture
 };

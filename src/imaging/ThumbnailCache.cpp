@@ -36,34 +36,50 @@ CThumbnailCache* CThumbnailCache::GetInstance() { return instance; }
 
 void CThumbnailCache::Open(const std::string& path, const CGuid& catalogGuid) {
   Close();
+  Path = path;
+  CatalogGuid = catalogGuid;
   try {
     try {
-      OpenStorage(path);
+      OpenPaired();
     } catch (const CDamagedStorage&) {
-      Close();
-      if (!SetAside(path)) throw;
-      OpenStorage(path);
+      OpenAnew();
+    } catch (const CStorageException& exception) {
+      if (!exception.IsDamage()) throw;
+      OpenAnew();
     }
-    Pair(catalogGuid);
   } catch (...) {
     Close();
     throw;
   }
 }
 
-void CThumbnailCache::OpenStorage(const std::string& path) {
-  Storage = std::make_unique<c4_Storage>(path, c4_Storage::Mode::ReadWrite);
+void CThumbnailCache::OpenAnew() {
+  Close();
+  if (!SetAside(Path)) throw CError("The file \"" + Path + "\" is damaged and can't be set aside.");
+  OpenPaired();
+}
+
+bool CThumbnailCache::RenewIfDamaged() {
+  if (!Damaged) return false;
+  OpenAnew();
+  return true;
+}
+
+void CThumbnailCache::OpenPaired() {
+  Damaged = false;
+  Storage = std::make_unique<c4_Storage>(Path, c4_Storage::Mode::ReadWrite);
   Singletons = Storage->GetAs("Singletons[ForeignDBGUID:B]");
   Cache = Storage->GetAs("Cache[ID:I,Thumbnail:B]");
   Commit();
+  Pair();
 }
 
-void CThumbnailCache::Pair(const CGuid& catalogGuid) {
-  const c4_Bytes wanted = catalogGuid.ToBytes();
+void CThumbnailCache::Pair() {
+  const c4_Bytes wanted = CatalogGuid.ToBytes();
   if (Singletons.IsEmpty()) {
     Singletons.Add(kForeignDBGUID[wanted]);
     Commit();
-  } else if (CGuid::FromBytes(kForeignDBGUID.Get(Singletons[0])).ToString() != catalogGuid.ToString()) {
+  } else if (CGuid::FromBytes(kForeignDBGUID.Get(Singletons[0])).ToString() != CatalogGuid.ToString()) {
     // Emptied first: a kill in between leaves no thumbnail under another catalog's numbers.
     Cache.SetSize(0);
     Commit();
@@ -84,13 +100,30 @@ void CThumbnailCache::Store(std::int32_t assetId, const CJpegImage* image) {
   StoreBytes(assetId, image ? image->SaveToMemory(kThumbnailQuality) : c4_Bytes{});
 }
 
+template <typename Change>
+void CThumbnailCache::Run(const Change& change) {
+  try {
+    change();
+    CommitIfAuto();
+  } catch (const CStorageException& exception) {
+    Damaged = Damaged || exception.IsDamage();
+    throw;
+  }
+}
+
 void CThumbnailCache::StoreBytes(std::int32_t assetId, std::span<const std::uint8_t> bytes) {
-  const int row = FindRow(assetId);
-  if (row >= 0)
-    kThumbnail.Set(Cache[row], bytes);
-  else
-    Cache.Add(kID[assetId] + kThumbnail[bytes]);
-  CommitIfAuto();
+  Run([&] {
+    const int row = FindRow(assetId);
+    if (row >= 0) {
+      kThumbnail.Set(Cache[row], bytes);
+    } else {
+      Cache.Add(kID[assetId] + kThumbnail[bytes]);
+    }
+  });
+}
+
+void CThumbnailCache::Remove(std::int32_t assetId) {
+  Run([&] { Cache.RemoveAt(FindRow(assetId)); });
 }
 
 std::unique_ptr<CJpegImage> CThumbnailCache::Load(std::int32_t assetId) const {

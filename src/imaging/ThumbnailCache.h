@@ -13,7 +13,7 @@ class CJpegImage;
 
 /// The thumbnails of the catalog's photos, one JPEG each, in a file of their own that can be lost: what is
 /// missing is remade by the next search. It is paired with one catalog by GUID and emptied when it is opened
-/// for another. Rows are never removed otherwise. One object in the program.
+/// for another. One object in the program.
 ///
 /// Thread: the one that owns the data. A change raises CStorageException when the disk refuses; all
 /// uncommitted changes are then undone.
@@ -41,6 +41,13 @@ class CThumbnailCache : public CCommittingStore {
   /// photo. Commits if auto commit is on.
   void StoreBytes(std::int32_t assetId, std::span<const std::uint8_t> bytes);
 
+  /// Forgets the photo's thumbnail. Commits if auto commit is on.
+  void Remove(std::int32_t assetId);
+
+  /// After a change has failed because the file is damaged: sets it aside and begins an empty one, as Open
+  /// does. False, with nothing done, if no change failed so.
+  bool RenewIfDamaged();
+
   /// The thumbnail, decoded. Null if there is none, it is empty, or it can't be read; never an exception,
   /// so it can be asked for while painting.
   std::unique_ptr<CJpegImage> Load(std::int32_t assetId) const;
@@ -52,9 +59,15 @@ class CThumbnailCache : public CCommittingStore {
   int FindRow(std::int32_t assetId) const;
 
  private:
-  void OpenStorage(const std::string& path);
-  void Pair(const CGuid& catalogGuid);
+  void OpenPaired();
+  void OpenAnew();
+  void Pair();
+  template <typename Change>
+  void Run(const Change& change);
 
+  std::string Path;
+  CGuid CatalogGuid;
+  bool Damaged = false;  // a change has shown it
   c4_View Cache;
   c4_View Singletons;
   c4_View CacheByID;

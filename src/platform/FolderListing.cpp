@@ -1,6 +1,8 @@
 #include "platform/FolderListing.h"
 
 #include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 #include <memory>
@@ -16,6 +18,12 @@ namespace {
 struct FolderCloser {
   void operator()(DIR* folder) const { ::closedir(folder); }
 };
+
+bool IsLink(int folder, const dirent& entry) {
+  if (entry.d_type != DT_UNKNOWN) return entry.d_type == DT_LNK;
+  struct stat raw {};
+  return ::fstatat(folder, entry.d_name, &raw, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(raw.st_mode);
+}
 
 }  // namespace
 
@@ -37,6 +45,7 @@ std::error_code ListFolder(const std::string& path, std::vector<FolderEntry>& en
       entry.IsFolder = entry.Status.IsFolder;
       entry.IsRegular = entry.Status.IsRegular;
     }
+    entry.IsLink = IsLink(::dirfd(folder.get()), *raw);
     entries.push_back(std::move(entry));
   }
 }

@@ -15,6 +15,7 @@ struct FolderEntry {
   std::string Name;  // byte for byte, whatever its encoding
   bool IsFolder = false;
   bool IsRegular = false;
+  bool IsLink = false;  // the name itself is a symbolic link
   FileStatus Status;
 };
 

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <utility>
+
 #include "base/Exceptions.h"
 
 /// A read or write of a storage failed after it was opened: the disk is full, failed, or may no longer be
@@ -8,7 +11,14 @@
 /// and what is wrong, and go on. A block of bytes that is damaged leaves the changes as they are.
 class CStorageException : public CException {
  public:
-  using CException::CException;
+  explicit CStorageException(std::string message, bool isDamage = false)
+      : CException(std::move(message)), Damage(isDamage) {}
+
+  /// The file itself is damaged, which no room on the disk will mend.
+  bool IsDamage() const { return Damage; }
+
+ private:
+  bool Damage;
 };
 
 /// The file to open is no whole storage of ours: it is damaged, cut short, empty or of another program.

@@ -78,5 +78,5 @@ void CTransaction::TryLoadTables() noexcept {
 }
 
 void CTransaction::Raise(const CDatabaseError& error) const {
-  throw CStorageException(Database.Describe("written", error));
+  throw CStorageException(Database.Describe("written", error), error.IsDamage());
 }

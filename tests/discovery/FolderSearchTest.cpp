@@ -168,6 +168,75 @@ TEST_F(FolderSearchTest, AFullDiskUndoesTheSearchAndTheNextOneFindsThePhotosAgai
   EXPECT_NE(nullptr, Catalog.FindAssetById(301).LoadThumbnail());
 }
 
+TEST_F(FolderSearchTest, ThumbnailsThatProveDamagedInTheMiddleOfASearchAreBegunAnew) {
+  for (int i = 0; i < 40; ++i) AddPhoto("old " + std::to_string(i) + ".jpg");
+  Search.SearchFolder(Pictures(), true);
+  for (int id = 1; id <= 40; ++id) Cache.Remove(id);  // pages without use, which nothing reads at opening
+  Cache.StoreBytes(1, {});
+  Cache.Close();
+  // Everything behind the pages that are read at opening.
+  std::fstream file(Scratch.File("vellumar.thumbs"), std::ios::in | std::ios::out | std::ios::binary);
+  file.seekp(4 * 4096);
+  const auto rest = std::filesystem::file_size(Scratch.File("vellumar.thumbs")) - 4 * 4096;
+  file << std::string(rest, '\x5a');
+  file.close();
+  Cache.Open(Scratch.File("vellumar.thumbs"), Catalog.GetDBGUID());
+  ASSERT_FALSE(std::filesystem::exists(Scratch.File("vellumar.thumbs.damaged[1]"))) << "not seen at opening";
+  for (int i = 0; i < 100; ++i) AddPhoto("new " + std::to_string(i) + ".jpg");
+
+  EXPECT_TRUE(Search.SearchFolder(Pictures(), true));
+  EXPECT_EQ(140, Catalog.GetAssets().GetSize());
+  EXPECT_TRUE(std::filesystem::exists(Scratch.File("vellumar.thumbs.damaged[1]")));
+  for (int id = 1; id <= 140; ++id) EXPECT_NE(nullptr, Catalog.FindAssetById(id).LoadThumbnail()) << id;
+  EXPECT_TRUE(Messages.Texts.empty());
+}
+
+TEST_F(FolderSearchTest, AStartOnAFullDiskGoesOnAndTellsWhy) {
+  const std::string path = AddPhoto("a.jpg");
+  Search.SearchFolder(Pictures(), true);
+  std::filesystem::remove(path);
+  AddPhoto("b.jpg");
+  {
+    const CFileSizeLimit full(0);
+    Search.UpdateMissingFlags();
+    EXPECT_EQ(Pictures(), Search.FirstSearch());
+  }
+  EXPECT_EQ(2U, Messages.Texts.size());
+  EXPECT_EQ(MissingState::InPlace, Catalog.FindAssetByPath(path).GetMissing());
+  EXPECT_TRUE(Catalog.GetAutoCommit());
+  Search.UpdateMissingFlags();
+  EXPECT_EQ(MissingState::Gone, Catalog.FindAssetByPath(path).GetMissing());
+}
+
+TEST_F(FolderSearchTest, ARemovableDiskWithPhotosIsSearchedAlone) {
+  AddPhoto("home.jpg");
+  const std::string onDisk = GetActiveDiskPhotoFolder();
+  const bool wasThere = std::filesystem::exists(onDisk);
+  std::filesystem::create_directories(onDisk);
+  Search.ActiveDisk = true;
+  EXPECT_EQ(Pictures(), Search.FirstSearch()) << "without photos on it the normal rule holds";
+  EXPECT_EQ(1, Catalog.GetAssets().GetSize());
+  Restart();
+  AddPhoto("home2.jpg");
+  const std::string photo = onDisk + "/vellumar test.jpg";
+  std::ofstream(photo, std::ios::binary) << MakeJpeg(8, 8, 1, 2, 3);
+  Search.ActiveDisk = true;
+  EXPECT_EQ(onDisk, Search.FirstSearch());
+  EXPECT_EQ(2, Catalog.GetAssets().GetSize());
+  std::filesystem::remove(photo);
+  if (!wasThere) std::filesystem::remove(onDisk);
+}
+
+TEST_F(FolderSearchTest, EachFolderOfTheListMakesARollOfItsOwn) {
+  AddPhoto("a.jpg");
+  Scratch.Write("Elsewhere/b.jpg", "x");
+  Search.GetHistory().Add(Scratch.GetPath() + "/Elsewhere");
+  EXPECT_TRUE(Search.SearchAllFolders(true));
+  EXPECT_EQ(0, Catalog.FindAssetByPath(Scratch.GetPath() + "/Elsewhere/b.jpg").GetRollID());
+  EXPECT_EQ(1, Catalog.FindAssetByPath(Pictures() + "/a.jpg").GetRollID());
+  EXPECT_EQ(1, Catalog.GetCurrentRollID());
+}
+
 TEST_F(FolderSearchTest, TheFirstSearchOpensOnTheFolderLastLookedAt) {
   AddPhoto("a.jpg");
   Scratch.Write("Elsewhere/b.jpg", MakeJpeg(8, 8, 1, 2, 3));

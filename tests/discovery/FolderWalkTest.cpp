@@ -44,6 +44,16 @@ TEST_F(FolderWalkTest, LinksThatLoopAndFoldersThatRepeatAreEnteredOnce) {
   EXPECT_EQ(1, walk.GetPendingCount());
 }
 
+TEST_F(FolderWalkTest, PhotosAreKnownByTheirOwnPlaceAndElseByALinkToTheirFolder) {
+  AddPhoto("real/trip/a.jpg");
+  Scratch.Write("elsewhere/b.jpg", "x");
+  for (const char* link : {"A link", "z link", "real/between"}) {
+    std::filesystem::create_directory_symlink(Pictures() + "/real/trip", Pictures() + "/" + link);
+  }
+  std::filesystem::create_directory_symlink(Scratch.GetPath() + "/elsewhere", Pictures() + "/out");
+  EXPECT_THAT(FoundBelow(Pictures()), ElementsAre("out/b.jpg", "real/trip/a.jpg"));
+}
+
 TEST_F(FolderWalkTest, FoldersPastTheLengthLimitAreLeftOut) {
   // The limit counts characters: this name has 100 in 200 bytes.
   std::string name;
@@ -61,7 +71,7 @@ TEST_F(FolderWalkTest, FoldersPastTheLengthLimitAreLeftOut) {
   EXPECT_THAT(Progress.Paths, ElementsAre(fits + "/a.jpg"));
 }
 
-TEST_F(FolderWalkTest, AFileThatVanishesBetweenThePhasesIsStillARowWithoutAThumbnail) {
+TEST_F(FolderWalkTest, AFileThatCannotBeReadIsTriedAgainByTheNextSearch) {
   AddPhoto("a.jpg");
   const std::string gone = AddPhoto("b.jpg");
   AddPhoto("c.jpg");
@@ -69,7 +79,11 @@ TEST_F(FolderWalkTest, AFileThatVanishesBetweenThePhasesIsStillARowWithoutAThumb
   FoundBelow(Pictures());
   EXPECT_EQ(3, Progress.Total);
   EXPECT_EQ(2, Progress.Thumbnails);
-  EXPECT_TRUE(Cache.Has(Catalog.FindAssetByPath(gone).GetAssetID()));
+  EXPECT_FALSE(Cache.Has(Catalog.FindAssetByPath(gone).GetAssetID()));
+  AddPhoto("b.jpg");
+  EXPECT_TRUE(Search.SearchFolder(Pictures(), true));
+  EXPECT_NE(nullptr, Catalog.FindAssetByPath(gone).LoadThumbnail());
+  EXPECT_EQ(0, Catalog.GetCurrentRollID());
 }
 
 TEST_F(FolderWalkTest, UnreadableFoldersAreAsGoodAsEmpty) {
