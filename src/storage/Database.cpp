@@ -113,8 +113,10 @@ void CDatabase::OpenForWriting() {
 void CDatabase::CheckContent() {
   QueryInteger("SELECT count(*) FROM sqlite_schema");
   CheckFileSize(Connection.get(), Path);
-  Ours = QueryInteger("PRAGMA application_id") == kApplicationId;
+  ReadMark();
 }
+
+void CDatabase::ReadMark() { Ours = QueryInteger("PRAGMA application_id") == kApplicationId; }
 
 void CDatabase::Fail(const CDatabaseError& error) const {
   if (error.IsDamage()) throw CDamagedStorage(Describe("opened", error));

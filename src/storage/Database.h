@@ -22,6 +22,8 @@ class CDatabase {
   bool IsReadOnly() const { return Mode == c4_Storage::Mode::ReadOnly; }
   /// Whether the file was made by this program. Any other SQLite file may serve if it has the views.
   bool IsOurs() const { return Ours; }
+  /// Reads that again.
+  void ReadMark();
   sqlite3* GetConnection() const { return Connection.get(); }
 
   CStatement Prepare(std::string_view sql) const { return {Connection.get(), sql}; }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -14,7 +13,10 @@ class CIntegerIndex {
   struct Entry {
     std::int32_t Value;
     c4_Slot Slot;
-    friend auto operator<=>(const Entry&, const Entry&) = default;
+    friend bool operator==(const Entry&, const Entry&) = default;
+    friend bool operator<(const Entry& left, const Entry& right) {
+      return left.Value != right.Value ? left.Value < right.Value : left.Slot < right.Slot;
+    }
   };
 
   CIntegerIndex(std::span<const std::int32_t> values, const std::vector<c4_Slot>& slots);

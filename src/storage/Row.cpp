@@ -5,14 +5,14 @@
 #include "storage/DataThread.h"
 #include "storage/Table.h"
 
-c4_Row operator+(c4_Row left, c4_Row right) {
-  for (auto& [property, value] : right.Values) {
+c4_Row operator+(c4_Row left, const c4_Row& right) {
+  for (const auto& [property, value] : right.Values) {
     const auto same = std::find_if(left.Values.begin(), left.Values.end(),
                                    [&name = property](const auto& entry) { return entry.first == name; });
     if (same != left.Values.end()) {
-      same->second = std::move(value);
+      same->second = value;
     } else {
-      left.Values.emplace_back(property, std::move(value));
+      left.Values.emplace_back(property, value);
     }
   }
   return left;

@@ -22,7 +22,7 @@ class c4_Row {
   const std::vector<std::pair<c4_Property, Value>>& GetValues() const { return Values; }
 
   /// The properties of both; where both have one, the right one's value stands.
-  friend c4_Row operator+(c4_Row left, c4_Row right);
+  friend c4_Row operator+(c4_Row left, const c4_Row& right);
 
  private:
   std::vector<std::pair<c4_Property, Value>> Values;

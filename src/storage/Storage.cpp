@@ -70,7 +70,7 @@ std::shared_ptr<c4_Table> c4_Storage::Impl::OpenTable(const std::string& name,
                                                       const std::vector<c4_Property>& properties) {
   const auto known = Tables.find(name);
   if (known != Tables.end() && known->second->HasAll(properties)) return known->second;
-  const auto table = known != Tables.end() ? known->second : std::make_shared<c4_Table>(name, Transaction);
+  auto table = known != Tables.end() ? known->second : std::make_shared<c4_Table>(name, Transaction);
   try {
     table->Declare(properties);
   } catch (const CDatabaseError& error) {
@@ -125,6 +125,7 @@ bool c4_Storage::LoadFrom(c4_Stream& stream) {
   Inside->Transaction.Rollback();
   Inside->CloseTables();
   image.CopyInto(Inside->Database);
+  Inside->Database.ReadMark();
   return true;
 }
 

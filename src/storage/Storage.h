@@ -44,11 +44,12 @@ class c4_Storage {
   void Rollback();
 
   /// Writes the whole storage, without free space and without uncommitted changes, into a stream.
-  /// CStorageException if it can't be written.
+  /// CStorageException if it can't be written; the storage itself stays as it is, open changes included.
   void SaveTo(c4_Stream& stream);
 
-  /// Replaces everything in the storage by what SaveTo wrote. False, with the storage as it was, if the
-  /// stream holds no storage. The views got before are empty afterwards.
+  /// Replaces everything in the storage, open changes included, by what SaveTo wrote, and commits that.
+  /// False, with the storage as it was, if the stream holds no storage. The views got before are empty
+  /// afterwards. CStorageException if the disk refuses; the storage is then as at its last commit.
   bool LoadFrom(c4_Stream& stream);
 
   const std::string& GetPath() const;

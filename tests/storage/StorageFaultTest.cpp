@@ -121,7 +121,7 @@ TEST_F(CStorageFaultTest, ErrorAtAnyStepLeavesTheLastCommit) { RunAllSteps(false
 TEST_F(CStorageFaultTest, ErrorsFromAnyStepOnLeaveTheLastCommit) { RunAllSteps(false, true, 4000, 1); }
 
 TEST_F(CStorageFaultTest, ErrorInATransactionLargerThanThePageCacheLeavesTheLastCommit) {
-  RunAllSteps(false, false, 12'000'000, 1499);
+  RunAllSteps(false, false, 10'000'000, 2999);
 }
 
 TEST_F(CStorageFaultTest, CommitWhoseLastFlushFailedIsTheSameInMemoryAndInTheFile) {
