@@ -38,8 +38,8 @@ class CExifFile {
 
   /// A whole file: `before` stands between the start and the segment.
   std::vector<std::uint8_t> Jpeg(std::vector<std::uint8_t> before = {}) const {
-    std::vector<std::uint8_t> file = {0xFF, 0xD8};
-    file.insert(file.end(), before.begin(), before.end());
+    std::vector<std::uint8_t> file = std::move(before);
+    file.insert(file.begin(), {0xFF, 0xD8});
     const std::size_t length = Block.size() + 8;
     file.insert(file.end(),
                 {0xFF, 0xE1, static_cast<std::uint8_t>(length >> 8), static_cast<std::uint8_t>(length)});
