@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QSocketNotifier>
+#include <cstdio>
 #include <exception>
 #include <memory>
 
@@ -18,6 +19,7 @@
 #include "platform/StopSignals.h"
 #include "ui/Application.h"
 #include "ui/FontTable.h"
+#include "ui/Job.h"
 #include "ui/MainFrame.h"
 #include "ui/WindowedSearchProgress.h"
 
@@ -77,7 +79,8 @@ QWidget* FindFrontWindow(CMainFrame& frame) {
 
 void BringToFront(CMainFrame& frame, const QByteArray& activationToken) {
   // The desktop lets a window come to the front only on behalf of what the user has just started.
-  if (!activationToken.isEmpty()) qputenv("XDG_ACTIVATION_TOKEN", activationToken);
+  // A job's threads may be reading the environment, which must not change under them.
+  if (!activationToken.isEmpty() && !IsJobRunning()) qputenv("XDG_ACTIVATION_TOKEN", activationToken);
   if (frame.isMinimized()) frame.setWindowState(frame.windowState() & ~Qt::WindowMinimized);
   QWidget* window = FindFrontWindow(frame);
   if (window == nullptr) return;
@@ -92,8 +95,14 @@ int RunSession(CMainFrame& frame, std::unique_ptr<CStartProgress>& start) {
   return frame.IsClosing() ? kNormalExitCode : CApplication::GetInstance()->RunLoop();
 }
 
-void ReportFatalFailure(const std::string& message) {
-  ShowMessage(Format(LoadExpandedString(StringId::FatalProblem), message));
+/// Who has asked the program to end isn't held up by a message about how it ended.
+void ReportFatalFailure(const CMainFrame& frame, const std::string& message) {
+  const std::string text = Format(LoadExpandedString(StringId::FatalProblem), message);
+  if (frame.IsClosing()) {
+    std::fprintf(stderr, "%s\n", text.c_str());
+  } else {
+    ShowMessage(text);
+  }
 }
 
 }  // namespace
@@ -116,10 +125,10 @@ int Main(const std::string& commandLine) {
     return RunSession(frame, start);
   } catch (const CThrowable& failure) {
     start.reset();
-    ReportFatalFailure(failure.GetMessage());
+    ReportFatalFailure(frame, failure.GetMessage());
   } catch (const std::exception& failure) {
     start.reset();
-    ReportFatalFailure(failure.what());
+    ReportFatalFailure(frame, failure.what());
   }
   return kEarlyExitCode;
 }

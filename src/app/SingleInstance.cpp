@@ -16,21 +16,19 @@ constexpr int kRetryPause = 50;  // milliseconds
 constexpr qint64 kLongestRequest = 4096;
 constexpr const char* kAnswer = "ok\n";
 
-/// What the desktop gave this process for bringing a window to the front: Wayland's form, else X11's.
-QByteArray GetActivationToken() {
-  const QByteArray token = qgetenv("XDG_ACTIVATION_TOKEN");
-  return token.isEmpty() ? qgetenv("DESKTOP_STARTUP_ID") : token;
-}
+/// What a Wayland desktop gave this process for bringing a window to the front. X11 asks for nothing.
+QByteArray GetActivationToken() { return qgetenv("XDG_ACTIVATION_TOKEN"); }
 
 }  // namespace
 
 CSingleInstance::CSingleInstance(const std::string& folder)
-    : LockPath(JoinPath(folder, "vellumar.lock")),
+    : LockPath(folder.empty() ? "" : JoinPath(folder, "vellumar.lock")),
       SocketPath(ToQString(JoinPath(folder, "vellumar.socket"))) {
   QObject::connect(&Server, &QLocalServer::newConnection, &Server, [this] { Answer(); });
 }
 
 bool CSingleInstance::Claim() {
+  if (LockPath.empty()) return true;
   QElapsedTimer timer;
   timer.start();
   do {

@@ -12,7 +12,8 @@
 /// thread.
 class CSingleInstance {
  public:
-  /// Lock and socket stand in `folder`, which is private to the user.
+  /// Lock and socket stand in `folder`, which is private to the user. Without one, an empty `folder`, every
+  /// process is the first.
   explicit CSingleInstance(const std::string& folder);
 
   /// True if this process is the first one, which it then stays. False if another one runs; that one has

@@ -64,6 +64,7 @@ std::string GetActiveDiskPhotoFolder() {
 }
 
 std::string GetApplicationDataFolder() {
+  if (platform::DataHome().empty()) throw CError("There is no home folder to keep the catalog in.");
   return platform::DataHome() + ToPlatformPath(LoadExpandedString(StringId::ApplicationDataFolder));
 }
 

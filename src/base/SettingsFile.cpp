@@ -24,6 +24,7 @@ std::string ReadSettingsFile(const std::string& path) {
 }
 
 void EditSettingsFile(const std::string& path, const std::function<std::string(const std::string&)>& edit) {
+  if (path.empty()) return;
   std::string text;
   const std::error_code error = ReadText(path, text);
   if (error && error != std::errc::no_such_file_or_directory) return;

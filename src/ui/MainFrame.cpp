@@ -84,9 +84,11 @@ void CMainFrame::ShowInFront() {
 }
 
 void CMainFrame::OnCurrentPhotoChanged() {
-  if (IsJobRunning()) return;
-  const CAssetRecord record = Strip.GetCurrentRecord();
-  PhotoView.SetPhoto(record.IsValid() ? record.GetPath() : std::string());
+  RunAfterJob([frame = QPointer<CMainFrame>(this)] {
+    if (!frame) return;
+    const CAssetRecord record = frame->Strip.GetCurrentRecord();
+    frame->PhotoView.SetPhoto(record.IsValid() ? record.GetPath() : std::string());
+  });
 }
 
 void CMainFrame::ShowNewestRoll() { Strip.MoveTo(FindFirstOfRoll(*PhotoSet, Catalog.GetCurrentRollID())); }

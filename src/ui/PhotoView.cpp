@@ -39,9 +39,9 @@ QRect CPhotoView::GetPhotoArea() const { return rect().adjusted(kMargin, kMargin
 void CPhotoView::Load() {
   Picture = {};
   const QSize area = GetPhotoArea().size();
-  if (!Path.empty() && !area.isEmpty()) {
+  if (Path && !Path->empty() && !area.isEmpty()) {
     const double ratio = devicePixelRatioF();
-    const auto image = LoadImageFile(Path, static_cast<int>(std::ceil(area.width() * ratio)),
+    const auto image = LoadImageFile(*Path, static_cast<int>(std::ceil(area.width() * ratio)),
                                      static_cast<int>(std::ceil(area.height() * ratio)));
     if (image) Picture = FitToImage(*image, area, ratio, Enlarging::Allowed);
   }
@@ -51,10 +51,11 @@ void CPhotoView::Load() {
 void CPhotoView::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.fillRect(rect(), colours::kPage);
+  if (!Path) return;
   if (Picture.isNull()) {
     painter.setFont(GetFont(FontId::EmptyPage));
     painter.setPen(colours::kInk);
-    const StringId text = Path.empty() ? StringId::NoPhotosFound : StringId::UnableToDisplayPhoto;
+    const StringId text = Path->empty() ? StringId::NoPhotosFound : StringId::UnableToDisplayPhoto;
     painter.drawText(rect(), Qt::AlignCenter, ToQString(LoadExpandedString(text)));
     return;
   }

@@ -3,6 +3,7 @@
 #include <QImage>
 #include <QTimer>
 #include <QWidget>
+#include <optional>
 #include <string>
 
 /// The current photo, as large as the window lets it be.
@@ -22,7 +23,7 @@ class CPhotoView : public QWidget {
   void Load();
   QRect GetPhotoArea() const;
 
-  std::string Path;
-  QImage Picture;  // fitted to the view's size at the last load; null where there is none
+  std::optional<std::string> Path;  // none until the first photo is set
+  QImage Picture;                   // fitted to the view's size at the last load; null where there is none
   QTimer ReloadTimer;
 };

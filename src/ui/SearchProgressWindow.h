@@ -30,7 +30,9 @@ class CSearchProgressWindow : public QWidget {
   void SetCurrent(int index, const QImage& picture);
 
   void RequestStop() { StopRequested = true; }
-  bool IsStopRequested() const { return StopRequested; }
+  /// The program is to end: a stop that no key takes back.
+  void End() { Ending = true; }
+  bool IsStopRequested() const { return StopRequested || Ending; }
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -49,6 +51,7 @@ class CSearchProgressWindow : public QWidget {
   std::size_t NextSlot = 0;
   std::array<QPixmap, kProgressCells> Pictures;
   std::atomic<bool> StopRequested = false;
+  std::atomic<bool> Ending = false;
   std::array<std::string, kProductLines> Lines;
   CTextButton StopButton;
 };

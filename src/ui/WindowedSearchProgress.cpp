@@ -1,6 +1,5 @@
 #include "ui/WindowedSearchProgress.h"
 
-#include "base/Exceptions.h"
 #include "imaging/JpegImage.h"
 #include "ui/ImageConversion.h"
 #include "ui/Job.h"
@@ -14,8 +13,8 @@ QImage DecodeForCell(std::span<const std::uint8_t> thumbnail, double pixelRatio)
     CJpegImage image;
     image.LoadMemory(thumbnail, 0, 0);
     return FitToImage(image, ProgressCell(false, 0).size(), pixelRatio, Enlarging::Never);
-  } catch (const CException&) {
-    return {};
+  } catch (...) {
+    return {};  // not worth a search, not even when memory is short
   }
 }
 

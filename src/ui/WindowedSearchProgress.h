@@ -35,7 +35,7 @@ class CWindowedSearchProgress : public CSearchProgress {
   bool Progress(const PhotoProgress& photo) override;
   bool IsStopped() const override { return Window.IsStopRequested(); }
 
-  void Stop() { Window.RequestStop(); }
+  void Stop() { Window.End(); }
   CSearchProgressWindow& GetWindow() { return Window; }
 
  private:
