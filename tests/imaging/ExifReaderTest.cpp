@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ctime>
 #include <string_view>
+#include <utility>
 
 #include "imaging/ExifReader.h"
 #include "support/ScratchFolder.h"
