@@ -1,10 +1,9 @@
 // The two forms of settings files: whatever the text, parsing it loses no byte, and a value that was set
 // reads back.
 
-#include "base/ProfileFile.h"
-
 #include <cstdlib>
 
+#include "base/ProfileFile.h"
 #include "base/RegistryFile.h"
 
 namespace {

@@ -25,8 +25,8 @@ void ForgetMyPicturesFolder();
 /// The folder of the photos on a removable disk: beside the program's folder, without closing "/".
 std::string GetActiveDiskPhotoFolder();
 
-/// The folder of catalog and thumbnails in normal mode, without closing "/". Not made by asking. CError if the
-/// user has no home.
+/// The folder of catalog and thumbnails in normal mode, without closing "/". Not made by asking. CError if
+/// the user has no home.
 std::string GetApplicationDataFolder();
 
 /// True if a file can be made in the folder. Makes one and removes it.

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
-#include "catalog/Catalog.h"
 #include "base/Exceptions.h"
+#include "catalog/Catalog.h"
 #include "catalog/CatalogFixture.h"
 #include "catalog/Properties.h"
 #include "catalog/StringHistory.h"
