@@ -1,7 +1,7 @@
 #include "storage/IntegerIndex.h"
 
 #include <algorithm>
-#include <limits>
+#include <iterator>
 
 #include "storage/KeyedSlots.h"
 
@@ -14,14 +14,41 @@ CIntegerIndex::CIntegerIndex(std::span<const std::int32_t> values, const std::ve
   for (const KeyedSlot& slot : keyed) Entries.push_back({values[slot.Slot], slot.Slot});
 }
 
+/// Numbers are given out one after the other, so a row stands near where its value lies between the lowest
+/// and the highest: from there the search goes on in steps that double.
+CIntegerIndex::Place CIntegerIndex::FindFirst(std::int32_t value) const {
+  const auto begin = Entries.begin();
+  const std::ptrdiff_t size = std::ssize(Entries);
+  if (size == 0 || value <= begin->Value) return begin;
+  const std::int64_t lowest = begin->Value;
+  const std::int64_t highest = Entries.back().Value;
+  if (value > highest) return Entries.end();
+  const double share = static_cast<double>(value - lowest) / static_cast<double>(highest - lowest);
+  const auto guess = static_cast<std::ptrdiff_t>(share * static_cast<double>(size - 1));
+  // Below first no entry is sought, from last on each is.
+  std::ptrdiff_t first = guess;
+  std::ptrdiff_t last = guess;
+  for (std::ptrdiff_t step = 1; first > 0 && (begin + first)->Value >= value; step *= 2) {
+    last = first;
+    first = std::max(first - step, std::ptrdiff_t{0});
+  }
+  for (std::ptrdiff_t step = 1; last < size && (begin + last)->Value < value; step *= 2) {
+    first = last;
+    last = std::min(last + step, size);
+  }
+  return std::partition_point(begin + first, begin + last,
+                              [value](const Entry& entry) { return entry.Value < value; });
+}
+
 std::span<const CIntegerIndex::Entry> CIntegerIndex::Find(std::int32_t value) const {
-  const auto first = std::lower_bound(Entries.begin(), Entries.end(), Entry{value, 0});
-  // Mostly a few rows, so the end is sought in steps that double.
-  std::ptrdiff_t reach = 1;
-  const auto left = Entries.end() - first;
-  while (reach < left && (first + reach)->Value == value) reach *= 2;
-  const Entry last{value, std::numeric_limits<c4_Slot>::max()};
-  return {first, std::upper_bound(first, first + std::min(reach, left), last)};
+  const auto first = FindFirst(value);
+  auto last = first;
+  // Mostly a few rows, so the end is sought in steps that double, too.
+  for (std::ptrdiff_t step = 1; last != Entries.end() && last->Value == value; step *= 2) {
+    last += std::min(step, Entries.end() - last);
+  }
+  return {first,
+          std::partition_point(first, last, [value](const Entry& entry) { return entry.Value == value; })};
 }
 
 void CIntegerIndex::Insert(const Entry& entry) {

@@ -32,5 +32,8 @@ class CIntegerIndex {
   }
 
  private:
+  using Place = std::vector<Entry>::const_iterator;
+  Place FindFirst(std::int32_t value) const;
+
   std::vector<Entry> Entries;
 };

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::size_t kKeyBytes = 8;
+constexpr std::size_t kWordBytes = 8;
 
 std::string FindCommonPrefix(std::string_view left, std::string_view right) {
   std::string prefix;
@@ -32,35 +32,43 @@ CSearchGuide::CSearchGuide(const c4_Table& table, const SortKey& key, std::span<
   if (column.Type == c4_Type::Bytes) return;
   for (std::size_t position = 0; position < slots.size(); position += kDistance) {
     const c4_Slot slot = slots[position];
-    const std::uint64_t mark = IsText ? MakeTextKey(column.Texts[slot]) : MakeSortable(column.Integers[slot]);
-    Marks.push_back(mark ^ Flip);
+    Marks.push_back(IsText ? MakeTextMark(column.Texts[slot]) : MakeIntegerMark(column.Integers[slot]));
   }
 }
 
-/// The bytes after the common beginning. Different texts may have one key, but never in the wrong order.
-std::uint64_t CSearchGuide::MakeTextKey(std::string_view text) const {
-  std::uint64_t key = 0;
-  for (std::size_t i = Prefix.size(); i < Prefix.size() + kKeyBytes; ++i) {
-    key = key << 8 | (i < text.size() ? FoldByte(text[i]) : 0U);
-  }
-  return key;
+CSearchGuide::Mark CSearchGuide::MakeIntegerMark(std::int32_t value) const {
+  return {MakeSortable(value) ^ Flip, 0, 0};
 }
 
-std::optional<std::uint64_t> CSearchGuide::MakeValueKey(const c4_Row::Value& value) const {
-  if (const auto* integer = std::get_if<std::int32_t>(&value)) return MakeSortable(*integer) ^ Flip;
+/// The bytes after the common beginning. Different texts may have one mark, but never in the wrong order.
+CSearchGuide::Mark CSearchGuide::MakeTextMark(std::string_view text) const {
+  Mark mark{};
+  std::size_t at = Prefix.size();
+  for (std::uint64_t& word : mark) {
+    for (const std::size_t end = at + kWordBytes; at < end; ++at) {
+      word = word << 8 | (at < text.size() ? FoldByte(text[at]) : 0U);
+    }
+    word ^= Flip;
+  }
+  return mark;
+}
+
+std::optional<CSearchGuide::Mark> CSearchGuide::MakeValueMark(const c4_Row::Value& value) const {
+  if (const auto* integer = std::get_if<std::int32_t>(&value)) return MakeIntegerMark(*integer);
   const auto* text = std::get_if<std::string>(&value);
   if (text == nullptr || !TextsAreEqual(std::string_view(*text).substr(0, Prefix.size()), Prefix)) return {};
-  return MakeTextKey(*text) ^ Flip;
+  return MakeTextMark(*text);
 }
 
 std::pair<std::size_t, std::size_t> CSearchGuide::Narrow(const c4_Row::Value& value) const {
-  const auto key = MakeValueKey(value);
-  if (!key || Marks.empty()) return {0, Size};
-  const auto [first, last] = std::equal_range(Marks.begin(), Marks.end(), *key);
-  const auto toPosition = [&](auto mark) {
-    return static_cast<std::size_t>(mark - Marks.begin()) * kDistance;
+  const auto mark = MakeValueMark(value);
+  if (!mark || Marks.empty()) return {0, Size};
+  const auto [first, last] = std::equal_range(Marks.begin(), Marks.end(), *mark);
+  const auto toPosition = [&](auto place) {
+    return static_cast<std::size_t>(place - Marks.begin()) * kDistance;
   };
-  // The row at the last mark below the key is below the value itself, that at the first above is above.
+  // The row at the last mark below that of the value is below the value itself, so the one at the first above
+  // is above.
   return {first == Marks.begin() ? 0 : toPosition(first) - kDistance + 1,
           last == Marks.end() ? Size : toPosition(last)};
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -10,9 +11,9 @@
 #include "storage/Row.h"
 #include "storage/Sequence.h"
 
-/// The beginnings of the sort keys of every 64th row of a sorted sequence, close together in memory. A
-/// search looks there first and is left with some hundred rows: in a large view nearly each look at a row is
-/// a wait for memory. Good until the sequence changes.
+/// The beginnings of the sort keys of every 32nd row of a sorted sequence, close together in memory. A
+/// search looks there first and is left with some dozens of rows: in a large view nearly each look at a row
+/// is a wait for memory. Good until the sequence changes.
 class CSearchGuide {
  public:
   CSearchGuide(const c4_Table& table, const SortKey& key, std::span<const c4_Slot> slots);
@@ -24,14 +25,18 @@ class CSearchGuide {
   std::pair<std::size_t, std::size_t> Narrow(const c4_Row::Value& value) const;
 
  private:
-  static constexpr std::size_t kDistance = 64;
+  static constexpr std::size_t kDistance = 32;
 
-  std::uint64_t MakeTextKey(std::string_view text) const;
-  std::optional<std::uint64_t> MakeValueKey(const c4_Row::Value& value) const;
+  /// So many bytes tell most folders apart. An integer takes the first word alone.
+  using Mark = std::array<std::uint64_t, 3>;
+
+  Mark MakeIntegerMark(std::int32_t value) const;
+  Mark MakeTextMark(std::string_view text) const;
+  std::optional<Mark> MakeValueMark(const c4_Row::Value& value) const;
 
   std::size_t Size;
   bool IsText = false;
-  std::uint64_t Flip;                // all ones for the descending order
-  std::string Prefix;                // folded; all texts of the sequence begin with it
-  std::vector<std::uint64_t> Marks;  // never descending; the i-th is of position i * kDistance
+  std::uint64_t Flip;       // all ones for the descending order
+  std::string Prefix;       // folded; all texts of the sequence begin with it
+  std::vector<Mark> Marks;  // never descending; the i-th is of position i * kDistance
 };

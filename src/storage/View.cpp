@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <span>
 
 #include "storage/DataThread.h"
 #include "storage/DerivedSequence.h"
@@ -10,6 +11,8 @@
 namespace {
 
 constexpr std::size_t kCandidateCost = 16;  // finding a row's position, against looking at one row
+
+constexpr std::size_t kFewRows = 64;
 
 std::size_t ToPosition(int index) { return static_cast<std::size_t>(index); }
 
@@ -41,7 +44,7 @@ std::vector<SearchKey> MakeSearchKeys(const c4_Sequence& sequence, const c4_Row&
   return keys;
 }
 
-bool IsBelow(const c4_Table& table, c4_Slot slot, const std::vector<SearchKey>& keys) {
+bool IsBelow(const c4_Table& table, c4_Slot slot, std::span<const SearchKey> keys) {
   for (const SearchKey& key : keys) {
     const int order = table.CompareToValue(key.Column, slot, *key.Value);
     if (order != 0) return key.Descending ? order > 0 : order < 0;
@@ -133,15 +136,23 @@ int c4_View::Find(const c4_Row& values, int start) const {
 int c4_View::Search(const c4_Row& values) const {
   if (GetSize() == 0) return 0;
   const c4_Table& table = Sequence->GetTable();
-  const std::vector<SearchKey> keys = MakeSearchKeys(*Sequence, values);
+  const std::vector<SearchKey> allKeys = MakeSearchKeys(*Sequence, values);
+  std::span<const SearchKey> keys = allKeys;
   auto [first, last] = Sequence->NarrowSearch(values);
-  for (std::size_t count = last - first; count > 0;) {
-    const std::size_t half = count / 2;
-    if (IsBelow(table, Sequence->GetSlotAt(first + half), keys)) {
-      first += half + 1;
-      count -= half + 1;
+  while (first < last) {
+    if (keys.size() > 1 && last - first <= kFewRows &&
+        table.CompareRows(keys[0].Column, Sequence->GetSlotAt(first), Sequence->GetSlotAt(last - 1)) == 0) {
+      // All rows between are equal in the first key, like the photos of one folder: one look at it is enough.
+      const c4_Slot slot = Sequence->GetSlotAt(first);
+      if (IsBelow(table, slot, keys.first(1))) return static_cast<int>(last);
+      if (table.CompareToValue(keys[0].Column, slot, *keys[0].Value) != 0) return static_cast<int>(first);
+      keys = keys.subspan(1);
+    }
+    const std::size_t middle = first + (last - first) / 2;
+    if (IsBelow(table, Sequence->GetSlotAt(middle), keys)) {
+      first = middle + 1;
     } else {
-      count = half;
+      last = middle;
     }
   }
   return static_cast<int>(first);
