@@ -9,6 +9,9 @@ void RunImportBench();
 /// A large catalog: opening it, and what single operations cost as it grows.
 void RunCatalogBench();
 
+/// Rebuilding the sets of a large catalog, and the memory that it takes.
+void RunSetBench();
+
 /// The storage layer alone. In StorageBench.cpp.
 void RunStorageBench();
 

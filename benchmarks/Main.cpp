@@ -24,6 +24,7 @@ struct Benchmark {
 constexpr std::array kBenchmarks{
     Benchmark{"storage", "views and transactions of the storage layer", RunStorageBench},
     Benchmark{"catalog", "a catalog of 100,000 photos", RunCatalogBench},
+    Benchmark{"sets", "sets of 100,000 photos", RunSetBench},
     Benchmark{"import", "new photos and the second start", RunImportBench},
 };
 

@@ -7,6 +7,7 @@
 #include "catalog/Catalog.h"
 #include "discovery/FolderSearch.h"
 #include "editing/BackupFile.h"
+#include "editing/RenamePhotoFile.h"
 #include "imaging/ThumbnailCache.h"
 #include "platform/Files.h"
 #include "storage/StorageFile.h"
@@ -47,6 +48,7 @@ bool OpenDataStores(CCatalog& catalog, CThumbnailCache& cache) {
   }
   if (version < kCatalogVersion) BackupFile(catalogPath);
   catalog.Open(catalogPath);
+  FinishInterruptedRename(catalog);
   cache.Open(cachePath, catalog.GetDBGUID());
   search.UpdateMissingFlags();
   return true;

@@ -33,7 +33,7 @@ PathParts PartsOf(const c4_RowRef& row) {
     case LocationType::WholePath:
       return SplitPath(props::Location.Get(row));
     case LocationType::FolderAndName:
-      return {props::Location.Get(row), props::Filename.Get(row)};
+      return {std::string(props::Location.Get(row)), std::string(props::Filename.Get(row))};
     default:
       return {};
   }

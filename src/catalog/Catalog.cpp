@@ -120,7 +120,7 @@ void CCatalog::AddFirstStrings() {
   constexpr int kPositionOfDummy = 7;
   for (int i = 0; i < StampStruct.GetSize(); ++i) {
     if (i == kPositionOfDummy) AddString(kCategoryOfCategories, "<dummy>");
-    AddString(kCategoryOfCategories, props::StampName.Get(StampStruct[i]));
+    AddString(kCategoryOfCategories, std::string(props::StampName.Get(StampStruct[i])));
   }
 }
 
@@ -189,7 +189,9 @@ std::int32_t CCatalog::GetCurrentRollID() const { return props::CurrentRollID.Ge
 
 void CCatalog::AdvanceRoll() { Alloc(props::CurrentRollID); }
 
-std::string CCatalog::GetCurrentPhotoFolder() const { return props::CurrentPhotoFolder.Get(Singletons[0]); }
+std::string CCatalog::GetCurrentPhotoFolder() const {
+  return std::string(props::CurrentPhotoFolder.Get(Singletons[0]));
+}
 
 void CCatalog::SetCurrentPhotoFolder(const std::string& folder) {
   props::CurrentPhotoFolder.Set(Singletons[0], folder);
@@ -200,7 +202,7 @@ CStampType CCatalog::GetStampType(StampId type) const {
   const int position = StampStruct.Find(props::StampType[static_cast<std::int32_t>(type)]);
   if (position < 0) return {};
   const c4_RowRef row = StampStruct[position];
-  return {props::StampType.Get(row), props::StampName.Get(row), props::Sortable.Get(row) != 0,
+  return {props::StampType.Get(row), std::string(props::StampName.Get(row)), props::Sortable.Get(row) != 0,
           props::StampStyle.Get(row), static_cast<StampFormat>(props::StampFormat.Get(row))};
 }
 

@@ -37,6 +37,8 @@ class CCatalog : public CCommittingStore {
   /// Commits and closes.
   void Close();
   bool IsOpen() const { return Opened; }
+  /// The path of the catalog's file.
+  const std::string& GetPath() const { return Path; }
 
   /// Rewrites the file without its free space. If that can't be done the catalog goes on in its old file;
   /// CError if it can't be opened again.

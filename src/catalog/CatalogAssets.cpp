@@ -23,11 +23,11 @@ CAssetRecord CCatalog::FindAssetByPath(const std::string& path) {
   for (int i = AssetsByPath.Search(props::Location[parts.Folder] + props::Filename[parts.Name]);
        i < AssetsByPath.GetSize(); ++i) {
     const c4_RowRef row = AssetsByPath[i];
-    const std::string& folder = props::Location.Get(row);
-    const std::string& name = props::Filename.Get(row);
+    const std::string_view folder = props::Location.Get(row);
+    const std::string_view name = props::Filename.Get(row);
     if (folder == parts.Folder && name == parts.Name) return MakeRecord(row);
     if (!platform::EqualNoCase(folder, parts.Folder) || !platform::EqualNoCase(name, parts.Name)) break;
-    if (!otherCase.IsValid() && IsOtherSpelling(folder + name, path)) otherCase = row;
+    if (!otherCase.IsValid() && IsOtherSpelling(JoinPath(folder, name), path)) otherCase = row;
   }
   return MakeRecord(otherCase);
 }

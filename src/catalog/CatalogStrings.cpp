@@ -27,7 +27,9 @@ std::int32_t CCatalog::GetCategory(const std::string& name) {
   return key >= 0 ? key : AddString(kCategoryOfCategories, name);
 }
 
-std::string CCatalog::GetString(std::int32_t key) const { return props::String.Get(FindString(key)); }
+std::string CCatalog::GetString(std::int32_t key) const {
+  return std::string(props::String.Get(FindString(key)));
+}
 
 void CCatalog::ReleaseString(std::int32_t key) {
   const c4_RowRef row = FindString(key);
@@ -70,7 +72,7 @@ int CCatalog::GetStringIndex(std::int32_t category, std::int32_t key, bool byTex
 void CCatalog::ListStrings(std::int32_t category, std::vector<std::string>& list, bool byText) const {
   list.clear();
   const c4_View strings = StringsOf(category, byText);
-  for (int i = 0; i < strings.GetSize(); ++i) list.push_back(props::String.Get(strings[i]));
+  for (int i = 0; i < strings.GetSize(); ++i) list.emplace_back(props::String.Get(strings[i]));
 }
 
 CPersonRecord CCatalog::AddPerson(const std::string& fullname, const std::string& email) {

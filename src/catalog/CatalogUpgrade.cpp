@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/Folders.h"
+#include "base/Paths.h"
 #include "base/Times.h"
 #include "catalog/Catalog.h"
 #include "catalog/Properties.h"
@@ -92,7 +93,7 @@ void CCatalogUpgrade::RemoveDuplicates() {
   std::vector<c4_RowRef> doomed;
   for (int i = 0; i < Catalog.Assets.GetSize(); ++i) {
     const c4_RowRef row = Catalog.Assets[i];
-    const std::string path = props::Location.Get(row) + props::Filename.Get(row);
+    const std::string path = JoinPath(props::Location.Get(row), props::Filename.Get(row));
     std::vector<std::string>& spellings = kept[platform::ToLower(path)];
     const auto isSamePhoto = [&path](const std::string& other) {
       return other == path || IsOtherSpelling(other, path) || !FileExists(path, false);

@@ -45,7 +45,7 @@ bool CStamp::IsText() const { return IsTextFormat(Type.Format); }
 
 std::int32_t CStamp::GetDate(StampId* source) const {
   if (source != nullptr) *source = static_cast<StampId>(props::IndexInt.Get(Row));
-  return IsDate() ? DateFromText(props::SortedString.Get(Row)) : 0;
+  return IsDate() ? DateFromText(std::string(props::SortedString.Get(Row))) : 0;
 }
 
 std::int32_t CStamp::GetNumber() const { return IsNumber() ? props::IndexInt.Get(Row) : 0; }
@@ -53,7 +53,7 @@ std::int32_t CStamp::GetNumber() const { return IsNumber() ? props::IndexInt.Get
 std::string CStamp::GetText() const {
   switch (Type.Format) {
     case StampFormat::Text:
-      return props::SortedString.Get(Row);
+      return std::string(props::SortedString.Get(Row));
     case StampFormat::SharedText:
       return IsValid() ? Owner->GetString(props::IndexInt.Get(Row)) : "";
     case StampFormat::Date:

@@ -143,6 +143,15 @@ std::error_code RenameToNewName(const std::string& from, const std::string& to) 
   return error ? error : SyncAfterRename(from, to);
 }
 
+std::error_code SetPermissions(const std::string& path, std::uint32_t mode) {
+  if (const auto error = AskFaultPlan("chmod", path)) return error;
+  return ::chmod(path.c_str(), mode) == 0 ? std::error_code() : LastError();
+}
+
+bool IsWritable(const std::string& path) {
+  return ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0;
+}
+
 std::error_code RemoveFile(const std::string& path) {
   if (const auto error = AskFaultPlan("remove", path)) return error;
   return ::unlink(path.c_str()) == 0 ? std::error_code() : LastError();

@@ -24,6 +24,9 @@ struct FileStatus {
   std::uint64_t LinkCount = 0;  // names of the file
 };
 
+/// The permission bit that a read-only file lacks.
+inline constexpr std::uint32_t kOwnerMayWrite = 0200;
+
 /// Reads the status of what `path` leads to, links followed.
 std::error_code GetStatus(const std::string& path, FileStatus& status);
 
@@ -40,8 +43,8 @@ std::error_code WriteFileAtomically(const std::string& path, const void* bytes, 
 /// As WriteFileAtomically, but fails with std::errc::file_exists if the name is taken.
 std::error_code WriteNewFile(const std::string& path, const void* bytes, std::size_t size);
 
-/// Copies a whole file with its permission bits and times. The target's name appears only once the copy
-/// is whole; std::errc::file_exists if it is taken.
+/// Copies a whole file with its permission bits, times and extended attributes. The target's name appears
+/// only once the copy is whole; std::errc::file_exists if it is taken.
 std::error_code CopyToNewFile(const std::string& from, const std::string& to);
 
 /// Renames within one file system, replacing `to` in the same step.
@@ -49,6 +52,15 @@ std::error_code RenameOver(const std::string& from, const std::string& to);
 
 /// Renames within one file system; std::errc::file_exists if `to` is taken.
 std::error_code RenameToNewName(const std::string& from, const std::string& to);
+
+/// Gives the file the name `to`, replacing in the same step what that name leads to, links followed.
+std::error_code MoveOver(const std::string& from, const std::string& to);
+
+/// Sets a file's permission bits, links followed.
+std::error_code SetPermissions(const std::string& path, std::uint32_t mode);
+
+/// False if the user may not write to the file, or its medium can't be written.
+bool IsWritable(const std::string& path);
 
 std::error_code RemoveFile(const std::string& path);
 

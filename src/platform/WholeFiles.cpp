@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <vector>
 
+#include "platform/ExtendedAttributes.h"
 #include "platform/Faults.h"
 #include "platform/Files.h"
 #include "platform/SpecialFolders.h"
@@ -62,8 +63,11 @@ std::error_code SetMode(const Descriptor& file, const std::string& path, mode_t 
   return ::fchmod(file.Get(), mode) == 0 ? std::error_code() : LastError();
 }
 
-/// Gives the new file the owner and the permission bits of the one that it replaces.
-std::error_code TakeOverRights(const Descriptor& file, const std::string& path, const struct stat& old) {
+/// Gives the new file the owner, the extended attributes and the permission bits of the one that it replaces.
+std::error_code TakeOverRights(const Descriptor& file, const std::string& path, const std::string& oldPath,
+                               const struct stat& old) {
+  Descriptor oldFile;
+  if (!oldFile.Open(oldPath, O_RDONLY | O_NONBLOCK | O_NOCTTY)) CopyExtendedAttributes(oldFile, file);
   struct stat fresh {};
   if (::fstat(file.Get(), &fresh) != 0) return LastError();
   if (fresh.st_uid != old.st_uid || fresh.st_gid != old.st_gid) {
@@ -111,6 +115,18 @@ std::error_code OpenRegular(const std::string& path, Descriptor& file, struct st
   return S_ISREG(raw.st_mode) ? std::error_code() : make_error_code(std::errc::not_supported);
 }
 
+/// A whole, flushed copy in that folder, with the mode, times and attributes of its source.
+std::error_code CopyInto(TemporaryName& copy, const std::string& folder, const Descriptor& source,
+                         const struct stat& old) {
+  if (const auto error = copy.Create(folder, kPrefix, 0600)) return error;
+  if (const auto error = CopyBytes(source, copy)) return error;
+  CopyExtendedAttributes(source, copy.GetFile());
+  if (const auto error = SetMode(copy.GetFile(), copy.GetPath(), old.st_mode & 0777U)) return error;
+  const std::array<timespec, 2> times = {old.st_atim, old.st_mtim};
+  if (::futimens(copy.GetFile().Get(), times.data()) != 0) return LastError();
+  return FlushAndClose(copy);
+}
+
 }  // namespace
 
 std::error_code WriteFileAtomically(const std::string& path, const void* bytes, std::size_t size) {
@@ -127,7 +143,8 @@ std::error_code WriteFileAtomically(const std::string& path, const void* bytes, 
   const unsigned mode = replaces ? 0600U : kNewFileMode;
   if (const auto error = temporary.Create(FolderPart(target), kPrefix, mode)) return error;
   if (replaces) {
-    if (const auto error = TakeOverRights(temporary.GetFile(), temporary.GetPath(), old)) return error;
+    if (const auto error = TakeOverRights(temporary.GetFile(), temporary.GetPath(), target, old))
+      return error;
   }
   if (const auto error = WriteAll(temporary.GetFile(), temporary.GetPath(), bytes, size)) return error;
   if (const auto error = FlushAndClose(temporary)) return error;
@@ -150,13 +167,23 @@ std::error_code CopyToNewFile(const std::string& from, const std::string& to) {
   if (::lstat(to.c_str(), &taken) == 0) return make_error_code(std::errc::file_exists);
 
   TemporaryName copy;
-  if (const auto error = copy.Create(FolderPart(to), kPrefix, 0600)) return error;
-  if (const auto error = CopyBytes(source, copy)) return error;
-  if (const auto error = SetMode(copy.GetFile(), copy.GetPath(), old.st_mode & 0777U)) return error;
-  const std::array<timespec, 2> times = {old.st_atim, old.st_mtim};
-  if (::futimens(copy.GetFile().Get(), times.data()) != 0) return LastError();
-  if (const auto error = FlushAndClose(copy)) return error;
+  if (const auto error = CopyInto(copy, FolderPart(to), source, old)) return error;
   return GiveName(copy, to, false);
+}
+
+std::error_code MoveOver(const std::string& from, const std::string& to) {
+  std::string target;
+  if (const auto error = FollowLinks(to, target)) return error;
+  std::error_code error = RenameOver(from, target);
+  if (error != std::errc::cross_device_link) return error;
+  // The name was a link to another file system.
+  Descriptor source;
+  struct stat old {};
+  if (error = OpenRegular(from, source, old); error) return error;
+  TemporaryName copy;
+  if (error = CopyInto(copy, FolderPart(target), source, old); error) return error;
+  if (error = GiveName(copy, target, true); error) return error;
+  return RemoveFile(from);
 }
 
 std::error_code CreateTemporaryFile(const std::string& beside, std::string_view prefix, std::string& path) {

@@ -1,17 +1,56 @@
 #include "sets/FolderFilter.h"
 
+#include <algorithm>
+
 #include "base/Folders.h"
 #include "base/Paths.h"
 #include "catalog/AssetRecord.h"
+#include "catalog/Properties.h"
 #include "platform/Unicode.h"
+
+namespace {
+
+/// The start of `path` with as many characters as `count`; case may change a character's length in bytes.
+std::string FirstCharacters(std::string_view path, std::size_t count) {
+  std::size_t end = 0;
+  for (; count > 0 && end < path.size(); --count) end += platform::CharacterLength(path, end);
+  return std::string(path.substr(0, end));
+}
+
+bool IsAscii(char byte) { return static_cast<unsigned char>(byte) < 0x80; }
+
+char LowerAscii(char byte) {
+  return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
+}
+
+/// False only if the path begins with no spelling of the folder: they differ in letters that have no other
+/// case. Spares most folders the work of a real comparison.
+bool MayBeginWith(std::string_view path, std::string_view folder) {
+  const std::size_t common = std::min(path.size(), folder.size());
+  for (std::size_t i = 0; i < common; ++i) {
+    if (!IsAscii(path[i]) || !IsAscii(folder[i])) return true;
+    if (LowerAscii(path[i]) != LowerAscii(folder[i])) return false;
+  }
+  return path.size() >= folder.size();
+}
+
+}  // namespace
 
 CFolderFilter::CFolderFilter(const std::string& folder) : Folder(WithClosingSlash(folder)) {}
 
-bool CFolderFilter::Matches(const CAssetRecord& record) const {
-  const std::string folder = record.GetFolder();
+bool CFolderFilter::IsBelow(std::string_view folder) const {
   if (folder.starts_with(Folder)) return true;
+  if (!MayBeginWith(folder, Folder)) return false;
   // Another spelling is this folder too, unless it stands on the disk beside it.
-  if (folder.size() < Folder.size()) return false;
-  const std::string otherSpelling = folder.substr(0, Folder.size());
+  const std::string otherSpelling = FirstCharacters(folder, platform::CountCharacters(Folder));
   return platform::EqualNoCase(otherSpelling, Folder) && IsOtherSpelling(otherSpelling, Folder);
+}
+
+bool CFolderFilter::Matches(const CAssetRecord& record) const {
+  const std::string_view folder = props::Location.Get(record.GetRow());
+  if (folder != LastFolder) {
+    LastAnswer = IsBelow(folder);
+    LastFolder = folder;
+  }
+  return LastAnswer;
 }

@@ -1,20 +1,57 @@
 #include "sets/QuerySet.h"
 
+#include <array>
+
+#include "base/Texts.h"
 #include "catalog/Catalog.h"
 #include "catalog/Properties.h"
+#include "sets/GroupKey.h"
 
 namespace {
 
 c4_View SourceOf(const CCatalog& catalog, SetKind kind) {
-  if (kind == SetKind::All) return catalog.GetAssets();
-  const auto inPlace = static_cast<std::int32_t>(MissingState::InPlace);
-  return catalog.GetAssets().Select(props::Missing[inPlace] + props::Tossed[0]);
+  const c4_View assets = catalog.GetAssets();
+  const c4_Row inPlace = props::Missing[static_cast<std::int32_t>(MissingState::InPlace)];
+  switch (kind) {
+    case SetKind::All:
+      return assets;
+    case SetKind::ToEmail:
+      return assets.Select(inPlace + props::ToEmail[1]);
+    case SetKind::Deleted:
+      return assets.Select(props::Tossed[1]);
+    case SetKind::ToRemotePrint:
+      return assets.Select(inPlace + props::ToRemotePrint[1]);
+    case SetKind::Available:
+    case SetKind::Invalid:
+      break;
+  }
+  return assets.Select(inPlace + props::Tossed[0]);
+}
+
+struct SortColumns {
+  c4_Properties Ascending;
+  c4_Properties Descending;  // those that run from high to low in descending order
+};
+
+/// By SortKind.
+const std::array<SortColumns, 6>& GetSortColumns() {
+  using namespace props;
+  static const std::array<SortColumns, 6> kColumns{
+      SortColumns{{AssetID}, {CachedDate, AssetID}},
+      SortColumns{{CachedDate, CachedRating}, {CachedDate}},
+      SortColumns{{Location, CachedDate}, {CachedDate, Location}},
+      SortColumns{{Filename, CachedDate}, {CachedDate, Filename}},
+      SortColumns{{CachedRating, CachedDate}, {CachedDate, CachedRating}},
+      SortColumns{{RollID, CachedDate}, {CachedDate}},
+  };
+  return kColumns;
 }
 
 }  // namespace
 
-CQuerySet::CQuerySet(CCatalog* catalog, SetKind kind) : Catalog(catalog) {
-  if (catalog == nullptr || kind == SetKind::Invalid) {
+CQuerySet::CQuerySet(CCatalog* catalog, SetKind kind)
+    : Kind(catalog != nullptr ? kind : SetKind::Invalid), Catalog(catalog) {
+  if (Kind == SetKind::Invalid) {
     Invalidate();
     return;
   }
@@ -22,13 +59,30 @@ CQuerySet::CQuerySet(CCatalog* catalog, SetKind kind) : Catalog(catalog) {
   Rebuild();
 }
 
+bool CQuerySet::CanSort(SortKind kind, bool) const {
+  return IsValid() && kind >= SortKind::None && kind <= SortKind::Roll;
+}
+
 void CQuerySet::Rebuild() {
   if (!IsValid()) return;
+  CPhotoSet::Rebuild();
+  const SortColumns& columns = GetSortColumns()[static_cast<std::size_t>(GetSortKind())];
+  const c4_View sorted = IsDescending() ? Source.SortOnReverse(columns.Ascending, columns.Descending)
+                                        : Source.SortOn(columns.Ascending);
+  CGroupKeyFinder groupKeys(GetSortKind());
   Members.clear();
-  const c4_View sorted = Source.SortOn({props::AssetID});
   Members.reserve(static_cast<std::size_t>(sorted.GetSize()));
   for (int i = 0; i < sorted.GetSize(); ++i) {
     const CAssetRecord record(Catalog, sorted[i]);
-    if (Matches(record)) Members.push_back(record.GetAssetID());
+    if (Matches(record)) Members.push_back({record.GetAssetID(), groupKeys.Find(record)});
   }
+  Members.shrink_to_fit();
+}
+
+std::string CQuerySet::GetName() const {
+  if (HasName()) return CPhotoSet::GetName();
+  // The kind for printing has no name of its own.
+  if (Kind == SetKind::ToRemotePrint) return LoadExpandedString(StringId::UnknownSet);
+  const std::string name = LoadExpandedString(static_cast<StringId>(Kind));
+  return name.empty() ? LoadExpandedString(StringId::UnknownSet) : name;
 }

@@ -43,8 +43,6 @@ class CPropertyList {
   std::deque<Entry> Entries;
 };
 
-const std::string kEmptyText;
-
 }  // namespace
 
 c4_Property::c4_Property(std::string_view name, c4_Type type)
@@ -68,9 +66,9 @@ void c4_IntProp::Set(const c4_RowRef& row, std::int32_t value) const {
 
 c4_Row c4_StringProp::operator[](std::string_view value) const { return {*this, std::string(value)}; }
 
-const std::string& c4_StringProp::Get(const c4_RowRef& row) const {
+std::string_view c4_StringProp::Get(const c4_RowRef& row) const {
   AssertDataThread();
-  return row.Table ? row.Table->GetText(*this, {row.Slot, row.RowId}) : kEmptyText;
+  return row.Table ? row.Table->GetText(*this, {row.Slot, row.RowId}) : std::string_view();
 }
 
 void c4_StringProp::Set(const c4_RowRef& row, std::string_view value) const {

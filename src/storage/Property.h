@@ -52,7 +52,7 @@ class c4_StringProp : public c4_Property {
   explicit c4_StringProp(std::string_view name) : c4_Property(name, c4_Type::Text) {}
   c4_Row operator[](std::string_view value) const;
   /// Valid until the next change of the storage.
-  const std::string& Get(const c4_RowRef& row) const;
+  std::string_view Get(const c4_RowRef& row) const;
   void Set(const c4_RowRef& row, std::string_view value) const;
 };
 

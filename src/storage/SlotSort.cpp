@@ -65,7 +65,7 @@ void SortByTexts(Run run, const GetText& getText, std::uint64_t flip, std::size_
 std::vector<std::uint32_t> RankTexts(const CTextColumn& texts) {
   std::vector<KeyedSlot> places(texts.GetPlaceCount());
   for (std::size_t i = 0; i < places.size(); ++i) places[i].Slot = static_cast<c4_Slot>(i);
-  const auto getText = [&](c4_Slot place) -> const std::string& { return texts.GetTextAt(place); };
+  const auto getText = [&](c4_Slot place) { return texts.GetTextAt(place); };
   SortByTexts(places, getText, 0, 0, [](Run) {});
   std::vector<std::uint32_t> ranks(places.size());
   std::uint32_t rank = 0;
@@ -120,8 +120,8 @@ class CSlotSorter {
     } else if (key.Column.Type == c4_Type::Text) {
       const CTextColumn& texts = key.Column.Texts;
       SortByTexts(
-          run, [&](c4_Slot slot) -> const std::string& { return texts[slot]; },
-          key.Source.Descending ? ~std::uint64_t{0} : 0, 0, [&](Run equal) { SortFrom(equal, index + 1); });
+          run, [&](c4_Slot slot) { return texts[slot]; }, key.Source.Descending ? ~std::uint64_t{0} : 0, 0,
+          [&](Run equal) { SortFrom(equal, index + 1); });
     } else {
       SortByBytes(run, index);
     }

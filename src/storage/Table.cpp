@@ -12,8 +12,6 @@ namespace {
 /// More rows than this are not reserved on the word of a file; the rest is made as it comes.
 constexpr std::int64_t kMaximumReserve = 1 << 20;
 
-const std::string kEmptyText;
-
 template <typename T>
 int CompareValues(const T& left, const T& right) {
   if (left < right) return -1;
@@ -193,10 +191,10 @@ std::int32_t c4_Table::GetInteger(const c4_Property& property, const RowIdentity
   return column && slot ? Rows.Columns[*column].Integers[*slot] : 0;
 }
 
-const std::string& c4_Table::GetText(const c4_Property& property, const RowIdentity& row) const {
+std::string_view c4_Table::GetText(const c4_Property& property, const RowIdentity& row) const {
   const auto column = FindColumn(property);
   const auto slot = FindSlot(row);
-  return column && slot ? Rows.Columns[*column].Texts[*slot] : kEmptyText;
+  return column && slot ? Rows.Columns[*column].Texts[*slot] : std::string_view();
 }
 
 c4_Bytes c4_Table::GetBytes(const c4_Property& property, const RowIdentity& row) const {

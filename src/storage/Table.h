@@ -84,7 +84,7 @@ class c4_Table : public std::enable_shared_from_this<c4_Table> {
   RowIdentity GetIdentity(c4_Slot slot) const { return {slot, Rows.RowIds[slot]}; }
 
   std::int32_t GetInteger(const c4_Property& property, const RowIdentity& row) const;
-  const std::string& GetText(const c4_Property& property, const RowIdentity& row) const;
+  std::string_view GetText(const c4_Property& property, const RowIdentity& row) const;
   c4_Bytes GetBytes(const c4_Property& property, const RowIdentity& row) const;
 
   /// Below, equal to or above 0.

@@ -29,7 +29,8 @@ void c4_Table::RememberValue(std::size_t column, c4_Slot slot) {
   if (std::any_of(recent, old.end(), isSame)) return;
   const CColumn& values = Rows.Columns[column];
   if (values.Type == c4_Type::Integer) Past.OldValues.push_back({number, slot, values.Integers[slot], {}});
-  if (values.Type == c4_Type::Text) Past.OldValues.push_back({number, slot, 0, values.Texts[slot]});
+  if (values.Type == c4_Type::Text)
+    Past.OldValues.push_back({number, slot, 0, std::string(values.Texts[slot])});
 }
 
 void c4_Table::RememberRow(c4_Slot slot) {

@@ -1,17 +1,17 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <string_view>
 #include <vector>
 
-/// The texts of one column, by slot. A text that equals the one before it, as the folder of a photo and the
-/// dates of its stamps mostly do, shares that one's place: it costs 4 bytes, and the processor finds it in
-/// its cache.
+/// The texts of one column, by slot, in one block of memory. A text that equals one of those before it, as
+/// the folder of a photo and the dates of its stamps mostly do, shares that one's place: it costs 4 bytes,
+/// and the processor finds it in its cache.
 class CTextColumn {
  public:
   std::size_t GetSize() const { return Places.size(); }
-  const std::string& operator[](std::size_t slot) const { return Texts[Places[slot]]; }
+  /// Valid until the next change of the column.
+  std::string_view operator[](std::size_t slot) const { return GetTextAt(Places[slot]); }
 
   void Append(std::string_view text);
   void Set(std::size_t slot, std::string_view text);
@@ -26,14 +26,26 @@ class CTextColumn {
 
   std::uint32_t GetPlace(std::size_t slot) const { return Places[slot]; }
   std::size_t GetPlaceCount() const { return Texts.size(); }
-  const std::string& GetTextAt(std::size_t place) const { return Texts[place]; }
+  std::string_view GetTextAt(std::size_t place) const {
+    return {Bytes.data() + Texts[place].Offset, Texts[place].Length};
+  }
 
  private:
-  std::uint32_t Occupy(std::string_view text);
-  void Release(std::uint32_t place);
+  struct Text {
+    std::uint32_t Offset;  // in Bytes
+    std::uint32_t Length;
+    std::uint32_t Uses;  // how many slots share it
+  };
 
-  std::vector<std::uint32_t> Places;
-  std::vector<std::string> Texts;   // by place
-  std::vector<std::uint32_t> Uses;  // by place: how many slots share it
-  std::vector<std::uint32_t> Free;  // places without a use
+  std::uint32_t Occupy(std::string_view text);
+  std::uint32_t MakePlace(std::string_view text);
+  void Release(std::uint32_t place);
+  void Compact();
+
+  std::vector<std::uint32_t> Places;  // by slot
+  std::vector<Text> Texts;            // by place
+  std::vector<char> Bytes;
+  std::vector<std::uint32_t> Free;    // places without a use
+  std::vector<std::uint32_t> Recent;  // places of texts met lately, by a hash of the text
+  std::size_t UnusedBytes = 0;
 };

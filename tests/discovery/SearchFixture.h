@@ -1,21 +1,20 @@
 #pragma once
 
 #include <gmock/gmock.h>
-#include <sys/resource.h>
 
-#include <csignal>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "base/Folders.h"
-#include "base/Messages.h"
 #include "catalog/Catalog.h"
 #include "catalog/StampList.h"
 #include "discovery/FolderSearch.h"
 #include "discovery/SearchProgress.h"
 #include "imaging/ThumbnailCache.h"
+#include "support/FileSizeLimit.h"
 #include "support/ScratchFolder.h"
+#include "support/ScriptedMessages.h"
 #include "support/TestJpeg.h"
 
 /// A progress window by script: remembers what it was told and stops when it is meant to.
@@ -40,40 +39,6 @@ class CScriptedProgress : public CSearchProgress {
   bool Stopped = false;
   std::vector<std::string> Paths;
   std::function<void()> OnTotal;
-};
-
-/// Message boxes by script.
-class CScriptedMessages : public CMessageBox {
- public:
-  CScriptedMessages() { SetMessageBox(this); }
-  ~CScriptedMessages() override { SetMessageBox(nullptr); }
-  bool Show(const std::string&, const std::string& text, bool okCancel, MessageParent) override {
-    Texts.push_back(text);
-    return !okCancel || Answer;
-  }
-
-  bool Answer = true;
-  std::vector<std::string> Texts;
-};
-
-/// Limits how large any file may grow, which a full disk looks like from inside.
-class CFileSizeLimit {
- public:
-  explicit CFileSizeLimit(rlim_t bytes) : FormerHandler(std::signal(SIGXFSZ, SIG_IGN)) {
-    getrlimit(RLIMIT_FSIZE, &Former);
-    const rlimit limited{bytes, Former.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limited);
-  }
-  ~CFileSizeLimit() {
-    setrlimit(RLIMIT_FSIZE, &Former);
-    std::signal(SIGXFSZ, FormerHandler);
-  }
-  CFileSizeLimit(const CFileSizeLimit&) = delete;
-  CFileSizeLimit& operator=(const CFileSizeLimit&) = delete;
-
- private:
-  rlimit Former{};
-  void (*FormerHandler)(int);
 };
 
 /// A home with a pictures folder, an open catalog and the search, as a session has them.

@@ -26,7 +26,7 @@ struct Opened {
     for (const c4_View& view : {Things, ByText, Ones}) {
       for (int i = 0; i < view.GetSize(); ++i) {
         const c4_Bytes bytes = pBytes.Get(view[i]);
-        text += std::to_string(pNumber.Get(view[i])) + pText.Get(view[i]) + ":" +
+        text += std::to_string(pNumber.Get(view[i])) + std::string(pText.Get(view[i])) + ":" +
                 std::to_string(bytes.size()) + std::string(bytes.begin(), bytes.begin() + !bytes.empty()) +
                 " ";
       }

@@ -1,0 +1,103 @@
+#include "sets/TextFilter.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "catalog/Catalog.h"
+#include "catalog/Properties.h"
+#include "platform/Unicode.h"
+
+namespace {
+
+bool IsSearched(StampId type) {
+  switch (type) {
+    case StampId::Note:
+    case StampId::Person:
+    case StampId::Thing:
+    case StampId::Event:
+    case StampId::PersonalPlace:
+      return true;
+    default:
+      return false;
+  }
+}
+
+/// Writes the ASCII text in lower case. False, with `lowered` of no use, if it isn't ASCII.
+bool LowerAscii(std::string_view text, std::string& lowered) {
+  lowered.resize(text.size());
+  unsigned char all = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    const bool isUpper = byte >= 'A' && byte <= 'Z';
+    all = static_cast<unsigned char>(all | byte);
+    lowered[i] = static_cast<char>(byte | (isUpper ? 'a' - 'A' : 0));
+  }
+  return all < 0x80;
+}
+
+/// std::string_view::find is several times slower on texts of this length.
+std::size_t Find(std::string_view text, std::string_view wanted, std::size_t from) {
+  const void* const found = ::memmem(text.data() + from, text.size() - from, wanted.data(), wanted.size());
+  if (found == nullptr) return std::string_view::npos;
+  return static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
+}
+
+/// Whether characters of the text begin, or the text ends, at both offsets.
+bool AreBoundaries(std::string_view text, std::size_t first, std::size_t second) {
+  std::size_t at = 0;
+  while (at < first) at += platform::CharacterLength(text, at);
+  if (at != first) return false;
+  while (at < second) at += platform::CharacterLength(text, at);
+  return at == second;
+}
+
+}  // namespace
+
+CTextMatcher::CTextMatcher(std::string_view text) {
+  const std::string lowered = platform::ToLower(text);
+  for (std::size_t begin = 0; begin < lowered.size();) {
+    const std::size_t end = std::min(lowered.find(' ', begin), lowered.size());
+    if (end > begin) {
+      std::string token = lowered.substr(begin, end - begin);
+      const bool isWhole = platform::IsValidUtf8(token);
+      Tokens.push_back({std::move(token), isWhole});
+    }
+    begin = end + 1;
+  }
+}
+
+bool CTextMatcher::Occurs(const Token& token, std::string_view lowered) const {
+  for (std::size_t at = Find(lowered, token.Text, 0); at != std::string_view::npos;
+       at = Find(lowered, token.Text, at + 1)) {
+    if (token.IsWhole || AreBoundaries(lowered, at, at + token.Text.size())) return true;
+  }
+  return false;
+}
+
+bool CTextMatcher::TextHits(std::string_view haystack) const {
+  if (!LowerAscii(haystack, Lowered)) Lowered = platform::ToLower(haystack);
+  return std::any_of(Tokens.begin(), Tokens.end(),
+                     [this](const Token& token) { return Occurs(token, Lowered); });
+}
+
+CTextFilter::CTextFilter(std::string text) : Text(std::move(text)), Matcher(Text) {}
+
+void CTextFilter::Refresh() {
+  HitAssets.clear();
+  const CCatalog* const catalog = CCatalog::GetInstance();
+  if (catalog == nullptr) return;
+  const c4_View stamps = catalog->GetStamps();
+  for (int i = 0; i < stamps.GetSize(); ++i) {
+    const c4_RowRef row = stamps[i];
+    if (IsSearched(static_cast<StampId>(props::StampType.Get(row))) &&
+        Matcher.TextHits(props::SortedString.Get(row))) {
+      HitAssets.push_back(props::AssetID.Get(row));
+    }
+  }
+  std::sort(HitAssets.begin(), HitAssets.end());
+}
+
+bool CTextFilter::Matches(const CAssetRecord& record) const {
+  return std::binary_search(HitAssets.begin(), HitAssets.end(), record.GetAssetID()) ||
+         Matcher.TextHits(props::Filename.Get(record.GetRow()));
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "sets/PhotoFilter.h"
+
+/// Finds words in texts: any one of the words in any place of the text, whatever the case of its letters, in
+/// any language. Words begin and end between characters.
+class CTextMatcher {
+ public:
+  /// `text` is cut into words at its spaces.
+  explicit CTextMatcher(std::string_view text);
+
+  bool TextHits(std::string_view haystack) const;
+
+ private:
+  struct Token {
+    std::string Text;  // in lower case
+    bool IsWhole;      // made of whole characters, so that no hit can begin or end inside one
+  };
+  bool Occurs(const Token& token, std::string_view lowered) const;
+
+  std::vector<Token> Tokens;
+  mutable std::string Lowered;  // room for the text in lower case, kept between calls
+};
+
+/// Passes the photos in whose file name, caption, people, subjects, event or place one of the words occurs.
+class CTextFilter : public CPhotoFilter {
+ public:
+  /// `text` without blanks at its ends, and not empty.
+  explicit CTextFilter(std::string text);
+
+  bool Matches(const CAssetRecord& record) const override;
+
+  /// Reads the annotations anew.
+  void Refresh() override;
+
+  const std::string& GetText() const { return Text; }
+
+ private:
+  const std::string Text;
+  const CTextMatcher Matcher;
+  std::vector<std::int32_t> HitAssets;  // AssetIDs, ascending, with a stamp that hits
+};

@@ -1,0 +1,139 @@
+#include <gmock/gmock.h>
+
+#include "base/Exceptions.h"
+#include "catalog/StampList.h"
+#include "editing/EditingFixture.h"
+#include "editing/RenameIntent.h"
+#include "editing/RenamePhotoFile.h"
+#include "support/FaultSteps.h"
+
+using testing::ElementsAre;
+using testing::Optional;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class RenamePhotoFileTest : public CEditingFixture {
+ protected:
+  /// File and row agree on one of the names, and the photo is whole.
+  void ExpectPhotoAt(const std::string& name) const {
+    EXPECT_EQ(InFolder(name), Photo.GetPath());
+    EXPECT_EQ("the photo", ReadBytes(InFolder(name)));
+  }
+  bool HasIntent() const { return fs::exists(Catalog.GetPath() + ".rename"); }
+};
+
+TEST_F(RenamePhotoFileTest, FileAndRowGoTogether) {
+  EXPECT_FALSE(RenamePhotoFile(Photo, "Boat at dusk"));
+  ExpectPhotoAt("Boat at dusk.jpg");
+  EXPECT_FALSE(RenamePhotoFile(Photo, "Boat at dusk.jpg"));
+  EXPECT_FALSE(RenamePhotoFile(Photo, "Boat.JPEG"));
+  ExpectPhotoAt("Boat.JPEG");
+  EXPECT_FALSE(RenamePhotoFile(Photo, "boat.jpeg")) << "upper and lower case are different names";
+  ExpectPhotoAt("boat.jpeg");
+  EXPECT_FALSE(RenamePhotoFile(Photo, "b\xf6ot\n.jpg"));
+  ExpectPhotoAt("b\xf6ot\n.jpg");
+  EXPECT_EQ(1U, NamesInFolder().size());
+  EXPECT_FALSE(HasIntent());
+}
+
+TEST_F(RenamePhotoFileTest, NothingIsOverwrittenAndARefusalChangesNothing) {
+  Scratch.Write("photos/taken.jpg", "another photo");
+  Scratch.Write("photos/boat.jpg.orig", "the original");
+  EXPECT_EQ(std::errc::file_exists, RenamePhotoFile(Photo, "taken"));
+  for (const char* name : {"", "a/b", "..", "../up.jpg"}) {
+    EXPECT_EQ(std::errc::invalid_argument, RenamePhotoFile(Photo, name)) << name;
+  }
+  EXPECT_EQ(std::errc::filename_too_long, RenamePhotoFile(Photo, std::string(300, 'x')));
+  ExpectPhotoAt("boat.jpg");
+  EXPECT_EQ("another photo", ReadBytes(InFolder("taken.jpg")));
+
+  // A folder that the user can't change.
+  fs::permissions(Scratch.GetPath(), fs::perms::all);
+  fs::permissions(Scratch.GetPath() + "/data", fs::perms::all);
+  fs::permissions(InFolder(""), fs::perms::owner_read | fs::perms::owner_exec | fs::perms::others_exec);
+  EXPECT_TRUE(RunAsNobody([&] { return RenamePhotoFile(Photo, "new") == std::errc::permission_denied; }));
+  fs::permissions(InFolder(""), fs::perms::owner_all);
+  ExpectPhotoAt("boat.jpg");
+  EXPECT_FALSE(RenamePhotoFile(Photo, "new"));
+  EXPECT_THAT(NamesInFolder(), ElementsAre("boat.jpg.orig", "new.jpg", "taken.jpg"));
+}
+
+TEST_F(RenamePhotoFileTest, AFullDiskLeavesFileAndRowAsTheyWere) {
+  {
+    const CFileSizeLimit full(0);
+    EXPECT_TRUE(RenamePhotoFile(Photo, "new")) << "no room to say what is about to happen";
+  }
+  ExpectPhotoAt("boat.jpg");
+  {
+    const CFileSizeLimit full(300);  // room for the intent, none for the catalog's journal
+    EXPECT_THROW(RenamePhotoFile(Photo, "new"), CException);
+  }
+  ExpectPhotoAt("boat.jpg");
+  EXPECT_FALSE(HasIntent());
+  for (const char* failing : {"rename", "sync"}) {
+    int count = 0;
+    for (int fail = 1;; ++fail) {
+      count = 0;
+      platform::SetFaultPlan([&](std::string_view operation, std::string_view) {
+        return operation == failing && ++count == fail ? std::make_error_code(std::errc::io_error)
+                                                       : std::error_code();
+      });
+      const std::error_code error = RenamePhotoFile(Photo, "new");
+      platform::SetFaultPlan({});
+      if (!error) break;
+      ExpectPhotoAt("boat.jpg");
+    }
+    ExpectPhotoAt("new.jpg");
+    EXPECT_FALSE(RenamePhotoFile(Photo, "boat"));
+  }
+}
+
+TEST_F(RenamePhotoFileTest, AKillAtAnyStepIsFinishedOrUndoneAtTheNextStart) {
+  Photo.GetStamps(StampId::Rating).SetNumber(4, 0);
+  const std::string catalogPath = Catalog.GetPath();
+  Catalog.Close();
+  for (int step = 1, killed = 1; killed; ++step) {
+    killed = RunAndKillAtStep(step, [&] {
+      CCatalog catalog;
+      catalog.Open(catalogPath);
+      static_cast<void>(RenamePhotoFile(catalog.FindAssetById(1), "new"));
+      ::_exit(0);  // as if killed before the program ends in order
+    });
+
+    CCatalog catalog;
+    catalog.Open(catalogPath);
+    FinishInterruptedRename(catalog);
+    Photo = catalog.FindAssetById(1);
+    EXPECT_TRUE(Photo.GetPath() == InFolder("boat.jpg") || Photo.GetPath() == InFolder("new.jpg"));
+    EXPECT_EQ("the photo", ReadBytes(Photo.GetPath())) << "step " << step;
+    EXPECT_EQ(4, Photo.GetCachedRating());
+    EXPECT_EQ(1U, NamesInFolder().size());
+    EXPECT_FALSE(HasIntent());
+    fs::rename(Photo.GetPath(), InFolder("boat.jpg"));
+    Photo.SetPath(InFolder("boat.jpg"));
+  }
+}
+
+TEST_F(RenamePhotoFileTest, AnIntentThatTellsNothingIsDropped) {
+  const std::string file = Catalog.GetPath() + ".rename";
+  const auto write = [&file](const std::string& bytes) { std::ofstream(file, std::ios::binary) << bytes; };
+  using namespace std::string_literals;
+  for (const std::string& damaged :
+       {""s, "1"s, "1\0a"s, "x\0a\0b\0"s, "1\0a\0b\0c"s, "99\0a\0b\0"s, "1\0\0\0"s}) {
+    write(damaged);
+    FinishInterruptedRename(Catalog);
+    EXPECT_FALSE(fs::exists(file));
+    ExpectPhotoAt("boat.jpg");
+  }
+  const PhotoRename rename{1, InFolder("boat.jpg"), InFolder("new\nname.jpg")};
+  {
+    CRenameIntent intent(Catalog);
+    EXPECT_FALSE(intent.Write(rename));
+    EXPECT_THAT(intent.Read(), Optional(rename));
+  }
+  EXPECT_FALSE(fs::exists(file));
+}
+
+}  // namespace
