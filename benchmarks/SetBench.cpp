@@ -88,7 +88,7 @@ double TimePlainSort(const CCatalog& catalog, const c4_IntProp& first, const c4_
 
 double TimePlainSort(const CCatalog& catalog, const c4_StringProp& first, const c4_IntProp& second) {
   return TimePlainSort<std::pair<std::string, std::int32_t>>(
-      catalog, [&](const c4_RowRef& row) { return std::pair(first.Get(row), second.Get(row)); });
+      catalog, [&](const c4_RowRef& row) { return std::pair(std::string(first.Get(row)), second.Get(row)); });
 }
 
 struct MeasuredSort {
