@@ -2,7 +2,9 @@
 #include <stdlib.h>
 #include <time.h>
 
+#include "base/Exceptions.h"
 #include "catalog/CatalogFixture.h"
+#include "support/FileSizeLimit.h"
 
 using testing::ElementsAre;
 
@@ -117,6 +119,26 @@ TEST_F(StampTest, SeveralSubjectsKeepTheirOrderAndTheirCounts) {
   EXPECT_TRUE(Photo.GetStamps(StampId::Note).SetText("First light", 0));
   EXPECT_EQ("First light", Photo.GetStamps(StampId::Note).Get(0).GetText());
   EXPECT_TRUE(Photo.GetStamps(StampId::Note).GetChoices().empty());
+}
+
+TEST_F(StampTest, AnEditThatTheDiskRefusesChangesNothing) {
+  Photo.GetStamps(StampId::PersonalPlace).SetText("Lake", 0);
+  Other.GetStamps(StampId::PersonalPlace).SetText("Lake", 0);
+  Photo.GetStamps(StampId::Rating).SetNumber(3, 0);
+  const std::string before = ReadBytes(Path);
+  {
+    const CFileSizeLimit full(0);
+    EXPECT_THROW(Photo.GetStamps(StampId::PersonalPlace).SetText("River", 0), CException);
+    EXPECT_THROW(Photo.GetStamps(StampId::Rating).SetNumber(4, 0), CException);
+    EXPECT_THROW(Catalog.DeleteAsset(1), CException);
+  }
+  EXPECT_TRUE(Catalog.GetAutoCommit());
+  EXPECT_EQ("Lake", Photo.GetStamps(StampId::PersonalPlace).Get(0).GetText());
+  EXPECT_EQ(3, Photo.GetCachedRating());
+  EXPECT_EQ(-1, Catalog.FindStringKey(10, "River"));
+  EXPECT_EQ(before, ReadBytes(Path));
+  EXPECT_TRUE(Photo.GetStamps(StampId::PersonalPlace).SetText("River", 0));
+  EXPECT_EQ("1", CountOf("Lake"));
 }
 
 TEST_F(StampTest, UnknownTypesAndPhotosGiveListsThatTakeNothing) {

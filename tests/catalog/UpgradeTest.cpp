@@ -4,7 +4,10 @@
 
 #include <filesystem>
 
+#include "base/Exceptions.h"
 #include "catalog/CatalogFixture.h"
+#include "support/FileSizeLimit.h"
+#include "support/KilledChild.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -123,6 +126,47 @@ TEST_F(UpgradeTest, ThisVersionAndNewerOnesAreLeftAsTheyAre) {
     catalog.Open(Path);
     catalog.Close();
     EXPECT_EQ(before, ReadBytes(Path));
+  }
+}
+
+TEST_F(UpgradeTest, AFullDiskOrAKillLeavesTheOldVersionOrTheNewOne) {
+  std::string photos =
+      "insert into Asset (AssetID, LocationType, Location, ID) values (0, 0, '/p/0.jpg', x'')";
+  std::string stamps =
+      "insert into Stamp (StampType, SortedString, AssetID, IndexInt) values (8, 'old', 0, 0)";
+  for (int i = 1; i < 300; ++i) {
+    const std::string id = std::to_string(i);
+    photos += ",(" + id + ", 0, '/p/" + id + ".jpg', x'')";
+    stamps += ",(8, 'old', " + id + ", 0)";
+  }
+  MakeOld(0, photos + ";" + stamps + ";");
+  const std::string old = ReadBytes(Path);
+  const auto expectOldOrNew = [this] {
+    const std::string version = SqlOne("select DBVersion from Singletons");
+    const bool isOld = version == "0";
+    EXPECT_TRUE(isOld || version == "10");
+    EXPECT_EQ(isOld ? "300" : "0", SqlOne("select count(*) from Stamp where StampType = 8"));
+    EXPECT_EQ(isOld ? "300" : "0", SqlOne("select count(*) from Asset where LocationType = 0"));
+  };
+  {
+    const CFileSizeLimit full(0);
+    CCatalog catalog;
+    EXPECT_THROW(catalog.Open(Path), CThrowable);
+  }
+  EXPECT_EQ(old, ReadBytes(Path));
+  for (int kill = 0; kill < 12; ++kill) {
+    Scratch.Write("vellumar.db", old);
+    RunAndKill(
+        [this](const CReport& report) {
+          report.Send(0);
+          CCatalog().Open(Path);
+        },
+        std::chrono::milliseconds(4 * kill));
+    expectOldOrNew();
+    CCatalog().Open(Path);
+    EXPECT_EQ("10", SqlOne("select DBVersion from Singletons"));
+    expectOldOrNew();
+    std::filesystem::remove(Path + "-journal");
   }
 }
 
