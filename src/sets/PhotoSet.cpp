@@ -105,6 +105,10 @@ void CPhotoSet::SetRollFilter(std::int32_t first, std::int32_t last) {
   RollFilter = std::make_unique<CRollFilter>(first, last);
 }
 
+bool CPhotoSet::HasFilters() const {
+  return FolderFilter || TextFilter || RatingFilter || SpareFilter || RollFilter;
+}
+
 bool CPhotoSet::Matches(const CAssetRecord& record) const {
   const std::array<const CPhotoFilter*, 5> filters{RatingFilter.get(), RollFilter.get(), SpareFilter.get(),
                                                    FolderFilter.get(), TextFilter.get()};

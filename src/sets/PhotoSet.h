@@ -77,6 +77,7 @@ class CPhotoSet {
   void SetRollFilter(std::int32_t first, std::int32_t last);
   void ClearRollFilter() { RollFilter.reset(); }
   void ClearSpareFilter() { SpareFilter.reset(); }
+  bool HasFilters() const;
   bool Matches(const CAssetRecord& record) const;
 
   // Groups: runs of members with equal keys. -1 or false on a set that isn't valid or isn't grouped.

@@ -69,14 +69,28 @@ void CQuerySet::Rebuild() {
   const SortColumns& columns = GetSortColumns()[static_cast<std::size_t>(GetSortKind())];
   const c4_View sorted = IsDescending() ? Source.SortOnReverse(columns.Ascending, columns.Descending)
                                         : Source.SortOn(columns.Ascending);
+  // The rows are looked at in the order in which they lie in memory: in that of a sort it takes far longer.
+  const bool areAll = !HasFilters();
+  const CAssetIdSet matches = FindMatches();
   CGroupKeyFinder groupKeys(GetSortKind());
   Members.clear();
   Members.reserve(static_cast<std::size_t>(sorted.GetSize()));
   for (int i = 0; i < sorted.GetSize(); ++i) {
-    const CAssetRecord record(Catalog, sorted[i]);
-    if (Matches(record)) Members.push_back({record.GetAssetID(), groupKeys.Find(record)});
+    const std::int32_t assetId = props::AssetID.GetAt(sorted, i);
+    if (!areAll && !matches.Contains(assetId)) continue;
+    Members.push_back({assetId, groupKeys.Find(CAssetRecord(Catalog, sorted[i]))});
   }
   Members.shrink_to_fit();
+}
+
+CAssetIdSet CQuerySet::FindMatches() const {
+  CAssetIdSet matches;
+  if (!HasFilters()) return matches;
+  for (int i = 0; i < Source.GetSize(); ++i) {
+    const CAssetRecord record(Catalog, Source[i]);
+    if (Matches(record)) matches.Add(record.GetAssetID());
+  }
+  return matches;
 }
 
 std::string CQuerySet::GetName() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sets/AssetIdSet.h"
 #include "sets/PhotoSet.h"
 #include "sets/SetKind.h"
 #include "storage/View.h"
@@ -17,6 +18,8 @@ class CQuerySet : public CPhotoSet {
   std::string GetName() const override;
 
  private:
+  CAssetIdSet FindMatches() const;
+
   SetKind Kind;
   CCatalog* Catalog;
   c4_View Source;  // follows the catalog

@@ -83,21 +83,18 @@ bool CTextMatcher::TextHits(std::string_view haystack) const {
 CTextFilter::CTextFilter(std::string text) : Text(std::move(text)), Matcher(Text) {}
 
 void CTextFilter::Refresh() {
-  HitAssets.clear();
+  HitAssets.Clear();
   const CCatalog* const catalog = CCatalog::GetInstance();
   if (catalog == nullptr) return;
   const c4_View stamps = catalog->GetStamps();
   for (int i = 0; i < stamps.GetSize(); ++i) {
-    const c4_RowRef row = stamps[i];
-    if (IsSearched(static_cast<StampId>(props::StampType.Get(row))) &&
-        Matcher.TextHits(props::SortedString.Get(row))) {
-      HitAssets.push_back(props::AssetID.Get(row));
+    if (IsSearched(static_cast<StampId>(props::StampType.GetAt(stamps, i))) &&
+        Matcher.TextHits(props::SortedString.GetAt(stamps, i))) {
+      HitAssets.Add(props::AssetID.GetAt(stamps, i));
     }
   }
-  std::sort(HitAssets.begin(), HitAssets.end());
 }
 
 bool CTextFilter::Matches(const CAssetRecord& record) const {
-  return std::binary_search(HitAssets.begin(), HitAssets.end(), record.GetAssetID()) ||
-         Matcher.TextHits(props::Filename.Get(record.GetRow()));
+  return HitAssets.Contains(record.GetAssetID()) || Matcher.TextHits(props::Filename.Get(record.GetRow()));
 }

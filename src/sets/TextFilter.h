@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "sets/AssetIdSet.h"
 #include "sets/PhotoFilter.h"
 
 /// Finds words in texts: any one of the words in any place of the text, whatever the case of its letters, in
@@ -43,5 +43,5 @@ class CTextFilter : public CPhotoFilter {
  private:
   const std::string Text;
   const CTextMatcher Matcher;
-  std::vector<std::int32_t> HitAssets;  // AssetIDs, ascending, with a stamp that hits
+  CAssetIdSet HitAssets;  // photos with a stamp that hits
 };

@@ -65,9 +65,12 @@ int c4_View::GetSize() const {
 
 c4_RowRef c4_View::GetAt(int index) const {
   if (index < 0 || index >= GetSize()) return {};
-  c4_Table& table = Sequence->GetTable();
-  const RowIdentity row = table.GetIdentity(Sequence->GetSlotAt(ToPosition(index)));
-  return {table.shared_from_this(), row.Slot, row.RowId};
+  const RowIdentity row = GetIdentity(index);
+  return {Sequence->GetTable().shared_from_this(), row.Slot, row.RowId};
+}
+
+RowIdentity c4_View::GetIdentity(int index) const {
+  return Sequence->GetTable().GetIdentity(Sequence->GetSlotAt(ToPosition(index)));
 }
 
 int c4_View::GetIndexOf(const c4_RowRef& row) const {

@@ -7,6 +7,7 @@
 #include "storage/Row.h"
 
 class c4_Sequence;
+struct RowIdentity;
 
 using c4_Properties = std::vector<c4_Property>;
 
@@ -62,8 +63,13 @@ class c4_View {
   c4_View SortOnReverse(const c4_Properties& properties, const c4_Properties& descending) const;
 
  private:
+  friend class c4_IntProp;
+  friend class c4_StringProp;
   friend class c4_Storage;
   explicit c4_View(std::shared_ptr<c4_Sequence> sequence);
+
+  /// `index` must be in range.
+  RowIdentity GetIdentity(int index) const;
 
   std::shared_ptr<c4_Sequence> Sequence;  // null for the empty view
 };
