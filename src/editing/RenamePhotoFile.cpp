@@ -2,10 +2,12 @@
 
 #include "base/Exceptions.h"
 #include "base/Folders.h"
+#include "base/Messages.h"
 #include "base/Paths.h"
 #include "catalog/Catalog.h"
 #include "editing/RenameIntent.h"
 #include "platform/Files.h"
+#include "storage/StorageException.h"
 
 namespace {
 
@@ -62,5 +64,11 @@ void FinishInterruptedRename(CCatalog& catalog) {
   if (!rename) return;
   CAssetRecord photo = catalog.FindAssetById(rename->AssetId);
   const bool moved = !FileExists(rename->OldPath, false) && FileExists(rename->NewPath, false);
-  if (photo.GetPath() == rename->OldPath && moved) photo.SetPath(rename->NewPath);
+  if (photo.GetPath() != rename->OldPath || !moved) return;
+  try {
+    photo.SetPath(rename->NewPath);
+  } catch (const CStorageException& exception) {
+    intent.Keep();
+    ShowMessage(exception.GetMessage(), false, MessageParent::ProgressWindow);
+  }
 }

@@ -14,5 +14,6 @@ class CCatalog;
 std::error_code RenamePhotoFile(CAssetRecord photo, const std::string& newName);
 
 /// Brings file and row together again after a program that was killed in the middle of a rename. To be called
-/// once the catalog is open, before the first search. CStorageException if the catalog can't be written.
+/// once the catalog is open, before the first search. A disk that refuses to be written is told to the user,
+/// and the next start tries again.
 void FinishInterruptedRename(CCatalog& catalog);

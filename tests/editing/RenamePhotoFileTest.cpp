@@ -116,6 +116,24 @@ TEST_F(RenamePhotoFileTest, AKillAtAnyStepIsFinishedOrUndoneAtTheNextStart) {
   }
 }
 
+TEST_F(RenamePhotoFileTest, AStartOnAFullDiskLeavesTheRestOfARenameToTheNextOne) {
+  {
+    CRenameIntent intent(Catalog);
+    ASSERT_FALSE(intent.Write({1, InFolder("boat.jpg"), InFolder("new.jpg")}));
+    intent.Keep();
+  }
+  fs::rename(InFolder("boat.jpg"), InFolder("new.jpg"));
+  {
+    const CFileSizeLimit full(0);
+    FinishInterruptedRename(Catalog);
+  }
+  EXPECT_EQ(1U, Messages.Texts.size());
+  EXPECT_EQ(InFolder("boat.jpg"), Photo.GetPath());
+  FinishInterruptedRename(Catalog);
+  ExpectPhotoAt("new.jpg");
+  EXPECT_FALSE(HasIntent());
+}
+
 TEST_F(RenamePhotoFileTest, AnIntentThatTellsNothingIsDropped) {
   const std::string file = Catalog.GetPath() + ".rename";
   const auto write = [&file](const std::string& bytes) { std::ofstream(file, std::ios::binary) << bytes; };
