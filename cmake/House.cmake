@@ -12,7 +12,7 @@ if(VELLUMAR_SANITIZE)
   # Between the sanitizers' checks the compiler loses sight of what has been set; the release build warns.
   target_compile_options(house_options INTERFACE
     -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer
-    -Wno-maybe-uninitialized)
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(house_options INTERFACE -fsanitize=address,undefined)
 endif()
 
