@@ -34,6 +34,7 @@ void MoveFromOldLocation(const std::string& oldFolder, const std::string& path) 
 bool OpenDataStores(CCatalog& catalog, CThumbnailCache& cache) {
   CFolderSearch& search = CFolderSearch::GetInstance();
   const std::string folder = FindDataFolder(search.ActiveDisk);
+  platform::RemoveUnfinishedFiles(folder);
   const std::string catalogPath = JoinPath(folder, LoadText(StringId::CatalogFile));
   const std::string cachePath = JoinPath(folder, LoadText(StringId::ThumbnailFile));
   if (!search.ActiveDisk) {

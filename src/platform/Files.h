@@ -73,6 +73,13 @@ std::error_code CreateFolders(const std::string& path);
 /// Flushes the entries of the folder that holds `path`, so that a rename or removal in it lasts.
 std::error_code SyncFolderOf(const std::string& path);
 
+/// What the names of files begin with that aren't whole yet: hidden, and without an extension that a search
+/// for photos would take.
+inline constexpr std::string_view kUnfinishedPrefix = ".vellumar-";
+
+/// Removes the unfinished files that killed processes have left in a folder that no other one works in.
+void RemoveUnfinishedFiles(const std::string& folder);
+
 /// A new, empty, private file in the folder that holds `beside`, or in the temporary folder when
 /// `beside` is empty. `prefix` begins its name. The file is for the caller to remove.
 std::error_code CreateTemporaryFile(const std::string& beside, std::string_view prefix, std::string& path);

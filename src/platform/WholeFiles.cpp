@@ -12,14 +12,13 @@
 #include "platform/ExtendedAttributes.h"
 #include "platform/Faults.h"
 #include "platform/Files.h"
+#include "platform/FolderListing.h"
 #include "platform/SpecialFolders.h"
 #include "platform/TemporaryName.h"
 
 namespace platform {
 namespace {
 
-// Hidden, and without an extension that a search for photos would take.
-constexpr std::string_view kPrefix = ".vellumar-";
 constexpr unsigned kNewFileMode = 0666;
 constexpr int kLinkLimit = 40;  // as the kernel's
 constexpr std::size_t kCopyBlock = std::size_t{1} << 18;
@@ -118,7 +117,7 @@ std::error_code OpenRegular(const std::string& path, Descriptor& file, struct st
 /// A whole, flushed copy in that folder, with the mode, times and attributes of its source.
 std::error_code CopyInto(TemporaryName& copy, const std::string& folder, const Descriptor& source,
                          const struct stat& old) {
-  if (const auto error = copy.Create(folder, kPrefix, 0600)) return error;
+  if (const auto error = copy.Create(folder, kUnfinishedPrefix, 0600)) return error;
   if (const auto error = CopyBytes(source, copy)) return error;
   CopyExtendedAttributes(source, copy.GetFile());
   if (const auto error = SetMode(copy.GetFile(), copy.GetPath(), old.st_mode & 0777U)) return error;
@@ -141,7 +140,7 @@ std::error_code WriteFileAtomically(const std::string& path, const void* bytes, 
   TemporaryName temporary;
   // A file that others may not read must not be readable for a moment either.
   const unsigned mode = replaces ? 0600U : kNewFileMode;
-  if (const auto error = temporary.Create(FolderPart(target), kPrefix, mode)) return error;
+  if (const auto error = temporary.Create(FolderPart(target), kUnfinishedPrefix, mode)) return error;
   if (replaces) {
     if (const auto error = TakeOverRights(temporary.GetFile(), temporary.GetPath(), target, old))
       return error;
@@ -153,7 +152,7 @@ std::error_code WriteFileAtomically(const std::string& path, const void* bytes, 
 
 std::error_code WriteNewFile(const std::string& path, const void* bytes, std::size_t size) {
   TemporaryName temporary;
-  if (const auto error = temporary.Create(FolderPart(path), kPrefix, kNewFileMode)) return error;
+  if (const auto error = temporary.Create(FolderPart(path), kUnfinishedPrefix, kNewFileMode)) return error;
   if (const auto error = WriteAll(temporary.GetFile(), temporary.GetPath(), bytes, size)) return error;
   if (const auto error = FlushAndClose(temporary)) return error;
   return GiveName(temporary, path, false);
@@ -193,6 +192,15 @@ std::error_code CreateTemporaryFile(const std::string& beside, std::string_view 
   path = temporary.GetPath();
   temporary.Keep();
   return {};
+}
+
+void RemoveUnfinishedFiles(const std::string& folder) {
+  std::vector<FolderEntry> entries;
+  static_cast<void>(ListFolder(folder, entries));
+  for (const FolderEntry& entry : entries) {
+    // What can't be removed takes up room and does no harm.
+    if (entry.Name.starts_with(kUnfinishedPrefix)) static_cast<void>(RemoveFile(folder + "/" + entry.Name));
+  }
 }
 
 }  // namespace platform

@@ -10,7 +10,7 @@ CNewStorageFile::~CNewStorageFile() {
 }
 
 std::error_code CNewStorageFile::Create() {
-  return platform::CreateTemporaryFile(Target, ".vellumar-", Path);
+  return platform::CreateTemporaryFile(Target, platform::kUnfinishedPrefix, Path);
 }
 
 std::error_code CNewStorageFile::GiveName() {

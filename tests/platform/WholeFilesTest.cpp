@@ -205,6 +205,23 @@ TEST(WriteFileAtomically, NeverShowsAPrivateFileToOthers) {
   EXPECT_EQ(looks, 4) << "write, sync, rename, sync of the folder";
 }
 
+TEST(WriteFileAtomically, WhatAKillLeavesIsRemovedAndNothingElse) {
+  const CScratchFolder folder;
+  const std::string path = folder.Write("file", kOld);
+  int step = 1;
+  while (RunAndKillAtStep(step, [&] { Replace(path, kNew); })) ++step;
+  folder.Write("vellumar-mine", "");
+  folder.File(".vellumar-folder/kept");
+  const auto count = [&folder] {
+    const std::filesystem::directory_iterator entries(folder.GetPath());
+    return std::distance(std::filesystem::begin(entries), std::filesystem::end(entries));
+  };
+  EXPECT_GT(count(), 3) << "kills leave something";
+  platform::RemoveUnfinishedFiles(folder.GetPath());
+  EXPECT_EQ(count(), 3);
+  EXPECT_EQ(ReadBytes(path), kNew);
+}
+
 TEST(WriteFileAtomically, ReplacesRegularFilesAlone) {
   const CScratchFolder folder;
   const std::string inner = folder.File("folder/inner");
