@@ -155,6 +155,8 @@ class CJpegDecoder::Impl {
   bool TakeInScans() {
     if (!Info.buffered_image || RunGuarded(Errors, [this] { return ReadAllScans(); })) return true;
     if (TooCostly) return false;
+    // A second frame header has overwritten what the library made its buffers from.
+    if (Errors.Manager.msg_code == JERR_SOF_DUPLICATE) return false;
     Info.src->bytes_in_buffer = 0;
     Info.unread_marker = JPEG_EOI;
     return RunGuarded(Errors, [this] { return ReadAllScans(); });

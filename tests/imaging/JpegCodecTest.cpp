@@ -245,6 +245,22 @@ TEST(JpegCodecTest, ManyScansDecodeAndTooManyAreRefused) {
   EXPECT_EQ("Cannot read JPEG data from file\n", FailureOf(RepeatLastScan(jpeg, 10000)));
 }
 
+TEST(JpegCodecTest, ASecondFrameHeaderIsRefused) {
+  const auto jpeg = MakeJpeg({.Width = 200, .Height = 200, .Progressive = true}, PaintSoftly);
+  constexpr std::uint8_t kFrame[] = {0xFF, 0xC2};
+  constexpr std::uint8_t kScan[] = {0xFF, 0xDA};
+  constexpr std::ptrdiff_t kFrameBytes = 19;  // of three channels, with the marker
+  for (const auto& [width, height] : {std::pair(65500, 65500), {200, 8}, {8, 200}, {200, 200}}) {
+    const auto forged = ForgeSize(jpeg, width, height);
+    const auto frame = std::search(forged.begin(), forged.end(), std::begin(kFrame), std::end(kFrame));
+    auto twice = jpeg;
+    twice.insert(std::find_end(twice.begin(), twice.end(), std::begin(kScan), std::end(kScan)), frame,
+                 frame + kFrameBytes);
+    for (const int reduction : {1, 8})
+      EXPECT_EQ("Cannot read JPEG data from file\n", FailureOf(twice, reduction)) << width << "x" << height;
+  }
+}
+
 TEST(JpegCodecTest, DamagedBytesAnywhereNeverDoHarm) {
   std::mt19937 random(11);
   const JpegRecipe recipes[] = {{.HorizontalSampling = 2, .VerticalSampling = 2, .RestartInterval = 2},
