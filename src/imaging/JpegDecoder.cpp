@@ -100,7 +100,7 @@ void AlphaToPixels(const JSAMPLE* parts, std::uint8_t* pixels, JDIMENSION count)
 
 class CJpegDecoder::Impl {
  public:
-  explicit Impl(std::span<const std::uint8_t> bytes) : Source(bytes) {
+  explicit Impl(std::span<const std::uint8_t> bytes) : Bytes(bytes), Source(bytes) {
     Info.err = &Errors.Manager;
     Info.client_data = &Errors;
     const bool created = RunGuarded(Errors, [this] {
@@ -136,11 +136,16 @@ class CJpegDecoder::Impl {
     }
   }
 
-  void Decode(int reduction, const PixelBuffer& target) {
+  void Decode(int reduction, const PixelBuffer& target, bool mayTryAgain = true) {
     if (Form == ColorForm::Unsupported) throw CException("Unsupported number of channels");
-    const bool decoded = IsAffordable() &&
-                         RunGuarded(Errors, [&] { return Start(reduction, target.Size); }) && TakeInScans() &&
-                         RunGuarded(Errors, [&] { return ReadRows(target); });
+    const bool started = IsAffordable() && RunGuarded(Errors, [&] { return Start(reduction, target.Size); });
+    if (started && !TakeInScans() && mayTryAgain && EndOfLastScan > 0 && !TooCostly) {
+      // The library gave up on what stands between two scans, and its state can't be relied on any more. The
+      // scans before the flaw are the picture: it is decoded anew, as if the file ended there.
+      Impl(Bytes.first(EndOfLastScan)).Decode(reduction, target, false);
+      return;
+    }
+    const bool decoded = started && !Failed && RunGuarded(Errors, [&] { return ReadRows(target); });
     if (!decoded) throw CException("Cannot read JPEG data from file\n");
   }
 
@@ -150,16 +155,10 @@ class CJpegDecoder::Impl {
     return pixels <= (Info.arith_code ? kMaxArithmeticPixels : kMaxPixels);
   }
 
-  /// Takes in the scans of a progressive file, or of one with a scan for each channel. Where the library
-  /// gives up on what stands between scans, the file ends, and the scans before it are the picture.
+  /// Takes in the scans of a progressive file, or of one with a scan for each channel.
   bool TakeInScans() {
-    if (!Info.buffered_image || RunGuarded(Errors, [this] { return ReadAllScans(); })) return true;
-    if (TooCostly) return false;
-    // A second frame header has overwritten what the library made its buffers from.
-    if (Errors.Manager.msg_code == JERR_SOF_DUPLICATE) return false;
-    Info.src->bytes_in_buffer = 0;
-    Info.unread_marker = JPEG_EOI;
-    return RunGuarded(Errors, [this] { return ReadAllScans(); });
+    Failed = Info.buffered_image && !RunGuarded(Errors, [this] { return ReadAllScans(); });
+    return !Failed;
   }
 
   // All below runs guarded.
@@ -183,6 +182,11 @@ class CJpegDecoder::Impl {
 
   bool ReadAllScans() {
     for (int status = JPEG_REACHED_SOS; status != JPEG_REACHED_EOI; status = jpeg_consume_input(&Info)) {
+      if (status == JPEG_SCAN_COMPLETED) {
+        constexpr std::size_t kMarkerBytes = 2;  // read already, of what follows the scan
+        EndOfLastScan = Bytes.size() - std::min(Info.src->bytes_in_buffer, Bytes.size());
+        if (Info.unread_marker != 0) EndOfLastScan -= std::min(kMarkerBytes, EndOfLastScan);
+      }
       if (status != JPEG_REACHED_SOS) continue;
       BlockVisits += std::uint64_t{Info.MCUs_per_row} * Info.MCU_rows_in_scan *
                      static_cast<unsigned>(Info.blocks_in_MCU);
@@ -244,11 +248,14 @@ class CJpegDecoder::Impl {
   }
 
   JpegErrors Errors;
+  const std::span<const std::uint8_t> Bytes;
   MemorySource Source;
   jpeg_decompress_struct Info{};
   ColorForm Form = ColorForm::Unsupported;
   std::uint64_t BlockVisits = 0;
+  std::size_t EndOfLastScan = 0;  // how many bytes end with a whole scan
   bool TooCostly = false;
+  bool Failed = false;
 };
 
 CJpegDecoder::CJpegDecoder(std::span<const std::uint8_t> bytes) : Inside(std::make_unique<Impl>(bytes)) {}

@@ -245,7 +245,7 @@ TEST(JpegCodecTest, ManyScansDecodeAndTooManyAreRefused) {
   EXPECT_EQ("Cannot read JPEG data from file\n", FailureOf(RepeatLastScan(jpeg, 10000)));
 }
 
-TEST(JpegCodecTest, ASecondFrameHeaderIsRefused) {
+TEST(JpegCodecTest, TheScansBeforeASecondFrameHeaderAreShown) {
   const auto jpeg = MakeJpeg({.Width = 200, .Height = 200, .Progressive = true}, PaintSoftly);
   constexpr std::uint8_t kFrame[] = {0xFF, 0xC2};
   constexpr std::uint8_t kScan[] = {0xFF, 0xDA};
@@ -257,7 +257,7 @@ TEST(JpegCodecTest, ASecondFrameHeaderIsRefused) {
     twice.insert(std::find_end(twice.begin(), twice.end(), std::begin(kScan), std::end(kScan)), frame,
                  frame + kFrameBytes);
     for (const int reduction : {1, 8})
-      EXPECT_EQ("Cannot read JPEG data from file\n", FailureOf(twice, reduction)) << width << "x" << height;
+      EXPECT_EQ("none", FailureOf(twice, reduction)) << width << "x" << height;
   }
 }
 
