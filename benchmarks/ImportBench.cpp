@@ -22,10 +22,10 @@
 #include "discovery/FolderSearch.h"
 #include "imaging/JpegImage.h"
 #include "imaging/ThumbnailCache.h"
-#include "ui/Application.h"
-#include "ui/FontTable.h"
-#include "ui/Job.h"
-#include "ui/WindowedSearchProgress.h"
+#include "ui/kit/Application.h"
+#include "ui/kit/FontTable.h"
+#include "ui/kit/Job.h"
+#include "ui/search/WindowedSearchProgress.h"
 
 namespace {
 

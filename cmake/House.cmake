@@ -1,4 +1,5 @@
-# One library per folder of src/, one test executable per folder of tests/.
+# One library per folder of src/, one test executable per folder of tests/. A folder within another, such as
+# ui/kit, makes a library of its own, named ui_kit.
 #
 # A folder's headers are reached as "folder/File.h" through a directory that holds that folder
 # alone, so code can include a folder only if its target links it: an include that runs up the
@@ -21,30 +22,34 @@ set(HOUSE_INCLUDES ${CMAKE_BINARY_DIR}/includes)
 # add_house_folder(<folder> [LINKS lower-folder...] [USES external-library...])
 function(add_house_folder folder)
   cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "LINKS;USES")
+  string(REPLACE / _ library ${folder})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*.cpp
                                       ${CMAKE_SOURCE_DIR}/src/${folder}/*.h)
   if(NOT sources)  # a folder that is still empty
-    add_library(${folder} INTERFACE)
+    add_library(${library} INTERFACE)
     return()
   endif()
-  add_library(${folder} STATIC ${sources})
-  set_target_properties(${folder} PROPERTIES LINKER_LANGUAGE CXX)
-  file(MAKE_DIRECTORY ${HOUSE_INCLUDES}/${folder})
-  file(CREATE_LINK ${CMAKE_SOURCE_DIR}/src/${folder} ${HOUSE_INCLUDES}/${folder}/${folder} SYMBOLIC)
-  target_include_directories(${folder} PUBLIC ${HOUSE_INCLUDES}/${folder})
-  target_link_libraries(${folder} PUBLIC ${ARG_LINKS} PRIVATE ${ARG_USES} house_options)
+  add_library(${library} STATIC ${sources})
+  set_target_properties(${library} PROPERTIES LINKER_LANGUAGE CXX)
+  set(link ${HOUSE_INCLUDES}/${library}/${folder})
+  cmake_path(GET link PARENT_PATH around)
+  file(MAKE_DIRECTORY ${around})
+  file(CREATE_LINK ${CMAKE_SOURCE_DIR}/src/${folder} ${link} SYMBOLIC)
+  target_include_directories(${library} PUBLIC ${HOUSE_INCLUDES}/${library})
+  target_link_libraries(${library} PUBLIC ${ARG_LINKS} PRIVATE ${ARG_USES} house_options)
 endfunction()
 
-# add_house_test(<folder> [LINKS library...]) builds tests/<folder>/*.cpp into <folder>_test.
+# add_house_test(<folder> [LINKS library...]) builds tests/<folder>/*.cpp into <library>_test.
 function(add_house_test folder)
   cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "LINKS")
+  string(REPLACE / _ library ${folder})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/${folder}/*.cpp)
   if(NOT sources)
     return()
   endif()
-  add_executable(${folder}_test ${sources})
-  target_include_directories(${folder}_test PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-  target_link_libraries(${folder}_test PRIVATE ${folder} ${ARG_LINKS} house_options GTest::gmock_main)
-  add_test(NAME ${folder} COMMAND ${folder}_test)
-  set_tests_properties(${folder} PROPERTIES TIMEOUT 600)
+  add_executable(${library}_test ${sources})
+  target_include_directories(${library}_test PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  target_link_libraries(${library}_test PRIVATE ${library} ${ARG_LINKS} house_options GTest::gmock_main)
+  add_test(NAME ${library} COMMAND ${library}_test)
+  set_tests_properties(${library} PROPERTIES TIMEOUT 600)
 endfunction()

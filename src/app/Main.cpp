@@ -17,11 +17,11 @@
 #include "discovery/FolderSearch.h"
 #include "platform/SpecialFolders.h"
 #include "platform/StopSignals.h"
-#include "ui/Application.h"
-#include "ui/FontTable.h"
-#include "ui/Job.h"
-#include "ui/MainFrame.h"
-#include "ui/WindowedSearchProgress.h"
+#include "ui/kit/Application.h"
+#include "ui/kit/FontTable.h"
+#include "ui/kit/Job.h"
+#include "ui/frame/MainFrame.h"
+#include "ui/search/WindowedSearchProgress.h"
 
 namespace {
 

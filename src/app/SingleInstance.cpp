@@ -7,7 +7,7 @@
 #include <algorithm>
 
 #include "base/Paths.h"
-#include "ui/QtText.h"
+#include "ui/kit/QtText.h"
 
 namespace {
 

@@ -1,9 +1,47 @@
 #pragma once
 
-/// The pictures, each a file resources/pictures/<number>.svg.
+/// The pictures, each a file resources/pictures/<number>.svg. A picture of several images holds them side by
+/// side, of equal width. That of a button has the number of the button's text.
 enum class PictureId : int {
   ProgramIcon = 128,
+  LensTop = 302,
+  LensLeft = 303,
+  LensRight = 304,
+  LensBottom = 305,
+  PlaySlideShow = 306,
+  StopSlideShow = 307,
+  ViewNormal = 308,
+  ViewFullScreen = 309,
+  EmptyStar = 313,    // rest, pressed, pointer
+  FilledStar = 314,   // rest, pressed, pointer
+  RotateRight = 327,  // buttons: rest, pressed
+  RotateLeft = 328,
+  Help = 329,
+  EmailMark = 336,  // on the large photo
+  NextPhoto = 353,
+  PreviousPhoto = 354,
+  BandStars = 356,        // 0 to 4 stars
+  CurrentPhotoTab = 358,  // tabs: not selected, selected
+  UploadPhoto = 360,
+  EmailStripMarks = 362,  // strip marks: off, on, off under the pointer, on under the pointer
+  PanelCorners = 393,     // 3 by 3 tiles
+  DeletePhoto = 1007,
+  EmailPhoto = 1012,
+  DoNotUploadPhoto = 1017,
+  DoNotEmailPhoto = 5005,
+  NextGroup = 5037,
+  PreviousGroup = 5038,
+  UndoAutoFix = 5040,
   SearchBackground = 5065,
+  UploadStripMarks = 5069,
+  PhotoShadow = 5105,  // five pieces
+  TabTiles = 5107,     // eleven tiles
+  ThumbnailShadow = 5112,
+  PushBar = 5116,     // left end, middle, right end
+  Separators = 5118,  // before the first cell, between cells, between groups, after the last; three rows each
+  TextButtons = 5121,  // rest, pressed, default, default pressed
+  UploadMark = 10029,  // on the large photo
   SearchBackgroundWithSplash = 10032,
   Logo = 10045,
+  AutoFix = 10046,
 };

@@ -4,7 +4,7 @@
 #include "app/SessionFixture.h"
 #include "base/Exceptions.h"
 #include "catalog/Catalog.h"
-#include "ui/MainFrame.h"
+#include "ui/frame/MainFrame.h"
 
 namespace {
 

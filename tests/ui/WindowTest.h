@@ -15,8 +15,8 @@
 
 #include "base/Messages.h"
 #include "support/TestJpeg.h"
-#include "ui/Application.h"
-#include "ui/FontTable.h"
+#include "ui/kit/Application.h"
+#include "ui/kit/FontTable.h"
 
 /// The application object that every window test needs, on a platform without a screen.
 class CApplicationEnvironment : public testing::Environment {

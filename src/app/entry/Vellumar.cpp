@@ -6,8 +6,8 @@
 
 #include "app/Main.h"
 #include "base/Product.h"
-#include "ui/Application.h"
-#include "ui/MessageBox.h"
+#include "ui/kit/Application.h"
+#include "ui/kit/MessageBox.h"
 
 namespace {
 

@@ -1,0 +1,50 @@
+#include "ui/kit/Application.h"
+
+#include <utility>
+
+#include "base/Messages.h"
+#include "storage/StorageException.h"
+#include "ui/kit/Job.h"
+
+CApplication::CApplication(int& argumentCount, char** arguments) : QApplication(argumentCount, arguments) {
+  // The main window ends the loop when it is closed. The progress window goes before, and more than once.
+  setQuitOnLastWindowClosed(false);
+}
+
+CApplication* CApplication::GetInstance() { return dynamic_cast<CApplication*>(instance()); }
+
+bool CApplication::notify(QObject* receiver, QEvent* event) {
+  try {
+    try {
+      return QApplication::notify(receiver, event);
+    } catch (const CStorageException& exception) {
+      ShowMessage(exception.GetMessage());
+    }
+  } catch (...) {
+    Keep(std::current_exception());
+  }
+  return false;
+}
+
+int CApplication::RunLoop() {
+  LoopRuns = true;
+  const int exitCode = exec();
+  LoopRuns = false;
+  RethrowFailure();
+  return exitCode;
+}
+
+void CApplication::EndLoop(int exitCode) {
+  // An exit without a loop would be remembered, and the next message box would close as soon as it opens.
+  if (LoopRuns) exit(exitCode);
+}
+
+void CApplication::RethrowFailure() {
+  if (Failure) std::rethrow_exception(std::exchange(Failure, nullptr));
+}
+
+void CApplication::Keep(std::exception_ptr failure) {
+  if (!Failure) Failure = std::move(failure);
+  StopJob();
+  EndLoop(0);
+}

@@ -1,0 +1,62 @@
+#pragma once
+
+/// What the user can ask for, by key, button or menu. The main window carries commands out; everything else
+/// only names them.
+enum class CommandId : int {
+  EndEdit = 1,
+  Cancel = 2,
+  ToggleUpload = 111,
+  // A field of the photo back, by its number.
+  GoToRating = 221,
+  GoToCaption = 222,
+  GoToSubjects = 224,
+  GoToEvent = 225,
+  GoToDate = 226,
+  GoToPlace = 230,
+  GoToFolder = 232,
+  GoToTitle = 233,
+  // A star of the rating control.
+  RateByStar1 = 316,
+  RateByStar2 = 317,
+  RateByStar3 = 318,
+  RateByStar4 = 319,
+  RotateRight = 327,
+  RotateLeft = 328,
+  Help = 329,
+  AutoFix = 349,
+  PreviousPhoto = 1000,
+  NextPhoto = 1001,
+  NextPage = 1002,
+  PreviousPage = 1003,
+  ShowInfo = 1005,
+  DeletePhoto = 1007,
+  ToggleSlideShow = 1008,
+  ToggleFullScreen = 1010,
+  ToggleEmail = 1012,
+  TipAtStart = 4999,
+  FirstPhoto = 5000,
+  LastPhoto = 5001,
+  NextField = 5010,
+  PreviousField = 5012,
+  RenamePhoto = 5014,
+  CloseWindow = 5018,
+  Rate0 = 5027,
+  Rate1 = 5028,
+  Rate2 = 5029,
+  Rate3 = 5030,
+  Rate4 = 5031,
+  NextGroup = 5037,
+  PreviousGroup = 5038,
+  NextTab = 5049,
+  Copy = 57634,
+  Cut = 57635,
+  Paste = 57637,
+  Undo = 57643,
+};
+
+/// Where commands arrive.
+class CCommandTarget {
+ public:
+  virtual ~CCommandTarget() = default;
+  virtual void OnCommand(CommandId id) = 0;
+};

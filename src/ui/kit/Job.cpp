@@ -1,0 +1,164 @@
+#include "ui/kit/Job.h"
+
+#include <QAbstractEventDispatcher>
+#include <QApplication>
+#include <QEvent>
+#include <QMessageBox>
+#include <QThread>
+#include <QWidget>
+#include <atomic>
+#include <exception>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "storage/DataThread.h"
+#include "ui/kit/Application.h"
+#include "ui/kit/WindowNames.h"
+
+namespace {
+
+class CRunningJob;
+CRunningJob* TheJob = nullptr;  // of the window thread
+
+/// The job that runs while this object lives. What was put off meanwhile is posted at its end.
+class CRunningJob {
+ public:
+  explicit CRunningJob(const std::function<void()>& stop) : Stop(stop) { TheJob = this; }
+  ~CRunningJob() {
+    TheJob = nullptr;
+    for (auto& next : Afterwards) QMetaObject::invokeMethod(qApp, std::move(next), Qt::QueuedConnection);
+  }
+  CRunningJob(const CRunningJob&) = delete;
+  CRunningJob& operator=(const CRunningJob&) = delete;
+
+  const std::function<void()>& Stop;
+  std::vector<std::function<void()>> Afterwards;
+};
+
+/// Keeps input from all windows but those that a job may be answered in, and shows the wait cursor over
+/// them, while it lives.
+class CInputBlock : public QObject {
+ public:
+  CInputBlock() {
+    qApp->installEventFilter(this);
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+  }
+  ~CInputBlock() override {
+    QApplication::restoreOverrideCursor();
+    qApp->removeEventFilter(this);
+  }
+
+  bool eventFilter(QObject* receiver, QEvent* event) override {
+    if (!receiver->isWidgetType()) return false;
+    const QWidget* widget = static_cast<const QWidget*>(receiver);
+    if (!IsOpen(widget->window())) return IsInput(event->type());
+    if (widget->isWindow() && event->type() == QEvent::Enter) {
+      QApplication::changeOverrideCursor(Qt::ArrowCursor);
+    } else if (widget->isWindow() && event->type() == QEvent::Leave) {
+      QApplication::changeOverrideCursor(Qt::WaitCursor);
+    }
+    return false;
+  }
+
+ private:
+  static bool IsOpen(const QWidget* window) {
+    return window->objectName() == window_names::kSearchProgress ||
+           qobject_cast<const QMessageBox*>(window) != nullptr;
+  }
+
+  static bool IsInput(QEvent::Type type) {
+    switch (type) {
+      case QEvent::MouseButtonPress:
+      case QEvent::MouseButtonRelease:
+      case QEvent::MouseButtonDblClick:
+      case QEvent::MouseMove:
+      case QEvent::Wheel:
+      case QEvent::KeyPress:
+      case QEvent::KeyRelease:
+      case QEvent::Shortcut:
+      case QEvent::ShortcutOverride:
+      case QEvent::ContextMenu:
+      case QEvent::InputMethod:
+      case QEvent::TouchBegin:
+      case QEvent::TouchUpdate:
+      case QEvent::TouchEnd:
+      case QEvent::TabletPress:
+      case QEvent::TabletMove:
+      case QEvent::TabletRelease:
+      case QEvent::DragEnter:
+      case QEvent::DragMove:
+      case QEvent::Drop:
+        return true;
+      default:
+        return false;
+    }
+  }
+};
+
+/// Waits for a worker thread while the window thread's events are handled, and joins it.
+void WaitFor(std::thread& worker, const std::atomic<bool>& done) {
+  // A loop object would return early once the application is told to exit; this doesn't.
+  QAbstractEventDispatcher* dispatcher = QThread::currentThread()->eventDispatcher();
+  while (!done) dispatcher->processEvents(QEventLoop::WaitForMoreEvents);
+  worker.join();
+}
+
+}  // namespace
+
+void RunJob(const std::function<void()>& work, const std::function<void()>& stop) {
+  Q_ASSERT(QThread::currentThread() == qApp->thread() && TheJob == nullptr);
+  std::exception_ptr failure;
+  {
+    const CRunningJob job(stop);
+    const CInputBlock inputBlock;
+    std::atomic<bool> done = false;
+    QAbstractEventDispatcher* dispatcher = QThread::currentThread()->eventDispatcher();
+    std::thread worker([&] {
+      try {
+        const CDataThreadScope scope;
+        work();
+      } catch (...) {
+        failure = std::current_exception();
+      }
+      done = true;
+      dispatcher->wakeUp();
+    });
+    WaitFor(worker, done);
+  }
+  if (failure) std::rethrow_exception(failure);
+  if (CApplication* application = CApplication::GetInstance()) application->RethrowFailure();
+}
+
+bool IsJobRunning() { return TheJob != nullptr; }
+
+void StopJob() {
+  if (TheJob != nullptr && TheJob->Stop) TheJob->Stop();
+}
+
+void RunAfterJob(std::function<void()> work) {
+  if (TheJob != nullptr) {
+    TheJob->Afterwards.push_back(std::move(work));
+  } else {
+    work();
+  }
+}
+
+void RunOnWindowThread(const std::function<void()>& work) {
+  if (QThread::currentThread() == qApp->thread()) {
+    work();
+    return;
+  }
+  std::exception_ptr failure;
+  QMetaObject::invokeMethod(
+      qApp,
+      [&] {
+        try {
+          work();
+        } catch (...) {
+          failure = std::current_exception();
+        }
+      },
+      Qt::BlockingQueuedConnection);
+  if (failure) std::rethrow_exception(failure);
+}

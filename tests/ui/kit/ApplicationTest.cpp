@@ -1,0 +1,52 @@
+#include <QEventLoop>
+#include <stdexcept>
+
+#include "storage/StorageException.h"
+#include "ui/WindowTest.h"
+#include "ui/kit/Application.h"
+
+namespace {
+
+/// Runs the event loop with a handler that does `work`. Returns its exit code; raises what the guard kept.
+int RunLoopWith(const std::function<void()>& work) {
+  CApplication& application = *CApplication::GetInstance();
+  QTimer end;
+  QObject::connect(&end, &QTimer::timeout, [&] { application.EndLoop(7); });
+  end.start(20);
+  QTimer::singleShot(0, &end, work);
+  return application.RunLoop();
+}
+
+}  // namespace
+
+TEST(Application, RefusedWriteIsToldAndTheProgramGoesOn) {
+  CNotedMessages messages;
+  EXPECT_EQ(RunLoopWith([] { throw CStorageException("/data/vellumar.db: no space left"); }), 7);
+  ASSERT_EQ(messages.Shown.size(), 1U);
+  EXPECT_EQ(messages.Shown[0].Text, "/data/vellumar.db: no space left");
+}
+
+TEST(Application, OtherExceptionsEndTheLoopAndReachItsCaller) {
+  CNotedMessages messages;
+  try {
+    RunLoopWith([] { throw CError("broken"); });
+    FAIL();
+  } catch (const CThrowable& failure) {
+    EXPECT_EQ(failure.GetMessage(), "broken");
+  }
+  EXPECT_THROW(RunLoopWith([] { throw std::bad_alloc(); }), std::bad_alloc);
+  EXPECT_TRUE(messages.Shown.empty());
+  EXPECT_EQ(RunLoopWith([] {}), 7) << "a failure is raised once";
+}
+
+TEST(Application, EndsNoLoopThatDoesNotRun) {
+  CApplication::GetInstance()->EndLoop(1);
+  bool waited = false;
+  QEventLoop loop;
+  QTimer::singleShot(5, &loop, [&] {
+    waited = true;
+    loop.quit();
+  });
+  loop.exec();
+  EXPECT_TRUE(waited) << "every later message box would close as soon as it opens";
+}
