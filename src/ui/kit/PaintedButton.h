@@ -1,0 +1,102 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QBasicTimer>
+#include <QPointer>
+#include <QSize>
+
+#include "resources/PictureIds.h"
+#include "resources/StringIds.h"
+#include "ui/kit/ButtonPress.h"
+#include "ui/kit/ButtonTip.h"
+#include "ui/kit/Commands.h"
+
+class CDevicePainter;
+
+/// Every push button of the windows. It paints itself, either from a picture that holds its looks side by
+/// side, or as a plate with a text, and sends its command straight to a target. A picture button also has a
+/// caption, beside or under it, and a tool tip. To assistive tools it is a button that can be pressed; it
+/// never takes the focus by itself.
+///
+/// Made in two steps: the object, then one of the Create operations. The target outlives it.
+class CPaintedButton : public QAbstractButton {
+ public:
+  CPaintedButton(CCommandTarget& target, QWidget* parent);
+  ~CPaintedButton() override;
+
+  /// A picture button with its top left corner there, in the parent's coordinates, and of the size of one
+  /// of its `imageCount` images: normal, pressed, under the pointer, disabled. A look without an image is
+  /// the first one. The text with the picture's number gives caption and tool tip.
+  void Create(QPoint corner, CommandId id, ButtonFlags flags, PictureId picture, int imageCount);
+
+  /// A text button; `defaultLook` marks the one that a dialog suggests.
+  void CreateText(const QRect& place, CommandId id, const QString& text, ButtonFlags flags, bool defaultLook);
+
+  /// Changes the images, the caption and, unless a string was set for it, the tool tip. With `resize` the
+  /// button takes the size of an image; otherwise a narrower button leaves out columns beside the middle.
+  void SetPicture(PictureId picture, int imageCount, bool resize);
+
+  /// Takes the tool tip from another string.
+  void SetTipString(StringId id);
+
+  /// Whether the caption shows at all; it does at first.
+  void EnableTip(bool on);
+  void SetTipSide(TipSide side);
+
+  /// How the caption is written: in which font, and shortened with an ellipsis to at most that many
+  /// pixels.
+  void SetCaptionForm(FontId font, int widest);
+
+  /// The caption of a picture button, the text of a text button.
+  QString GetText() const { return text(); }
+  ButtonState GetState() const { return Press.GetState(); }
+  CommandId GetCommand() const { return Command; }
+  /// The size of one image, in pixels of the layout.
+  const QSize& GetImageSize() const { return ImageSize; }
+
+ protected:
+  bool event(QEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void leaveEvent(QEvent* event) override;
+  void timerEvent(QTimerEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+  void moveEvent(QMoveEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  bool TipStays() const { return HasFlag(Press.GetFlags(), ButtonFlags::TipStays); }
+  void Start(CommandId id, ButtonFlags flags);
+  void ApplyState();
+  void Fire();
+  void TakeTexts(const QString& caption, const QString& tip);
+  CButtonTip& GetTip();
+  void ShowTip(bool on);
+  void PlaceStayingTip();
+  void PaintPicture(CDevicePainter& painter);
+  void PaintText(CDevicePainter& painter);
+
+  CCommandTarget& Target;
+  CommandId Command{};
+  CButtonPress Press;
+  QBasicTimer DelayTimer;
+  QBasicTimer RepeatTimer;
+
+  PictureId Picture{};
+  int ImageCount = 0;
+  QSize ImageSize;
+  bool HasTipString = false;
+
+  bool TextForm = false;
+  bool DefaultLook = false;
+
+  QPointer<CButtonTip> Tip;  // a child of another widget, made when it is first shown
+  bool TipEnabled = true;
+  TipSide Side = TipSide::Above;
+  FontId CaptionFont = FontId::Note;
+  int WidestCaption = 0;  // 0: any width
+};
