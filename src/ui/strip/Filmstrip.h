@@ -1,49 +1,148 @@
 #pragma once
 
-#include <QPixmap>
 #include <QTimer>
 #include <QWidget>
+#include <chrono>
 #include <functional>
-#include <map>
+#include <optional>
 
 #include "catalog/AssetRecord.h"
-#include "ui/strip/FilmstripLayout.h"
+#include "ui/strip/CellPainter.h"
+#include "ui/strip/FilmstripHost.h"
+#include "ui/strip/Lens.h"
+#include "ui/strip/PushBars.h"
+#include "ui/strip/Slide.h"
+#include "ui/strip/StripCache.h"
+#include "ui/strip/StripLayout.h"
 
 class CPhotoSet;
 
-/// The row of thumbnails, with the position in the set that the whole window goes by. It holds the
-/// thumbnails of the cells in sight, so that a paint reads nothing.
+/// A strip of film that runs under a fixed magnifier: the current photo of a set is always in the middle
+/// cell. It is how the user moves along the set, and the whole window follows it. The cells are painted once,
+/// into a cache; a slide only shows other parts of that.
+///
+/// A slide goes on by itself while events are handled. Whatever else is asked of the strip meanwhile, but
+/// for a further MoveBy, ends it on its cell first. While a job owns the data the strip shows what it holds.
 class CFilmstrip : public QWidget {
  public:
-  explicit CFilmstrip(QWidget* parent = nullptr);
+  // What Refresh takes besides an index.
+  static constexpr int kKeepPhoto = -1;     // the photo that is current now, if the set still has it
+  static constexpr int kStartOfSet = -2;    // the last photo of a set by month, the first of any other
+  static constexpr int kBandAndMarks = -1;  // as the icon of RedrawBand
 
-  /// Called once the strip has rested on a photo for a moment, or its set is empty.
-  std::function<void()> OnPhotoRested;
+  /// `parent` also gets the lens and the push bars. The host outlives the strip.
+  CFilmstrip(CFilmstripHost& host, QWidget& parent);
 
-  /// The set, not owned, and the photo to begin with; the position is kept within the set. Null for none.
-  void SetPhotoSet(const CPhotoSet* set, int current);
+  /// The set, not owned, which may be null. Goes to the photo that is current now, or else to the set's start.
+  void SetPhotoSet(CPhotoSet* set);
+  CPhotoSet* GetPhotoSet() const { return Set; }
 
+  /// To be called after the set has changed, with an index, kKeepPhoto or kStartOfSet.
+  void Refresh(int position);
+
+  /// Slides by so many photos; nothing if that leads out of the set. During a slide it is put off to its
+  /// end, and only the last direction and the longest way in it count: so a held key can't run ahead.
+  void MoveBy(int delta);
+  /// Goes there without a slide and tells the host at once.
   void MoveTo(int index);
-  void MoveBy(int delta) { MoveTo(Current + delta); }
+  /// Slides by as many photos as can be seen, as far as there are any.
   void MovePage(bool backward);
+  /// Ends a slide on its cell, at once, and forgets the move that was put off.
+  void FinishMove();
+  /// Tells the host of a photo now that it would be told of in a moment. Nothing if there is none.
+  void AnnounceNow();
 
-  int GetCurrent() const { return Current; }
-  int GetCount() const;
-  /// Invalid if the set is empty.
-  CAssetRecord GetCurrentRecord() const;
+  /// Takes the current photo out of the set, and goes to the next one or, at the end, the one before.
+  void RemoveCurrent();
+
+  /// The photo under the lens, valid until the next move; null for none.
+  CAssetRecord* GetCurrentRecord();
+  /// The position of the photo under the lens; during a slide that which passes by.
+  int GetCurrentIndex() const { return Current; }
+
+  // After a change of a photo.
+
+  void RedrawCurrentThumbnail();
+  /// The marks of a cell and, with kBandAndMarks, its label too.
+  void RedrawBand(int index, int icon);
+  /// A stamp of the current photo, or its folder (12) or title (13), has another value.
+  void StampChanged(StampId type);
+
+  /// Makes the first step and goes on every two seconds, round and round. False if there is no photo.
+  bool StartSlideShow();
+  void StopSlideShow();
+  bool IsSlideShowRunning() const { return SlideShowRuns; }
+
+  /// The strip's width, in pixels of the layout.
+  void SetWidth(int width);
+
+  // Counted since the strip was made.
+  int GetPaintedCells() const { return Cache.GetPaintedCells(); }
+  int GetReadThumbnails() const { return Cells.GetReadThumbnails(); }
+  const StripLayout& GetLayout() const { return Layout; }
+  const CStripCache& GetCache() const { return Cache; }
 
  protected:
+  bool event(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
-  void resizeEvent(QResizeEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+  void moveEvent(QMoveEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void leaveEvent(QEvent* event) override;
 
  private:
-  int GetStart() const { return StripStart(width(), GetCount(), Current); }
-  void LoadVisible();
-  QPixmap LoadCell(int cell) const;
+  using Clock = std::chrono::steady_clock;
 
-  const CPhotoSet* Set = nullptr;
+  void ConnectTimers();
+  bool PutOffWhileJobRuns(void (CFilmstrip::*step)());
+  bool IsIndex(int index) const;
+  void ShowAll(bool shown);
+  void SetEmpty();
+
+  void StartSlide(int delta, Clock::time_point begin);
+  void StepSlide();
+  void EndSlide();
+  void MoveUnseen(int delta);
+  void TakeRest();
+  void Announce();
+  void StepSlideShow();
+
+  void UpdateLayout();
+  void PrepareCells();
+  void FillOneCell();
+  void ShowPosition(double percent);
+
+  StripHit HitTestAt(QPointF point) const;
+  void SetHighlight(StripHit hit);
+  int IndexOfCell(int cell) const;
+  void RepaintMarks(int index);
+  void ToggleMark(const StripHit& hit, bool extendRange);
+
+  CFilmstripHost& Host;
+  CPhotoSet* Set = nullptr;
   int Current = 0;
-  std::map<int, QPixmap> Thumbnails;  // of the visible cells; null where a photo has none
+  std::int32_t RestingId = -1;                // of the photo that the strip rests on or slides to
+  std::optional<CAssetRecord> CurrentRecord;  // made when it is asked for
+
+  int LayoutWidth = 0;
+  StripLayout Layout;
+  CCellPainter Cells;
+  CStripCache Cache;
+  StripHit Highlight;  // a mark under the pointer
+
+  std::optional<CSlide> Slide;
+  int SlideOffset = 0;  // device pixels, negative backwards; 0 at rest
+  int PendingDelta = 0;
+  bool SlideShowRuns = false;
+
+  QTimer SlideTimer;
   QTimer RestTimer;
+  QTimer ShowTimer;
+  QTimer IdleTimer;
+
+  CLens Lens;
+  CPushBars Bars;
 };
