@@ -3,7 +3,6 @@
 #include <QFontMetricsF>
 #include <QMouseEvent>
 #include <QScopeGuard>
-#include <memory>
 
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
@@ -80,7 +79,11 @@ void CPaintedButton::SetPicture(PictureId picture, int imageCount, bool resizeTo
 void CPaintedButton::TakeTexts(const QString& caption, const QString& tip) {
   setText(caption);
   if (!HasTipString) SetToolTip(*this, tip);
-  setAccessibleName(caption.isEmpty() ? tip.section(u'\n', 0, 0) : caption);
+  if (!caption.isEmpty()) {
+    setAccessibleName(caption);
+  } else if (!HasTipString) {
+    setAccessibleName(tip.section(u'\n', 0, 0));
+  }
   if (Tip && Tip->isVisible()) ShowTip(true);
 }
 
@@ -109,7 +112,7 @@ void CPaintedButton::SetCaptionForm(FontId font, int widest) {
 
 CButtonTip& CPaintedButton::GetTip() {
   // A child of its parent, which may go before this button does.
-  if (!Tip) Tip = std::make_unique<CButtonTip>(TipStays() ? parentWidget() : window()).release();
+  if (!Tip) Tip = new CButtonTip(TipStays() ? parentWidget() : window());
   return *Tip;
 }
 

@@ -9,7 +9,6 @@
 #include <QTextDocument>
 #include <QToolTip>
 #include <QWidget>
-#include <memory>
 
 #include "base/Texts.h"
 #include "ui/kit/Colours.h"
@@ -107,5 +106,5 @@ void ShowToolTip(QPoint onScreen, const QString& text, QWidget& widget, const QR
 }
 
 void ShareToolTipArea(QWidget& first, QWidget& second) {
-  std::make_unique<CSharedArea>(first, second).release();  // a child of the first
+  new CSharedArea(first, second);  // a child of the first
 }

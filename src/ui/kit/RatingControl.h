@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QWidget>
+#include <array>
+
+#include "ui/kit/PaintedButton.h"
+
+/// What keeps the rating that the control shows.
+class CRatingOwner {
+ public:
+  virtual ~CRatingOwner() = default;
+  /// 0 to 4; 0 with no photo.
+  virtual int GetRating() const = 0;
+  virtual void SetRating(int rating) = 0;
+  /// Stores what SetRating gave, and calls the control's Refresh.
+  virtual void Commit() = 0;
+};
+
+/// The row of four stars. A click on a star gives the photo as many stars; a click on its last one takes
+/// that away. The rating itself is the owner's, which outlives the control.
+class CRatingControl : public QWidget, private CCommandTarget {
+ public:
+  static constexpr int kStars = 4;
+  static constexpr QSize kSize{84, 21};
+
+  CRatingControl(CRatingOwner& owner, QWidget* parent);
+
+  /// Shows that many filled stars from the left, the others empty.
+  void SetStars(int count);
+
+  /// Shows the owner's rating.
+  void Refresh();
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  void OnCommand(CommandId id) override;
+
+  CRatingOwner& Owner;
+  std::array<CPaintedButton*, kStars> Stars{};  // children
+};
