@@ -55,6 +55,7 @@ enum class StringId : int {
   RatePhoto = 313,
   RotateRight = 327,
   RotateLeft = 328,
+  Help = 329,
   CurrentPhotoTabTip = 331,
   EmailTabTip = 333,
   CameraDate = 334,
@@ -168,6 +169,7 @@ enum class StringId : int {
   MoreFoldersTitle = 20040,
   ChooseButton = 20041,
   AddFolderTipTitle = 20042,
+  AddFolderTip = 20043,
 
   // The upload window.
   PhotosToUpload = 20050,

@@ -70,6 +70,7 @@ constexpr auto kTable = std::to_array<Entry>({
     {StringId::RatePhoto, "\nRate photo\nShortcut key: 0-4"},
     {StringId::RotateRight, "Rotate Right\nRotate the photo to the right\nShortcut key: R"},
     {StringId::RotateLeft, "Rotate Left\nRotate the photo to the left\nShortcut key: L"},
+    {StringId::Help, "\nInformation and help\nShortcut key: F1"},
     {StringId::CurrentPhotoTabTip, "View the photo under the lens"},
     {StringId::EmailTabTip, "View photos to email"},
     {StringId::CameraDate, "Camera date"},
@@ -202,6 +203,9 @@ constexpr auto kTable = std::to_array<Entry>({
     {StringId::MoreFoldersTitle, "More Folders"},
     {StringId::ChooseButton, "&Choose"},
     {StringId::AddFolderTipTitle, "How to add folders to %1"},
+    {StringId::AddFolderTip,
+     "%1 shows the photos in My Pictures and in all folders below it.\n\nTo see photos that are kept in other "
+     "folders, choose \"Add folder to list...\" in the Show list at the lower right of the window."},
     {StringId::PhotosToUpload, "%d photos to upload"},
     {StringId::PhotoOfCount, "Photo %d of %d"},
     {StringId::SizeInThousandBytes, "%dK"},

@@ -1,74 +1,147 @@
 #include "ui/pages/PhotoView.h"
 
-#include <QPainter>
-#include <QPointer>
+#include <QEvent>
 #include <cmath>
 
 #include "base/Texts.h"
 #include "imaging/Image.h"
 #include "imaging/ImageFile.h"
 #include "ui/kit/Colours.h"
+#include "ui/kit/DevicePainter.h"
+#include "ui/kit/DropShadow.h"
 #include "ui/kit/FontTable.h"
-#include "ui/kit/ImageConversion.h"
 #include "ui/kit/Job.h"
+#include "ui/kit/Pictures.h"
 #include "ui/kit/QtText.h"
+#include "ui/kit/WaitCursor.h"
+#include "ui/pages/PhotoViewLayout.h"
 
 namespace {
 
 constexpr int kMargin = 10;
-constexpr int kReloadDelay = 100;  // milliseconds that a new size must rest
+constexpr int kShadowPiece = 8;
+
+/// The marks in the order of their slots.
+struct Mark {
+  PhotoFlag Flag;
+  PictureId Picture;
+};
+constexpr Mark kMarks[] = {{PhotoFlag::ToRemotePrint, PictureId::UploadMark},
+                           {PhotoFlag::ToEmail, PictureId::EmailMark}};
 
 }  // namespace
+
+static_assert(std::size(kMarks) == CPhotoView::kMarkSlots);
 
 CPhotoView::CPhotoView(QWidget* parent) : QWidget(parent) {
   setObjectName(QStringLiteral("SlideVue"));
   setAccessibleName(QStringLiteral("Current photo"));
   setAttribute(Qt::WA_OpaquePaintEvent);
-  ReloadTimer.setSingleShot(true);
-  ReloadTimer.setInterval(kReloadDelay);
-  connect(&ReloadTimer, &QTimer::timeout, this, [this] { Load(); });
 }
 
-void CPhotoView::SetPhoto(const std::string& path) {
-  Path = path;
-  Load();
-}
+CPhotoView::~CPhotoView() = default;
 
-QRect CPhotoView::GetPhotoArea() const { return rect().adjusted(kMargin, kMargin, -kMargin, -kMargin); }
-
-void CPhotoView::Load() {
-  Picture = {};
-  const QSize area = GetPhotoArea().size();
-  if (Path && !Path->empty() && !area.isEmpty()) {
-    const double ratio = devicePixelRatioF();
-    const auto image = LoadImageFile(*Path, static_cast<int>(std::ceil(area.width() * ratio)),
-                                     static_cast<int>(std::ceil(area.height() * ratio)));
-    if (image) Picture = FitToImage(*image, area, ratio, Enlarging::Allowed);
-  }
+void CPhotoView::SetPhoto(const std::optional<CAssetRecord>& photo) {
+  Photo = photo;
+  Image.reset();
+  ShownFlags = {};
+  UpdateFlags();
+  Reload(false);
   update();
 }
 
-void CPhotoView::paintEvent(QPaintEvent*) {
-  QPainter painter(this);
-  painter.fillRect(rect(), colours::kPage);
-  if (!Path) return;
-  if (Picture.isNull()) {
-    painter.setFont(GetFont(FontId::EmptyPage));
-    painter.setPen(colours::kInk);
-    const StringId text = Path->empty() ? StringId::NoPhotosFound : StringId::UnableToDisplayPhoto;
-    painter.drawText(rect(), Qt::AlignCenter, ToQString(LoadExpandedString(text)));
-    return;
+void CPhotoView::UpdateFlags() {
+  std::array<bool, kMarkSlots> flags{};
+  for (std::size_t slot = 0; Photo && slot < kMarkSlots; ++slot) {
+    flags[slot] = Photo->GetFlag(kMarks[slot].Flag);
   }
-  // Until the photo is loaded for a new size, the picture held is stretched.
-  const QRect area = GetPhotoArea();
-  QSize size = Picture.deviceIndependentSize().toSize();
-  if (ReloadTimer.isActive()) {
-    size.scale(area.size(), Qt::KeepAspectRatio);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-  }
-  const QPoint corner(area.x() + (area.width() - size.width()) / 2,
-                      area.y() + (area.height() - size.height()) / 2);
-  painter.drawImage(QRect(corner, size), Picture);
+  if (flags == ShownFlags) return;
+  ShownFlags = flags;
+  update();
 }
 
-void CPhotoView::resizeEvent(QResizeEvent*) { ReloadTimer.start(); }
+void CPhotoView::SetLook(const Look& look) {
+  if (look == TheLook) return;
+  TheLook = look;
+  Fit();
+}
+
+QSize CPhotoView::GetDeviceSize() const {
+  const double ratio = devicePixelRatioF();
+  return {ToDevicePixels(width(), ratio), ToDevicePixels(height(), ratio)};
+}
+
+int CPhotoView::GetDeviceMargin() const {
+  return TheLook.Margin ? ToDevicePixels(kMargin, devicePixelRatioF()) : 0;
+}
+
+void CPhotoView::Reload(bool force) {
+  if (!Photo || (!isVisible() && !force)) {
+    Fit();
+    return;
+  }
+  const QSize view = GetDeviceSize();
+  const bool stays =
+      Image &&
+      !NeedsReload({Image->GetNaturalSize(), Image->GetCurrentSize(), Image->GetRequestedSize()}, view);
+  if (force || !stays) {
+    const CWaitCursor waiting;
+    if (!IsJobRunning()) Path = Photo->GetPath();  // a job owns the catalog
+    Image.reset();
+    Image = LoadImageFile(Path, view.width(), view.height());
+  }
+  Fit();
+}
+
+void CPhotoView::Fit() {
+  Picture = {};
+  update();
+  if (!Image || Image->GetCurrentSize() == ImageSize()) return;
+  const QSize view = GetDeviceSize();
+  const int margin = GetDeviceMargin();
+  const QRect area = PhotoArea(view, margin);
+  if (area.isEmpty()) return;
+  const ImageSize size = Image->ScaledSize(Image->FitScale(area.width(), area.height(), Enlarge));
+  Picture = QImage(size.Width, size.Height, QImage::Format_RGB32);
+  if (Picture.isNull()) return;
+  Image->DrawOver({Picture.bits(), Picture.bytesPerLine(), size, 4});
+  Place = PlacePhoto(view, margin, Picture.size(), TheLook.CentreVertically);
+}
+
+void CPhotoView::paintEvent(QPaintEvent*) {
+  CDevicePainter painter(*this);
+  painter.Fill(painter.GetArea(), colours::kPage);
+  if (Picture.isNull()) {
+    const StringId text = Photo ? StringId::UnableToDisplayPhoto : StringId::NoPhoto;
+    painter.DrawText(painter.GetArea(), Qt::AlignCenter, GetFont(FontId::EmptyPage), colours::kInk,
+                     ToQString(LoadExpandedString(text)));
+    return;
+  }
+  painter.GetPainter().drawImage(Place.topLeft(), Picture);
+  if (TheLook.Margin) DrawDropShadow(painter, PictureId::PhotoShadow, kShadowPiece, Place);
+  const std::vector<QRect> marks = PlaceMarks(Place, ShownFlags, painter.GetPixelRatio());
+  for (std::size_t slot = 0; slot < kMarkSlots; ++slot) {
+    if (marks[slot].isEmpty()) continue;
+    painter.Draw(marks[slot].topLeft(), GetPicture(kMarks[slot].Picture, painter.GetPixelRatio()));
+  }
+}
+
+bool CPhotoView::event(QEvent* event) {
+  const bool handled = QWidget::event(event);
+  if (event->type() == QEvent::ScreenChangeInternal) Reload(false);  // the pixel ratio may be another now
+  return handled;
+}
+
+void CPhotoView::resizeEvent(QResizeEvent*) { Reload(false); }
+
+void CPhotoView::showEvent(QShowEvent*) { Reload(false); }
+
+void CPhotoView::changeEvent(QEvent* event) {
+  // The user comes back from elsewhere, where a photo that couldn't be shown may have been put right.
+  if (event->type() == QEvent::ActivationChange && !Image && isActiveWindow()) Reload(false);
+  QWidget::changeEvent(event);
+}
+
+void CPhotoView::mouseDoubleClickEvent(QMouseEvent*) {
+  if (OnDoubleClick) OnDoubleClick();
+}

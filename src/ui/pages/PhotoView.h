@@ -1,29 +1,70 @@
 #pragma once
 
 #include <QImage>
-#include <QTimer>
 #include <QWidget>
+#include <array>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
-/// The current photo, as large as the window lets it be.
+#include "catalog/AssetRecord.h"
+
+class CImage;
+
+/// The page of the current photo: the photo as large as the page lets it be, with the marks that the user
+/// gave it; the whole screen in full-screen mode. It holds the photo's bitmap for the whole window. A photo
+/// is decoded when it is set, or when the page first shows; a paint only copies.
 class CPhotoView : public QWidget {
  public:
-  explicit CPhotoView(QWidget* parent = nullptr);
+  static constexpr std::size_t kMarkSlots = 2;
 
-  /// Loads the photo file of that path for the view's size and shows it; an empty path shows that there
-  /// is no photo. A file that can't be decoded is shown as a text.
-  void SetPhoto(const std::string& path);
+  explicit CPhotoView(QWidget* parent = nullptr);
+  ~CPhotoView() override;
+
+  /// Called for a double click on the page.
+  std::function<void()> OnDoubleClick;
+
+  /// Shows that photo; none shows a text instead.
+  void SetPhoto(const std::optional<CAssetRecord>& photo);
+  const std::optional<CAssetRecord>& GetPhoto() const { return Photo; }
+
+  /// Decodes the photo again if the bitmap held is too small for the page and the file has more, or if
+  /// there is none; `force` does so in any case, as after a change of the file.
+  void Reload(bool force);
+
+  /// The photo as it is held; null if there is none, it can't be decoded or it hasn't been shown yet.
+  CImage* GetImage() { return Image.get(); }
+
+  /// Takes over the photo's marks.
+  void UpdateFlags();
+
+  struct Look {
+    bool Margin = true;  // without one the photo goes to the page's edges and throws no shadow
+    bool CentreVertically = false;
+    friend bool operator==(const Look&, const Look&) = default;
+  };
+  void SetLook(const Look& look);
 
  protected:
+  bool event(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
 
  private:
-  void Load();
-  QRect GetPhotoArea() const;
+  QSize GetDeviceSize() const;
+  int GetDeviceMargin() const;
+  void Fit();
 
-  std::optional<std::string> Path;  // none until the first photo is set
-  QImage Picture;                   // fitted to the view's size at the last load; null where there is none
-  QTimer ReloadTimer;
+  std::optional<CAssetRecord> Photo;
+  std::string Path;
+  std::unique_ptr<CImage> Image;
+  QImage Picture;  // the image, fitted to the page as it is now
+  QRect Place;     // of the picture, in device pixels
+  Look TheLook;
+  bool Enlarge = true;  // a photo smaller than the page is scaled up
+  std::array<bool, kMarkSlots> ShownFlags{};
 };
