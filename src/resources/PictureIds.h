@@ -32,6 +32,9 @@ enum class PictureId : int {
   NextGroup = 5037,
   PreviousGroup = 5038,
   UndoAutoFix = 5040,
+  EmailTab = 5042,   // tabs: without photos not selected and selected, with photos the same
+  UploadTab = 5044,  // as EmailTab
+  TrashTab = 5047,
   SearchBackground = 5065,
   UploadStripMarks = 5069,
   PhotoShadow = 5105,  // five pieces
