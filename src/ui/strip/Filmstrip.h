@@ -33,7 +33,8 @@ class CFilmstrip : public QWidget {
   /// `parent` also gets the lens and the push bars. The host outlives the strip.
   CFilmstrip(CFilmstripHost& host, QWidget& parent);
 
-  /// The set, not owned, which may be null. Goes to the photo that is current now, or else to the set's start.
+  /// The set, not owned, which may be null. Goes to the photo that is current now, or else to the set's
+  /// start.
   void SetPhotoSet(CPhotoSet* set);
   CPhotoSet* GetPhotoSet() const { return Set; }
 
@@ -97,27 +98,37 @@ class CFilmstrip : public QWidget {
   using Clock = std::chrono::steady_clock;
 
   void ConnectTimers();
-  bool PutOffWhileJobRuns(void (CFilmstrip::*step)());
+  /// True while a job owns the data; then everything stops, and goes on when it is over.
+  bool WaitsForJob();
+  void GoOnAfterJob();
   bool IsIndex(int index) const;
   void ShowAll(bool shown);
   void SetEmpty();
 
-  void StartSlide(int delta, Clock::time_point begin);
+  /// `begin` is that of a slide that follows another without a rest; else it begins when the cells are there.
+  void StartSlide(int delta, std::optional<Clock::time_point> begin);
   void StepSlide();
-  void EndSlide();
+  void ArriveAtTarget();
+  void DropSlide();
   void MoveUnseen(int delta);
   void TakeRest();
   void Announce();
+  void CancelAnnouncement();
   void StepSlideShow();
 
   void UpdateLayout();
   void PrepareCells();
   void FillOneCell();
+  void ExtendCache(int count, CacheSide side);
+  /// The index of the cell that the cache tells distances from.
+  int GetBase() const { return Slide ? Slide->GetStart() : Current; }
   void ShowPosition(double percent);
 
   StripHit HitTestAt(QPointF point) const;
   void SetHighlight(StripHit hit);
-  int IndexOfCell(int cell) const;
+  int IndexOfCell(int cell) const { return Current + cell - Layout.GetLensCell(); }
+  int GetHotMark(int index) const;
+  void ClearHighlight() { SetHighlight({}); }
   void RepaintMarks(int index);
   void ToggleMark(const StripHit& hit, bool extendRange);
 
@@ -137,12 +148,14 @@ class CFilmstrip : public QWidget {
   int SlideOffset = 0;  // device pixels, negative backwards; 0 at rest
   int PendingDelta = 0;
   bool SlideShowRuns = false;
+  bool PhotoIsDue = false;  // the host hasn't been told of the photo that the strip rests on
+  bool Waiting = false;     // for the end of a job
 
   QTimer SlideTimer;
   QTimer RestTimer;
   QTimer ShowTimer;
   QTimer IdleTimer;
 
-  CLens Lens;
   CPushBars Bars;
+  CLens Lens;  // above the bars
 };

@@ -1,0 +1,162 @@
+#include "ui/strip/CellPainter.h"
+
+#include <QFontMetrics>
+#include <memory>
+
+#include "base/Texts.h"
+#include "imaging/Image.h"
+#include "sets/PhotoSet.h"
+#include "ui/kit/Colours.h"
+#include "ui/kit/DevicePainter.h"
+#include "ui/kit/DropShadow.h"
+#include "ui/kit/FontTable.h"
+#include "ui/kit/ImageConversion.h"
+#include "ui/kit/Pictures.h"
+#include "ui/kit/QtText.h"
+
+namespace {
+
+// The edges of the film, by their rows of the layout.
+struct FilmEdge {
+  int Top;
+  int Bottom;
+  QColor Colour;
+};
+constexpr FilmEdge kFilmEdges[] = {
+    {0, 2, QColor(222, 222, 222)},
+    {2, 3, QColor(205, 205, 205)},
+    {125, 126, QColor(132, 132, 132)},
+    {126, 128, QColor(60, 60, 60)},
+};
+
+// The columns of the picture of separators; cap, body and foot are three rows each.
+enum class Separator : int { First = 0, Plain = 1, Group = 2, Last = 3 };
+constexpr int kSeparatorWidth = 6;
+constexpr int kSeparatorPart = 3;
+
+constexpr int kShadowPiece = 4;
+constexpr int kTextLine = 12;
+constexpr int kLabelMargin = 2;
+constexpr int kStarImages = 5;
+
+struct Mark {
+  PictureId Picture;
+  PhotoFlag Flag;
+};
+constexpr Mark kMarks[kMarkCount] = {
+    {PictureId::UploadStripMarks, PhotoFlag::ToRemotePrint},
+    {PictureId::EmailStripMarks, PhotoFlag::ToEmail},
+};
+constexpr int kMarkImages = 4;  // off, on, off under the pointer, on under the pointer
+
+}  // namespace
+
+bool CCellPainter::IsPhoto(int index) const {
+  return Set != nullptr && index >= 0 && index < Set->GetCount();
+}
+
+std::string CCellPainter::GetLabel(int index) const {
+  return IsPhoto(index) ? GetGroupLabel(*Set, index, LabelOfFolder) : std::string();
+}
+
+void CCellPainter::PaintCell(CDevicePainter& painter, int left, int index, int hotMark) {
+  PaintFilm(painter, left);
+  PaintSeparator(painter, left - Metrics.SeparatorWidth, index);
+  if (IsPhoto(index)) {
+    PaintPhoto(painter, left, index);
+    PaintMarks(painter, left, index, hotMark);
+    PaintLabel(painter, left, index);
+  } else {
+    painter.Fill({left, 0, Metrics.FrameWidth, Metrics.Height}, colours::kWindow);
+  }
+  PaintSeparator(painter, left + Metrics.FrameWidth, index + 1);
+}
+
+void CCellPainter::PaintFilm(CDevicePainter& painter, int left) const {
+  const int begin = left - Metrics.SeparatorWidth;
+  const int width = Metrics.Pitch + Metrics.SeparatorWidth;
+  painter.Fill({begin, 0, width, Metrics.Height}, colours::kCell);
+  for (const FilmEdge& edge : kFilmEdges) {
+    const int top = Metrics.Scaled(edge.Top);
+    painter.Fill({begin, top, width, Metrics.Scaled(edge.Bottom) - top}, edge.Colour);
+  }
+}
+
+void CCellPainter::PaintSeparator(CDevicePainter& painter, int left, int index) const {
+  const int width = Metrics.SeparatorWidth;
+  const int count = Set != nullptr ? Set->GetCount() : 0;
+  if (index < 0 || index > count) {
+    painter.Fill({left, 0, width, Metrics.Height}, colours::kWindow);
+    return;
+  }
+  Separator kind = Separator::Plain;
+  if (index == 0) {
+    kind = Separator::First;
+  } else if (index == count) {
+    kind = Separator::Last;
+  } else if (Set->IsGroupStart(index)) {
+    kind = Separator::Group;
+  }
+  const int column = static_cast<int>(kind) * kSeparatorWidth;
+  const int rows[] = {0, Metrics.FrameTop, Metrics.FrameBottom, Metrics.Height};
+  for (int part = 0; part < 3; ++part) {
+    painter.DrawPart(PictureId::Separators, {column, part * kSeparatorPart, kSeparatorWidth, kSeparatorPart},
+                     {left, rows[part], width, rows[part + 1] - rows[part]});
+  }
+}
+
+void CCellPainter::PaintPhoto(CDevicePainter& painter, int left, int index) {
+  if (!IsPhoto(index)) return;
+  painter.Fill(Metrics.PictureAreaAt(left), colours::kCell);
+  const QRect box = Metrics.ThumbnailBoxAt(left);
+  const CAssetRecord record = Set->GetAsset(index);
+  ++ReadThumbnails;
+  QImage image;
+  if (const std::unique_ptr<CImage> thumbnail = record.LoadThumbnail()) {
+    image = FitToImage(*thumbnail, {kThumbnailWidth, kThumbnailHeight}, Metrics.PixelRatio, Enlarging::Never);
+  }
+  if (image.isNull()) return PaintNoThumbnail(painter, box, record);
+  image.setDevicePixelRatio(1.0);
+  const QRect place(box.x() + (box.width() - image.width()) / 2,
+                    box.y() + (box.height() - image.height()) / 2, image.width(), image.height());
+  painter.GetPainter().drawImage(place.topLeft(), image);
+  DrawDropShadow(painter, PictureId::ThumbnailShadow, kShadowPiece, place);
+}
+
+void CCellPainter::PaintNoThumbnail(CDevicePainter& painter, const QRect& box,
+                                    const CAssetRecord& record) const {
+  const QFont& font = GetFont(FontId::Band);
+  const QString name =
+      QFontMetrics(font).elidedText(ToQString(record.GetFilename()), Qt::ElideMiddle, kThumbnailWidth);
+  const int flags = Qt::AlignCenter | Qt::TextSingleLine;
+  painter.DrawText(box, flags, font, colours::kInk, ToQString(LoadText(StringId::NoThumbnailFor)));
+  painter.DrawText(box.translated(0, Metrics.Scaled(kTextLine)), flags, font, colours::kInk, name);
+}
+
+void CCellPainter::PaintMarks(CDevicePainter& painter, int left, int index, int hotMark) const {
+  if (!IsPhoto(index)) return;
+  painter.Fill(Metrics.MarksAt(left), colours::kCell);
+  const CAssetRecord record = Set->GetAsset(index);
+  for (int i = 0; i < kMarkCount; ++i) {
+    const int image = (record.GetFlag(kMarks[i].Flag) ? 1 : 0) + (i == hotMark ? 2 : 0);
+    painter.Draw(Metrics.MarkCornerAt(left, i),
+                 GetPictureImage(kMarks[i].Picture, image, kMarkImages, Metrics.PixelRatio));
+  }
+}
+
+void CCellPainter::PaintLabel(CDevicePainter& painter, int left, int index) const {
+  if (!IsPhoto(index)) return;
+  const QRect area = Metrics.BandLabelAt(left);
+  painter.Fill(area, colours::kCell);
+  const std::int32_t rating = Set->GetAsset(index).GetCachedRating();
+  if (Set->GetSortKind() == SortKind::Rating && rating > 0) {
+    const QPixmap stars = GetPictureImage(PictureId::BandStars, rating, kStarImages, Metrics.PixelRatio);
+    painter.Draw({area.x(), area.y() + (area.height() - stars.height()) / 2}, stars);
+    return;
+  }
+  const QFont& font = GetFont(FontId::Band);
+  const QRect text = area.adjusted(Metrics.Scaled(kLabelMargin), 0, 0, 0);
+  const QString label = QFontMetrics(font).elidedText(ToQString(GetLabel(index)), Qt::ElideRight,
+                                                      static_cast<int>(text.width() / Metrics.PixelRatio));
+  painter.DrawText(text, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, font, colours::kInk, label);
+}

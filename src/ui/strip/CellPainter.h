@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QRect>
+
+#include "ui/strip/GroupLabel.h"
+#include "ui/strip/StripMetrics.h"
+
+class CAssetRecord;
+class CDevicePainter;
+class CPhotoSet;
+
+/// Paints the cells of the strip, whole or in part, with what set, catalog and thumbnail cache hold of their
+/// photos. An index outside the set is an empty place beside the film. Opens no photo file. `left` is the
+/// left edge of the cell's frame; `hotMark` the mark under the pointer, -1 for none.
+class CCellPainter {
+ public:
+  explicit CCellPainter(FolderLabel folderLabel) : LabelOfFolder(std::move(folderLabel)) {}
+
+  /// Not owned; null paints empty places.
+  void SetPhotoSet(const CPhotoSet* set) { Set = set; }
+  void SetMetrics(const StripMetrics& metrics) { Metrics = metrics; }
+
+  void PaintCell(CDevicePainter& painter, int left, int index, int hotMark);
+  void PaintPhoto(CDevicePainter& painter, int left, int index);
+  void PaintMarks(CDevicePainter& painter, int left, int index, int hotMark) const;
+  void PaintLabel(CDevicePainter& painter, int left, int index) const;
+
+  /// What the photo's place in the order of the set is called.
+  std::string GetLabel(int index) const;
+
+  int GetReadThumbnails() const { return ReadThumbnails; }
+
+ private:
+  bool IsPhoto(int index) const;
+  void PaintFilm(CDevicePainter& painter, int left) const;
+  void PaintSeparator(CDevicePainter& painter, int left, int index) const;
+  void PaintNoThumbnail(CDevicePainter& painter, const QRect& box, const CAssetRecord& record) const;
+
+  FolderLabel LabelOfFolder;
+  const CPhotoSet* Set = nullptr;
+  StripMetrics Metrics;
+  int ReadThumbnails = 0;
+};

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QWidget>
+#include <array>
+
+#include "ui/kit/Commands.h"
+#include "ui/kit/PaintedButton.h"
+#include "ui/strip/StripLayout.h"
+
+/// A piece of the lens: a picture, transparent where it has no paint.
+class CLensPiece : public QWidget {
+ public:
+  CLensPiece(LensPart part, QWidget& strip);
+
+  void Place(const StripLayout& layout);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  const LensPart Part;
+  QWidget& Strip;
+  QRect Area;  // device pixels, from the strip's corner
+};
+
+/// The square frame around the strip's middle cell, with the four buttons in its foot. The pieces are
+/// siblings of the strip and stand above it.
+class CLens {
+ public:
+  /// The commands of the buttons go to `target`, which outlives the lens.
+  CLens(CCommandTarget& target, QWidget& strip);
+
+  /// To be called when the strip has moved or has another width.
+  void Place(const StripLayout& layout);
+  void SetVisible(bool on);
+
+ private:
+  static constexpr int kPieces = 4;
+  static constexpr int kButtons = 4;
+
+  QWidget& Strip;
+  std::array<CLensPiece, kPieces> Pieces;
+  std::array<CPaintedButton, kButtons> Buttons;
+};

@@ -1,0 +1,170 @@
+#include "ui/strip/PushBars.h"
+
+#include <QFontMetrics>
+#include <QMouseEvent>
+#include <algorithm>
+#include <utility>
+
+#include "base/Texts.h"
+#include "ui/kit/Colours.h"
+#include "ui/kit/FontTable.h"
+#include "ui/kit/Pictures.h"
+#include "ui/kit/QtText.h"
+#include "ui/strip/SiblingPainter.h"
+
+namespace {
+
+// The pieces of the picture: left end, middle, right end.
+constexpr int kPieceWidth = 12;
+constexpr int kPieceHeight = 7;
+constexpr int kMiddlePiece = 1;
+constexpr int kRightPiece = 2;
+
+constexpr int kLabelLeft = 2;
+constexpr int kLongestPosition = 999999;
+constexpr int kTipAbove = 15;  // from the bar's top to the tip's
+
+/// A piece in the height of the bar, wide as it is drawn.
+QPixmap GetPiece(int piece, const CDevicePainter& painter, int height) {
+  return GetPicturePart(PictureId::PushBar, {piece * kPieceWidth, 0, kPieceWidth, kPieceHeight},
+                        {painter.Scaled(kPieceWidth), height});
+}
+
+QString GetPositionText(int position, int count) {
+  return ToQString(FormatString(StringId::PositionOfCount, position, count));
+}
+
+}  // namespace
+
+CPushBar::CPushBar(BarSide side, QWidget& strip, Jump jump, Point point)
+    : QWidget(strip.parentWidget()),
+      Side(side),
+      Strip(strip),
+      JumpTo(std::move(jump)),
+      PointAt(std::move(point)) {
+  const bool left = side == BarSide::Left;
+  setObjectName(left ? QStringLiteral("PushBarLeft") : QStringLiteral("PushBarRight"));
+  setAccessibleName(left ? QStringLiteral("Earlier photos") : QStringLiteral("Later photos"));
+  setFocusPolicy(Qt::NoFocus);
+  setMouseTracking(true);
+  hide();
+}
+
+void CPushBar::Place(const QRect& area) {
+  Area = area;
+  setGeometry(PlaceBySibling(area, Strip));
+  update();
+}
+
+void CPushBar::SetPosition(const StripPosition& position) {
+  const PushBarForm before = GetForm();
+  Position = position;
+  if (GetForm().GetCap() != before.GetCap()) update();
+}
+
+PushBarForm CPushBar::GetForm() const {
+  return {Side, devicePixelRatioF(), Area.width(), Area.height(), Position.Percent};
+}
+
+void CPushBar::paintEvent(QPaintEvent*) {
+  CSiblingPainter painter(*this, Strip);
+  painter.Fill(Area, colours::kWindow);
+  const PushBarForm form = GetForm();
+  const QRect body = form.GetBody().translated(Area.topLeft());
+  const QRect cap = form.GetCap().translated(Area.topLeft());
+  // Stretched, not drawn anew: during a slide each step has another length.
+  if (!body.isEmpty()) {
+    painter.GetPainter().drawPixmap(body, GetPiece(kMiddlePiece, painter, body.height()));
+  }
+  painter.Draw(cap.topLeft(), GetPiece(Side == BarSide::Left ? 0 : kRightPiece, painter, cap.height()));
+}
+
+int CPushBar::FindTarget(QPointF point) const {
+  const QPoint pixel = ToSiblingPixel(point, *this, Strip) - Area.topLeft();
+  return GetForm().FindTarget(pixel, Position.Current, Position.Count);
+}
+
+void CPushBar::mousePressEvent(QMouseEvent* event) {
+  event->ignore();  // the main window takes the focus
+  if (event->button() != Qt::LeftButton) return;
+  if (const int target = FindTarget(event->position()); target >= 0) JumpTo(target);
+}
+
+void CPushBar::mouseMoveEvent(QMouseEvent* event) {
+  event->ignore();
+  PointAt(FindTarget(event->position()), mapToParent(event->position().toPoint()));
+}
+
+void CPushBar::leaveEvent(QEvent*) { PointAt(-1, {}); }
+
+CPositionLabel::CPositionLabel(QWidget& parent) : QWidget(&parent) {
+  setObjectName(QStringLiteral("ScrollPosLabel"));
+  setFocusPolicy(Qt::NoFocus);
+  setAttribute(Qt::WA_TransparentForMouseEvents);
+  const QFontMetrics metrics(GetFont(FontId::Small));
+  const QString widest = GetPositionText(kLongestPosition, kLongestPosition);
+  const int cell = CFontTable::GetInstance().GetCellHeight(FontId::Small);
+  resize(metrics.horizontalAdvance(widest), cell - metrics.descent());
+}
+
+void CPositionLabel::SetPosition(int current, int count) {
+  const QString text = GetPositionText(current + 1, count);
+  if (text == Text) return;
+  Text = text;
+  setAccessibleName(text);
+  update();
+}
+
+void CPositionLabel::paintEvent(QPaintEvent*) {
+  CDevicePainter painter(*this);
+  painter.Fill(painter.GetArea(), colours::kWindow);
+  const int flags = Qt::AlignLeft | Qt::AlignBottom | Qt::TextSingleLine | Qt::TextDontClip;
+  // The room below the letters is cut off.
+  const int descent = QFontMetrics(GetFont(FontId::Small)).descent();
+  painter.DrawText(painter.GetArea().adjusted(0, 0, 0, painter.Scaled(descent)), flags,
+                   GetFont(FontId::Small), Qt::white, Text);
+}
+
+CPushBars::CPushBars(QWidget& strip, CPushBar::Jump jump, LabelOf labelOf)
+    : Strip(strip),
+      GetLabel(std::move(labelOf)),
+      Left(BarSide::Left, strip, jump, [this](int index, QPoint place) { ShowTip(index, place); }),
+      Right(BarSide::Right, strip, jump, [this](int index, QPoint place) { ShowTip(index, place); }),
+      Label(Right),
+      Tip(strip.parentWidget()) {
+  Tip.setObjectName(QStringLiteral("PushBarTip"));
+  Tip.SetFont(FontId::Band);
+  Tip.SetFramed(true);
+}
+
+void CPushBars::Place(const StripLayout& layout) {
+  Left.Place(layout.GetLeftBar());
+  Right.Place(layout.GetRightBar());
+  const double ratio = layout.GetMetrics().PixelRatio;
+  const QRectF right(layout.GetRightBar());
+  const QPointF corner = right.topLeft() / ratio + Strip.pos() - Right.pos();
+  const double height = right.height() / ratio;
+  Label.move((corner + QPointF(kLabelLeft, height - Label.height())).toPoint());
+}
+
+void CPushBars::SetPosition(const StripPosition& position) {
+  Left.SetPosition(position);
+  Right.SetPosition(position);
+  Label.SetPosition(position.Current, position.Count);
+}
+
+void CPushBars::SetVisible(bool on) {
+  if (!on) Tip.hide();
+  Left.setVisible(on);
+  Right.setVisible(on);
+}
+
+void CPushBars::ShowTip(int index, QPoint place) {
+  const QString text = index >= 0 ? GetLabel(index) : QString();
+  if (text.isEmpty()) return Tip.hide();
+  Tip.SetText(text);
+  Tip.ShowAt({place, QSize(1, 1)});  // gives it its size
+  const int widest = Strip.parentWidget()->width() - Tip.width();
+  Tip.move(std::max(0, std::min(place.x(), widest)), Right.y() - kTipAbove);
+  Tip.raise();
+}

@@ -1,0 +1,33 @@
+#include "ui/strip/StripWindow.h"
+
+#include <QPaintEvent>
+
+#include "base/Texts.h"
+#include "ui/kit/Colours.h"
+#include "ui/kit/DevicePainter.h"
+#include "ui/kit/FontTable.h"
+#include "ui/kit/QtText.h"
+
+namespace {
+
+constexpr int kStripTop = 1;
+
+}  // namespace
+
+CStripWindow::CStripWindow(CFilmstripHost& host, QWidget* parent) : QWidget(parent), Strip(host, *this) {
+  setObjectName(QStringLiteral("StripWindow"));
+  setFocusPolicy(Qt::NoFocus);
+}
+
+void CStripWindow::resizeEvent(QResizeEvent*) {
+  Strip.setGeometry(0, kStripTop, width(), kStripHeight);
+  Strip.SetWidth(width());
+}
+
+void CStripWindow::paintEvent(QPaintEvent*) {
+  CDevicePainter painter(*this);
+  painter.Fill(painter.GetArea(), colours::kWindow);
+  if (!Strip.isHidden()) return;
+  painter.DrawText(painter.GetArea(), Qt::AlignCenter | Qt::TextSingleLine, GetFont(FontId::EmptyPage),
+                   colours::kInk, ToQString(LoadText(StringId::NoPhotosFound)));
+}
