@@ -39,7 +39,8 @@ QRect PlaceButtonTip(const QSize& tip, const QRect& owner, TipSide side, const Q
   } else if (top + tip.height() > end) {
     top = above;
   }
-  const int left = owner.left() + (owner.width() - tip.width()) / 2;
+  // The text stands in the middle; the last column is its copy's.
+  const int left = (2 * owner.left() + owner.width() - tip.width() + 1) / 2;
   const int last = bounds.left() + bounds.width() - tip.width();
   return {QPoint(std::max(std::min(left, last), bounds.left()), top), tip};
 }
@@ -58,12 +59,14 @@ CButtonTip::CButtonTip(QWidget* parent) : QWidget(parent) {
 }
 
 void CButtonTip::SetText(const QString& text) {
+  if (text == Text) return;
   Text = text;
   setAccessibleName(text);
   update();
 }
 
 void CButtonTip::SetFont(FontId font) {
+  if (font == Font) return;
   Font = font;
   update();
 }
@@ -103,7 +106,8 @@ void CButtonTip::paintEvent(QPaintEvent*) {
   }
   const int offset = painter.Scaled(1);
   const QRect text = area.adjusted(0, 0, -offset, -offset);
-  painter.Fill(area, colours::kPage);
+  // One that stays stands on its row, and lets the shadow of its button through.
+  if (parentWidget()->isWindow()) painter.Fill(area, colours::kPage);
   painter.DrawText(text.translated(offset, offset), Qt::AlignCenter | Qt::TextSingleLine, font, Qt::white,
                    Text);
   painter.DrawText(text, Qt::AlignCenter | Qt::TextSingleLine, font, colours::kInk, Text);

@@ -24,6 +24,7 @@ enum class CommandId : int {
   RotateLeft = 328,
   Help = 329,
   AutoFix = 349,
+  StopSearching = 363,  // in the search's own window
   PreviousPhoto = 1000,
   NextPhoto = 1001,
   NextPage = 1002,

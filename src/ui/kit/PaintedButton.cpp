@@ -66,13 +66,17 @@ void CPaintedButton::Start(CommandId id, ButtonFlags flags) {
 }
 
 void CPaintedButton::SetPicture(PictureId picture, int imageCount, bool resizeToImage) {
+  if (picture != Picture || imageCount != ImageCount) TakePicture(picture, imageCount);
+  if (resizeToImage) resize(ImageSize);
+}
+
+void CPaintedButton::TakePicture(PictureId picture, int imageCount) {
   Picture = picture;
   ImageCount = imageCount;
   const QSize whole = GetPictureSize(picture);
   ImageSize = whole.isEmpty() ? QSize(0, 0) : QSize(whole.width() / imageCount, whole.height());
   const CaptionAndTip texts = LoadCaptionAndTip(static_cast<StringId>(picture));
   TakeTexts(texts.Caption, texts.Tip);
-  if (resizeToImage) resize(ImageSize);
   update();
 }
 
@@ -105,6 +109,7 @@ void CPaintedButton::SetTipSide(TipSide side) {
 }
 
 void CPaintedButton::SetCaptionForm(FontId font, int widest) {
+  if (font == CaptionFont && widest == WidestCaption) return;
   CaptionFont = font;
   WidestCaption = widest;
   PlaceStayingTip();

@@ -73,6 +73,7 @@ class CPaintedButton : public QAbstractButton {
   void Start(CommandId id, ButtonFlags flags);
   void ApplyState();
   void Fire();
+  void TakePicture(PictureId picture, int imageCount);
   void TakeTexts(const QString& caption, const QString& tip);
   CButtonTip& GetTip();
   void ShowTip(bool on);

@@ -9,9 +9,9 @@
 namespace {
 
 constexpr int kImages = 2;
+constexpr int kBorder = 5;
 
-constexpr NinePartSkin kPanel{
-    PictureId::PanelCorners, {0, 0, 3 * kToolbarBorder, 3 * kToolbarBorder}, kToolbarBorder};
+constexpr NinePartSkin kPanel{PictureId::PanelCorners, {0, 0, 3 * kBorder, 3 * kBorder}, kBorder};
 
 }  // namespace
 
@@ -72,7 +72,7 @@ void CToolbar::resizeEvent(QResizeEvent*) { LayOut(); }
 
 void CToolbar::paintEvent(QPaintEvent*) {
   CDevicePainter painter(*this);
-  auto parts = DivideIntoNine(painter.GetArea(), painter.Scaled(kToolbarBorder));
+  auto parts = DivideIntoNine(painter.GetArea(), painter.Scaled(kBorder));
   const auto at = [&](NinePart part) -> QRect& { return parts[static_cast<std::size_t>(part)]; };
   if (!FullScreenLook) {
     // The sides go up to the page above.

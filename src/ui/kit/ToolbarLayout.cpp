@@ -6,9 +6,10 @@
 
 namespace {
 
-constexpr int kLeastMargin = 3;   // about a blank between two captions
+constexpr int kRowEdge = 2;       // beside the outer buttons
+constexpr int kLeastMargin = 2;   // with the room for its copy, a blank between two captions
 constexpr int kLeastGap = 4;      // between groups of buttons
-constexpr int kLeastButton = 28;  // an icon of 20 between the ends of its plate
+constexpr int kLeastButton = 26;  // an icon of 20 and the ends of its plate
 
 /// What a row grants its buttons.
 struct Grant {
@@ -82,7 +83,7 @@ Grant FindGrant(const std::vector<ToolbarItem>& items, int room) {
 int GetContentWidth(const std::vector<ToolbarItem>& items) { return GetWidth(items, Grant{}); }
 
 ToolbarPlan ArrangeToolbar(const std::vector<ToolbarItem>& items, int rowWidth) {
-  const Grant grant = FindGrant(items, rowWidth - 2 * kToolbarBorder);
+  const Grant grant = FindGrant(items, rowWidth - 2 * kRowEdge);
   ToolbarPlan plan{kCaptionFonts[grant.Font], {}};
   int left = (rowWidth - GetWidth(items, grant)) / 2;
   for (const ToolbarItem& item : items) {

@@ -12,7 +12,6 @@
 /// ends of the longest captions. All widths are pixels of the layout.
 
 inline constexpr int kToolbarHeight = 55;
-inline constexpr int kToolbarBorder = 5;
 
 /// The letters of the captions, from the usual ones down.
 inline constexpr std::array kCaptionFonts = {FontId::Note, FontId::Band, FontId::Small};
@@ -37,5 +36,5 @@ struct ToolbarPlan {
 /// The width of all buttons and gaps as they are drawn.
 int GetContentWidth(const std::vector<ToolbarItem>& items);
 
-/// The buttons as a group in the middle of a row of that width, borders included.
+/// The buttons as a group in the middle of a row of that width.
 ToolbarPlan ArrangeToolbar(const std::vector<ToolbarItem>& items, int rowWidth);

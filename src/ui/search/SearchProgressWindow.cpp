@@ -18,7 +18,7 @@ CSearchProgressWindow::CSearchProgressWindow(bool showSplash, QWidget* parent)
       Lines{LoadExpandedString(StringId::SplashProduct), LoadExpandedString(StringId::SplashVersion),
             LoadExpandedString(StringId::SplashLegal1), LoadExpandedString(StringId::SplashLegal2),
             LoadExpandedString(StringId::SplashLegal3)},
-      StopButton(ToQString(LoadExpandedString(StringId::StopSearching)), this) {
+      StopButton(*this, this) {
   setObjectName(window_names::kSearchProgress);
   const QString title = ToQString(LoadExpandedString(StringId::SearchWindowTitle));
   setWindowTitle(title);
@@ -32,9 +32,9 @@ CSearchProgressWindow::CSearchProgressWindow(bool showSplash, QWidget* parent)
 
   setFocusPolicy(Qt::StrongFocus);
   StopButton.setObjectName(QStringLiteral("StopSearching"));
-  StopButton.setFocusPolicy(Qt::NoFocus);  // every key is the window's
-  StopButton.setGeometry(ProgressStopButton(ShowSplash));
-  connect(&StopButton, &QAbstractButton::clicked, this, [this] { RequestStop(); });
+  StopButton.EnableTip(false);
+  StopButton.CreateText(ProgressStopButton(ShowSplash), CommandId::StopSearching,
+                        ToQString(LoadExpandedString(StringId::StopSearching)), ButtonFlags::None, false);
 }
 
 void CSearchProgressWindow::ShowCentered() {
@@ -112,6 +112,10 @@ void CSearchProgressWindow::PaintCells(QPainter& painter) const {
     if (picture.isNull()) continue;
     painter.drawPixmap(FitIntoProgressCell(picture.deviceIndependentSize().toSize(), cell), picture);
   }
+}
+
+void CSearchProgressWindow::OnCommand(CommandId id) {
+  if (id == CommandId::StopSearching) RequestStop();
 }
 
 void CSearchProgressWindow::keyPressEvent(QKeyEvent* event) {

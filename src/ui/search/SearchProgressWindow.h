@@ -8,7 +8,8 @@
 #include <cstddef>
 #include <string>
 
-#include "ui/kit/TextButton.h"
+#include "ui/kit/Commands.h"
+#include "ui/kit/PaintedButton.h"
 #include "ui/search/SearchProgressLayout.h"
 
 /// The window that tells how a search goes: a bar with a text, the photos found last in five small cells,
@@ -16,7 +17,7 @@
 /// start, it carries the product's name and version.
 ///
 /// Window thread; IsStopRequested may be asked by any.
-class CSearchProgressWindow : public QWidget {
+class CSearchProgressWindow : public QWidget, private CCommandTarget {
  public:
   explicit CSearchProgressWindow(bool showSplash, QWidget* parent = nullptr);
 
@@ -40,6 +41,7 @@ class CSearchProgressWindow : public QWidget {
   void closeEvent(QCloseEvent* event) override;
 
  private:
+  void OnCommand(CommandId id) override;
   QString GetBarText() const;
   void PaintProductLines(QPainter& painter) const;
   void PaintBar(QPainter& painter) const;
@@ -53,5 +55,5 @@ class CSearchProgressWindow : public QWidget {
   std::atomic<bool> StopRequested = false;
   std::atomic<bool> Ending = false;
   std::array<std::string, kProductLines> Lines;
-  CTextButton StopButton;
+  CPaintedButton StopButton;
 };
