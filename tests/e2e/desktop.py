@@ -76,7 +76,14 @@ class Desktop:
         self.environment.update(HOME=str(self.home), XDG_RUNTIME_DIR=str(runtime), QT_QPA_PLATFORM="xcb")
         self._set_sanitizers()
         self.children = []
+        self.set_settings('"DontShowAddFolderTip"=dword:00000001')
         self._start_display(size)
+
+    def set_settings(self, *lines):
+        """Gives the program these settings and no others."""
+        folder = self.home / ".config" / "Vellumar Photo Organizer"
+        folder.mkdir(parents=True, exist_ok=True)
+        (folder / "settings").write_text("".join(line + "\n" for line in lines))
 
     def _set_sanitizers(self):
         """Lets a sanitizer's finding be told from a normal exit, and passes over a leak of a system library."""
@@ -137,6 +144,15 @@ class Desktop:
 
     def press(self, *keys):
         subprocess.run(["xdotool", "key", *keys], env=self.environment, check=True)
+
+    def click(self, x, y, count=1):
+        """Clicks at a place of the screen, told in pixels."""
+        command = ["xdotool", "mousemove", "--sync", str(x), str(y), "click", "--repeat", str(count), "1"]
+        subprocess.run(command, env=self.environment, check=True)
+
+    def wait_for_query(self, statement, rows, what):
+        """Waits until the catalog, read while the program runs, holds these rows."""
+        wait_until(lambda: self.query("vellumar.db", statement) == rows, what, 10)
 
     def colour_at(self, x, y):
         """The colour of one pixel of the screen, told in parts of its width and height."""

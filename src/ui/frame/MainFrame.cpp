@@ -3,62 +3,78 @@
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPointer>
+#include <QTimer>
 #include <QWheelEvent>
+#include <optional>
+#include <vector>
 
 #include "base/Texts.h"
 #include "discovery/FolderSearch.h"
+#include "editing/OriginalCopy.h"
 #include "sets/QuerySet.h"
+#include "ui/back/PhotoBack.h"
+#include "ui/frame/CommandTable.h"
+#include "ui/frame/MainLayout.h"
+#include "ui/frame/MarkedRange.h"
+#include "ui/frame/PhotoToolRow.h"
+#include "ui/frame/StripOrder.h"
 #include "ui/kit/Application.h"
 #include "ui/kit/Colours.h"
-#include "ui/kit/FontTable.h"
+#include "ui/kit/DevicePainter.h"
 #include "ui/kit/Job.h"
+#include "ui/kit/PaintedButton.h"
 #include "ui/kit/Pictures.h"
 #include "ui/kit/QtText.h"
+#include "ui/kit/Toolbar.h"
 #include "ui/kit/WindowNames.h"
+#include "ui/pages/PhotoView.h"
+#include "ui/pages/ViewTabBar.h"
 #include "ui/search/WindowedSearchProgress.h"
+#include "ui/strip/StripWindow.h"
 
 namespace {
 
-constexpr int kMargin = 5;
-constexpr QSize kMinimumSize(800, 600);
-constexpr QSize kMinimumSizeOnSmallScreen(800, 550);
 constexpr int kWheelStep = 120;  // eighths of a degree to a notch
+constexpr int kLongRange = 10;   // photos that take a moment to mark
+constexpr int kCurrentPhotoTabOrder = 100;
+
+struct TabFlag {
+  ViewTabId Tab;
+  PhotoFlag Flag;
+  int StripIcon;
+};
+constexpr TabFlag kTabFlags[] = {{ViewTabId::Upload, PhotoFlag::ToRemotePrint, 0},
+                                 {ViewTabId::Email, PhotoFlag::ToEmail, 1}};
+
+const TabFlag& GetTabFlag(ViewTabId tab) { return tab == ViewTabId::Email ? kTabFlags[1] : kTabFlags[0]; }
+
+/// The new state.
+bool ToggleFlag(CAssetRecord photo, PhotoFlag flag) {
+  const bool on = !photo.GetFlag(flag);
+  photo.SetFlag(flag, on);
+  return on;
+}
 
 }  // namespace
 
-int FindFirstOfRoll(const CPhotoSet& set, std::int32_t rollId) {
-  int first = 0;
-  int end = set.GetCount();
-  while (first < end) {  // roll numbers never fall in the order of import
-    const int middle = first + (end - first) / 2;
-    if (set.GetAsset(middle).GetRollID() < rollId) {
-      first = middle + 1;
-    } else {
-      end = middle;
-    }
-  }
-  return first;
-}
-
-CMainFrame::CMainFrame() : Strip(this), PhotoView(this) {
+CMainFrame::CMainFrame() : Commands(*this), Mode(&GetViewMode(ViewModeId::Normal)) {
   setObjectName(window_names::kMainFrame);
   setFocusPolicy(Qt::StrongFocus);
   setAutoFillBackground(true);
   QPalette colors = palette();
   colors.setColor(QPalette::Window, colours::kWindow);
   setPalette(colors);
-  Strip.OnPhotoRested = [this] { OnCurrentPhotoChanged(); };
 }
 
 CMainFrame::~CMainFrame() {
-  Strip.SetPhotoSet(nullptr, 0);
-  PhotoSet.reset();
+  InputFilter.reset();
+  StripWindow.reset();  // it shows the set
 }
 
 bool CMainFrame::Create(const OpenStep& openDataStores, CWindowedSearchProgress& progress) {
   setWindowTitle(ToQString(LoadExpandedString(StringId::MainWindowTitle)));
   setWindowIcon(MakeProgramIcon());
-  setMinimumSize(CFontTable::IsSmallScreen() ? kMinimumSizeOnSmallScreen : kMinimumSize);
+  setMinimumSize(Mode->GetMinMaxInfo());
 
   const auto stop = [&progress] { progress.Stop(); };
   bool opened = false;
@@ -68,14 +84,51 @@ bool CMainFrame::Create(const OpenStep& openDataStores, CWindowedSearchProgress&
   const std::int32_t rollBefore = Catalog.GetCurrentRollID();
   std::string folder;
   RunJob([&] { folder = CFolderSearch::GetInstance().FirstSearch(); }, stop);
+  const std::int32_t roll = Catalog.GetCurrentRollID();
 
   PhotoSet = std::make_unique<CQuerySet>(&Catalog, SetKind::Available);
+  CreateParts();
+
   PhotoSet->SetFolderFilter(folder);
+  SetFirstSort(*PhotoSet, roll);
   PhotoSet->Rebuild();
-  Strip.SetPhotoSet(PhotoSet.get(), 0);
-  if (Catalog.GetCurrentRollID() > rollBefore) ShowNewestRoll();
+  GetStrip().SetPhotoSet(PhotoSet.get());
+  if (roll > rollBefore) {
+    ShowNewestRoll(GetStrip(), *PhotoSet, roll);
+  } else {
+    ApplyStoredSort(GetStrip(), *PhotoSet, roll);
+  }
   return true;
 }
+
+void CMainFrame::CreateParts() {
+  PhotoBack = std::make_unique<CPhotoBack>(this);
+  PhotoBack->OnStampChanged = [this](StampId type) { GetStrip().StampChanged(type); };
+
+  TabBar = std::make_unique<CViewTabBar>(this);
+  TabBar->OnTabChanged = [this] { OnTabChanged(); };
+  TabBar->AddTab(ViewTabId::CurrentPhoto, kCurrentPhotoTabOrder);
+  TabBar->SetTabInfo(ViewTabId::CurrentPhoto, PictureId::CurrentPhotoTab, 1, StringId::CurrentPhotoTabCaption,
+                     0);
+
+  PhotoView = std::make_unique<CPhotoView>(this);
+  PhotoView->OnDoubleClick = [this] { ToggleFullScreen(FullScreenChange::Toggle); };
+
+  ToolRow = std::make_unique<CToolbar>(*this, this);
+  FillPhotoToolRow(*ToolRow);
+
+  HelpButton = std::make_unique<CPaintedButton>(*this, this);
+  HelpButton->Create({}, CommandId::Help, {}, PictureId::Help, 2);
+
+  StripWindow = std::make_unique<CStripWindow>(*this, this);
+  FullScreenTools = std::make_unique<CFullScreenTools>(*this, *PhotoView, *ToolRow);
+  InputFilter = std::make_unique<CInputFilter>(*this);
+
+  TabBar->SelectTab(ViewTabId::CurrentPhoto);
+  Mode->Layout(*this);
+}
+
+CFilmstrip& CMainFrame::GetStrip() const { return StripWindow->GetStrip(); }
 
 void CMainFrame::ShowInFront() {
   showMaximized();
@@ -84,15 +137,124 @@ void CMainFrame::ShowInFront() {
   setFocus();
 }
 
-void CMainFrame::OnCurrentPhotoChanged() {
-  RunAfterJob([frame = QPointer<CMainFrame>(this)] {
-    if (!frame) return;
-    const CAssetRecord record = frame->Strip.GetCurrentRecord();
-    frame->PhotoView.SetPhoto(record.IsValid() ? record.GetPath() : std::string());
+void CMainFrame::OnCommand(CommandId id) {
+  RunAfterJob([frame = QPointer<CMainFrame>(this), id] {
+    if (frame) frame->Commands.Run(id);
   });
 }
 
-void CMainFrame::ShowNewestRoll() { Strip.MoveTo(FindFirstOfRoll(*PhotoSet, Catalog.GetCurrentRollID())); }
+void CMainFrame::OnCurrentPhotoChanged(const CAssetRecord* record) {
+  const CWaitCursor waiting;
+  const auto photo = record != nullptr ? std::optional<CAssetRecord>(*record) : std::nullopt;
+  PhotoView->SetPhoto(photo);
+  PhotoBack->SetPhoto(photo);
+  UpdateCommands();
+  GetFullScreenTools().DropMouseMoves();
+}
+
+void CMainFrame::OnPhotoChanged() {
+  const CAssetRecord* record = GetStrip().GetCurrentRecord();
+  if (record == nullptr) return;
+  PhotoView->Reload(true);
+  CAssetRecord(*record).MakeThumbnail();
+  GetStrip().RedrawCurrentThumbnail();
+  UpdateCommands();
+  GetFullScreenTools().DropMouseMoves();
+}
+
+void CMainFrame::OnSlideShowStateChanged() {
+  UpdateCommands();
+  if (IsSlideShowRunning()) GetFullScreenTools().Hide();
+}
+
+void CMainFrame::UpdateCommands() {
+  PhotoToolState state;
+  if (const auto& photo = PhotoView->GetPhoto(); photo && photo->IsValid()) {
+    state.HasPhoto = true;
+    state.HasOriginalCopy = HasOriginalCopy(*photo);
+    state.ToEmail = photo->GetFlag(PhotoFlag::ToEmail);
+    state.ToUpload = photo->GetFlag(PhotoFlag::ToRemotePrint);
+  }
+  state.SlideShowRuns = IsSlideShowRunning();
+  state.FullScreen = IsFullScreen();
+  UpdatePhotoToolRow(*ToolRow, state);
+  if (IsFullScreen()) Mode->PlaceTools(*this);
+}
+
+void CMainFrame::ToggleInTab(const CAssetRecord& photo, ViewTabId tab, bool extendRange) {
+  const TabFlag& mark = GetTabFlag(tab);
+  std::vector<int> changed{PhotoSet->IndexOf(photo.GetAssetID())};
+  std::optional<CWaitCursor> waiting;
+  CAutoCommitPause oneChange(Catalog);
+  const bool on = ToggleFlag(photo, mark.Flag);
+  if (extendRange) {
+    const auto [first, end] = FindRangeToToggle(changed.front(), PhotoSet->GetCount(), on, [&](int index) {
+      return PhotoSet->GetAsset(index).GetFlag(mark.Flag);
+    });
+    if (end - first > kLongRange) waiting.emplace();
+    for (int index = first; index < end; ++index) {
+      ToggleFlag(PhotoSet->GetAsset(index), mark.Flag);
+      changed.push_back(index);
+    }
+  }
+  oneChange.Commit();
+  for (const int index : changed) GetStrip().RedrawBand(index, mark.StripIcon);
+  PhotoView->UpdateFlags();
+  UpdateCommands();
+}
+
+void CMainFrame::DeleteCurrentPhoto() {
+  const CAssetRecord* current = GetStrip().GetCurrentRecord();
+  if (current == nullptr) return;
+  const CWaitCursor waiting;
+  StopSlideShow();
+  setFocus();
+  {
+    CAutoCommitPause oneChange(Catalog);
+    CAssetRecord photo = *current;
+    photo.SetFlag(PhotoFlag::Tossed, true);
+    photo.SetFlag(PhotoFlag::ToEmail, false);
+    photo.SetFlag(PhotoFlag::ToRemotePrint, false);
+    oneChange.Commit();
+  }
+  GetStrip().RemoveCurrent();
+}
+
+void CMainFrame::SelectTab(ViewTabId tab) { TabBar->SelectTab(tab); }
+
+std::string CMainFrame::GetFolderLabel(const std::string& folder) const {
+  return CFolderSearch::GetInstance().GetFolderLabel(folder);
+}
+
+void CMainFrame::OnTabChanged() {
+  const bool photoTab = TabBar->GetSelectedTab() == ViewTabId::CurrentPhoto;
+  PhotoView->setVisible(photoTab);
+  ToolRow->setVisible(photoTab);
+}
+
+void CMainFrame::ToggleFullScreen(FullScreenChange change) {
+  const bool on =
+      change == FullScreenChange::Toggle ? !IsFullScreen() : change == FullScreenChange::FullScreen;
+  if (on == IsFullScreen() || (on && !PhotoView->GetPhoto())) return;
+  if (on) TabBar->SelectTab(ViewTabId::CurrentPhoto);
+  Mode->OnLeave(*this);
+  Mode = &GetViewMode(on ? ViewModeId::FullScreen : ViewModeId::Normal);
+  setMinimumSize(Mode->GetMinMaxInfo());
+  Mode->Enter(*this);
+  Mode->Layout(*this);
+  ToolRow->show();
+  UpdateCommands();
+  FullScreenTools->SetActive(on);
+  setFocus();
+}
+
+void CMainFrame::StartSlideShow() { GetStrip().StartSlideShow(); }
+
+void CMainFrame::StopSlideShow() { GetStrip().StopSlideShow(); }
+
+bool CMainFrame::IsSlideShowRunning() const { return GetStrip().IsSlideShowRunning(); }
+
+void CMainFrame::SetInputBlocked(bool on) { InputFilter->SetBlocked(on); }
 
 void CMainFrame::closeEvent(QCloseEvent* event) {
   Closing = true;
@@ -108,35 +270,50 @@ void CMainFrame::closeEvent(QCloseEvent* event) {
 }
 
 void CMainFrame::resizeEvent(QResizeEvent*) {
-  const int stripTop = height() - kStripHeight - kMargin;
-  Strip.setGeometry(0, stripTop, width(), kStripHeight);
-  PhotoView.setGeometry(kMargin, kMargin, width() - 2 * kMargin, stripTop - 2 * kMargin);
+  if (StripWindow) Mode->Layout(*this);
+}
+
+void CMainFrame::paintEvent(QPaintEvent*) {
+  if (!IsFullScreen()) {
+    CDevicePainter painter(*this);
+    const QRect place = LayOutMainWindow(size(), kStripWindowHeight, HelpButton->size()).Logo;
+    painter.Draw({painter.Scaled(place.x()), painter.Scaled(place.y())},
+                 GetPicture(PictureId::Logo, painter.GetPixelRatio()));
+  }
+  if (TipAsked) return;
+  TipAsked = true;
+  QTimer::singleShot(0, this, [this] { OnCommand(CommandId::TipAtStart); });
+}
+
+void CMainFrame::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::ActivationChange && FullScreenTools) {
+    FullScreenTools->OnActivationChanged(isActiveWindow());
+  }
+  QWidget::changeEvent(event);
 }
 
 void CMainFrame::keyPressEvent(QKeyEvent* event) {
-  switch (event->key()) {
-    case Qt::Key_Left:
-      return Strip.MoveBy(-1);
-    case Qt::Key_Right:
-      return Strip.MoveBy(1);
-    case Qt::Key_PageUp:
-      return Strip.MovePage(true);
-    case Qt::Key_PageDown:
-      return Strip.MovePage(false);
-    case Qt::Key_Home:
-      return Strip.MoveTo(0);
-    case Qt::Key_End:
-      return Strip.MoveTo(Strip.GetCount() - 1);
-    default:
-      QWidget::keyPressEvent(event);
+  // A key that a field has let pass is none of the window's.
+  if (!hasFocus()) return QWidget::keyPressEvent(event);
+  const KeyChord chord = ReadKeyChord(*event);
+  if (chord.Key == Qt::Key_Space && (chord.Modifiers & ~Qt::ShiftModifier) == 0) {
+    if (IsSlideShowRunning()) return StopSlideShow();
+    return OnCommand(chord.Modifiers == Qt::ShiftModifier ? CommandId::PreviousPhoto : CommandId::NextPhoto);
   }
+  const Command* command = FindBareKey(chord);
+  if (command == nullptr) return QWidget::keyPressEvent(event);
+  if (!event->isAutoRepeat() || command->Repeats) OnCommand(command->Id);
 }
 
 void CMainFrame::wheelEvent(QWheelEvent* event) {
   WheelTravel += event->angleDelta().y();
   const int steps = WheelTravel / kWheelStep;
   WheelTravel -= steps * kWheelStep;
-  if (steps != 0) Strip.MoveBy(-steps);
+  if (steps == 0) return;
+  StopSlideShow();
+  GetStrip().MoveBy(-steps);
 }
 
-void CMainFrame::mousePressEvent(QMouseEvent*) { setFocus(); }
+void CMainFrame::mouseDoubleClickEvent(QMouseEvent*) {
+  if (IsFullScreen()) ToggleFullScreen(FullScreenChange::Normal);
+}

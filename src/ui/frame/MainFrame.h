@@ -6,19 +6,33 @@
 
 #include "catalog/Catalog.h"
 #include "imaging/ThumbnailCache.h"
-#include "ui/pages/PhotoView.h"
-#include "ui/strip/Filmstrip.h"
+#include "ui/frame/FullScreenTools.h"
+#include "ui/frame/InputFilter.h"
+#include "ui/frame/MainCommands.h"
+#include "ui/frame/ViewMode.h"
+#include "ui/strip/FilmstripHost.h"
 
+class CFilmstrip;
+class CPaintedButton;
+class CPhotoBack;
 class CPhotoSet;
+class CPhotoView;
+class CStripWindow;
+class CToolbar;
+class CViewTabBar;
 class CWindowedSearchProgress;
 
 /// What the event loop returns when the main window has been closed, and so the program's exit code after
 /// a normal session.
 inline constexpr int kNormalExitCode = 1;
 
-/// The main window: the strip below, the current photo above. It owns the two data stores and the set that
-/// it shows. Nothing needs to be saved when it is closed, for every change is in the catalog already.
-class CMainFrame : public QWidget {
+enum class FullScreenChange { Toggle = -1, Normal = 0, FullScreen = 1 };
+
+/// The main window. It owns the two data stores and all that it shows: the strip below, the page of the
+/// selected tab with its button row, the photo back. Commands and keys arrive here, and here a change of the
+/// current photo goes round. Nothing needs to be saved when it is closed, for every change is in the catalog
+/// already.
+class CMainFrame : public QWidget, public CFilmstripHost {
  public:
   /// Opens the data stores; false if the program can't go on.
   using OpenStep = std::function<bool(CCatalog& catalog, CThumbnailCache& cache)>;
@@ -28,7 +42,8 @@ class CMainFrame : public QWidget {
   ~CMainFrame() override;
 
   /// Brings up all that must stand before the user sees the window: the data stores, the first search, the
-  /// set, the strip. Each long step is a job that `progress` may stop. False if `openDataStores` says so.
+  /// set, the parts of the window. Each long step is a job that `progress` may stop. False if
+  /// `openDataStores` says so.
   bool Create(const OpenStep& openDataStores, CWindowedSearchProgress& progress);
 
   /// Shows the window maximized, in front and with the focus.
@@ -37,26 +52,74 @@ class CMainFrame : public QWidget {
   /// True once the user or the system has asked to close, also while that has to wait for a job.
   bool IsClosing() const { return Closing; }
 
+  // What happens in the strip.
+  void OnCommand(CommandId id) override;
+  void OnCurrentPhotoChanged(const CAssetRecord* record) override;
+  void OnSlideShowStateChanged() override;
+  void ToggleInTab(const CAssetRecord& photo, ViewTabId tab, bool extendRange) override;
+  void SelectTab(ViewTabId tab) override;
+  std::string GetFolderLabel(const std::string& folder) const override;
+
+  /// The current photo's file was changed: its picture and its thumbnail are renewed.
+  void OnPhotoChanged();
+
+  /// Full-screen mode is entered only with a photo.
+  void ToggleFullScreen(FullScreenChange change);
+  bool IsFullScreen() const { return Mode->GetId() == ViewModeId::FullScreen; }
+
+  CFullScreenTools& GetFullScreenTools() const { return *FullScreenTools; }
+
+  void StartSlideShow();
+  void StopSlideShow();
+  bool IsSlideShowRunning() const;
+
+  /// Swallows keys and clicks, which are lost, while it is on.
+  void SetInputBlocked(bool on);
+
+  /// Takes the current photo into the trash and out of the other tabs.
+  void DeleteCurrentPhoto();
+
+  /// Gives the buttons of the current page the states that fit now.
+  void UpdateCommands();
+
+  CStripWindow& GetStripWindow() const { return *StripWindow; }
+  CFilmstrip& GetStrip() const;
+  CViewTabBar& GetTabBar() const { return *TabBar; }
+  CPhotoView& GetPhotoView() const { return *PhotoView; }
+  CPhotoBack& GetPhotoBack() const { return *PhotoBack; }
+  CToolbar& GetToolRow() const { return *ToolRow; }
+  CPaintedButton& GetHelpButton() const { return *HelpButton; }
+  CPhotoSet& GetPhotoSet() const { return *PhotoSet; }
+
  protected:
   void closeEvent(QCloseEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+  void changeEvent(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
-  void mousePressEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
 
  private:
-  void OnCurrentPhotoChanged();
-  void ShowNewestRoll();
+  void CreateParts();
+  void OnTabChanged();
 
-  CFilmstrip Strip;
-  CPhotoView PhotoView;
-  std::unique_ptr<CPhotoSet> PhotoSet;
   CCatalog Catalog;
   CThumbnailCache ThumbnailCache;
+  std::unique_ptr<CPhotoSet> PhotoSet;
+
+  std::unique_ptr<CPaintedButton> HelpButton;
+  std::unique_ptr<CPhotoBack> PhotoBack;
+  std::unique_ptr<CToolbar> ToolRow;  // of the current photo tab
+  std::unique_ptr<CViewTabBar> TabBar;
+  std::unique_ptr<CPhotoView> PhotoView;
+  std::unique_ptr<CStripWindow> StripWindow;
+  std::unique_ptr<CFullScreenTools> FullScreenTools;
+  std::unique_ptr<CInputFilter> InputFilter;
+
+  CMainCommands Commands;
+  const CViewMode* Mode;
+  bool TipAsked = false;
   bool Closing = false;
   int WheelTravel = 0;  // eighths of a degree that haven't moved the strip yet
 };
-
-/// The position in a set, in the order of import, of the first photo of that roll or a later one; the set's
-/// count if there is none.
-int FindFirstOfRoll(const CPhotoSet& set, std::int32_t rollId);

@@ -1,161 +1,233 @@
+#include <QCheckBox>
+#include <QMessageBox>
 #include <QWheelEvent>
-#include <filesystem>
 
-#include "base/Folders.h"
-#include "discovery/FolderSearch.h"
-#include "sets/PhotoSet.h"
-#include "support/ScratchFolder.h"
-#include "ui/WindowTest.h"
-#include "ui/frame/MainFrame.h"
+#include "imaging/Image.h"
+#include "support/FileSizeLimit.h"
+#include "ui/back/PhotoBack.h"
+#include "ui/frame/FrameFixture.h"
 #include "ui/kit/Colours.h"
-#include "ui/search/WindowedSearchProgress.h"
+#include "ui/kit/Toolbar.h"
+#include "ui/strip/StripWindow.h"
 
-namespace {
+using MainFrame = CFrameFixture;
 
-const QColor kHues[] = {{200, 30, 30}, {30, 160, 40}, {40, 60, 200}, {200, 190, 20}, {150, 40, 180}};
-
-/// A home of its own with photos of one colour each, and the window over them.
-class MainFrame : public testing::Test {
- protected:
-  MainFrame() {
-    ::setenv("HOME", Scratch.GetPath().c_str(), 1);
-    ::unsetenv("XDG_CONFIG_HOME");
-    ForgetMyPicturesFolder();
-    CFolderSearch::GetInstance().Reset();
-    std::filesystem::create_directory(Scratch.GetPath() + "/Pictures");
-  }
-
-  void AddPhotos(int count, int first = 0) {
-    for (int i = first; i < first + count; ++i) {
-      Scratch.Write("Pictures/" + std::to_string(1000 + i) + ".jpg", MakePhoto(320, 240, kHues[i % 5]));
-    }
-  }
-
-  /// Starts a session and lets `look` see the window at rest.
-  void Show(const std::function<void(CMainFrame&)>& look) {
-    CMainFrame frame;
-    {
-      CWindowedSearchProgress progress(false, false);
-      ASSERT_TRUE(frame.Create(
-          [this](CCatalog& catalog, CThumbnailCache& cache) {
-            catalog.Open(Scratch.GetPath() + "/vellumar.db");
-            cache.Open(Scratch.GetPath() + "/vellumar.thumbs", catalog.GetDBGUID());
-            return true;
-          },
-          progress));
-    }
-    frame.resize(1000, 700);
-    frame.show();
-    Rest();
-    look(frame);
-    CFolderSearch::GetInstance().Reset();
-  }
-
-  static void Rest() { QTest::qWait(250); }
-
-  static int Position(CMainFrame& frame) { return Strip(frame).GetCurrent(); }
-  static CFilmstrip& Strip(CMainFrame& frame) {
-    return *dynamic_cast<CFilmstrip*>(frame.findChild<QWidget*>("Strip"));
-  }
-
-  /// The colour in the middle of the large photo.
-  static QColor PhotoColour(CMainFrame& frame) {
-    QWidget* view = frame.findChild<QWidget*>("SlideVue");
-    return Painted(*view).pixelColor(view->rect().center());
-  }
-
-  static bool IsNear(const QColor& a, const QColor& b) {
-    return std::abs(a.red() - b.red()) + std::abs(a.green() - b.green()) + std::abs(a.blue() - b.blue()) < 40;
-  }
-
-  CScratchFolder Scratch;
-  CNotedMessages Messages;
-  const CFontTable Fonts{false};
-};
-
-}  // namespace
-
-TEST_F(MainFrame, KeysMoveAlongAndThePhotoFollows) {
+TEST_F(MainFrame, KeysMoveAlongAndThePhotoFollowsOnceTheStripRests) {
   AddPhotos(5);
   Show([](CMainFrame& frame) {
     EXPECT_EQ(frame.windowTitle(), "Vellumar Photo Organizer");
     EXPECT_EQ(frame.objectName(), "VellumarPhotoOrganizerMain");
+    GoTo(frame, 0);
     EXPECT_TRUE(IsNear(PhotoColour(frame), kHues[0]));
 
     QTest::keyClick(&frame, Qt::Key_Right);
-    QTest::keyClick(&frame, Qt::Key_Right);
-    EXPECT_EQ(Position(frame), 2);
+    frame.GetStrip().FinishMove();
+    EXPECT_EQ(Position(frame), 1);
     EXPECT_TRUE(IsNear(PhotoColour(frame), kHues[0])) << "the photo waits until the strip rests";
-    Rest();
-    EXPECT_TRUE(IsNear(PhotoColour(frame), kHues[2]));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return IsNear(PhotoColour(frame), kHues[1]); }, 2000));
 
-    QTest::keyClick(&frame, Qt::Key_End);
-    EXPECT_EQ(Position(frame), 4);
-    QTest::keyClick(&frame, Qt::Key_Right);
-    EXPECT_EQ(Position(frame), 4);
-    QTest::keyClick(&frame, Qt::Key_PageUp);
-    EXPECT_EQ(Position(frame), 0);
-    QTest::keyClick(&frame, Qt::Key_Left);
-    EXPECT_EQ(Position(frame), 0);
-    QTest::keyClick(&frame, Qt::Key_PageDown);
-    EXPECT_EQ(Position(frame), 4);
-    QTest::keyClick(&frame, Qt::Key_Home);
-    EXPECT_EQ(Position(frame), 0);
+    const auto press = [&](Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+      QTest::keyClick(&frame, key, modifiers);
+      Rest(frame);
+      return Position(frame);
+    };
+    EXPECT_EQ(press(Qt::Key_End), 4);
+    EXPECT_EQ(press(Qt::Key_Right), 4);
+    EXPECT_EQ(press(Qt::Key_PageUp), 0);
+    EXPECT_EQ(press(Qt::Key_Left), 0);
+    EXPECT_EQ(press(Qt::Key_PageDown), 4);
+    EXPECT_EQ(press(Qt::Key_Home), 0);
+    EXPECT_EQ(press(Qt::Key_Space), 1);
+    EXPECT_EQ(press(Qt::Key_Space, Qt::ShiftModifier), 0);
+    EXPECT_EQ(press(Qt::Key_Right, Qt::AltModifier), 1);
+    EXPECT_TRUE(IsNear(PhotoColour(frame), kHues[1]));
   });
 }
 
-TEST_F(MainFrame, StripShowsThumbnailsWithTheCurrentOneFramed) {
-  AddPhotos(3);
+TEST_F(MainFrame, KeysMarkPhotosAndShiftReachesToTheMarkBefore) {
+  AddPhotos(9);
   Show([](CMainFrame& frame) {
-    CFilmstrip& strip = Strip(frame);
-    QTest::mouseClick(&strip, Qt::LeftButton, {}, CellRect(1, StripStart(strip.width(), 3, 0)).center());
-    EXPECT_EQ(strip.GetCurrent(), 1);
-    const QImage image = Painted(strip);
-    for (int i = 0; i < 3; ++i) {
-      const QRect cell = CellRect(i, StripStart(strip.width(), 3, 1));
-      EXPECT_TRUE(IsNear(image.pixelColor(cell.center()), kHues[i])) << i;
-      const QColor corner = image.pixelColor(cell.topLeft() + QPoint(2, 2));
-      EXPECT_EQ(corner == colours::kSelection, i == 1) << i;
-    }
+    GoTo(frame, 1);
+    QTest::keyClick(&frame, Qt::Key_M);
+    EXPECT_TRUE(HasFlag(frame, 1, PhotoFlag::ToEmail));
+    EXPECT_FALSE(HasFlag(frame, 1, PhotoFlag::ToRemotePrint));
+    GoTo(frame, 5);
+    QTest::keyClick(&frame, Qt::Key_M, Qt::ShiftModifier);
+    for (int i = 0; i < 9; ++i) EXPECT_EQ(HasFlag(frame, i, PhotoFlag::ToEmail), i >= 1 && i <= 5) << i;
+    QTest::keyClick(&frame, Qt::Key_M);
+    EXPECT_FALSE(HasFlag(frame, 5, PhotoFlag::ToEmail));
+    QTest::keyClick(&frame, Qt::Key_U, Qt::AltModifier);
+    EXPECT_TRUE(HasFlag(frame, 5, PhotoFlag::ToRemotePrint));
+    EXPECT_EQ(Position(frame), 5);
   });
 }
 
-TEST_F(MainFrame, OpensOnTheFirstPhotoOfANewRoll) {
+TEST_F(MainFrame, MarksShowOnTheLargePhotoAndOnTheirButtons) {
+  AddPhotos(1);
+  Show([](CMainFrame& frame) {
+    const QImage before = Painted(frame.GetPhotoView());
+    QTest::keyClick(&frame, Qt::Key_M);
+    EXPECT_NE(Painted(frame.GetPhotoView()), before);
+    CPaintedButton& email = *frame.GetToolRow().GetButton(CommandId::ToggleEmail);
+    EXPECT_EQ(email.GetText(), "Don't Email Photo");
+    QTest::mouseClick(&email, Qt::LeftButton);
+    EXPECT_EQ(email.GetText(), "Email Photo");
+    EXPECT_FALSE(HasFlag(frame, 0, PhotoFlag::ToEmail));
+    EXPECT_EQ(Painted(frame.GetPhotoView()), before);
+    EXPECT_TRUE(frame.hasFocus()) << "after a click on a button";
+  });
+}
+
+TEST_F(MainFrame, DigitsAndStarsRate) {
   AddPhotos(2);
-  Show([](CMainFrame& frame) { EXPECT_EQ(Position(frame), 0); });
+  Show([](CMainFrame& frame) {
+    GoTo(frame, 0);
+    const auto rating = [&] { return frame.GetPhotoSet().GetAsset(0).GetCachedRating(); };
+    QTest::keyClick(&frame, Qt::Key_3);
+    EXPECT_EQ(rating(), 3);
+    QTest::keyClick(&frame, Qt::Key_0, Qt::AltModifier);
+    EXPECT_EQ(rating(), 0);
+    auto* stars = frame.GetPhotoBack().findChild<CRatingControl*>();
+    ASSERT_NE(stars, nullptr);
+    const auto click = [&](int star) {
+      QTest::mousePress(stars->childAt(21 * star - 10, 10), Qt::LeftButton);
+    };
+    click(4);
+    EXPECT_EQ(rating(), 4);
+    click(4);
+    EXPECT_EQ(rating(), 3) << "the last star filled is taken away";
+    click(1);
+    EXPECT_EQ(rating(), 1);
+    frame.ToggleFullScreen(FullScreenChange::FullScreen);
+    QTest::keyClick(&frame, Qt::Key_4);
+    EXPECT_EQ(rating(), 1) << "the panel doesn't show";
+  });
+}
+
+TEST_F(MainFrame, DeletedPhotosLeaveTheStripForTheTrash) {
+  AddPhotos(3);
+  Show([this](CMainFrame& frame) {
+    GoTo(frame, 2);
+    QTest::keyClick(&frame, Qt::Key_M);
+    const CAssetRecord last = frame.GetPhotoSet().GetAsset(2);
+    QTest::keyClick(&frame, Qt::Key_Delete);
+    EXPECT_TRUE(last.GetFlag(PhotoFlag::Tossed));
+    EXPECT_FALSE(last.GetFlag(PhotoFlag::ToEmail));
+    EXPECT_EQ(frame.GetPhotoSet().GetCount(), 2);
+    EXPECT_EQ(Position(frame), 1);
+    EXPECT_TRUE(std::filesystem::exists(Scratch.GetPath() + "/" + PhotoName(2))) << "the file stays";
+
+    std::filesystem::permissions(Scratch.GetPath() + "/" + PhotoName(1), std::filesystem::perms::owner_read);
+    QTest::keyClick(&frame, Qt::Key_Delete);
+    EXPECT_EQ(frame.GetPhotoSet().GetCount(), 2) << "a file that is marked as read-only";
+
+    GoTo(frame, 0);
+    QTest::keyClick(&frame, Qt::Key_Delete);
+    std::filesystem::permissions(Scratch.GetPath() + "/" + PhotoName(1), std::filesystem::perms::owner_all);
+    QTest::keyClick(&frame, Qt::Key_Delete);
+    EXPECT_EQ(frame.GetPhotoSet().GetCount(), 0);
+    QTest::keyClick(&frame, Qt::Key_Delete);
+    QTest::keyClick(&frame, Qt::Key_M);
+    QTest::keyClick(&frame, Qt::Key_4);
+    EXPECT_FALSE(frame.GetToolRow().GetButton(CommandId::DeletePhoto)->isEnabled());
+  });
+}
+
+TEST_F(MainFrame, RefusedWriteIsToldAndLeavesThePhotoAsItWas) {
+  AddPhotos(2);
+  Show([this](CMainFrame& frame) {
+    GoTo(frame, 0);
+    {
+      const CFileSizeLimit fullDisk(0);
+      QTest::keyClick(&frame, Qt::Key_M);
+    }
+    EXPECT_EQ(Messages.Shown.size(), 1U);
+    EXPECT_FALSE(HasFlag(frame, 0, PhotoFlag::ToEmail));
+    QTest::keyClick(&frame, Qt::Key_M);
+    EXPECT_TRUE(HasFlag(frame, 0, PhotoFlag::ToEmail)) << "the program goes on";
+  });
+}
+
+TEST_F(MainFrame, OpensOnTheFirstPhotoOfANewRollAndKeepsTheStoredOrder) {
+  AddPhotos(2);
+  Show([](CMainFrame& frame) {
+    EXPECT_EQ(Position(frame), 1) << "the first roll of a catalog is shown from its end";
+    EXPECT_EQ(frame.GetPhotoSet().GetSortKind(), SortKind::Roll);
+  });
   AddPhotos(3, 2);
   Show([](CMainFrame& frame) {
-    EXPECT_EQ(Strip(frame).GetCount(), 5);
+    EXPECT_EQ(frame.GetPhotoSet().GetCount(), 5);
     EXPECT_EQ(Position(frame), 2);
   });
-  Show([](CMainFrame& frame) { EXPECT_EQ(Position(frame), 0) << "no new roll this time"; });
+  GetSettings()->SetInt("Sort", 233);
+  Show([](CMainFrame& frame) {
+    EXPECT_EQ(frame.GetPhotoSet().GetSortKind(), SortKind::Title);
+    EXPECT_EQ(Position(frame), 0);
+    QTest::keyClick(&frame, Qt::Key_2);
+  });
+  GetSettings()->SetInt("Sort", 221);
+  Show([](CMainFrame& frame) {
+    EXPECT_EQ(frame.GetPhotoSet().GetAsset(0).GetTitle(), "1000") << "the one with stars comes first";
+  });
+  GetSettings()->SetInt("Sort", 4711);
+  Show([](CMainFrame& frame) { EXPECT_EQ(frame.GetPhotoSet().GetCount(), 5); });
 }
 
 TEST_F(MainFrame, SaysWhatItCannotShow) {
   Show([](CMainFrame& frame) {
-    QWidget* view = frame.findChild<QWidget*>("SlideVue");
-    EXPECT_TRUE(HoldsInk(Painted(*view), view->rect(), colours::kPage)) << "that there are no photos";
-    QTest::keyClick(&frame, Qt::Key_Right);
-    EXPECT_EQ(Position(frame), 0);
+    QWidget& view = frame.GetPhotoView();
+    EXPECT_TRUE(HoldsInk(Painted(view), view.rect(), colours::kPage)) << "that there is no photo";
+    for (const Qt::Key key :
+         {Qt::Key_Right, Qt::Key_End, Qt::Key_PageDown, Qt::Key_Down, Qt::Key_F5, Qt::Key_F11}) {
+      QTest::keyClick(&frame, key);
+    }
+    EXPECT_FALSE(frame.IsFullScreen());
+    EXPECT_FALSE(frame.IsSlideShowRunning());
   });
   Scratch.Write("Pictures/broken.jpg", "no picture");
   AddPhotos(1);
+  Show([this](CMainFrame& frame) {
+    GoTo(frame, 0);
+    GoTo(frame, 1);
+    QWidget& view = frame.GetPhotoView();
+    EXPECT_FALSE(PhotoColour(frame).saturation() > 100) << "the photo before must be gone";
+    EXPECT_TRUE(HoldsInk(Painted(view), view.rect(), colours::kPage));
+
+    std::filesystem::remove(Scratch.GetPath() + "/" + PhotoName(0));
+    GoTo(frame, 0);
+    EXPECT_FALSE(PhotoColour(frame).saturation() > 100) << "a photo that vanished";
+    AddPhotos(1);
+    frame.GetPhotoView().Reload(false);
+    EXPECT_TRUE(IsNear(PhotoColour(frame), kHues[0])) << "it is tried again";
+  });
+}
+
+TEST_F(MainFrame, PhotoIsDecodedAgainOnlyForALargerView) {
+  AddPhotos(1, 0, 3200, 2400);
   Show([](CMainFrame& frame) {
-    QTest::keyClick(&frame, Qt::Key_End);
-    Rest();
-    QWidget* view = frame.findChild<QWidget*>("SlideVue");
-    EXPECT_EQ(PhotoColour(frame).saturation() > 100, false) << "the photo before must be gone";
-    EXPECT_TRUE(HoldsInk(Painted(*view), view->rect(), colours::kPage));
+    CPhotoView& view = frame.GetPhotoView();
+    const CImage* first = view.GetImage();
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(first->GetCurrentSize(), (ImageSize{800, 600}));
+    frame.resize(900, 650);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(view.GetImage()->GetCurrentSize(), (ImageSize{800, 600}));
+    frame.resize(1400, 1100);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(view.GetImage()->GetCurrentSize(), (ImageSize{1600, 1200}));
+    EXPECT_TRUE(IsNear(PhotoColour(frame), kHues[0]));
   });
 }
 
 TEST_F(MainFrame, WheelCollectsSmallTurns) {
   AddPhotos(5);
   Show([](CMainFrame& frame) {
+    GoTo(frame, 0);
     const auto turn = [&](int eighths) {
       QWheelEvent event({10, 10}, frame.mapToGlobal(QPointF(10, 10)), {}, {0, eighths}, Qt::NoButton, {},
                         Qt::NoScrollPhase, false);
       QCoreApplication::sendEvent(&frame, &event);
+      Rest(frame);
     };
     turn(-120);
     EXPECT_EQ(Position(frame), 1);
@@ -168,6 +240,44 @@ TEST_F(MainFrame, WheelCollectsSmallTurns) {
   });
 }
 
+TEST_F(MainFrame, BlockedInputIsLost) {
+  AddPhotos(2);
+  Show([](CMainFrame& frame) {
+    GoTo(frame, 0);
+    frame.SetInputBlocked(true);
+    QTest::keyClick(&frame, Qt::Key_M);
+    QTest::keyClick(&frame, Qt::Key_M, Qt::AltModifier);
+    QTest::mouseClick(frame.GetToolRow().GetButton(CommandId::ToggleEmail), Qt::LeftButton);
+    frame.SetInputBlocked(false);
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(HasFlag(frame, 0, PhotoFlag::ToEmail));
+    QTest::keyClick(&frame, Qt::Key_M);
+    EXPECT_TRUE(HasFlag(frame, 0, PhotoFlag::ToEmail));
+  });
+}
+
+TEST_F(MainFrame, TellsAUserWithFewPhotosHowToAddFolders) {
+  AddPhotos(2);
+  GetSettings()->SetBool("DontShowAddFolderTip", false);
+  int seen = 0;
+  const auto answer = [&](bool never) {
+    When([] { return QApplication::activeModalWidget() != nullptr; },
+         [&seen, never] {
+           auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+           ++seen;
+           box->checkBox()->setChecked(never);
+           box->accept();
+         });
+  };
+  for (const bool never : {false, true}) {
+    answer(never);
+    Show([&](CMainFrame&) { EXPECT_TRUE(QTest::qWaitFor([&] { return seen == (never ? 2 : 1); }, 2000)); });
+  }
+  Show([](CMainFrame& frame) { EXPECT_TRUE(frame.hasFocus()) << "no tip any more"; });
+  EXPECT_EQ(seen, 2);
+  EXPECT_TRUE(GetSettings()->GetBool("DontShowAddFolderTip"));
+}
+
 TEST_F(MainFrame, ClosedDuringTheSearchStopsItAndThenCloses) {
   AddPhotos(1);
   CMainFrame frame;
@@ -176,11 +286,8 @@ TEST_F(MainFrame, ClosedDuringTheSearchStopsItAndThenCloses) {
   EXPECT_TRUE(frame.Create(
       [&](CCatalog& catalog, CThumbnailCache& cache) {
         while (!progress.IsStopped()) QThread::msleep(1);  // the close reaches the job
-        catalog.Open(Scratch.GetPath() + "/vellumar.db");
-        cache.Open(Scratch.GetPath() + "/vellumar.thumbs", catalog.GetDBGUID());
-        return true;
+        return OpenStores()(catalog, cache);
       },
       progress));
   EXPECT_TRUE(frame.IsClosing());
-  CFolderSearch::GetInstance().Reset();
 }

@@ -1,0 +1,132 @@
+#include "ui/frame/CommandTable.h"
+
+#include <algorithm>
+
+#include "ui/frame/MainCommands.h"
+
+namespace {
+
+constexpr StringId kNoCaption{};
+constexpr bool kOnce = false;
+constexpr bool kRepeats = true;
+constexpr KeyChord kNone{};
+
+constexpr KeyChord Plain(int key) { return {key, Qt::NoModifier}; }
+constexpr KeyChord Alt(int key) { return {key, Qt::AltModifier}; }
+constexpr KeyChord Ctrl(int key) { return {key, Qt::ControlModifier}; }
+constexpr KeyChord Shift(int key) { return {key, Qt::ShiftModifier}; }
+
+using Do = CMainCommands;
+
+constexpr Command kCommands[] = {
+    {CommandId::EndEdit, kNoCaption, {Plain(Qt::Key_Return)}, 0, kOnce, &Do::EndEdit},
+    {CommandId::Cancel, kNoCaption, {Plain(Qt::Key_Escape)}, 0, kOnce, &Do::Cancel},
+
+    {CommandId::GoToRating, kNoCaption, {}, 0, kOnce, &Do::GoToField},
+    {CommandId::GoToCaption, kNoCaption, {Alt(Qt::Key_C)}, Qt::Key_C, kOnce, &Do::GoToField},
+    {CommandId::GoToSubjects, kNoCaption, {Alt(Qt::Key_S)}, Qt::Key_S, kOnce, &Do::GoToField},
+    {CommandId::GoToEvent, kNoCaption, {Alt(Qt::Key_E)}, Qt::Key_E, kOnce, &Do::GoToField},
+    {CommandId::GoToDate, kNoCaption, {}, 0, kOnce, &Do::GoToField},
+    {CommandId::GoToPlace, kNoCaption, {Alt(Qt::Key_P)}, Qt::Key_P, kOnce, &Do::GoToField},
+    {CommandId::GoToFolder, kNoCaption, {}, 0, kOnce, &Do::GoToField},
+    {CommandId::GoToTitle, kNoCaption, {}, 0, kOnce, &Do::GoToField},
+
+    {CommandId::ToggleUpload, StringId::UploadPhoto, {Alt(Qt::Key_U)}, Qt::Key_U, kOnce, &Do::ToggleInTab},
+    {CommandId::ToggleEmail, StringId::EmailPhoto, {Alt(Qt::Key_M)}, Qt::Key_M, kOnce, &Do::ToggleInTab},
+    {CommandId::RotateRight, StringId::RotateRight, {Alt(Qt::Key_R)}, Qt::Key_R, kOnce, nullptr},
+    {CommandId::RotateLeft, StringId::RotateLeft, {Alt(Qt::Key_L)}, Qt::Key_L, kOnce, nullptr},
+    {CommandId::AutoFix, StringId::AutoFix, {Alt(Qt::Key_F)}, Qt::Key_F, kOnce, nullptr},
+    {CommandId::DeletePhoto,
+     StringId::DeletePhoto,
+     {Alt(Qt::Key_Delete)},
+     Qt::Key_Delete,
+     kOnce,
+     &Do::DeletePhoto},
+    {CommandId::RenamePhoto, kNoCaption, {Plain(Qt::Key_F2)}, 0, kOnce, nullptr},
+
+    {CommandId::PreviousPhoto,
+     StringId::PreviousPhoto,
+     {Alt(Qt::Key_Left)},
+     Qt::Key_Left,
+     kRepeats,
+     &Do::MoveByOne},
+    {CommandId::NextPhoto,
+     StringId::NextPhoto,
+     {Alt(Qt::Key_Right)},
+     Qt::Key_Right,
+     kRepeats,
+     &Do::MoveByOne},
+    {CommandId::PreviousPage, kNoCaption, {Plain(Qt::Key_PageUp)}, 0, kRepeats, &Do::MoveByPage},
+    {CommandId::NextPage, kNoCaption, {Plain(Qt::Key_PageDown)}, 0, kRepeats, &Do::MoveByPage},
+    {CommandId::FirstPhoto, kNoCaption, {Alt(Qt::Key_Home)}, Qt::Key_Home, kOnce, &Do::MoveToEnd},
+    {CommandId::LastPhoto, kNoCaption, {Alt(Qt::Key_End)}, Qt::Key_End, kOnce, &Do::MoveToEnd},
+    {CommandId::NextGroup,
+     StringId::NextGroup,
+     {Alt(Qt::Key_Down)},
+     Qt::Key_Down,
+     kRepeats,
+     &Do::MoveByGroup},
+    {CommandId::PreviousGroup,
+     StringId::PreviousGroup,
+     {Alt(Qt::Key_Up)},
+     Qt::Key_Up,
+     kRepeats,
+     &Do::MoveByGroup},
+
+    {CommandId::ToggleSlideShow,
+     StringId::PlaySlideShow,
+     {Plain(Qt::Key_F5), Plain(Qt::Key_Pause)},
+     0,
+     kOnce,
+     &Do::ToggleSlideShow},
+    {CommandId::ToggleFullScreen,
+     StringId::ViewFullScreen,
+     {Plain(Qt::Key_F11)},
+     0,
+     kOnce,
+     &Do::ToggleFullScreen},
+    {CommandId::NextTab, kNoCaption, {Plain(Qt::Key_F6), Ctrl(Qt::Key_Tab)}, 0, kOnce, &Do::NextTab},
+    {CommandId::CloseWindow, kNoCaption, {Alt(Qt::Key_F4)}, 0, kOnce, &Do::CloseWindow},
+    {CommandId::ShowInfo, kNoCaption, {Plain(Qt::Key_F1)}, 0, kOnce, nullptr},
+    {CommandId::Help, StringId::Help, {}, 0, kOnce, nullptr},
+    {CommandId::TipAtStart, kNoCaption, {}, 0, kOnce, &Do::ShowTipAtStart},
+
+    {CommandId::NextField, kNoCaption, {Plain(Qt::Key_Tab)}, 0, kRepeats, &Do::MoveByField},
+    {CommandId::PreviousField, kNoCaption, {Shift(Qt::Key_Tab)}, 0, kRepeats, &Do::MoveByField},
+    {CommandId::Rate0, kNoCaption, {Alt(Qt::Key_0)}, Qt::Key_0, kOnce, &Do::Rate},
+    {CommandId::Rate1, kNoCaption, {Alt(Qt::Key_1)}, Qt::Key_1, kOnce, &Do::Rate},
+    {CommandId::Rate2, kNoCaption, {Alt(Qt::Key_2)}, Qt::Key_2, kOnce, &Do::Rate},
+    {CommandId::Rate3, kNoCaption, {Alt(Qt::Key_3)}, Qt::Key_3, kOnce, &Do::Rate},
+    {CommandId::Rate4, kNoCaption, {Alt(Qt::Key_4)}, Qt::Key_4, kOnce, &Do::Rate},
+    {CommandId::Copy, kNoCaption, {Ctrl(Qt::Key_C)}, 0, kOnce, &Do::EditText},
+    {CommandId::Cut, kNoCaption, {Ctrl(Qt::Key_X)}, 0, kOnce, &Do::EditText},
+    {CommandId::Paste, kNoCaption, {Ctrl(Qt::Key_V)}, 0, kRepeats, &Do::EditText},
+    {CommandId::Undo, kNoCaption, {Ctrl(Qt::Key_Z)}, 0, kRepeats, &Do::EditText},
+};
+
+template <typename Condition>
+const Command* Find(const Condition& condition) {
+  const auto found = std::find_if(std::begin(kCommands), std::end(kCommands), condition);
+  return found != std::end(kCommands) ? found : nullptr;
+}
+
+}  // namespace
+
+std::span<const Command> GetCommandTable() { return kCommands; }
+
+const Command* FindCommand(CommandId id) {
+  return Find([id](const Command& command) { return command.Id == id; });
+}
+
+const Command* FindAccelerator(const KeyChord& chord) {
+  if (chord == kNone) return nullptr;
+  return Find([&](const Command& command) {
+    return std::find(command.Accelerators.begin(), command.Accelerators.end(), chord) !=
+           command.Accelerators.end();
+  });
+}
+
+const Command* FindBareKey(const KeyChord& chord) {
+  if (chord.Key == 0 || chord.Modifiers != Qt::NoModifier) return nullptr;
+  return Find([&](const Command& command) { return command.BareKey == chord.Key; });
+}

@@ -1,0 +1,45 @@
+#include "ui/frame/KeyChord.h"
+
+#include <QKeyEvent>
+#include <string_view>
+
+namespace {
+
+// Scan codes of the windowing systems are those of Linux input devices plus 8.
+struct KeyRow {
+  quint32 FirstScanCode;
+  std::string_view Keys;
+};
+constexpr KeyRow kRows[] = {{10, "1234567890"}, {24, "QWERTYUIOP"}, {38, "ASDFGHJKL"}, {52, "ZXCVBNM"}};
+
+bool IsLatinOrDigit(int key) {
+  return (key >= Qt::Key_A && key <= Qt::Key_Z) || (key >= Qt::Key_0 && key <= Qt::Key_9);
+}
+
+bool IsCharacter(int key) { return key > Qt::Key_Space && key < Qt::Key_Escape; }
+
+/// 0 for a position without a Latin letter or digit.
+int KeyAtPosition(quint32 scanCode) {
+  for (const KeyRow& row : kRows) {
+    const quint32 index = scanCode - row.FirstScanCode;
+    if (scanCode >= row.FirstScanCode && index < row.Keys.size()) return row.Keys[index];
+  }
+  return 0;
+}
+
+}  // namespace
+
+KeyChord ReadKeyChord(const QKeyEvent& event) {
+  int key = event.key();
+  if (IsCharacter(key) && !IsLatinOrDigit(key)) {
+    if (const int byPosition = KeyAtPosition(event.nativeScanCode()); byPosition != 0) key = byPosition;
+  }
+  if (key == Qt::Key_Enter) key = Qt::Key_Return;
+  Qt::KeyboardModifiers modifiers = event.modifiers() & ~(Qt::KeypadModifier | Qt::GroupSwitchModifier);
+  if (key == Qt::Key_Backtab) {
+    key = Qt::Key_Tab;
+    modifiers |= Qt::ShiftModifier;
+  }
+  if (IsLatinOrDigit(key)) modifiers &= ~Qt::ShiftModifier;
+  return {key, modifiers};
+}

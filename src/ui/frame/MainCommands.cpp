@@ -1,0 +1,123 @@
+#include "ui/frame/MainCommands.h"
+
+#include <QApplication>
+#include <QWidget>
+
+#include "base/Folders.h"
+#include "catalog/Catalog.h"
+#include "catalog/StringHistory.h"
+#include "discovery/FolderSearch.h"
+#include "editing/PhotoAccess.h"
+#include "sets/PhotoSet.h"
+#include "ui/back/PhotoBack.h"
+#include "ui/frame/CommandTable.h"
+#include "ui/frame/MainFrame.h"
+#include "ui/frame/TipAtStart.h"
+#include "ui/kit/WaitCursor.h"
+#include "ui/pages/ViewTabBar.h"
+#include "ui/strip/Filmstrip.h"
+
+namespace {
+
+constexpr int kManyPhotos = 20;  // who has as many needs no tip
+constexpr const char* kFolderHistory = "FolderFilterHistory";
+
+}  // namespace
+
+void CMainCommands::Run(CommandId id) {
+  const Command* command = FindCommand(id);
+  if (command == nullptr || command->Run == nullptr) return;
+  // Only the next step may come while the strip is sliding; all else acts on the strip at rest.
+  if (command->Run != &CMainCommands::MoveByOne) Frame.GetStrip().FinishMove();
+  (this->*command->Run)(id);
+}
+
+void CMainCommands::EndEdit(CommandId) { Frame.setFocus(); }
+
+void CMainCommands::Cancel(CommandId) { Frame.ToggleFullScreen(FullScreenChange::Normal); }
+
+void CMainCommands::GoToField(CommandId) {}
+
+void CMainCommands::MoveByField(CommandId) {}
+
+void CMainCommands::Rate(CommandId id) {
+  if (!Frame.GetPhotoBack().isVisible()) return;
+  Frame.GetPhotoBack().SetRating(static_cast<int>(id) - static_cast<int>(CommandId::Rate0));
+}
+
+void CMainCommands::EditText(CommandId id) {
+  const char* operation = id == CommandId::Copy    ? "copy"
+                          : id == CommandId::Cut   ? "cut"
+                          : id == CommandId::Paste ? "paste"
+                                                   : "undo";
+  QWidget* focus = QApplication::focusWidget();
+  if (focus == nullptr) return;
+  const QByteArray signature = QByteArray(operation) + "()";
+  if (focus->metaObject()->indexOfMethod(signature) >= 0) QMetaObject::invokeMethod(focus, operation);
+}
+
+void CMainCommands::ToggleInTab(CommandId id) {
+  const CAssetRecord* photo = Frame.GetStrip().GetCurrentRecord();
+  if (photo == nullptr) return;
+  const bool extendRange = QApplication::keyboardModifiers().testFlag(Qt::ShiftModifier);
+  Frame.ToggleInTab(*photo, id == CommandId::ToggleEmail ? ViewTabId::Email : ViewTabId::Upload, extendRange);
+}
+
+void CMainCommands::DeletePhoto(CommandId) {
+  const CAssetRecord* photo = Frame.GetStrip().GetCurrentRecord();
+  if (Frame.GetTabBar().GetSelectedTab() != ViewTabId::CurrentPhoto || photo == nullptr ||
+      IsReadOnly(*photo)) {
+    return;
+  }
+  Frame.DeleteCurrentPhoto();
+}
+
+void CMainCommands::MoveByOne(CommandId id) {
+  Frame.StopSlideShow();
+  Frame.GetStrip().MoveBy(id == CommandId::NextPhoto ? 1 : -1);
+}
+
+void CMainCommands::MoveByPage(CommandId id) {
+  Frame.StopSlideShow();
+  const CWaitCursor waiting;
+  Frame.GetStrip().MovePage(id == CommandId::PreviousPage);
+}
+
+void CMainCommands::MoveByGroup(CommandId id) {
+  CFilmstrip& strip = Frame.GetStrip();
+  const CPhotoSet& set = Frame.GetPhotoSet();
+  const int current = strip.GetCurrentIndex();
+  strip.MoveTo(id == CommandId::NextGroup ? set.GetNextGroupStart(current)
+                                          : set.GetPreviousGroupStart(current));
+}
+
+void CMainCommands::MoveToEnd(CommandId id) {
+  Frame.StopSlideShow();
+  Frame.GetStrip().MoveTo(id == CommandId::FirstPhoto ? 0 : Frame.GetPhotoSet().GetCount() - 1);
+}
+
+void CMainCommands::ToggleSlideShow(CommandId) {
+  Frame.GetTabBar().SelectTab(ViewTabId::CurrentPhoto);
+  if (Frame.IsSlideShowRunning()) return Frame.StopSlideShow();
+  Frame.StartSlideShow();
+  Frame.setFocus();
+}
+
+void CMainCommands::ToggleFullScreen(CommandId) { Frame.ToggleFullScreen(FullScreenChange::Toggle); }
+
+void CMainCommands::NextTab(CommandId) {
+  if (!Frame.IsFullScreen()) Frame.GetTabBar().SelectNextTab();
+}
+
+void CMainCommands::CloseWindow(CommandId) { Frame.close(); }
+
+void CMainCommands::ShowTipAtStart(CommandId) {
+  CCatalog& catalog = *CCatalog::GetInstance();
+  if (CFolderSearch::GetInstance().ActiveDisk &&
+      catalog.GetCurrentPhotoFolder() == GetActiveDiskPhotoFolder()) {
+    return;
+  }
+  if (Frame.GetPhotoSet().GetCount() >= kManyPhotos) return;
+  if (CStringHistory(catalog, kFolderHistory, 0, false).Count() > 0) return;
+  ShowAddFolderTip(&Frame);
+}

@@ -1,0 +1,89 @@
+#!/usr/bin/env python3
+"""A session by keyboard and mouse, as a user has it, checked in the catalog after the window is closed.
+
+usage: keys.py PROGRAM
+"""
+
+import sys
+import time
+
+from desktop import NORMAL_EXIT, Desktop, make_photo, need
+
+HUES = [(200, 40, 40), (40, 160, 50), (50, 70, 200), (210, 190, 30), (150, 50, 180), (30, 160, 170), (90, 90, 90)]
+SORT_BY_TITLE = '"Sort"=dword:000000e9'
+NO_TIP = '"DontShowAddFolderTip"=dword:00000001'
+CELL_PITCH = 151
+SCREEN = (1280, 900)
+STRIP_MIDDLE_Y = 900 - 156 + 50
+
+
+def press_and_wait(desktop, hue, *keys):
+    desktop.press(*keys)
+    desktop.wait_for_photo(HUES[hue])
+
+
+def mark_and_rate(desktop):
+    desktop.wait_for_photo(HUES[0])
+    desktop.press("3")
+    press_and_wait(desktop, 1, "Right")
+    desktop.press("m")
+    press_and_wait(desktop, 2, "space")
+    desktop.press("alt+2")
+    press_and_wait(desktop, 4, "Right", "Right")
+    desktop.press("shift+m")  # marks the photos from the one marked before
+    desktop.press("u")
+    press_and_wait(desktop, 6, "End")
+    desktop.press("Delete")
+    desktop.wait_for_photo(HUES[5])  # what was before the last one
+
+
+def walk_by_mouse(desktop):
+    desktop.click(SCREEN[0] // 2 - 2 * CELL_PITCH, STRIP_MIDDLE_Y)
+    desktop.wait_for_photo(HUES[3])
+    desktop.press("4")  # keys work after a click in the strip
+    desktop.click(400, 300)
+    press_and_wait(desktop, 2, "Left")  # and after one on the photo
+    desktop.click(400, 300, 2)
+    time.sleep(1)
+    press_and_wait(desktop, 3, "Right")  # in full screen
+    desktop.press("1")  # the panel isn't there to rate on
+    desktop.press("Escape")
+    time.sleep(1)
+    press_and_wait(desktop, 4, "Right")
+    desktop.press("1")
+
+
+def show_slides(desktop):
+    press_and_wait(desktop, 0, "Home")
+    press_and_wait(desktop, 1, "F5")  # the first step comes at once
+    desktop.wait_for_photo(HUES[2])
+    desktop.press("space")
+
+
+def main(program):
+    need("Xvfb", "openbox", "xdotool", "import", "cjpeg")
+    with Desktop(SCREEN) as desktop:
+        for number, hue in enumerate(HUES):
+            make_photo(desktop.pictures / f"{number}.jpg", hue)
+        child = desktop.start(program)
+        desktop.wait_for_window(child)
+        assert desktop.end(child) == NORMAL_EXIT
+
+        desktop.set_settings(SORT_BY_TITLE, NO_TIP)
+        child = desktop.start(program)
+        desktop.wait_for_window(child)
+        mark_and_rate(desktop)
+        walk_by_mouse(desktop)
+        show_slides(desktop)
+        desktop.press("alt+F4")
+        assert child.wait(20) == NORMAL_EXIT, f"the session ended with {child.returncode}"
+
+        rows = desktop.query(
+            "vellumar.db", "select CachedRating, ToEmail, ToRemotePrint, Tossed from Asset order by Filename"
+        )
+        expected = [(3, 0, 0, 0), (0, 1, 0, 0), (2, 1, 0, 0), (4, 1, 0, 0), (1, 1, 1, 0), (0, 0, 0, 0), (0, 0, 0, 1)]
+        assert rows == expected, f"the catalog holds {rows}"
+
+
+if __name__ == "__main__":
+    main(sys.argv[1])
