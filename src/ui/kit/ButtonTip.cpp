@@ -54,7 +54,6 @@ QSize MeasureCaption(const QString& text, FontId font) {
 CButtonTip::CButtonTip(QWidget* parent) : QWidget(parent) {
   setObjectName(QStringLiteral("ButtonTip"));
   setAttribute(Qt::WA_TransparentForMouseEvents);
-  setFocusPolicy(Qt::NoFocus);
   hide();
 }
 

@@ -3,6 +3,7 @@
 #include <QFontMetricsF>
 #include <QMouseEvent>
 #include <QScopeGuard>
+#include <memory>
 
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
@@ -38,8 +39,9 @@ CPaintedButton::CPaintedButton(CCommandTarget& target, QWidget* parent)
 }
 
 CPaintedButton::~CPaintedButton() {
-  // Not at once: its parent may be deleting its children, the tip among them.
-  if (Tip) Tip->deleteLater();
+  if (!Tip) return;
+  Tip->hide();
+  Tip->deleteLater();  // not at once: its parent may be deleting its children, the tip among them
 }
 
 void CPaintedButton::Create(QPoint corner, CommandId id, ButtonFlags flags, PictureId picture,
@@ -116,8 +118,8 @@ void CPaintedButton::SetCaptionForm(FontId font, int widest) {
 }
 
 CButtonTip& CPaintedButton::GetTip() {
-  // A child of its parent, which may go before this button does.
-  if (!Tip) Tip = new CButtonTip(TipStays() ? parentWidget() : window());
+  // Its parent's to delete, which may go before this button does.
+  if (!Tip) Tip = std::make_unique<CButtonTip>(TipStays() ? parentWidget() : window()).release();
   return *Tip;
 }
 
@@ -159,8 +161,10 @@ bool CPaintedButton::event(QEvent* event) {
     Press.Cancel();
     ApplyState();
   }
-  // The base keeps the mouse of a disabled button to itself; here its parent gets it.
-  return isEnabled() ? QAbstractButton::event(event) : QWidget::event(event);
+  const bool taken = QAbstractButton::event(event);
+  if (isEnabled() || !event->isPointerEvent()) return taken;
+  event->ignore();  // the mouse over a disabled button is its parent's
+  return false;
 }
 
 void CPaintedButton::mousePressEvent(QMouseEvent* event) {

@@ -18,12 +18,11 @@ constexpr int kCommandBeforeFirst = static_cast<int>(CommandId::RateByStar1) - 1
 CRatingControl::CRatingControl(CRatingOwner& owner, QWidget* parent) : QWidget(parent), Owner(owner) {
   setObjectName(QStringLiteral("Rating"));
   setAccessibleName(ToQString(LoadText(StringId::Rating)));
-  setFocusPolicy(Qt::NoFocus);
   setFixedSize(kSize);
   CCommandTarget& target = *this;
   for (int i = 0; i < kStars; ++i) {
-    auto* star = new CPaintedButton(target, this);
-    Stars[static_cast<std::size_t>(i)] = star;
+    auto& star = Stars[static_cast<std::size_t>(i)];
+    star = std::make_unique<CPaintedButton>(target, this);
     star->SetTipString(StringId::RatePhoto);
     star->Create({i * kStarWidth, 0}, static_cast<CommandId>(kCommandBeforeFirst + 1 + i),
                  ButtonFlags::FireOnPress, PictureId::EmptyStar, kStarImages);

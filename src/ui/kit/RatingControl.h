@@ -2,6 +2,7 @@
 
 #include <QWidget>
 #include <array>
+#include <memory>
 
 #include "ui/kit/PaintedButton.h"
 
@@ -38,5 +39,5 @@ class CRatingControl : public QWidget, private CCommandTarget {
   void OnCommand(CommandId id) override;
 
   CRatingOwner& Owner;
-  std::array<CPaintedButton*, kStars> Stars{};  // children
+  std::array<std::unique_ptr<CPaintedButton>, kStars> Stars;
 };

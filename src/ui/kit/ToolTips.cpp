@@ -22,6 +22,7 @@ constexpr int kWidestTip = 275;
 
 /// The platform's tips in the colours and the font of the interface.
 void DressToolTips() {
+  if (QToolTip::font() == GetFont(FontId::Note)) return;
   QPalette palette = QToolTip::palette();
   for (const auto group : {QPalette::Active, QPalette::Inactive}) {
     palette.setColor(group, QPalette::ToolTipBase, colours::kTip);

@@ -17,17 +17,15 @@ constexpr NinePartSkin kPanel{PictureId::PanelCorners, {0, 0, 3 * kBorder, 3 * k
 
 CToolbar::CToolbar(CCommandTarget& target, QWidget* parent) : QWidget(parent), Target(target) {
   setObjectName(QStringLiteral("Toolbar"));
-  setFocusPolicy(Qt::NoFocus);
   resize(width(), kToolbarHeight);
 }
 
 CPaintedButton& CToolbar::AddButton(int gap, CommandId id, StringId picture) {
   const auto number = picture == StringId{} ? static_cast<int>(id) : static_cast<int>(picture);
-  auto* button = new CPaintedButton(Target, this);
+  auto& button = Items.emplace_back(Item{std::make_unique<CPaintedButton>(Target, this), gap}).Button;
   button->SetTipSide(TipSide::Below);
   button->Create({}, id, ButtonFlags::TipStays, static_cast<PictureId>(number), kImages);
   button->setVisible(true);
-  Items.push_back({button, gap});
   LayOut();
   return *button;
 }
@@ -35,7 +33,7 @@ CPaintedButton& CToolbar::AddButton(int gap, CommandId id, StringId picture) {
 CPaintedButton* CToolbar::GetButton(CommandId id) {
   const auto found = std::find_if(Items.begin(), Items.end(),
                                   [&](const Item& item) { return item.Button->GetCommand() == id; });
-  return found == Items.end() ? nullptr : found->Button;
+  return found == Items.end() ? nullptr : found->Button.get();
 }
 
 void CToolbar::SetFullScreenLook(bool on) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QWidget>
+#include <memory>
 #include <vector>
 
 #include "resources/StringIds.h"
@@ -37,7 +38,7 @@ class CToolbar : public QWidget {
 
  private:
   struct Item {
-    CPaintedButton* Button;  // a child
+    std::unique_ptr<CPaintedButton> Button;
     int Gap;
   };
   std::vector<ToolbarItem> MeasureItems() const;

@@ -64,7 +64,6 @@ void DrawLines(CDevicePainter& painter, const QRect& area, const QString& captio
 
 CViewTabBar::CViewTabBar(QWidget* parent) : QWidget(parent) {
   setObjectName(QStringLiteral("ViewTab"));
-  setFocusPolicy(Qt::NoFocus);
 }
 
 int CViewTabBar::Find(ViewTabId id) const {
