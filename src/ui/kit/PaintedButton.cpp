@@ -161,8 +161,9 @@ bool CPaintedButton::event(QEvent* event) {
     Press.Cancel();
     ApplyState();
   }
-  const bool taken = QAbstractButton::event(event);
-  if (isEnabled() || !event->isPointerEvent()) return taken;
+  const bool passOn = !isEnabled() && event->isPointerEvent();
+  const bool taken = QAbstractButton::event(event);  // whose command may delete this button
+  if (!passOn) return taken;
   event->ignore();  // the mouse over a disabled button is its parent's
   return false;
 }
