@@ -117,7 +117,6 @@ void CPositionLabel::SetPosition(int current, int count) {
 
 void CPositionLabel::paintEvent(QPaintEvent*) {
   CDevicePainter painter(*this);
-  painter.Fill(painter.GetArea(), colours::kWindow);
   const int flags = Qt::AlignLeft | Qt::AlignBottom | Qt::TextSingleLine | Qt::TextDontClip;
   // The room below the letters is cut off.
   const int descent = QFontMetrics(GetFont(FontId::Small)).descent();

@@ -51,8 +51,8 @@ QPoint StripMetrics::MarkCornerAt(int left, int mark) const {
 }
 
 QRect StripMetrics::MarkTargetAt(int left, int mark) const {
-  const int begin = kMarkPitch * (mark - kMarkCount) + kMarkTargetShift;  // from the frame's right edge
-  const int from = left + FrameWidth + Scaled(begin);
-  const int to = left + FrameWidth + Scaled(begin + kMarkTargetWidth);
+  const int begin = kFrameWidth + kMarkPitch * (mark - kMarkCount) + kMarkTargetShift;
+  const int from = left + Scaled(begin);
+  const int to = left + Scaled(begin + kMarkTargetWidth);
   return {from, BandTop, to - from, FrameBottom - BandTop};
 }
