@@ -61,6 +61,6 @@ TabContent LayOutTab(const QRect& tab, QSize icon, QSize oneLine, QSize twoLines
 TabTiles ChooseTabTiles(int index, int count, bool selected) {
   const bool first = index == 0;
   const bool last = index == count - 1;
-  if (selected) return {first ? 1 : 7, 2, last && !first ? 9 : 3};
-  return {first ? 4 : 8, 5, last && !first ? 10 : 6};
+  if (selected) return {first ? 1 : 7, 2, last ? 9 : 3};
+  return {first ? 4 : 8, 5, last ? 10 : 6};
 }

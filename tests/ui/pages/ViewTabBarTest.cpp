@@ -102,6 +102,7 @@ TEST(ViewTabLayout, TilesFollowPlaceAndSelection) {
   EXPECT_EQ(tiles(1, 3, false), (std::vector{8, 5, 6}));
   EXPECT_EQ(tiles(2, 3, true), (std::vector{7, 2, 9}));
   EXPECT_EQ(tiles(2, 3, false), (std::vector{8, 5, 10}));
+  EXPECT_EQ(tiles(0, 1, true), (std::vector{1, 2, 9})) << "the only one is first and last";
 }
 
 TEST_F(ViewTabBar, TabsStandInTheirOrder) {
