@@ -232,12 +232,17 @@ void CPaintedButton::changeEvent(QEvent* event) {
 void CPaintedButton::showEvent(QShowEvent*) { PlaceStayingTip(); }
 
 void CPaintedButton::hideEvent(QHideEvent*) {
+  HideToolTip(*this);
   ShowTip(false);
   Press.Cancel();
   ApplyState();
 }
 
-void CPaintedButton::moveEvent(QMoveEvent*) { PlaceStayingTip(); }
+void CPaintedButton::moveEvent(QMoveEvent*) {
+  HideToolTip(*this);
+  PlaceStayingTip();
+}
+
 void CPaintedButton::resizeEvent(QResizeEvent*) { PlaceStayingTip(); }
 
 void CPaintedButton::paintEvent(QPaintEvent*) {

@@ -44,6 +44,8 @@ QString Prepare(const QString& text) {
   return MakePlain(WrapToolTip(text, GetFont(FontId::Note), kWidestTip));
 }
 
+bool IsShown(const QWidget& widget) { return QToolTip::isVisible() && QToolTip::text() == widget.toolTip(); }
+
 class CSharedArea : public QObject {
  public:
   CSharedArea(QWidget& first, QWidget& second) : QObject(&first), First(&first), Second(&second) {
@@ -55,9 +57,7 @@ class CSharedArea : public QObject {
     if (event->type() == QEvent::Enter && First && Second) {
       QWidget& entered = watched == First ? *First : *Second;
       const QWidget& left = watched == First ? *Second : *First;
-      if (QToolTip::isVisible() && QToolTip::text() == left.toolTip()) {
-        QToolTip::showText(QCursor::pos(), entered.toolTip(), &entered);
-      }
+      if (IsShown(left)) QToolTip::showText(QCursor::pos(), entered.toolTip(), &entered);
     }
     return false;
   }
@@ -98,7 +98,14 @@ QString WrapToolTip(const QString& text, const QFont& font, int width) {
 
 void SetToolTip(QWidget& widget, const QString& text) {
   DressToolTips();
-  widget.setToolTip(Prepare(text));
+  const QString prepared = Prepare(text);
+  if (prepared == widget.toolTip()) return;
+  HideToolTip(widget);
+  widget.setToolTip(prepared);
+}
+
+void HideToolTip(const QWidget& widget) {
+  if (IsShown(widget)) QToolTip::hideText();
 }
 
 void ShowToolTip(QPoint onScreen, const QString& text, QWidget& widget, const QRect& area) {

@@ -22,6 +22,9 @@ CaptionAndTip LoadCaptionAndTip(StringId id);
 /// broken into lines at 275 pixels.
 void SetToolTip(QWidget& widget, const QString& text);
 
+/// Hides the tip that SetToolTip gave a widget, if it shows: for a widget that goes or moves away under it.
+void HideToolTip(const QWidget& widget);
+
 /// Shows a tip at once, from a widget's QEvent::ToolTip, until the pointer leaves `area` of the widget.
 void ShowToolTip(QPoint onScreen, const QString& text, QWidget& widget, const QRect& area);
 

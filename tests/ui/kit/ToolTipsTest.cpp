@@ -70,3 +70,22 @@ TEST(ToolTips, NeighboursThatShareAnAreaKeepTheTip) {
   EXPECT_EQ(QToolTip::text(), "two");
   QToolTip::hideText();
 }
+
+TEST(ToolTips, TipGoesWhenItsTextOrItsWidgetGoes) {
+  const CFontTable fonts(false);
+  QWidget widget;
+  SetToolTip(widget, "one");
+  widget.show();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&widget));
+  const auto show = [&] { QToolTip::showText(QPoint(5, 5), widget.toolTip(), &widget); };
+  const auto isGone = [] { return QTest::qWaitFor([] { return !QToolTip::isVisible(); }, 1000); };
+  show();
+  SetToolTip(widget, "one");
+  HideToolTip(QWidget());
+  EXPECT_FALSE(isGone()) << "nothing has changed for it";
+  SetToolTip(widget, "two");
+  EXPECT_TRUE(isGone());
+  show();
+  HideToolTip(widget);
+  EXPECT_TRUE(isGone());
+}
