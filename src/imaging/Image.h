@@ -58,6 +58,12 @@ class CImage {
   /// False if turning the file would drop data that the photo holds beyond its pixels.
   virtual bool RotatesWithoutLoss() const = 0;
 
+  /// Turns the photo's own file clockwise by `angle` degrees, and then holds the turned picture, loaded for
+  /// the same box. The file is replaced in one step, with its permission bits, or left as it was. True if it
+  /// was replaced; false if nothing is held or the file can't be turned. A JPEG takes 90, 180 and 270, any
+  /// other angle raises CError; a TIFF takes 90 and 270. Raises what TransformJpeg and Save raise.
+  virtual bool Rotate(int angle) = 0;
+
   /// Encodes the held bitmap into a file, which is replaced in one step or left as it was. Raises
   /// CException. `quality` is 1 to 100.
   virtual void Save(const std::string& path, int quality) const = 0;

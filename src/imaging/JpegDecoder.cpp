@@ -4,44 +4,13 @@
 #include "base/Exceptions.h"
 #include "imaging/JpegCodec.h"
 #include "imaging/JpegGuard.h"
+#include "imaging/JpegLimits.h"
+#include "imaging/JpegMemory.h"
 
 namespace {
 
-constexpr std::uint64_t kMaxPixels = std::uint64_t{1} << 30;
-constexpr std::uint64_t kMaxArithmeticPixels = std::uint64_t{1} << 26;  // up to 20 ns each, even of no data
-constexpr long kMaxCoefficientBytes = 1L << 29;  // 178 megapixels with chroma halved both ways
-constexpr int kMaxScans = 500;
-// Blocks over all scans of a file with several, up to 120 ns each. The largest picture whose coefficients may
-// be held comes to two thirds of it in the usual ten scans.
-constexpr std::uint64_t kMaxBlockVisits = std::uint64_t{1} << 25;
 constexpr int kGrey = 128;
 constexpr int kRowsAtOnce = 16;
-
-/// The bytes as a source of the library. Behind their end stands a made-up end of the picture, once and
-/// again, so a file that is cut short decodes as far as it goes.
-struct MemorySource {
-  explicit MemorySource(std::span<const std::uint8_t> bytes) {
-    Manager.next_input_byte = bytes.data();
-    Manager.bytes_in_buffer = bytes.size();
-    Manager.init_source = [](j_decompress_ptr) {};
-    Manager.term_source = [](j_decompress_ptr) {};
-    Manager.resync_to_restart = jpeg_resync_to_restart;
-    Manager.fill_input_buffer = [](j_decompress_ptr info) -> boolean {
-      static constexpr JOCTET kEnd[] = {0xFF, JPEG_EOI};
-      info->src->next_input_byte = kEnd;
-      info->src->bytes_in_buffer = sizeof kEnd;
-      return TRUE;
-    };
-    Manager.skip_input_data = [](j_decompress_ptr info, long count) {
-      if (count <= 0) return;
-      const std::size_t skipped = std::min(static_cast<std::size_t>(count), info->src->bytes_in_buffer);
-      info->src->next_input_byte += skipped;
-      info->src->bytes_in_buffer -= skipped;
-    };
-  }
-
-  jpeg_source_mgr Manager{};
-};
 
 enum class ColorForm {
   Direct,        // the library gives blue, green, red
@@ -108,7 +77,7 @@ class CJpegDecoder::Impl {
       return true;
     });
     if (!created) throw CError("Cannot initialize Intel Jpeg library\n");
-    Info.src = &Source.Manager;
+    Info.src = Source.GetManager();
     const bool read = RunGuarded(Errors, [this] { return jpeg_read_header(&Info, TRUE) == JPEG_HEADER_OK; });
     if (!read) {
       jpeg_destroy_decompress(&Info);
@@ -138,8 +107,9 @@ class CJpegDecoder::Impl {
 
   void Decode(int reduction, const PixelBuffer& target, bool mayTryAgain = true) {
     if (Form == ColorForm::Unsupported) throw CException("Unsupported number of channels");
-    const bool started = IsAffordable() && RunGuarded(Errors, [&] { return Start(reduction, target.Size); });
-    if (started && !TakeInScans() && mayTryAgain && EndOfLastScan > 0 && !TooCostly) {
+    const bool started =
+        IsAffordable(Info) && RunGuarded(Errors, [&] { return Start(reduction, target.Size); });
+    if (started && !TakeInScans() && mayTryAgain && EndOfLastScan > 0 && !Budget.IsSpent()) {
       // The library gave up on what stands between two scans, and its state can't be relied on any more. The
       // scans before the flaw are the picture: it is decoded anew, as if the file ended there.
       Impl(Bytes.first(EndOfLastScan)).Decode(reduction, target, false);
@@ -150,11 +120,6 @@ class CJpegDecoder::Impl {
   }
 
  private:
-  bool IsAffordable() const {
-    const std::uint64_t pixels = std::uint64_t{Info.image_width} * Info.image_height;
-    return pixels <= (Info.arith_code ? kMaxArithmeticPixels : kMaxPixels);
-  }
-
   /// Takes in the scans of a progressive file, or of one with a scan for each channel.
   bool TakeInScans() {
     Failed = Info.buffered_image && !RunGuarded(Errors, [this] { return ReadAllScans(); });
@@ -188,10 +153,7 @@ class CJpegDecoder::Impl {
         if (Info.unread_marker != 0) EndOfLastScan -= std::min(kMarkerBytes, EndOfLastScan);
       }
       if (status != JPEG_REACHED_SOS) continue;
-      BlockVisits += std::uint64_t{Info.MCUs_per_row} * Info.MCU_rows_in_scan *
-                     static_cast<unsigned>(Info.blocks_in_MCU);
-      TooCostly = Info.input_scan_number > kMaxScans || BlockVisits > kMaxBlockVisits;
-      if (TooCostly) return false;
+      if (!Budget.Allows(Info)) return false;
     }
     return jpeg_start_output(&Info, Info.input_scan_number);
   }
@@ -249,12 +211,11 @@ class CJpegDecoder::Impl {
 
   JpegErrors Errors;
   const std::span<const std::uint8_t> Bytes;
-  MemorySource Source;
+  CJpegSource Source;
   jpeg_decompress_struct Info{};
   ColorForm Form = ColorForm::Unsupported;
-  std::uint64_t BlockVisits = 0;
+  CScanBudget Budget;
   std::size_t EndOfLastScan = 0;  // how many bytes end with a whole scan
-  bool TooCostly = false;
   bool Failed = false;
 };
 

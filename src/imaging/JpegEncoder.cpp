@@ -1,65 +1,11 @@
-#include <algorithm>
-#include <cstring>
-#include <new>
-
 #include "base/Exceptions.h"
 #include "imaging/JpegCodec.h"
 #include "imaging/JpegGuard.h"
+#include "imaging/JpegMemory.h"
 
 namespace {
 
 constexpr std::size_t kFirstBlock = std::size_t{16} << 10;  // bytes; a thumbnail takes 3 to 8 KB
-
-/// A block of bytes that grows as the library fills it.
-class CMemoryDestination {
- public:
-  CMemoryDestination() {
-    Manager.Owner = this;
-    Manager.init_destination = [](j_compress_ptr info) { From(info).Continue(info, 0); };
-    Manager.empty_output_buffer = [](j_compress_ptr info) -> boolean {
-      From(info).Continue(info, From(info).Bytes.size());
-      return TRUE;
-    };
-    Manager.term_destination = [](j_compress_ptr info) {
-      From(info).Used = From(info).Bytes.size() - info->dest->free_in_buffer;
-    };
-  }
-  CMemoryDestination(const CMemoryDestination&) = delete;
-  CMemoryDestination& operator=(const CMemoryDestination&) = delete;
-
-  jpeg_destination_mgr* GetManager() { return &Manager; }
-
-  std::vector<std::uint8_t> Take() { return {Bytes.data(), Bytes.data() + Used}; }
-
- private:
-  struct OwnedManager : jpeg_destination_mgr {
-    CMemoryDestination* Owner = nullptr;
-  };
-
-  static CMemoryDestination& From(j_compress_ptr info) {
-    return *static_cast<OwnedManager*>(info->dest)->Owner;
-  }
-
-  void Continue(j_compress_ptr info, std::size_t used) {
-    if (!Grow()) ERREXIT1(info, JERR_OUT_OF_MEMORY, 0);
-    info->dest->next_output_byte = Bytes.data() + used;
-    info->dest->free_in_buffer = Bytes.size() - used;
-  }
-
-  // No exception may leave through the library.
-  bool Grow() noexcept {
-    try {
-      Bytes.resize(std::max(kFirstBlock, Bytes.size() * 2));
-      return true;
-    } catch (const std::bad_alloc&) {
-      return false;
-    }
-  }
-
-  OwnedManager Manager{};
-  std::vector<std::uint8_t> Bytes;
-  std::size_t Used = 0;
-};
 
 class CEncoder {
  public:
@@ -129,7 +75,7 @@ class CEncoder {
   }
 
   JpegErrors Errors;
-  CMemoryDestination Destination;
+  CJpegDestination Destination{kFirstBlock};
   jpeg_compress_struct Info{};
 };
 

@@ -15,7 +15,9 @@ struct JpegErrors {
     jpeg_std_error(&Manager);
     Manager.error_exit = [](j_common_ptr info) { std::longjmp(From(info).Jump, 1); };
     Manager.emit_message = [](j_common_ptr info, int level) {
-      if (level < 0 && info->err->msg_code == JWRN_HIT_MARKER) From(info).RanDry = true;
+      if (level >= 0) return;
+      if (info->err->msg_code == JWRN_HIT_MARKER) From(info).RanDry = true;
+      if (!IsHarmless(*info->err)) From(info).LostData = true;
     };
     Manager.output_message = [](j_common_ptr) {};
   }
@@ -24,9 +26,26 @@ struct JpegErrors {
 
   jpeg_error_mgr Manager{};
   std::jmp_buf Jump{};
-  bool RanDry = false;  // the entropy-coded data of a scan has ended too early
+  bool RanDry = false;    // the entropy-coded data of a scan has ended too early
+  bool LostData = false;  // something in the file couldn't be made out, or was skipped
 
  private:
+  /// Warnings about how a file was written, when all that is in it has been taken in.
+  static bool IsHarmless(const jpeg_error_mgr& manager) {
+    constexpr int kMostStrayBytes = 512;  // some cameras fill up behind a scan
+    switch (manager.msg_code) {
+      case JWRN_ADOBE_XFORM:
+      case JWRN_BOGUS_PROGRESSION:
+      case JWRN_JFIF_MAJOR:
+      case JWRN_NOT_SEQUENTIAL:
+        return true;
+      case JWRN_EXTRANEOUS_DATA:
+        return manager.msg_parm.i[0] <= kMostStrayBytes;
+      default:
+        return false;
+    }
+  }
+
   static JpegErrors& From(j_common_ptr info) { return *static_cast<JpegErrors*>(info->client_data); }
 };
 

@@ -5,6 +5,7 @@
 
 #include "base/Exceptions.h"
 #include "imaging/JpegCodec.h"
+#include "imaging/JpegTurn.h"
 #include "platform/Files.h"
 
 namespace {
@@ -104,6 +105,14 @@ void CJpegImage::ReadHeader(const std::string& path) {
   NaturalSize = size;
   CurrentSize = size;
   SetPath(path);
+}
+
+bool CJpegImage::Rotate(int angle) {
+  if (!Bits) return false;
+  const std::string path = GetPath();
+  if (!TransformJpeg(path, path, angle)) return false;
+  LoadFile(path, RequestedSize.Width, RequestedSize.Height);
+  return true;
 }
 
 void CJpegImage::Save(const std::string& path, int quality) const {

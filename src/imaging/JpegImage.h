@@ -35,6 +35,7 @@ class CJpegImage : public CImage {
   ImageSize GetCurrentSize() const override { return CurrentSize; }
   ImageSize GetRequestedSize() const override { return RequestedSize; }
   bool RotatesWithoutLoss() const override { return true; }
+  bool Rotate(int angle) override;
   void Save(const std::string& path, int quality) const override;
   BitmapPixels GetPixels() override;
 

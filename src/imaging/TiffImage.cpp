@@ -1,6 +1,7 @@
 #include "imaging/TiffImage.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 #include <new>
 
@@ -61,6 +62,33 @@ bool WriteRows(TIFF* tiff, const PixelSource& pixels) {
     if (TIFFWriteScanline(tiff, row.data(), static_cast<std::uint32_t>(y), 0) < 0) return false;
   }
   return TIFFFlush(tiff) != 0;
+}
+
+void WriteTiff(const PixelSource& pixels, const std::string& path) {
+  TiffOutput output;
+  TiffHandle tiff = CreateTiff(output);
+  const bool written =
+      pixels.Top && tiff && SetTags(tiff.get(), pixels.Size) && WriteRows(tiff.get(), pixels);
+  tiff.reset();
+  if (!written || platform::WriteFileAtomically(path, output.Bytes.data(), output.Bytes.size()))
+    throw CException("Cannot write TIFF data to file\n");
+}
+
+/// The pixels turned by 90 degrees, rows from the top downwards; counter-clockwise if not `clockwise`.
+std::vector<std::uint32_t> TurnPixels(const PixelSource& pixels, bool clockwise) {
+  const int width = pixels.Size.Height;
+  const int height = pixels.Size.Width;
+  std::vector<std::uint32_t> turned(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+  for (int y = 0; y < pixels.Size.Height; ++y) {
+    const std::uint8_t* from = pixels.Row(y);
+    for (int x = 0; x < pixels.Size.Width; ++x, from += kBytesPerPixel) {
+      const int column = clockwise ? width - 1 - y : y;
+      const int row = clockwise ? x : height - 1 - x;
+      const auto place = static_cast<std::size_t>(row) * static_cast<std::size_t>(width);
+      std::memcpy(&turned[place + static_cast<std::size_t>(column)], from, kBytesPerPixel);
+    }
+  }
+  return turned;
 }
 
 }  // namespace
@@ -129,15 +157,20 @@ void CTiffImage::ReadHeader(const std::string& path) {
   SetPath(path);
 }
 
-void CTiffImage::Save(const std::string& path, int) const {
-  TiffOutput output;
-  TiffHandle tiff = CreateTiff(output);
-  const bool written =
-      !Bits.empty() && tiff && SetTags(tiff.get(), NaturalSize) && WriteRows(tiff.get(), GetSource());
-  tiff.reset();
-  if (!written || platform::WriteFileAtomically(path, output.Bytes.data(), output.Bytes.size()))
-    throw CException("Cannot write TIFF data to file\n");
+bool CTiffImage::Rotate(int angle) {
+  if (Bits.empty()) return false;
+  if (angle != 90 && angle != 270) throw CException("Cannot write TIFF data to file\n");
+  const std::string path = GetPath();
+  const std::vector<std::uint32_t> turned = TurnPixels(GetSource(), angle == 90);
+  const ImageSize size{NaturalSize.Height, NaturalSize.Width};
+  WriteTiff({reinterpret_cast<const std::uint8_t*>(turned.data()),
+             std::ptrdiff_t{size.Width} * kBytesPerPixel, size, kBytesPerPixel},
+            path);
+  LoadFile(path, RequestedSize.Width, RequestedSize.Height);
+  return true;
 }
+
+void CTiffImage::Save(const std::string& path, int) const { WriteTiff(GetSource(), path); }
 
 BitmapPixels CTiffImage::GetPixels() {
   if (Bits.empty()) return {};

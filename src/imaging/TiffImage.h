@@ -27,6 +27,8 @@ class CTiffImage : public CImage {
   ImageSize GetCurrentSize() const override { return NaturalSize; }
   ImageSize GetRequestedSize() const override { return RequestedSize; }
   bool RotatesWithoutLoss() const override { return !HasPageNumber; }
+  /// Writes the file anew from the held pixels, as Save does: red, green and blue are what is kept of it.
+  bool Rotate(int angle) override;
   bool IsCompressedAsJpeg() const { return CompressedAsJpeg; }
 
   /// Writes a TIFF of red, green, blue in PackBits; `quality` is not looked at. CException "Cannot write

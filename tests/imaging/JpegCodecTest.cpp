@@ -74,15 +74,6 @@ Painter InkPicture(int none) {
   };
 }
 
-std::vector<std::uint8_t> MakeNoisy(JpegRecipe recipe) {
-  recipe.Quality = 90;
-  return MakeJpeg(recipe, [random = std::mt19937(3)](int, int) mutable {
-    const auto bits = random();
-    return std::array<std::uint8_t, 4>{static_cast<std::uint8_t>(bits), static_cast<std::uint8_t>(bits >> 8),
-                                       static_cast<std::uint8_t>(bits >> 16), 0};
-  });
-}
-
 }  // namespace
 
 TEST(JpegCodecTest, ColorsOfEveryCodingComeOutAsPainted) {
@@ -198,11 +189,11 @@ TEST(JpegCodecTest, RubbishIsNoHeader) {
 
 TEST(JpegCodecTest, AFileCutShortShowsWhatItHasAndGreyBelow) {
   for (const bool progressive : {false, true}) {
-    const auto jpeg = MakeNoisy({.Width = 160,
-                                 .Height = 160,
-                                 .HorizontalSampling = 2,
-                                 .VerticalSampling = 2,
-                                 .Progressive = progressive});
+    const auto jpeg = MakeNoisyJpeg({.Width = 160,
+                                     .Height = 160,
+                                     .HorizontalSampling = 2,
+                                     .VerticalSampling = 2,
+                                     .Progressive = progressive});
     const Decoded whole = Decode(jpeg);
     bool begun = false;
     for (std::size_t size = 0; size < jpeg.size(); size += 97) {
@@ -269,7 +260,7 @@ TEST(JpegCodecTest, DamagedBytesAnywhereNeverDoHarm) {
                                 {.Colors = StoredColors::Ycck}};
   int decoded = 0;
   for (const JpegRecipe& recipe : recipes) {
-    const auto jpeg = MakeNoisy(recipe);
+    const auto jpeg = MakeNoisyJpeg(recipe);
     for (int round = 0; round < 300; ++round) {
       auto damaged = jpeg;
       for (int k = 0; k < 3; ++k) damaged[random() % damaged.size()] = static_cast<std::uint8_t>(random());

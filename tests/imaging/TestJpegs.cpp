@@ -6,6 +6,7 @@
 #include <jpeglib.h>
 
 #include <algorithm>
+#include <random>
 #include <stdexcept>
 
 namespace {
@@ -37,6 +38,25 @@ int InputChannels(StoredColors colors) {
   }
 }
 
+void SeparateScansIfNeeded(jpeg_compress_struct& info) {
+  static thread_local std::vector<jpeg_scan_info> scans;
+  int blocks = 0;
+  for (int k = 0; k < info.num_components; ++k)
+    blocks += info.comp_info[k].h_samp_factor * info.comp_info[k].v_samp_factor;
+  if (blocks <= C_MAX_BLOCKS_IN_MCU) return;
+  scans.clear();
+  for (int k = 0; k < info.num_components; ++k) {
+    if (info.progressive_mode) {
+      scans.push_back({1, {k}, 0, 0, 0, 0});
+      scans.push_back({1, {k}, 1, 63, 0, 0});
+    } else {
+      scans.push_back({1, {k}, 0, 63, 0, 0});
+    }
+  }
+  info.scan_info = scans.data();
+  info.num_scans = static_cast<int>(scans.size());
+}
+
 void SetUp(jpeg_compress_struct& info, const JpegRecipe& recipe) {
   info.image_width = static_cast<JDIMENSION>(recipe.Width);
   info.image_height = static_cast<JDIMENSION>(recipe.Height);
@@ -57,9 +77,15 @@ void SetUp(jpeg_compress_struct& info, const JpegRecipe& recipe) {
     info.comp_info[k].h_samp_factor = isFull ? recipe.HorizontalSampling : 1;
     info.comp_info[k].v_samp_factor = isFull ? recipe.VerticalSampling : 1;
   }
+  for (std::size_t k = 0; k < recipe.Samplings.size(); ++k) {
+    info.comp_info[k].h_samp_factor = recipe.Samplings[k][0];
+    info.comp_info[k].v_samp_factor = recipe.Samplings[k][1];
+  }
+  if (!recipe.Jfif) info.write_JFIF_header = FALSE;
   info.restart_interval = recipe.RestartInterval;
   info.arith_code = recipe.Arithmetic ? TRUE : FALSE;
   if (recipe.Progressive) jpeg_simple_progression(&info);
+  SeparateScansIfNeeded(info);
 }
 
 std::size_t FindMarker(std::span<const std::uint8_t> jpeg, std::initializer_list<std::uint8_t> markers,
@@ -120,6 +146,15 @@ std::vector<std::uint8_t> RepeatLastScan(std::span<const std::uint8_t> jpeg, int
   for (int k = 0; k < times; ++k) repeated.insert(repeated.end(), lastScan.begin(), lastScan.end());
   repeated.insert(repeated.end(), {0xFF, 0xD9});
   return repeated;
+}
+
+std::vector<std::uint8_t> MakeNoisyJpeg(JpegRecipe recipe) {
+  recipe.Quality = 90;
+  return MakeJpeg(recipe, [random = std::mt19937(3)](int, int) mutable {
+    const auto bits = random();
+    return std::array<std::uint8_t, 4>{static_cast<std::uint8_t>(bits), static_cast<std::uint8_t>(bits >> 8),
+                                       static_cast<std::uint8_t>(bits >> 16), 0};
+  });
 }
 
 std::array<std::uint8_t, 4> PaintSoftly(int x, int y) {

@@ -21,12 +21,15 @@ struct JpegRecipe {
   int VerticalSampling = 1;
   bool Progressive = false;
   bool Arithmetic = false;
+  bool Jfif = true;
   bool AdobeMarker = true;  // for those colours that carry one
   unsigned RestartInterval = 0;
   int Quality = 100;
+  std::vector<std::array<int, 2>> Samplings = {};  // of each channel, if they aren't as above
 };
 
-/// `painter` gives one sample, two, red green blue, or four inks.
+/// Channels that can't share a scan get one each. `painter` gives one sample, two, red green blue, or four
+/// inks.
 std::vector<std::uint8_t> MakeJpeg(const JpegRecipe& recipe, const Painter& painter);
 
 /// The same file with another size in its frame header.
@@ -34,6 +37,9 @@ std::vector<std::uint8_t> ForgeSize(std::vector<std::uint8_t> jpeg, int width, i
 
 /// The same file with its last scan `times` times.
 std::vector<std::uint8_t> RepeatLastScan(std::span<const std::uint8_t> jpeg, int times);
+
+/// Pixels without any order, so that all coefficients count; the same ones each time.
+std::vector<std::uint8_t> MakeNoisyJpeg(JpegRecipe recipe);
 
 /// A soft picture in three colours, without edges that coding would blur.
 std::array<std::uint8_t, 4> PaintSoftly(int x, int y);

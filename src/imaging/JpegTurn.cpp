@@ -1,0 +1,254 @@
+#include "imaging/JpegTurn.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <new>
+#include <system_error>
+#include <utility>
+
+#include "base/Exceptions.h"
+#include "imaging/BlockTurn.h"
+#include "imaging/JpegLimits.h"
+#include "imaging/JpegMemory.h"
+#include "platform/Files.h"
+#include "storage/StorageException.h"
+
+namespace {
+
+QuarterTurn GetTurn(int angle) {
+  switch (angle) {
+    case 90:
+      return {.Transposes = true, .MirrorsColumns = true};
+    case 180:
+      return {.MirrorsColumns = true, .MirrorsRows = true};
+    case 270:
+      return {.Transposes = true, .MirrorsRows = true};
+    default:
+      throw CError("Angle not supported");
+  }
+}
+
+/// What a side keeps of itself when it is mirrored in units of `unit` pixels. False if it has no whole one.
+bool Trim(JDIMENSION& side, JDIMENSION unit) {
+  const JDIMENSION whole = side / unit * unit;
+  if (whole > 0) side = whole;
+  return whole > 0;
+}
+
+void Transpose(JQUANT_TBL& table) {
+  for (int y = 0; y < DCTSIZE; ++y)
+    for (int x = 0; x < y; ++x) std::swap(table.quantval[y * DCTSIZE + x], table.quantval[x * DCTSIZE + y]);
+}
+
+/// The two library objects of one turn. A failure of either jumps to the guard of the step.
+class CJpegTurn {
+ public:
+  CJpegTurn(std::span<const std::uint8_t> bytes, const QuarterTurn& turn)
+      : Turn(turn), Source(bytes), Destination(bytes.size() + bytes.size() / 8 + kLeastRoom) {
+    From.err = &Errors.Manager;
+    From.client_data = &Errors;
+    To.err = &Errors.Manager;
+    To.client_data = &Errors;
+    Watch.progress_monitor = [](j_common_ptr info) {
+      static_cast<ScanWatch*>(info->progress)->Look(reinterpret_cast<j_decompress_ptr>(info));
+    };
+  }
+  ~CJpegTurn() {
+    jpeg_destroy_compress(&To);
+    jpeg_destroy_decompress(&From);
+  }
+  CJpegTurn(const CJpegTurn&) = delete;
+  CJpegTurn& operator=(const CJpegTurn&) = delete;
+
+  std::optional<std::vector<std::uint8_t>> Run() {
+    if (!RunGuarded(Errors, [this] { return Read(); })) return {};
+    const std::span<const std::uint8_t> trailer = Source.GetRest();
+    if (!RunGuarded(Errors, [this] { return Write(); })) return {};
+    std::vector<std::uint8_t> turned = Destination.Take();
+    turned.insert(turned.end(), trailer.begin(), trailer.end());
+    return turned;
+  }
+
+ private:
+  static constexpr std::size_t kLeastRoom = 4096;                             // bytes
+  static constexpr std::size_t kMostScans = std::size_t{6} * MAX_COMPONENTS;  // of the library's progressions
+
+  /// Looks at each scan when it begins, while the library reads them all.
+  struct ScanWatch : jpeg_progress_mgr {
+    void Look(j_decompress_ptr info) {
+      if (info->input_scan_number == LastScan) return;
+      LastScan = info->input_scan_number;
+      if (!Budget.Allows(*info)) ERREXIT(info, JERR_INPUT_EOF);
+    }
+    CScanBudget Budget;
+    int LastScan = 0;
+  };
+
+  // All below runs guarded.
+
+  bool Read() {
+    jpeg_create_decompress(&From);
+    From.src = Source.GetManager();
+    constexpr unsigned kWholeMarker = 0xFFFF;
+    jpeg_save_markers(&From, JPEG_COM, kWholeMarker);
+    for (int k = 0; k < 16; ++k) jpeg_save_markers(&From, JPEG_APP0 + k, kWholeMarker);
+    if (jpeg_read_header(&From, TRUE) != JPEG_HEADER_OK || !IsAffordable(From)) return false;
+    From.mem->max_memory_to_use = kMaxCoefficientBytes;
+    From.progress = &Watch;
+    Held = jpeg_read_coefficients(&From);
+    // Arithmetic coding doesn't show where its data end too early.
+    return Held && !Errors.LostData && !(From.arith_code && Source.HasRunOut());
+  }
+
+  bool Write() {
+    jpeg_create_compress(&To);
+    To.dest = Destination.GetManager();
+    To.mem->max_memory_to_use = kMaxCoefficientBytes;
+    jpeg_copy_critical_parameters(&From, &To);
+    SetGeometry();
+    SetCoding();
+    RequestPlanes();
+    jpeg_write_coefficients(&To, Turned.data());
+    for (jpeg_saved_marker_ptr marker = From.marker_list; marker; marker = marker->next)
+      jpeg_write_marker(&To, marker->marker, marker->data, marker->data_length);
+    for (int k = 0; k < To.num_components; ++k) {
+      const jpeg_component_info& channel = To.comp_info[k];
+      const TurnedPlane target{{AsCommon(&To), Turned[static_cast<std::size_t>(k)]},
+                               channel.width_in_blocks,
+                               channel.height_in_blocks,
+                               static_cast<JDIMENSION>(channel.v_samp_factor)};
+      TurnPlane({AsCommon(&From), Held[k]}, target, Turn);
+    }
+    jpeg_finish_compress(&To);
+    return true;
+  }
+
+  void SetGeometry() {
+    if (To.num_components == 1) {
+      // A single channel has its blocks in plain rows, whatever sampling it claims.
+      To.comp_info[0].h_samp_factor = 1;
+      To.comp_info[0].v_samp_factor = 1;
+    }
+    if (Turn.Transposes) {
+      std::swap(To.image_width, To.image_height);
+      for (int k = 0; k < To.num_components; ++k)
+        std::swap(To.comp_info[k].h_samp_factor, To.comp_info[k].v_samp_factor);
+      for (JQUANT_TBL* table : To.quant_tbl_ptrs)
+        if (table) Transpose(*table);
+    }
+    for (int k = 0; k < To.num_components; ++k) {
+      UnitWidth = std::max(UnitWidth, static_cast<JDIMENSION>(To.comp_info[k].h_samp_factor * DCTSIZE));
+      UnitHeight = std::max(UnitHeight, static_cast<JDIMENSION>(To.comp_info[k].v_samp_factor * DCTSIZE));
+    }
+    if (Turn.MirrorsColumns) Turn.MirrorsColumns = Trim(To.image_width, UnitWidth);
+    if (Turn.MirrorsRows) Turn.MirrorsRows = Trim(To.image_height, UnitHeight);
+  }
+
+  void SetCoding() {
+    // The source's own headers are copied. One that the library makes up can change what the colours mean.
+    To.write_JFIF_header = FALSE;
+    To.write_Adobe_marker = FALSE;
+    To.arith_code = From.arith_code;
+    To.optimize_coding = From.arith_code ? FALSE : TRUE;
+    if (From.progressive_mode) jpeg_simple_progression(&To);
+    SplitScansIfNeeded();
+    KeepRestarts();
+  }
+
+  /// The library interleaves no more than ten blocks. What has more is written channel by channel, as it must
+  /// have come.
+  void SplitScansIfNeeded() {
+    int blocks = 0;
+    for (int k = 0; k < To.num_components; ++k)
+      blocks += To.comp_info[k].h_samp_factor * To.comp_info[k].v_samp_factor;
+    if (blocks <= C_MAX_BLOCKS_IN_MCU) return;
+    if (!To.scan_info) {
+      for (int k = 0; k < To.num_components; ++k)
+        Scans[static_cast<std::size_t>(k)] = {1, {k}, 0, DCTSIZE2 - 1, 0, 0};
+      To.num_scans = To.num_components;
+    } else {
+      int count = 0;
+      for (int i = 0; i < To.num_scans; ++i) {
+        jpeg_scan_info scan = To.scan_info[i];
+        const int channels = std::exchange(scan.comps_in_scan, 1);
+        for (int k = 0; k < channels; ++k) {
+          scan.component_index[0] = To.scan_info[i].component_index[k];
+          Scans[static_cast<std::size_t>(count++)] = scan;
+        }
+      }
+      To.num_scans = count;
+    }
+    To.scan_info = Scans.data();
+  }
+
+  /// Restart marks that stood at the ends of rows do so again; others keep their distance.
+  void KeepRestarts() {
+    const int across = From.num_components == 1 ? 1 : From.max_h_samp_factor;
+    const JDIMENSION unit = static_cast<JDIMENSION>(across * DCTSIZE);
+    const JDIMENSION unitsPerRow = RoundUp(From.image_width, unit) / unit;
+    if (From.restart_interval % unitsPerRow == 0)
+      To.restart_in_rows = static_cast<int>(From.restart_interval / unitsPerRow);
+    else
+      To.restart_interval = From.restart_interval;
+  }
+
+  void RequestPlanes() {
+    const JDIMENSION across = RoundUp(To.image_width, UnitWidth) / UnitWidth;
+    const JDIMENSION down = RoundUp(To.image_height, UnitHeight) / UnitHeight;
+    for (int k = 0; k < To.num_components; ++k) {
+      const jpeg_component_info& channel = To.comp_info[k];
+      Turned[static_cast<std::size_t>(k)] = To.mem->request_virt_barray(
+          AsCommon(&To), JPOOL_IMAGE, FALSE, across * static_cast<JDIMENSION>(channel.h_samp_factor),
+          down * static_cast<JDIMENSION>(channel.v_samp_factor), kTurnedRowsAtOnce);
+    }
+  }
+
+  template <typename Info>
+  static j_common_ptr AsCommon(Info* info) {
+    return reinterpret_cast<j_common_ptr>(info);
+  }
+
+  QuarterTurn Turn;
+  JpegErrors Errors;
+  CJpegSource Source;
+  CJpegDestination Destination;
+  ScanWatch Watch{};
+  jpeg_decompress_struct From{};
+  jpeg_compress_struct To{};
+  jvirt_barray_ptr* Held = nullptr;  // of each channel as read
+  std::array<jvirt_barray_ptr, MAX_COMPONENTS> Turned{};
+  JDIMENSION UnitWidth = DCTSIZE;  // of the turned picture's smallest group of whole blocks, pixels
+  JDIMENSION UnitHeight = DCTSIZE;
+  std::array<jpeg_scan_info, kMostScans> Scans{};
+};
+
+/// Whether a file couldn't be written for want of room or for a failing disk.
+bool IsDiskTrouble(const std::error_code& error) {
+  return error == std::errc::no_space_on_device || error == std::errc::file_too_large ||
+         error == std::errc::io_error || error == std::error_code(EDQUOT, std::system_category());
+}
+
+}  // namespace
+
+std::optional<std::vector<std::uint8_t>> TurnJpeg(std::span<const std::uint8_t> bytes, int angle) {
+  const QuarterTurn turn = GetTurn(angle);
+  try {
+    return CJpegTurn(bytes, turn).Run();
+  } catch (const std::bad_alloc&) {
+    return {};
+  }
+}
+
+bool TransformJpeg(const std::string& sourcePath, const std::string& destinationPath, int angle) {
+  std::vector<std::uint8_t> bytes;
+  if (platform::ReadWholeFile(sourcePath, bytes)) throw CException("Cannot read src file");
+  const auto turned = TurnJpeg(bytes, angle);
+  if (!turned) return false;
+  const std::error_code error =
+      platform::WriteFileAtomically(destinationPath, turned->data(), turned->size());
+  if (IsDiskTrouble(error))
+    throw CStorageException("\"" + destinationPath + "\" can't be written: " + error.message() + ".");
+  if (error) throw CException("Cannot open destination file");
+  return true;
+}
