@@ -2,6 +2,7 @@
 
 #include "ui/frame/CommandTable.h"
 #include "ui/kit/PaintedButton.h"
+#include "ui/kit/ToolTips.h"
 #include "ui/kit/Toolbar.h"
 
 namespace {
@@ -28,6 +29,7 @@ constexpr Slot kSlots[] = {
 
 void FillPhotoToolRow(CToolbar& row) {
   for (const Slot& slot : kSlots) row.AddButton(slot.Gap, slot.Id, FindCommand(slot.Id)->Caption);
+  ShareToolTipArea(*row.GetButton(CommandId::RotateRight), *row.GetButton(CommandId::RotateLeft));
 }
 
 void UpdatePhotoToolRow(CToolbar& row, const PhotoToolState& state) {
