@@ -161,6 +161,27 @@ TEST(ImageTest, SavesWholeFilesOrNone) {
   EXPECT_EQ(before, ReadBytes(path));
 }
 
+TEST(ImageTest, RotateTurnsTheFileAndLoadsItForTheSameBox) {
+  const CScratchFolder scratch;
+  const std::string path = scratch.Write("a.jpg", Jpeg(320, 240));
+  const auto image = LoadImageFile(path, 100, 100);
+  ASSERT_NE(nullptr, image);
+  EXPECT_TRUE(image->RotatesWithoutLoss());
+  EXPECT_TRUE(image->Rotate(90));
+  EXPECT_EQ((ImageSize{240, 320}), image->GetNaturalSize());
+  EXPECT_EQ((ImageSize{120, 160}), image->GetCurrentSize());
+  EXPECT_EQ((ImageSize{100, 100}), image->GetRequestedSize());
+  EXPECT_EQ(path, image->GetPath());
+  EXPECT_EQ((ImageSize{240, 320}), ReadImageSize(path));
+  EXPECT_THROW(image->Rotate(91), CError);
+
+  scratch.Write("a.jpg", "no picture any more");
+  EXPECT_FALSE(image->Rotate(90));
+  EXPECT_EQ((ImageSize{240, 320}), image->GetNaturalSize()) << "the image is as it was";
+  EXPECT_EQ("no picture any more", ReadBytes(path));
+  EXPECT_FALSE(CJpegImage().Rotate(90)) << "nothing is held";
+}
+
 TEST(ImageTest, AFileThatGivesNoPictureIsNullWithoutAnException) {
   const CScratchFolder scratch;
   EXPECT_EQ(nullptr, LoadImageFile(scratch.Write("a.bmp", Jpeg(8, 8)), 0, 0));
@@ -212,6 +233,36 @@ TEST(TiffImageTest, SavesAsPackBitsWithTheSamePixels) {
   EXPECT_NE(std::string::npos, ReadBytes(scratch.File("b.tif")).find("Vellumar Photo Organizer"));
   EXPECT_THROW(image.Save(scratch.GetPath() + "/none/b.tif", 1), CException);
   EXPECT_THROW(CTiffImage().Save(scratch.File("c.tif"), 1), CException);
+}
+
+TEST(TiffImageTest, RotateWritesTheTurnedPixels) {
+  const CScratchFolder scratch;
+  const std::string path = scratch.Write("a.tif", Tiff());
+  CTiffImage image;
+  image.LoadFile(path, 140, 105);
+  const auto redAndGreen = [&](int x, int y) {
+    const BitmapPixels pixels = image.GetPixels();
+    const std::uint8_t* pixel = pixels.Bits + ((pixels.Height - 1 - y) * pixels.Width + x) * 4;
+    return std::pair(int{pixel[2]}, int{pixel[1]});
+  };
+  EXPECT_TRUE(image.Rotate(90));
+  EXPECT_EQ((ImageSize{3, 5}), image.GetNaturalSize());
+  EXPECT_EQ((ImageSize{140, 105}), image.GetRequestedSize());
+  EXPECT_EQ(std::pair(0, 40), redAndGreen(0, 0)) << "the lower left corner";
+  EXPECT_EQ(std::pair(10, 40), redAndGreen(0, 1));
+  EXPECT_EQ(std::pair(40, 0), redAndGreen(2, 4));
+  EXPECT_TRUE(image.Rotate(270));
+  EXPECT_TRUE(image.Rotate(270));
+  EXPECT_EQ((ImageSize{3, 5}), image.GetNaturalSize());
+  EXPECT_EQ(std::pair(40, 0), redAndGreen(0, 0)) << "the upper right corner";
+
+  const std::string before = ReadBytes(path);
+  EXPECT_THROW(image.Rotate(180), CException);
+  platform::SetFaultPlan([](auto, auto) { return make_error_code(std::errc::no_space_on_device); });
+  EXPECT_THROW(image.Rotate(90), CException);
+  platform::SetFaultPlan({});
+  EXPECT_EQ(before, ReadBytes(path));
+  EXPECT_FALSE(CTiffImage().Rotate(90));
 }
 
 TEST(TiffImageTest, DamageLeavesItEmptyAndPictureBombsAreNotDecoded) {
