@@ -25,6 +25,7 @@ enum class PictureId : int {
   UploadPhoto = 360,
   EmailStripMarks = 362,  // strip marks: off, on, off under the pointer, on under the pointer
   PanelCorners = 393,     // 3 by 3 tiles
+  FieldButton = 394,      // rest, pressed
   DeletePhoto = 1007,
   EmailPhoto = 1012,
   DoNotUploadPhoto = 1017,
@@ -35,6 +36,9 @@ enum class PictureId : int {
   EmailTab = 5042,   // tabs: without photos not selected and selected, with photos the same
   UploadTab = 5044,  // as EmailTab
   TrashTab = 5047,
+  RatingItems = 5059,  // of drop lists: a star, an empty star
+  SortItems = 5061,    // month, rating, folder, title, roll, the dark star of a yellow row
+  FolderItems = 5063,  // all folders, the pictures folder, a folder, search, add a folder, remove one
   SearchBackground = 5065,
   UploadStripMarks = 5069,
   PhotoShadow = 5105,  // five pieces
@@ -42,9 +46,13 @@ enum class PictureId : int {
   ThumbnailShadow = 5112,
   PushBar = 5116,     // left end, middle, right end
   Separators = 5118,  // before the first cell, between cells, between groups, after the last; three rows each
+  RatingItemsOnYellow = 5120,
   TextButtons = 5121,  // rest, pressed, default, default pressed
   UploadMark = 10029,  // on the large photo
   SearchBackgroundWithSplash = 10032,
   Logo = 10045,
   AutoFix = 10046,
+
+  // Pictures that belong to no command, text or field are numbered from 20000.
+  DropControl = 20010,  // at rest, open; with an edit box at rest, open
 };

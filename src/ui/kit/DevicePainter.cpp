@@ -24,6 +24,12 @@ CDevicePainter::CDevicePainter(QWidget& widget) : Painter(&widget), PixelRatio(w
 CDevicePainter::CDevicePainter(QPaintDevice& picture, double pixelRatio)
     : Painter(&picture), PixelRatio(pixelRatio), Area(0, 0, picture.width(), picture.height()) {}
 
+QRect CDevicePainter::Scaled(const QRect& area) const {
+  const QPoint corner(Scaled(area.left()), Scaled(area.top()));
+  const QPoint end(Scaled(area.left() + area.width()), Scaled(area.top() + area.height()));
+  return {corner, QSize(end.x() - corner.x(), end.y() - corner.y())};
+}
+
 void CDevicePainter::Draw(QPoint corner, const QPixmap& pixmap) {
   Painter.drawPixmap(QRect(corner, pixmap.size()), pixmap, pixmap.rect());
 }

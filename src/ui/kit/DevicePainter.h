@@ -30,6 +30,8 @@ class CDevicePainter {
   double GetPixelRatio() const { return PixelRatio; }
   /// A length of the layout.
   int Scaled(double length) const { return ToDevicePixels(length, PixelRatio); }
+  /// An area of the layout, each edge on the nearest whole pixel, so that neighbours stay neighbours.
+  QRect Scaled(const QRect& area) const;
 
   void Fill(const QRect& area, const QColor& colour) { Painter.fillRect(area, colour); }
   /// Pixel by pixel, whatever ratio the pixmap names.

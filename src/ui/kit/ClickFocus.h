@@ -1,0 +1,12 @@
+#pragma once
+
+class QFocusEvent;
+class QWidget;
+
+/// Lets a click on the widget leave the focus where it is. A click on a widget without a focus of its own
+/// otherwise gives it to the window behind, which would end the edit of a field; opening a list or a menu
+/// must not.
+void KeepFocusOnClick(QWidget& widget);
+
+/// Whether the focus is lost to a list or a menu of this program. It comes back, so an edit goes on.
+bool IsLostToPopup(const QFocusEvent& event);

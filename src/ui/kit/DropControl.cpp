@@ -1,0 +1,184 @@
+#include "ui/kit/DropControl.h"
+
+#include <QApplication>
+#include <QFocusEvent>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QScopeGuard>
+#include <utility>
+
+#include "ui/kit/ClickFocus.h"
+#include "ui/kit/Colours.h"
+#include "ui/kit/DevicePainter.h"
+#include "ui/kit/DropControlLayout.h"
+#include "ui/kit/DropList.h"
+#include "ui/kit/QtText.h"
+
+namespace {
+
+constexpr FontId kFirstFont = FontId::Panel;
+constexpr FontId kSecondFont = FontId::ListItalic;
+constexpr FontId kCurrentFont = FontId::PanelBold;
+constexpr QColor kPromptColour(113, 117, 125);
+
+// The images of the picture: at rest, with the list open, and both again for a control with an edit box.
+constexpr int kOpenImage = 1;
+constexpr int kEditImages = 2;
+
+constexpr int kEditMargin = 2;  // that the edit box keeps to the left and the right of its text
+
+int GetLineHeight() { return CFontTable::GetInstance().GetCellHeight(kFirstFont); }
+
+/// White, with ink that stays readable on the yellow selection.
+QPalette MakeEditPalette() {
+  QPalette palette;
+  palette.setColor(QPalette::Base, Qt::white);
+  palette.setColor(QPalette::Text, colours::kInk);
+  palette.setColor(QPalette::Highlight, colours::kSelection);
+  palette.setColor(QPalette::HighlightedText, colours::kInk);
+  return palette;
+}
+
+}  // namespace
+
+CDropControl::CDropControl(const QString& label, DropStyle style, QWidget* parent)
+    : QWidget(parent), Style(style) {
+  setAccessibleName(label);
+  setMouseTracking(true);
+  setFixedHeight(GetHeight());
+  KeepFocusOnClick(*this);
+}
+
+CDropControl::~CDropControl() {
+  // What they tell while they go is no longer listened to.
+  if (EditBox != nullptr) EditBox->removeEventFilter(this);
+  if (List != nullptr) List->OnClosed = nullptr;
+}
+
+int CDropControl::GetHeight() { return GetDropControlHeight(GetLineHeight()); }
+
+QRect CDropControl::GetTextArea() const {
+  return GetDropTextArea(size(), Model.GetState() == DropState::ListOpen);
+}
+
+QRect CDropControl::GetEditArea() const {
+  return GetDropTextArea(size(), false).adjusted(-kEditMargin, 0, kEditMargin, 0);
+}
+
+CDropList* CDropControl::GetOpenList() const { return List != nullptr && List->isVisible() ? List : nullptr; }
+
+void CDropControl::Refresh() {
+  setAccessibleDescription(SplitDropText(Model.GetShownText()).Text.trimmed());
+  update();
+}
+
+void CDropControl::OpenList() {
+  EndEdit();
+  if (List == nullptr) {
+    List =
+        new CDropList(*this, Has(DropStyle::Images) ? Images : DropImages(), Has(DropStyle::ShortensPaths));
+    List->OnClosed = [this](int row) { CloseList(row); };
+  }
+  const int current = Model.GetSelected();
+  std::vector<CDropList::Row> rows;
+  for (const CDropControlModel::Row& row : Model.GetRows()) {
+    const bool isCurrent = static_cast<int>(rows.size()) == current;
+    const bool isFlagged = HasFlag(row.Flags, DropItemFlags::SecondFont);
+    const FontId font = isCurrent ? kCurrentFont : isFlagged ? kSecondFont : kFirstFont;
+    rows.push_back({row.Shown.empty() ? Prompt : row.Shown, GetFont(font),
+                    HasFlag(row.Flags, DropItemFlags::LineBelow)});
+  }
+  Model.OpenList();
+  Refresh();
+  List->Open(std::move(rows), current, GetDropRowHeight(GetLineHeight()));
+}
+
+void CDropControl::CloseList(int row) {
+  const bool changed = Model.CloseList(row);
+  Refresh();
+  if (changed && OnChange) OnChange();
+}
+
+void CDropControl::OpenEdit() {
+  if (EditBox != nullptr) return EditBox->setFocus();
+  EditBox = new QLineEdit(this);
+  EditBox->setObjectName(objectName() + QStringLiteral("Edit"));
+  EditBox->setAccessibleName(accessibleName());
+  EditBox->setFrame(false);
+  EditBox->setFont(GetFont(kFirstFont));
+  EditBox->setPalette(MakeEditPalette());
+  EditBox->setGeometry(GetEditArea());
+  EditBox->setText(ToQString(Model.GetText()));
+  EditBox->installEventFilter(this);
+  Model.OpenEdit();
+  EditBox->show();
+  EditBox->setFocus(Qt::MouseFocusReason);
+  if (Has(DropStyle::SelectsWhole)) EditBox->selectAll();
+}
+
+void CDropControl::RestoreText() {
+  if (EditBox == nullptr) return;
+  EditBox->setText(ToQString(Model.GetText()));
+  EditBox->selectAll();
+}
+
+void CDropControl::EndEdit() {
+  if (EditBox == nullptr) return;
+  window()->setFocus(Qt::OtherFocusReason);
+  FinishEdit();  // where the window isn't active, or doesn't take the focus
+}
+
+void CDropControl::FinishEdit() {
+  if (EditBox == nullptr) return;
+  QLineEdit* const box = std::exchange(EditBox, nullptr);
+  box->removeEventFilter(this);
+  // Hiding would pass the focus on to the next in the chain.
+  if (window()->focusWidget() == box) window()->setFocus(Qt::OtherFocusReason);
+  box->hide();
+  box->deleteLater();  // it may be handling an event
+  const auto refresh = qScopeGuard([this] { Refresh(); });
+  const bool isBlank = box->text().trimmed().isEmpty();
+  Model.CloseEdit(isBlank ? std::string() : box->text().toStdString(), Has(DropStyle::History));
+  if (OnEditEnd) OnEditEnd();
+}
+
+bool CDropControl::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::FocusOut && !IsLostToPopup(*static_cast<QFocusEvent*>(event))) FinishEdit();
+  return QWidget::eventFilter(watched, event);
+}
+
+void CDropControl::mousePressEvent(QMouseEvent* event) {
+  if (event->button() != Qt::LeftButton) return QWidget::mousePressEvent(event);
+  const QPoint point = event->position().toPoint();
+  if (!Has(DropStyle::EditBox) || !GetTextArea().contains(point)) return OpenList();
+  OpenEdit();
+  if (Has(DropStyle::SelectsWhole)) return;
+  QMouseEvent inBox(event->type(), event->position() - EditBox->pos(), event->globalPosition(),
+                    event->button(), event->buttons(), event->modifiers());
+  QApplication::sendEvent(EditBox, &inBox);
+}
+
+void CDropControl::mouseMoveEvent(QMouseEvent* event) {
+  if (!Has(DropStyle::EditBox)) return;
+  setCursor(GetTextArea().contains(event->position().toPoint()) ? Qt::IBeamCursor : Qt::ArrowCursor);
+}
+
+void CDropControl::resizeEvent(QResizeEvent*) {
+  if (EditBox != nullptr) EditBox->setGeometry(GetEditArea());
+}
+
+void CDropControl::paintEvent(QPaintEvent*) {
+  CDevicePainter painter(*this);
+  const bool open = Model.GetState() == DropState::ListOpen;
+  const int image = (open ? kOpenImage : 0) + (Has(DropStyle::EditBox) ? kEditImages : 0);
+  const DropSkinPieces from = CutDropSkin(image);
+  const DropSkinPieces to = LayOutDropSkin(painter.GetArea().size(), painter.GetPixelRatio());
+  painter.DrawPart(PictureId::DropControl, from.Left, to.Left);
+  painter.DrawPart(PictureId::DropControl, from.Middle, to.Middle);
+  painter.DrawPart(PictureId::DropControl, from.Right, to.Right);
+  const bool empty = Model.GetShownText().empty();
+  const DropTextStyle style{GetFont(kFirstFont), empty ? kPromptColour : colours::kInk,
+                            Has(DropStyle::Images) ? Images : DropImages(), false,
+                            Has(DropStyle::ShortensPaths)};
+  DrawDropText(painter, painter.Scaled(GetTextArea()), empty ? Prompt : Model.GetShownText(), style);
+}

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <QWidget>
+#include <functional>
+
+#include "ui/kit/DropControlModel.h"
+#include "ui/kit/DropText.h"
+#include "ui/kit/FontTable.h"
+
+class CDropList;
+class QLineEdit;
+
+/// What a drop control can do; combined with `|`.
+enum class DropStyle : unsigned {
+  None = 0,
+  EditBox = 1,        // its text can be typed
+  ShortensPaths = 2,  // a text with "/" is shortened in the middle
+  Images = 4,         // characters below 32 at a text's ends are small pictures
+  History = 8,        // a typed text is remembered in its histories
+  SelectsWhole = 32,  // the edit box opens with its text selected, else with the caret where the click was
+};
+
+constexpr DropStyle operator|(DropStyle left, DropStyle right) {
+  return static_cast<DropStyle>(static_cast<unsigned>(left) | static_cast<unsigned>(right));
+}
+
+constexpr bool HasFlag(DropStyle styles, DropStyle style) {
+  return (static_cast<unsigned>(styles) & static_cast<unsigned>(style)) != 0;
+}
+
+/// A box that shows what was chosen and opens a list to choose from; with an edit box it also takes typed
+/// text. A click in the text of such a control opens the edit box, a click anywhere else the list. The edit
+/// box has the keyboard's focus while it is open, and losing that ends the edit: the typed text is then the
+/// control's. Opening the list ends no edit but the control's own.
+class CDropControl : public QWidget {
+ public:
+  /// `label` names the control to assistive tools. Its height is its own, its width that of a layout.
+  CDropControl(const QString& label, DropStyle style, QWidget* parent);
+  ~CDropControl() override;
+
+  /// The pictures of a control that has Images.
+  void SetImages(const DropImages& images) { Images = images; }
+  /// What the control shows while its text is empty.
+  void SetPrompt(const std::string& prompt) { Prompt = prompt; }
+
+  /// Called after another item, or an action, has been picked.
+  std::function<void()> OnChange;
+  /// Called when an edit is over, in whatever way.
+  std::function<void()> OnEditEnd;
+
+  /// To be followed by Refresh() where a call changes what the control shows.
+  CDropControlModel& GetModel() { return Model; }
+  void Refresh();
+
+  bool IsEditing() const { return EditBox != nullptr; }
+  /// Puts back the text from before the edit, and selects it. The edit goes on.
+  void RestoreText();
+  /// Ends the edit by giving the focus to the window.
+  void EndEdit();
+
+  /// The open list, else null.
+  CDropList* GetOpenList() const;
+
+  static int GetHeight();
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  bool Has(DropStyle style) const { return HasFlag(Style, style); }
+  QRect GetTextArea() const;
+  QRect GetEditArea() const;
+  void OpenList();
+  void CloseList(int row);
+  void OpenEdit();
+  void FinishEdit();
+
+  const DropStyle Style;
+  DropImages Images;
+  std::string Prompt;
+  CDropControlModel Model;
+  CDropList* List = nullptr;     // a child, made when it is first opened
+  QLineEdit* EditBox = nullptr;  // a child, while there is one
+};
