@@ -34,18 +34,12 @@ int CacheRun::GetMissing(CacheSide side, int delta) const {
                                    : std::max(0, half + 1 - After + std::max(delta, 0));
 }
 
-bool CacheRun::FindIdleSide(int current, int setCount, CacheSide& side) const {
+std::optional<CacheSide> CacheRun::FindIdleSide(int current, int setCount) const {
   const int half = VisibleCount / 2;
   const bool aheadComplete = After + current >= setCount + half;
   const bool behindComplete = current - Before <= -half;
-  if (!aheadComplete && After < VisibleCount) {
-    side = CacheSide::After;
-  } else if (!behindComplete && Before < VisibleCount) {
-    side = CacheSide::Before;
-  } else if (!aheadComplete && Before + After < GetRoom()) {
-    side = CacheSide::After;
-  } else {
-    return false;
-  }
-  return true;
+  if (!aheadComplete && After < VisibleCount) return CacheSide::After;
+  if (!behindComplete && Before < VisibleCount) return CacheSide::Before;
+  if (!aheadComplete && Before + After < GetRoom()) return CacheSide::After;
+  return std::nullopt;
 }

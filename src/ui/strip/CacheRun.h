@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 enum class CacheSide { Before, After };
 
 /// Which cells the strip's cache holds: a run of neighbours, told from the cell that rests under the lens.
@@ -34,9 +36,9 @@ class CacheRun {
   /// False for moves that no run holds from end to end.
   bool CanShowMove(int delta) const { return delta >= -VisibleCount && delta <= VisibleCount; }
 
-  /// Where the next cell is to be taken in while nothing else is to be done: those ahead first. False if
-  /// that's enough. `current` is the index in the set of the cell under the lens.
-  bool FindIdleSide(int current, int setCount, CacheSide& side) const;
+  /// Where the next cell is to be taken in while nothing else is to be done: those ahead first. None
+  /// if that's enough. `current` is the index in the set of the cell under the lens.
+  std::optional<CacheSide> FindIdleSide(int current, int setCount) const;
 
  private:
   int VisibleCount;

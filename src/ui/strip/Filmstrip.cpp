@@ -212,12 +212,10 @@ void CFilmstrip::PrepareCells() {
 
 void CFilmstrip::FillOneCell() {
   if (WaitsForJob()) return;
-  CacheSide side{};
-  if (!isVisible() || Slide || !IsIndex(Current) ||
-      !Cache.GetRun().FindIdleSide(Current, Set->GetCount(), side)) {
-    return IdleTimer.stop();
-  }
-  ExtendCache(1, side);
+  std::optional<CacheSide> side;
+  if (isVisible() && !Slide && IsIndex(Current)) side = Cache.GetRun().FindIdleSide(Current, Set->GetCount());
+  if (!side) return IdleTimer.stop();
+  ExtendCache(1, *side);
 }
 
 void CFilmstrip::ShowPosition(double percent) { Bars.SetPosition({percent, Current, Set->GetCount()}); }

@@ -1,6 +1,7 @@
 #include "ui/strip/PushBarLayout.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "ui/kit/DevicePainter.h"
 
@@ -57,5 +58,5 @@ int PushBarForm::FindTarget(QPoint point, int current, int count) const {
   const double end = left ? current : count;
   const double done = point.x() - body.x();
   const double rest = body.width() - done;
-  return std::min(static_cast<int>((rest * start + done * end) / body.width() + 0.5), count - 1);
+  return std::min(static_cast<int>(std::lround((rest * start + done * end) / body.width())), count - 1);
 }

@@ -124,7 +124,7 @@ void CPositionLabel::paintEvent(QPaintEvent*) {
                    GetFont(FontId::Small), Qt::white, Text);
 }
 
-CPushBars::CPushBars(QWidget& strip, CPushBar::Jump jump, LabelOf labelOf)
+CPushBars::CPushBars(QWidget& strip, const CPushBar::Jump& jump, LabelOf labelOf)
     : Strip(strip),
       GetLabel(std::move(labelOf)),
       Left(BarSide::Left, strip, jump, [this](int index, QPoint place) { ShowTip(index, place); }),

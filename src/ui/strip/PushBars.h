@@ -69,7 +69,7 @@ class CPushBars {
  public:
   using LabelOf = std::function<QString(int index)>;
 
-  CPushBars(QWidget& strip, CPushBar::Jump jump, LabelOf labelOf);
+  CPushBars(QWidget& strip, const CPushBar::Jump& jump, LabelOf labelOf);
 
   /// To be called when the strip has moved or has another width.
   void Place(const StripLayout& layout);

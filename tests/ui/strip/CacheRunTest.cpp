@@ -30,7 +30,6 @@ class CModel {
       const int index = Base + slot - Run.GetBefore();
       ASSERT_EQ(std::count(Slots.begin(), Slots.end(), index), 0) << "painted twice";
       Slots[static_cast<std::size_t>(slot)] = index;
-      ++Painted;
     }
   }
 
@@ -41,6 +40,12 @@ class CModel {
     Run.MoveBase(delta);
     Base += delta;
     ExpectShown(Base, Base);
+  }
+
+  std::optional<CacheSide> FillOne(int setCount) {
+    const std::optional<CacheSide> side = Run.FindIdleSide(Base, setCount);
+    if (side) Extend(1, *side);
+    return side;
   }
 
   void Prepare() {
@@ -61,7 +66,6 @@ class CModel {
 
   CacheRun Run;
   int Base = 0;
-  int Painted = 0;
 
  private:
   std::size_t Room() const { return static_cast<std::size_t>(Run.GetRoom()); }
@@ -76,11 +80,10 @@ TEST(CacheRun, SlotsHoldTheRightCellsAfterAnyMoves) {
     CModel model(visible);
     for (int step = 0; step < 3000 && !testing::Test::HasFatalFailure(); ++step) {
       model.Prepare();
-      CacheSide side{};
-      for (auto idle = random() % 20; idle > 0 && model.Run.FindIdleSide(model.Base, 40, side); --idle) {
-        model.Extend(1, side);
+      for (auto idle = random() % 20; idle > 0 && model.FillOne(40); --idle) {
       }
-      const int delta = static_cast<int>(random() % static_cast<std::mt19937::result_type>(2 * visible + 1)) - visible;
+      const int delta =
+          static_cast<int>(random() % static_cast<std::mt19937::result_type>(2 * visible + 1)) - visible;
       ASSERT_TRUE(model.Run.CanShowMove(delta));
       model.MoveBy(delta);
     }
@@ -103,30 +106,18 @@ TEST(CacheRun, MoreThanThereIsRoomForIsCut) {
 }
 
 TEST(CacheRun, IdleTimeFillsAheadFirstThenBehindThenTheRestAhead) {
-  CModel model(7);
-  model.Base = 50;
-  model.Prepare();
-  std::string order;
-  for (CacheSide side{}; model.Run.FindIdleSide(50, 100, side); model.Extend(1, side)) {
-    order += side == CacheSide::After ? 'a' : 'b';
-  }
-  EXPECT_EQ(order, "aaabbbb");
-  EXPECT_EQ(model.Run.GetBefore() + model.Run.GetAfter(), model.Run.GetRoom());
-
-  // At the set's first photo only its empty places are behind.
-  CModel atStart(7);
-  atStart.Prepare();
-  order.clear();
-  for (CacheSide side{}; atStart.Run.FindIdleSide(0, 100, side); atStart.Extend(1, side)) {
-    order += side == CacheSide::After ? 'a' : 'b';
-  }
-  EXPECT_EQ(order, "aaaaaaa");
-
-  // In a set that fits there is an end.
-  CModel small(7);
-  small.Base = 1;
-  small.Prepare();
-  CacheSide side{};
-  while (small.Run.FindIdleSide(1, 3, side)) small.Extend(1, side);
-  EXPECT_EQ(small.Painted, 3 + 6);
+  const auto fill = [](int current, int setCount) {
+    CModel model(7);
+    model.Base = current;
+    model.Prepare();
+    std::string order;
+    while (const std::optional<CacheSide> side = model.FillOne(setCount)) {
+      order += *side == CacheSide::After ? 'a' : 'b';
+    }
+    return order;
+  };
+  EXPECT_EQ(fill(50, 100), "aaabbbb");
+  EXPECT_EQ(fill(0, 100), "aaaaaaa")
+      << "behind the first photo are only the empty places that the window shows";
+  EXPECT_EQ(fill(1, 3), "ab") << "a set that fits has an end";
 }
