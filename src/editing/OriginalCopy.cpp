@@ -12,8 +12,12 @@ std::string OriginalCopyPath(const CAssetRecord& photo) {
 bool HasOriginalCopy(const CAssetRecord& photo) { return FileExists(OriginalCopyPath(photo), false); }
 
 bool MakeOriginalCopy(const CAssetRecord& photo) {
+  if (HasOriginalCopy(photo)) return true;
   const std::error_code error = platform::CopyToNewFile(photo.GetPath(), OriginalCopyPath(photo));
-  return !error || error == std::errc::file_exists;
+  if (!error || error == std::errc::file_exists) return true;
+  // When only the last step failed, the flush of the folder, the copy is there but not sure to last.
+  if (HasOriginalCopy(photo)) static_cast<void>(platform::RemoveFile(OriginalCopyPath(photo)));
+  return false;
 }
 
 bool RestoreOriginalCopy(const CAssetRecord& photo) {

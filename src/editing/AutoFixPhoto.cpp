@@ -1,0 +1,52 @@
+#include "editing/AutoFixPhoto.h"
+
+#include "base/Exceptions.h"
+#include "catalog/AssetRecord.h"
+#include "editing/OriginalCopy.h"
+#include "editing/PhotoAccess.h"
+#include "imaging/AutoFix.h"
+#include "imaging/Image.h"
+#include "imaging/ImageFile.h"
+#include "resources/StringIds.h"
+
+namespace {
+
+constexpr int kQuality = 70;
+
+/// The new file takes the photo's name in one step, so the name is never empty.
+void FixAndSave(CImage& image, const std::string& path) {
+  AutoFix(image);
+  image.Save(path, kQuality);
+}
+
+PhotoChange Fix(const std::string& path, CImage* shown) {
+  if (shown && shown->GetCurrentSize() == shown->GetNaturalSize()) {
+    FixAndSave(*shown, path);
+    return PhotoChange::ShownImage;
+  }
+  const auto whole = LoadImageFile(path, 0, 0);
+  if (!whole) throw CException(StringId::CannotSaveEditedPhoto);
+  FixAndSave(*whole, path);
+  return PhotoChange::FileAlone;
+}
+
+}  // namespace
+
+PhotoChange AutoFixPhoto(const CAssetRecord& photo, CImage* image, const WorkBegins& workBegins) {
+  if (!CheckPhotoWritable(photo)) return PhotoChange::None;
+  if (workBegins) workBegins();
+  if (HasOriginalCopy(photo)) {
+    RestoreOriginalCopy(photo);
+    return PhotoChange::FileAlone;
+  }
+  if (!MakeOriginalCopy(photo)) throw CException(StringId::CannotCopyOriginal);
+  try {
+    return Fix(photo.GetPath(), image);
+  } catch (const CError&) {
+    RestoreOriginalCopy(photo);
+    throw;
+  } catch (...) {
+    RestoreOriginalCopy(photo);
+    throw CException(StringId::CannotSaveEditedPhoto);
+  }
+}
