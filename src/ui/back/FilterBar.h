@@ -1,0 +1,112 @@
+#pragma once
+
+#include <QWidget>
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "catalog/StringHistory.h"
+#include "ui/back/FilterBarItems.h"
+#include "ui/back/FilterBarLayout.h"
+#include "ui/back/FolderActions.h"
+#include "ui/back/FolderChooser.h"
+
+class CDropControl;
+class CFilterBarHost;
+enum class StripPosition : int;
+
+/// The block of four drop controls at the bottom of the photo back: which folder, what text, which rating
+/// and in what order the strip shows. Each choice narrows or sorts the main set, shows the result and is
+/// stored; that of a folder may also search it. The filters themselves are the set's, and the folder in view
+/// is the catalog's.
+///
+/// Window thread, outside jobs. A search is a job, so a choice returns when its search is over.
+class CFilterBar : public QWidget {
+ public:
+  /// The bar of a panel, to be laid out with it. Gives the set the order that a session begins with, and
+  /// shows the first folder as soon as events are handled, unless SelectFolder came before. The host
+  /// outlives the bar. `chooser` asks for folders; null stands for dialogs.
+  CFilterBar(CFilterBarHost& host, QWidget* panel, std::unique_ptr<CFolderChooser> chooser = nullptr);
+  ~CFilterBar() override;
+
+  static int GetHeight();
+  /// Places the bar in its panel, after each change of the panel's size.
+  void LayOut();
+
+  /// Shows a folder as if the user had picked it; an empty one stands for all. Nothing happens if the
+  /// control has no such folder.
+  void SelectFolder(const std::string& folder);
+
+  /// Sorts by an item of the sort control. The strip stays on its photo or, with `fromStart`, goes to where
+  /// one begins in that order. The number is stored, also an unknown one, which sorts as before.
+  void SelectSort(SortId id, bool fromStart);
+  /// Applies the stored order, if there is one.
+  void SelectStoredSort();
+
+  /// Sorts by roll, without filters of text and rating, and goes to the first photo of the last roll.
+  void ShowNewestRoll();
+
+  /// These take the filter off the set and set the control back; the set isn't rebuilt.
+  void ClearTextFilter();
+  void ClearRatingFilter();
+
+  // The edit box of the find control.
+
+  bool IsEditing() const;
+  /// Forgets what was typed and gives the focus to the main window.
+  void CancelEdit();
+  /// Takes what was typed and gives the focus to the main window.
+  void CommitEdit();
+
+  CDropControl& GetFolderControl() const { return *Controls[0]; }
+  CDropControl& GetFindControl() const { return *Controls[1]; }
+  CDropControl& GetRatingControl() const { return *Controls[2]; }
+  CDropControl& GetSortControl() const { return *Controls[3]; }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  /// What a pick in the folder control comes to.
+  struct FolderChange {
+    std::string Chosen;   // empty for all folders
+    bool Search = false;  // even if the folder was searched in this session
+    bool Adding = false;
+    bool Refilter = false;
+    bool SearchNothing = false;
+  };
+
+  void CreateControls();
+  void ConnectControls();
+  void SetFirstSort();
+
+  void OnFolderPicked(FolderItem item);
+  std::optional<FolderChange> AskForChange(FolderItem item, const std::string& shown);
+  std::optional<FolderChange> ChooseFolder(const std::string& shown);
+  std::optional<FolderChange> RemoveFolder(const std::string& shown);
+  bool SearchFor(const FolderChange& change);
+  std::string GetShownFolder() const;
+  bool SelectStandardFolder(const std::string& folder);
+  void SelectAddedFolder(const std::string& folder);
+
+  void OnTextChanged();
+  void OnRatingPicked();
+  bool HasTextOrRatingFilter() const;
+  void RebuildSet(StripPosition position);
+
+  CFilterBarHost& Host;
+  const std::unique_ptr<CFolderChooser> Chooser;
+  CStringHistory Folders;
+  CStringHistory Texts;
+  CCatalogDropHistory FolderEntries;
+  CCatalogDropHistory TextEntries;
+  CFolderActions FolderActions;
+
+  std::array<QString, kFilterRows> Labels;
+  std::array<std::unique_ptr<CDropControl>, kFilterRows> Controls;
+  FilterBarLayout Layout;
+  bool FirstFolderShown = false;
+  bool DropsEdit = false;  // the end of the edit changes nothing
+};

@@ -1,0 +1,83 @@
+#include "ui/back/FolderListDialog.h"
+
+#include <QFontMetrics>
+#include <QListWidget>
+#include <QPushButton>
+#include <QStyle>
+#include <cmath>
+
+#include "base/Texts.h"
+#include "ui/kit/DropText.h"
+#include "ui/kit/QtText.h"
+
+namespace {
+
+// In dialog units.
+constexpr QSize kDialog(210, 114);
+constexpr QRect kList(7, 7, 196, 79);
+constexpr QRect kChooseButton(97, 93, 50, 14);
+constexpr QRect kCancelButton(153, 93, 50, 14);
+
+// A dialog unit is a part of a letter of the dialog's font: a quarter of its width, an eighth of its height.
+constexpr double kUnitsToWidth = 4;
+constexpr double kUnitsToHeight = 8;
+
+/// From dialog units to pixels.
+QRect ToPixels(const QRect& units, const QFontMetricsF& font) {
+  const double x = font.averageCharWidth() / kUnitsToWidth;
+  const double y = font.height() / kUnitsToHeight;
+  return QRectF(units.x() * x, units.y() * y, units.width() * x, units.height() * y).toRect();
+}
+
+}  // namespace
+
+CFolderListDialog::CFolderListDialog(const std::vector<std::string>& folders, FolderChoice purpose,
+                                     QWidget* parent)
+    : QDialog(parent), List(new QListWidget(this)) {
+  const bool removing = purpose == FolderChoice::Remove;
+  const auto load = [](StringId id) { return ToQString(LoadExpandedString(id)); };
+  setObjectName(QStringLiteral("FolderList"));
+  setWindowTitle(load(removing ? StringId::RemoveFolderTitle : StringId::MoreFoldersTitle));
+  const QFontMetricsF metrics(font());
+  setFixedSize(ToPixels(QRect(QPoint(), kDialog), metrics).size());
+  List->setGeometry(ToPixels(kList, metrics));
+  List->setAccessibleName(windowTitle());
+  FillList(folders);
+
+  ChooseButton = AddButton(ToPixels(kChooseButton, metrics),
+                           load(removing ? StringId::RemoveFolderButton : StringId::ChooseButton));
+  ChooseButton->setDefault(true);
+  ChooseButton->setEnabled(false);
+  QPushButton* cancel = AddButton(ToPixels(kCancelButton, metrics), load(StringId::Cancel));
+
+  connect(List, &QListWidget::itemSelectionChanged, this,
+          [this] { ChooseButton->setEnabled(!List->selectedItems().isEmpty()); });
+  connect(List, &QListWidget::itemDoubleClicked, this, [this] { Choose(); });
+  connect(ChooseButton, &QPushButton::clicked, this, [this] { Choose(); });
+  connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+}
+
+QPushButton* CFolderListDialog::AddButton(const QRect& place, const QString& text) {
+  auto* button = new QPushButton(text, this);
+  button->setGeometry(place);
+  button->setAutoDefault(false);
+  return button;
+}
+
+void CFolderListDialog::FillList(const std::vector<std::string>& folders) {
+  // The bar takes its room from the entries, whether it shows or not.
+  const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, List);
+  const int margin = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, List) + 1;
+  const int room = List->width() - 2 * List->frameWidth() - bar - 2 * margin;
+  for (const std::string& folder : folders) {
+    const QString path = ToQString(folder);
+    auto* item = new QListWidgetItem(ShortenPath(path, room, QFontMetricsF(List->font())), List);
+    item->setToolTip(path.toHtmlEscaped());
+  }
+}
+
+void CFolderListDialog::Choose() {
+  if (List->selectedItems().isEmpty()) return;
+  Chosen = List->row(List->selectedItems().front());
+  accept();
+}

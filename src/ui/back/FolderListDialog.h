@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QDialog>
+#include <string>
+#include <vector>
+
+#include "ui/back/FolderChooser.h"
+
+class QListWidget;
+class QPushButton;
+
+/// Lets the user choose one of the photo folders, to show it or to remove it from the list.
+class CFolderListDialog : public QDialog {
+ public:
+  CFolderListDialog(const std::vector<std::string>& folders, FolderChoice purpose, QWidget* parent);
+
+  /// The position of the chosen folder; -1 before a choice and after Cancel.
+  int GetChosen() const { return Chosen; }
+
+ private:
+  QPushButton* AddButton(const QRect& place, const QString& text);
+  void FillList(const std::vector<std::string>& folders);
+  void Choose();
+
+  QListWidget* List;
+  QPushButton* ChooseButton;
+  int Chosen = -1;
+};
