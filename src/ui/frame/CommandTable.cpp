@@ -33,9 +33,9 @@ constexpr Command kCommands[] = {
 
     {CommandId::ToggleUpload, StringId::UploadPhoto, {Alt(Qt::Key_U)}, Qt::Key_U, kOnce, &Do::ToggleInTab},
     {CommandId::ToggleEmail, StringId::EmailPhoto, {Alt(Qt::Key_M)}, Qt::Key_M, kOnce, &Do::ToggleInTab},
-    {CommandId::RotateRight, StringId::RotateRight, {Alt(Qt::Key_R)}, Qt::Key_R, kOnce, nullptr},
-    {CommandId::RotateLeft, StringId::RotateLeft, {Alt(Qt::Key_L)}, Qt::Key_L, kOnce, nullptr},
-    {CommandId::AutoFix, StringId::AutoFix, {Alt(Qt::Key_F)}, Qt::Key_F, kOnce, nullptr},
+    {CommandId::RotateRight, StringId::RotateRight, {Alt(Qt::Key_R)}, Qt::Key_R, kOnce, &Do::Rotate},
+    {CommandId::RotateLeft, StringId::RotateLeft, {Alt(Qt::Key_L)}, Qt::Key_L, kOnce, &Do::Rotate},
+    {CommandId::AutoFix, StringId::AutoFix, {Alt(Qt::Key_F)}, Qt::Key_F, kOnce, &Do::AutoFix},
     {CommandId::DeletePhoto,
      StringId::DeletePhoto,
      {Alt(Qt::Key_Delete)},

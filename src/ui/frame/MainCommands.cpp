@@ -2,24 +2,32 @@
 
 #include <QApplication>
 #include <QWidget>
+#include <optional>
 
+#include "base/Exceptions.h"
 #include "base/Folders.h"
+#include "base/Messages.h"
 #include "catalog/Catalog.h"
 #include "catalog/StringHistory.h"
 #include "discovery/FolderSearch.h"
+#include "editing/AutoFixPhoto.h"
 #include "editing/PhotoAccess.h"
+#include "editing/RotatePhoto.h"
 #include "sets/PhotoSet.h"
 #include "ui/back/PhotoBack.h"
 #include "ui/frame/CommandTable.h"
 #include "ui/frame/MainFrame.h"
 #include "ui/frame/TipAtStart.h"
 #include "ui/kit/WaitCursor.h"
+#include "ui/pages/PhotoView.h"
 #include "ui/pages/ViewTabBar.h"
 #include "ui/strip/Filmstrip.h"
 
 namespace {
 
-constexpr int kManyPhotos = 20;  // who has as many needs no tip
+constexpr int kManyPhotos = 20;    // who has as many needs no tip
+constexpr int kQuarterRight = 90;  // degrees clockwise
+constexpr int kQuarterLeft = 270;
 constexpr const char* kFolderHistory = "FolderFilterHistory";
 
 }  // namespace
@@ -71,6 +79,34 @@ void CMainCommands::DeletePhoto(CommandId) {
   }
   Frame.DeleteCurrentPhoto();
 }
+
+void CMainCommands::ChangePhoto(const PhotoEdit& edit) {
+  const CAssetRecord* current = Frame.GetStrip().GetCurrentRecord();
+  if (current == nullptr) return;
+  Frame.GetStrip().AnnounceNow();  // the view holds the photo under the lens
+  const CAssetRecord photo = *current;
+  CPhotoView& view = Frame.GetPhotoView();
+  std::optional<CWaitCursor> waiting;
+  try {
+    const PhotoChange change = edit(photo, view.GetImage(), [&waiting] { waiting.emplace(); });
+    if (change == PhotoChange::None) return;
+    if (change == PhotoChange::FileAlone) view.Reload(true);
+  } catch (const CException& failure) {
+    waiting.reset();
+    view.Reload(true);
+    ShowMessage(failure.GetMessage());
+  }
+  Frame.OnPhotoChanged();
+}
+
+void CMainCommands::Rotate(CommandId id) {
+  const int angle = id == CommandId::RotateRight ? kQuarterRight : kQuarterLeft;
+  ChangePhoto([angle](const CAssetRecord& photo, CImage* image, const WorkBegins& workBegins) {
+    return RotatePhoto(photo, image, angle, workBegins);
+  });
+}
+
+void CMainCommands::AutoFix(CommandId) { ChangePhoto(&AutoFixPhoto); }
 
 void CMainCommands::MoveByOne(CommandId id) {
   Frame.StopSlideShow();

@@ -1,7 +1,12 @@
 #pragma once
 
+#include <functional>
+
+#include "editing/PhotoChange.h"
 #include "ui/kit/Commands.h"
 
+class CAssetRecord;
+class CImage;
 class CMainFrame;
 
 /// What the commands of the main window do. Nearly each one looks at a condition and calls a part; the table
@@ -22,6 +27,8 @@ class CMainCommands {
 
   void ToggleInTab(CommandId id);
   void DeletePhoto(CommandId id);
+  void Rotate(CommandId id);
+  void AutoFix(CommandId id);
 
   void MoveByOne(CommandId id);
   void MoveByPage(CommandId id);
@@ -35,5 +42,8 @@ class CMainCommands {
   void ShowTipAtStart(CommandId id);
 
  private:
+  using PhotoEdit = std::function<PhotoChange(const CAssetRecord& photo, CImage* image, const WorkBegins&)>;
+  void ChangePhoto(const PhotoEdit& edit);
+
   CMainFrame& Frame;
 };

@@ -155,7 +155,7 @@ void CMainFrame::OnCurrentPhotoChanged(const CAssetRecord* record) {
 void CMainFrame::OnPhotoChanged() {
   const CAssetRecord* record = GetStrip().GetCurrentRecord();
   if (record == nullptr) return;
-  PhotoView->Reload(true);
+  PhotoView->ShowImage();
   CAssetRecord(*record).MakeThumbnail();
   GetStrip().RedrawCurrentThumbnail();
   UpdateCommands();

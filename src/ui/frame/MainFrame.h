@@ -60,7 +60,8 @@ class CMainFrame : public QWidget, public CFilmstripHost {
   void SelectTab(ViewTabId tab) override;
   std::string GetFolderLabel(const std::string& folder) const override;
 
-  /// The current photo's file was changed: its picture and its thumbnail are renewed.
+  /// The current photo's file was changed, and the photo view holds its new picture: what else shows the
+  /// photo is renewed.
   void OnPhotoChanged();
 
   /// Full-screen mode is entered only with a photo.

@@ -93,6 +93,11 @@ void CPhotoView::Reload(bool force) {
   Fit();
 }
 
+CImage* CPhotoView::GetImage() {
+  if (!Image && !isVisible()) Reload(true);
+  return Image.get();
+}
+
 void CPhotoView::Fit() {
   Picture = {};
   update();

@@ -33,8 +33,12 @@ class CPhotoView : public QWidget {
   /// there is none; `force` does so in any case, as after a change of the file.
   void Reload(bool force);
 
-  /// The photo as it is held; null if there is none, it can't be decoded or it hasn't been shown yet.
-  CImage* GetImage() { return Image.get(); }
+  /// The photo as it is held, loaded now if the page hasn't shown it yet; null if there is none or it can't
+  /// be decoded. Who changes it calls ShowImage.
+  CImage* GetImage();
+
+  /// Shows the image held as it is now.
+  void ShowImage() { Fit(); }
 
   /// Takes over the photo's marks.
   void UpdateFlags();
