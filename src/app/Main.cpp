@@ -111,6 +111,7 @@ int Main(const std::string& commandLine) {
   CSingleInstance instance(platform::RuntimeFolder());
   if (!instance.Claim()) return kEarlyExitCode;
 
+  const CFontTable fonts;
   CMainFrame frame;
   const CStopSignalWatch stopSignalWatch(frame);
   instance.OnAnotherStart = [&frame](const QByteArray& token) { BringToFront(frame, token); };
@@ -119,7 +120,6 @@ int Main(const std::string& commandLine) {
   CFolderSearch::GetInstance().ActiveDisk = activeDisk;
   if (!ChooseSettings(activeDisk)) return kEarlyExitCode;
 
-  const CFontTable fonts;
   auto start = std::make_unique<CStartProgress>();
   try {
     return RunSession(frame, start);
