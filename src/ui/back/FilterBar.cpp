@@ -71,7 +71,8 @@ CFilterBar::CFilterBar(CFilterBarHost& host, QWidget* panel, std::unique_ptr<CFo
       Texts(host.GetCatalog(), kTextHistory, kRememberedTexts, false),
       FolderEntries(Folders),
       TextEntries(Texts),
-      FolderActions(Folders, *Chooser) {
+      FolderActions(Folders, *Chooser),
+      Layout(LayOutFilterBar(GetLabelWidth(), CDropControl::GetHeight())) {
   setObjectName(QStringLiteral("FilterBar"));
   CreateControls();
   ConnectControls();
@@ -91,6 +92,7 @@ void CFilterBar::CreateControls() {
     Labels[i] = LoadLabel(kind.Label);
     Controls[i] = std::make_unique<CDropControl>(Labels[i].trimmed(), kind.Style, this);
     Controls[i]->setObjectName(QLatin1String(kind.Name));
+    Controls[i]->setGeometry(Layout.Controls[i]);
   }
   FillFolderControl(GetFolderControl(), FolderEntries, CFolderSearch::GetInstance().ActiveDisk);
   FillFindControl(GetFindControl(), TextEntries);
@@ -120,17 +122,6 @@ void CFilterBar::SetFirstSort() {
 }
 
 int CFilterBar::GetHeight() { return GetFilterBarHeight(CDropControl::GetHeight()); }
-
-void CFilterBar::LayOut() {
-  Layout = LayOutFilterBar(parentWidget()->size(), GetLabelWidth(), CDropControl::GetHeight());
-  const QPoint corner = Layout.Ground.topLeft();
-  setGeometry(Layout.Ground);
-  for (std::size_t i = 0; i < Controls.size(); ++i) {
-    Controls[i]->setGeometry(Layout.Controls[i].translated(-corner));
-    Layout.Labels[i].translate(-corner);
-  }
-  update();
-}
 
 void CFilterBar::RebuildSet(StripPosition position) {
   const CWaitCursor waiting;

@@ -25,15 +25,13 @@ enum class StripPosition : int;
 /// Window thread, outside jobs. A search is a job, so a choice returns when its search is over.
 class CFilterBar : public QWidget {
  public:
-  /// The bar of a panel, to be laid out with it. Gives the set the order that a session begins with, and
-  /// shows the first folder as soon as events are handled, unless SelectFolder came before. The host
+  /// The bar of a panel, as wide as that, at its bottom. Gives the set the order that a session begins with,
+  /// and shows the first folder as soon as events are handled, unless SelectFolder came before. The host
   /// outlives the bar. `chooser` asks for folders; null stands for dialogs.
   CFilterBar(CFilterBarHost& host, QWidget* panel, std::unique_ptr<CFolderChooser> chooser = nullptr);
   ~CFilterBar() override;
 
   static int GetHeight();
-  /// Places the bar in its panel, after each change of the panel's size.
-  void LayOut();
 
   /// Shows a folder as if the user had picked it; an empty one stands for all. Nothing happens if the
   /// control has no such folder.
@@ -106,7 +104,7 @@ class CFilterBar : public QWidget {
 
   std::array<QString, kFilterRows> Labels;
   std::array<std::unique_ptr<CDropControl>, kFilterRows> Controls;
-  FilterBarLayout Layout;
+  const FilterBarLayout Layout;
   bool FirstFolderShown = false;
   bool DropsEdit = false;  // the end of the edit changes nothing
 };

@@ -15,20 +15,15 @@ constexpr int kBesideControls = 8;
 
 int GetFilterBarHeight(int controlHeight) { return kAroundRows + kFilterRows * controlHeight; }
 
-FilterBarLayout LayOutFilterBar(QSize panel, int labelWidth, int controlHeight) {
-  const int height = GetFilterBarHeight(controlHeight);
-  const int top = panel.height() - height;
+FilterBarLayout LayOutFilterBar(int labelWidth, int controlHeight) {
+  const int left = kBarLeft + labelWidth + kBetweenLabelAndControl;
+  const int width = kBarRight - kBesideControls - left;
   FilterBarLayout layout;
-  layout.Ground = QRect(0, top, panel.width(), height);
-  layout.Bar = QRect(kBarLeft, top, kBarRight - kBarLeft, height);
-  const int controls = layout.Bar.left() + labelWidth + kBetweenLabelAndControl;
-  const int controlWidth = kBarRight - kBesideControls - controls;
-  for (int i = 0; i < kFilterRows; ++i) {
-    const int row = top + kAboveRows + i * (controlHeight + kBetweenRows);
-    const auto position = static_cast<std::size_t>(i);
-    layout.Labels[position] =
-        QRect(layout.Bar.left(), row + kLabelOffset, labelWidth, controlHeight - kLabelOffset);
-    layout.Controls[position] = QRect(controls, row, controlWidth, controlHeight);
+  int top = kAboveRows;
+  for (std::size_t i = 0; i < kFilterRows; ++i) {
+    layout.Labels[i] = QRect(kBarLeft, top + kLabelOffset, labelWidth, controlHeight - kLabelOffset);
+    layout.Controls[i] = QRect(left, top, width, controlHeight);
+    top += controlHeight + kBetweenRows;
   }
   return layout;
 }

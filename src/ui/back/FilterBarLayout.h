@@ -1,16 +1,13 @@
 #pragma once
 
 #include <QRect>
-#include <QSize>
 #include <array>
 
 inline constexpr int kFilterRows = 4;
 
-/// Where the filter bar and what is in it stand on their panel, in pixels of the layout from the panel's
-/// corner. The bar's colour runs across the whole panel.
+/// Where the rows of the filter bar stand, in pixels of the layout. The bar's window, whose corner these
+/// count from, is as wide as the panel, since its colour runs across that; the rows keep to its left.
 struct FilterBarLayout {
-  QRect Ground;  // what is coloured
-  QRect Bar;
   std::array<QRect, kFilterRows> Labels;
   std::array<QRect, kFilterRows> Controls;
 };
@@ -18,4 +15,4 @@ struct FilterBarLayout {
 int GetFilterBarHeight(int controlHeight);
 
 /// `labelWidth` is the width of the widest label.
-FilterBarLayout LayOutFilterBar(QSize panel, int labelWidth, int controlHeight);
+FilterBarLayout LayOutFilterBar(int labelWidth, int controlHeight);

@@ -105,7 +105,7 @@ class CFilterBarFixture : public testing::Test {
     auto chooser = std::make_unique<CScriptedChooser>();
     Chooser = chooser.get();
     Bar = std::make_unique<CFilterBar>(*Host, &Panel, std::move(chooser));
-    Bar->LayOut();
+    Bar->setGeometry(0, Panel.height() - CFilterBar::GetHeight(), Panel.width(), CFilterBar::GetHeight());
     Window.show();
     Window.activateWindow();
     Window.setFocus();

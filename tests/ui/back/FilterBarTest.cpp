@@ -30,14 +30,12 @@ class RatedPhotos : public CFilterBarFixture {
 
 }  // namespace
 
-TEST(FilterBarLayout, RowsStandAtTheBottomOfThePanel) {
-  const FilterBarLayout layout = LayOutFilterBar({267, 705}, 48, 22);
+TEST(FilterBarLayout, RowsStandBelowEachOther) {
+  const FilterBarLayout layout = LayOutFilterBar(48, 22);
   EXPECT_EQ(GetFilterBarHeight(22), 104);
-  EXPECT_EQ(layout.Ground, QRect(0, 601, 267, 104));
-  EXPECT_EQ(layout.Bar, QRect(10, 601, 245, 104));
-  EXPECT_EQ(layout.Controls[0], QRect(68, 609, 179, 22));
-  EXPECT_EQ(layout.Controls[3], QRect(68, 678, 179, 22));
-  EXPECT_EQ(layout.Labels[1].topLeft(), QPoint(10, 634));
+  EXPECT_EQ(layout.Controls[0], QRect(68, 8, 179, 22));
+  EXPECT_EQ(layout.Controls[3], QRect(68, 77, 179, 22));
+  EXPECT_EQ(layout.Labels[1].topLeft(), QPoint(10, 33));
   EXPECT_EQ(layout.Labels[1].width(), 48);
 }
 
@@ -185,11 +183,8 @@ TEST_F(FilterBar, PaintsItsLabelsAndControls) {
   Start();
   const QImage image = Painted(*Bar);
   EXPECT_EQ(image.pixelColor(40, 4), QColor(231, 233, 235));
-  const FilterBarLayout layout =
-      LayOutFilterBar(Panel.size(), Bar->GetSortControl().x() - 20, CDropControl::GetHeight());
-  for (const QRect& label : layout.Labels) {
-    EXPECT_TRUE(HoldsInk(image, label.translated(-layout.Ground.topLeft()), QColor(231, 233, 235)));
-  }
+  const FilterBarLayout layout = LayOutFilterBar(Bar->GetSortControl().x() - 20, CDropControl::GetHeight());
+  for (const QRect& label : layout.Labels) EXPECT_TRUE(HoldsInk(image, label, QColor(231, 233, 235)));
   EXPECT_EQ(Bar->GetFindControl().accessibleName(), "Find");
   EXPECT_EQ(Bar->GetFolderControl().accessibleDescription(), "My Pictures");
 }
