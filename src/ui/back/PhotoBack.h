@@ -1,35 +1,85 @@
 #pragma once
 
 #include <QWidget>
+#include <array>
 #include <functional>
 #include <memory>
 #include <optional>
 
 #include "catalog/AssetRecord.h"
+#include "imaging/PixelBuffer.h"
+#include "ui/back/FieldForms.h"
 #include "ui/kit/RatingControl.h"
 
-/// The panel on which the user reads and edits what is known about the current photo. It holds no annotation
-/// of its own: a value is in the catalog as soon as it was given.
-class CPhotoBack : public QWidget, public CRatingOwner {
+class CFieldValue;
+class CPhotoField;
+class CPhotoFieldSet;
+class CRatingField;
+
+/// The panel on which the user reads and edits what is known about the current photo, above the filter bar.
+/// It holds no annotation of its own: a value is in the catalog as soon as its field has been left, by
+/// whatever way. While a job runs the panel shows what it holds.
+class CPhotoBack : public QWidget {
  public:
   explicit CPhotoBack(QWidget* parent = nullptr);
   ~CPhotoBack() override;
 
-  /// Called after a stamp of the current photo has been written.
-  std::function<void(StampId type)> OnStampChanged;
+  // What the panel tells and asks the main window; each may be empty.
 
-  /// Shows that photo's fields; none hides them.
+  /// A stamp of the current photo, or its title (13), has been written.
+  std::function<void(StampId type)> OnStampChanged;
+  /// The current photo's file has another name now. Called before OnStampChanged.
+  std::function<void()> OnPhotoRenamed;
+  /// The size in pixels of the current photo's picture as it was decoded, 0 by 0 without one. If this is
+  /// empty the size is read from the file.
+  std::function<ImageSize()> GetPictureSize;
+
+  /// The bar at the panel's bottom, a child of it, which is as wide as the panel and paints its own ground.
+  void SetFilterBar(QWidget* bar, int height);
+
+  /// Writes what is being edited, to the photo that is left, and shows that photo's fields; none hides them.
   void SetPhoto(const std::optional<CAssetRecord>& photo);
 
+  /// Renews the "Format" field, after a change of the current photo's file.
+  void UpdateFormat();
+
+  /// Null for any number that isn't a FieldNumber with a field.
+  CPhotoField* GetField(int number) const;
+  CPhotoField* GetField(FieldRow row) const { return Fields[static_cast<std::size_t>(row)]; }
+
+  /// Begins to edit that field, if there is a photo. From a field that can't be edited the focus goes to the
+  /// main window.
+  void FocusField(int number);
+
+  /// Writes what is being edited; the edit goes on.
+  void CommitEdits();
+  /// Puts the text back that is being edited, and selects it.
+  void CancelEdits();
+  bool IsEditing() const;
+
+  /// Leaves the field that is being edited for the next or the previous one, round and round.
+  void FocusNextField(bool forward);
+
   /// Rates the current photo, 0 to 4. Without one nothing happens.
-  void SetRating(int value) override;
-  int GetRating() const override;
-  void Commit() override;
+  void SetRating(int value);
 
  protected:
   void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
 
  private:
+  void CreateFields();
+  void ShowFields(bool shown);
+  void Layout();
+  void GiveValues();
+  void OnCommitted(FieldNumber field);
+
   std::optional<CAssetRecord> Photo;
-  std::unique_ptr<CRatingControl> RatingControl;
+  std::unique_ptr<CPhotoFieldSet> Current;
+  std::array<CPhotoField*, kFieldCount> Fields{};  // children, by FieldRow
+  std::unique_ptr<CRatingField> Rating;
+  QWidget* FilterBar = nullptr;  // a child
+  int FilterBarHeight = 0;
+  bool Shown = false;  // the fields
 };

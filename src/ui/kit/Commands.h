@@ -25,6 +25,7 @@ enum class CommandId : int {
   Help = 329,
   AutoFix = 349,
   StopSearching = 363,  // in the search's own window
+  OpenFieldList = 394,  // of a field of the photo back
   PreviousPhoto = 1000,
   NextPhoto = 1001,
   NextPage = 1002,

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Finds, while a text is typed, the earlier text that it may become. Letters are compared without case, as
+/// Unicode has it. Made once for an edit; a search over 10,000 choices takes a fraction of a millisecond.
+class CCompletion {
+ public:
+  /// With `separators`, ASCII characters, a text is a list and its token under the caret is completed;
+  /// without, the whole text is.
+  explicit CCompletion(std::vector<std::string> choices = {}, std::string separators = {});
+
+  /// What follows the caret in the first choice that begins with the token. Empty if there is none, if that
+  /// choice is no longer than the token, if the token is empty, or if it goes on behind the caret, which is
+  /// an offset in bytes.
+  std::string GetRemainder(std::string_view text, std::size_t caret) const;
+
+ private:
+  std::string_view FindToken(std::string_view text, std::size_t caret) const;
+
+  std::vector<std::string> Choices;
+  std::vector<std::string> Lowered;  // the same
+  std::string Separators;
+};

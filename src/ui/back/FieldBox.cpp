@@ -1,0 +1,143 @@
+#include "ui/back/FieldBox.h"
+
+#include <QFocusEvent>
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QPalette>
+#include <QPlainTextEdit>
+#include <QTextBlock>
+#include <QTextDocument>
+
+#include "ui/kit/Colours.h"
+
+namespace {
+
+bool IsDeletion(int key) { return key == Qt::Key_Delete || key == Qt::Key_Backspace; }
+bool IsEnter(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter; }
+
+QString WithoutLineFeeds(QString text) {
+  text.replace(QStringLiteral("\r\n"), QStringLiteral(" "));
+  for (const QChar feed :
+       {QChar(u'\n'), QChar(u'\r'), QChar(QChar::LineSeparator), QChar(QChar::ParagraphSeparator)}) {
+    text.replace(feed, u' ');
+  }
+  return text;
+}
+
+QPalette MakePalette(const QWidget& widget) {
+  QPalette palette = widget.palette();
+  palette.setColor(QPalette::Base, Qt::transparent);
+  palette.setColor(QPalette::Text, colours::kInk);
+  palette.setColor(QPalette::Highlight, colours::kSelection);
+  palette.setColor(QPalette::HighlightedText, colours::kInk);
+  return palette;
+}
+
+/// What both kinds of boxes tell their owner.
+template <typename Editor>
+class CWatchedEditor : public Editor, public CFieldBox {
+ public:
+  CWatchedEditor(CFieldBoxOwner& owner, const QFont& font, QWidget* parent) : Editor(parent), Owner(owner) {
+    this->setFont(font);
+    this->setPalette(MakePalette(*this));
+    this->setFocusPolicy(Qt::ClickFocus);
+    this->hide();
+  }
+
+  QWidget& GetWidget() override { return *this; }
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    if (IsEnter(event->key())) return event->ignore();
+    const QString typed = event->text();
+    if (typed.size() == 1 && HasSelection() && Owner.OnReplacing(typed)) return;
+    const QString before = GetText();
+    Editor::keyPressEvent(event);
+    if (!IsDeletion(event->key()) && !typed.isEmpty() && typed.front().isPrint() && GetText() != before) {
+      Owner.OnTyped();
+    }
+  }
+
+  void inputMethodEvent(QInputMethodEvent* event) override {
+    Editor::inputMethodEvent(event);
+    if (!event->commitString().isEmpty() && event->preeditString().isEmpty()) Owner.OnTyped();
+  }
+
+  void focusOutEvent(QFocusEvent* event) override {
+    Editor::focusOutEvent(event);
+    if (event->reason() == Qt::PopupFocusReason) return;
+    Owner.OnBoxLeft(event->reason() == Qt::ActiveWindowFocusReason);
+  }
+
+ private:
+  CFieldBoxOwner& Owner;
+};
+
+class CLineBox final : public CWatchedEditor<QLineEdit> {
+ public:
+  CLineBox(CFieldBoxOwner& owner, const QFont& font, QWidget* parent) : CWatchedEditor(owner, font, parent) {
+    setFrame(false);
+    setTextMargins(-kInnerMargin, 0, -kInnerMargin, 0);
+  }
+
+  QString GetText() const override {
+    // Only a text that was changed loses its line feeds.
+    return isModified() ? WithoutLineFeeds(text()) : text();
+  }
+  void SetText(const QString& text) override { setText(text); }
+  int GetCaret() const override { return cursorPosition(); }
+  bool HasSelection() const override { return hasSelectedText(); }
+  void SelectAll() override { selectAll(); }
+  void AddSelected(const QString& text) override {
+    const int caret = cursorPosition();
+    insert(text);
+    setSelection(caret + static_cast<int>(text.size()), -static_cast<int>(text.size()));
+  }
+
+ private:
+  static constexpr int kInnerMargin = 2;  // that the toolkit leaves at each side
+};
+
+class CWrappedBox final : public CWatchedEditor<QPlainTextEdit> {
+ public:
+  CWrappedBox(CFieldBoxOwner& owner, const QFont& font, QWidget* parent)
+      : CWatchedEditor(owner, font, parent) {
+    setFrameShape(QFrame::NoFrame);
+    setTabChangesFocus(true);
+    document()->setDocumentMargin(0);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    viewport()->setAutoFillBackground(false);
+  }
+
+  QString GetText() const override { return toPlainText(); }
+  void SetText(const QString& text) override {
+    setPlainText(text);
+    moveCursor(QTextCursor::End);
+  }
+  int GetCaret() const override { return textCursor().position(); }
+  bool HasSelection() const override { return textCursor().hasSelection(); }
+  void SelectAll() override { selectAll(); }
+  void AddSelected(const QString& text) override {
+    QTextCursor cursor = textCursor();
+    const int caret = cursor.position();
+    cursor.insertText(text);
+    cursor.setPosition(caret, QTextCursor::KeepAnchor);
+    setTextCursor(cursor);
+  }
+
+ protected:
+  void insertFromMimeData(const QMimeData* source) override {
+    textCursor().insertText(WithoutLineFeeds(source->text()));
+    ensureCursorVisible();
+  }
+};
+
+}  // namespace
+
+CFieldBox* MakeFieldBox(CFieldBoxOwner& owner, bool severalLines, const QFont& font, QWidget* parent) {
+  if (severalLines) return new CWrappedBox(owner, font, parent);
+  return new CLineBox(owner, font, parent);
+}

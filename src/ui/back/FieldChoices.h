@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "catalog/StampType.h"
+#include "ui/back/FieldValue.h"
+
+/// An entry of a field's menu.
+struct FieldChoice {
+  std::string Text;
+  bool Checked = false;
+  bool Enabled = true;
+  StampId Source = StampId::None;  // of a date
+};
+
+/// The entries for a value whose text, in its field now, is `text`: the earlier texts, or the kinds of dates.
+std::vector<FieldChoice> ListChoices(CFieldValue& value, const std::string& text);
+
+/// The text after an earlier text was chosen: in a list that is added, or taken out if it is there; any other
+/// text is replaced.
+std::string ApplyChoice(const CFieldValue& value, const std::string& text, const std::string& choice);
+
+/// Makes the photo's date from that source the date in force; not committed. Does nothing if there is none.
+void ChooseDate(CFieldValue& value, StampId source);

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QWidget>
+#include <functional>
+
+#include "ui/back/FieldBox.h"
+#include "ui/back/FieldStyle.h"
+#include "ui/kit/FontTable.h"
+
+class CDevicePainter;
+
+/// The text of a field. While it is edited an edit box stands over it, made for the edit and deleted after
+/// it; what is to become of the box's text is its owner's business.
+class CFieldText : public QWidget {
+ public:
+  CFieldText(CFieldBoxOwner& owner, FieldStyle style, FontId font, QWidget* parent);
+
+  /// Called for a click on a text that can be edited.
+  std::function<void()> OnClicked;
+
+  /// The text at rest.
+  void SetText(const QString& text);
+  const QString& GetText() const { return Text; }
+
+  /// The height is FieldHeight of so many lines.
+  void SetLines(int count);
+  int GetLines() const { return LineCount; }
+
+  /// Makes the edit box with that text and gives it the focus.
+  void OpenBox(const QString& text);
+  /// Takes the box away; the text in it is forgotten.
+  void CloseBox();
+  bool IsEditing() const { return Box != nullptr; }
+  /// Null at rest.
+  CFieldBox* GetBox() const { return Box; }
+  /// Makes that the text that is edited, as when the edit began.
+  void RestartEdit(const QString& text);
+  /// The text that the edit began with, as the box gives it.
+  const QString& GetFirstText() const { return FirstText; }
+
+ protected:
+  bool event(QEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+
+ private:
+  QRect GetTextArea() const;
+  int GetLineHeight() const { return CFontTable::GetInstance().GetCellHeight(Font); }
+  void BreakText();
+  void PlaceBox();
+  void PassOn(QMouseEvent& event);
+  void PaintRuledLines(CDevicePainter& painter);
+  void PaintText(CDevicePainter& painter);
+  void PaintFrame(CDevicePainter& painter);
+
+  CFieldBoxOwner& Owner;
+  const FieldStyle Style;
+  const FontId Font;
+  int LineCount = 1;
+  QString Text;
+  QStringList Lines;         // as they are painted
+  CFieldBox* Box = nullptr;  // a child
+  QString FirstText;
+  bool ClickIsPassedOn = false;
+};

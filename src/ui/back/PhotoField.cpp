@@ -1,0 +1,257 @@
+#include "ui/back/PhotoField.h"
+
+#include <QFontMetricsF>
+#include <QScopedValueRollback>
+#include <charconv>
+#include <cmath>
+
+#include "base/Texts.h"
+#include "ui/back/DateText.h"
+#include "ui/back/FieldText.h"
+#include "ui/back/PhotoBackLayout.h"
+#include "ui/back/StoreValue.h"
+#include "ui/back/TokenList.h"
+#include "ui/kit/Colours.h"
+#include "ui/kit/DevicePainter.h"
+#include "ui/kit/Job.h"
+#include "ui/kit/PaintedButton.h"
+#include "ui/kit/QtText.h"
+
+namespace {
+
+constexpr int kButtonImages = 2;
+constexpr int kUserDate = static_cast<int>(StampId::UserDate);
+
+/// None for a text that is no number.
+std::optional<std::int32_t> ReadNumber(const std::string& text) {
+  std::int32_t number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return number;
+}
+
+}  // namespace
+
+CPhotoField::CPhotoField(const FieldForm& form, QWidget* parent)
+    : QWidget(parent), Form(form), Style(Normalized(form.Style)) {
+  setFocusPolicy(Qt::NoFocus);
+  Text = new CFieldText(*this, Style, form.ValueFont, this);
+  Text->OnClicked = [this] { StartEdit(); };
+  Text->setVisible(!Has(Style, FieldStyle::HidesValue));
+  if (Has(Style, FieldStyle::HasButton)) {
+    Button = new CPaintedButton(*this, this);
+    Button->Create({}, CommandId::OpenFieldList, ButtonFlags::None, PictureId::FieldButton, kButtonImages);
+    Button->hide();
+  }
+}
+
+CPhotoField::~CPhotoField() {
+  if (Value != nullptr) Value->SetListener(nullptr);
+}
+
+void CPhotoField::SetValue(CFieldValue* value) {
+  if (Menu) Menu->close();
+  if (Value != nullptr) Value->SetListener(nullptr);
+  Value = value;
+  Completion.reset();
+  if (Value == nullptr) {
+    EndEdit();
+  } else {
+    Value->SetListener(this);
+  }
+  ShowText();
+  RefreshButton();
+}
+
+// The text.
+
+void CPhotoField::OnValueChanged() {
+  if (!Updating) ShowText();
+}
+
+QString CPhotoField::MakeShownText() const {
+  if (Value == nullptr) return {};
+  if (Value->GetKind() != FieldKind::Date) return MakeEditText();
+  return Value->GetDate() == 0 ? QString() : ToQString(FormatDate(Value->GetDate(), true));
+}
+
+QString CPhotoField::MakeEditText() const {
+  switch (Value->GetKind()) {
+    case FieldKind::Text:
+      return ToQString(Value->GetText());
+    case FieldKind::Number:
+      return QString::number(Value->GetNumber());
+    case FieldKind::Date:
+      return ToQString(FormatEditDate(Value->GetDate()));
+  }
+  return {};
+}
+
+void CPhotoField::ShowText() {
+  Text->SetText(MakeShownText());
+  if (IsEditing()) Text->RestartEdit(MakeEditText());
+}
+
+void CPhotoField::SetShownText(const QString& text) { Text->SetText(text); }
+QString CPhotoField::GetShownText() const { return Text->GetText(); }
+
+std::string CPhotoField::GetTextNow() const {
+  return IsEditing() ? Text->GetBox()->GetText().toStdString() : Value->GetText();
+}
+
+void CPhotoField::SetBoxText(const std::string& text) { Text->GetBox()->SetText(ToQString(text)); }
+
+// The edit.
+
+bool CPhotoField::IsEditing() const { return Text->IsEditing(); }
+
+void CPhotoField::StartEdit() {
+  if (!Has(Style, FieldStyle::Editable) || Value == nullptr || IsJobRunning()) return;
+  const bool begins = !IsEditing();
+  Text->OpenBox(begins ? MakeEditText() : QString());
+  if (!begins) return;
+  Completion.reset();
+  // A click on the button leaves the focus in the box.
+  if (Button != nullptr) Button->setFocusProxy(&Text->GetBox()->GetWidget());
+}
+
+void CPhotoField::Cancel() {
+  if (!IsEditing()) return;
+  Text->GetBox()->SetText(Text->GetFirstText());
+  Text->GetBox()->SelectAll();
+}
+
+void CPhotoField::OnBoxLeft(bool windowLeft) {
+  // On some desktops a menu becomes the active window; what follows is decided when it closes.
+  if (windowLeft && Menu) return;
+  RunAfterJob([field = QPointer<CPhotoField>(this), windowLeft] {
+    if (field) field->FinishEdit(windowLeft);
+  });
+}
+
+void CPhotoField::FinishEdit(bool windowLeft) {
+  if (!IsEditing() || Text->GetBox()->GetWidget().hasFocus()) return;
+  CommitEdit();
+  EndEdit();
+  // The window gets its own focus when it comes back, and so the keys are commands again.
+  if (windowLeft) window()->setFocus();
+}
+
+void CPhotoField::EndEdit() {
+  if (!IsEditing()) return;
+  if (Button != nullptr) Button->setFocusProxy(nullptr);
+  const bool hadFocus = Text->GetBox()->GetWidget().hasFocus();
+  Text->CloseBox();
+  if (hadFocus) window()->setFocus();
+  Completion.reset();
+}
+
+void CPhotoField::CommitEdit() {
+  if (!IsEditing() || Value == nullptr) return;
+  const QString typed = Text->GetBox()->GetText();
+  if (typed != Text->GetFirstText()) {
+    const QScopedValueRollback updating(Updating, true);
+    switch (Value->GetKind()) {
+      case FieldKind::Text:
+        TakeText(typed.toStdString());
+        break;
+      case FieldKind::Number:
+        TakeNumber(typed.toStdString());
+        break;
+      case FieldKind::Date:
+        TakeDate(typed.toStdString());
+        break;
+    }
+  }
+  ShowText();
+}
+
+void CPhotoField::TakeText(const std::string& text) {
+  std::string valid = text;
+  if (text == Value->GetText() || !Value->ValidateText(valid)) return;
+  Value->SetText(valid);
+  Store();
+}
+
+void CPhotoField::TakeNumber(const std::string& text) {
+  const auto number = ReadNumber(text);
+  if (!number || *number == Value->GetNumber() || !Value->ValidateNumber(*number)) return;
+  Value->SetNumber(*number);
+  Store();
+}
+
+void CPhotoField::TakeDate(const std::string& text) {
+  const std::int32_t time = ReadEditDate(text);
+  const bool isSame = Value->GetDate() != 0 && IsSameDay(time, Value->GetDate());
+  if (time == 0 || isSame || !Value->ValidateDate(time)) return;
+  Value->SetDate(time);
+  Value->SetNumber(kUserDate);
+  Store();
+}
+
+void CPhotoField::Store() {
+  StoreValue(*Value);
+  RefreshButton();
+}
+
+void CPhotoField::OnTyped() {
+  if (Updating || Value == nullptr || !Value->HasChoices()) return;
+  if (!Completion) {
+    Completion.emplace(Value->GetChoices(), Value->IsMultiple() ? GetListSeparators() : std::string());
+  }
+  CFieldBox& box = *Text->GetBox();
+  const QString text = box.GetText();
+  const auto caret = static_cast<std::size_t>(text.left(box.GetCaret()).toUtf8().size());
+  const std::string remainder = Completion->GetRemainder(text.toStdString(), caret);
+  if (!remainder.empty()) box.AddSelected(ToQString(remainder));
+}
+
+bool CPhotoField::OnReplacing(const QString& character) {
+  if (Value == nullptr || !Value->IsMultiple()) return false;
+  const std::string separators = GetListSeparators();
+  if (!ToQString(separators).contains(character)) return false;
+  const std::string tokens = CTokenList(GetTextNow(), separators).GetText();
+  SetBoxText(tokens + character.toStdString() + " ");
+  return true;
+}
+
+// Label and layout.
+
+void CPhotoField::SetLabelText(const QString& text) {
+  LabelText = text;
+  const QString name = text.trimmed();
+  setObjectName(name + QStringLiteral("Field"));
+  Text->setAccessibleName(name);
+  if (Button != nullptr) Button->setAccessibleName(name);
+  update();
+}
+
+int CPhotoField::GetNaturalLabelWidth() const {
+  return static_cast<int>(std::ceil(QFontMetricsF(GetFont(Form.LabelFont)).horizontalAdvance(LabelText)));
+}
+
+void CPhotoField::SetLabelWidth(int width) {
+  LabelWidth = width;
+  Layout();
+}
+
+void CPhotoField::SetLines(int count) { Text->SetLines(count); }
+
+void CPhotoField::resizeEvent(QResizeEvent*) { Layout(); }
+
+void CPhotoField::Layout() {
+  const FieldLayout layout =
+      LayOutField(size(), GetLabelWidth(), Button != nullptr ? Button->size() : QSize());
+  Text->setGeometry(layout.Value);
+  if (Button != nullptr) Button->move(layout.Button.topLeft());
+  update();
+}
+
+void CPhotoField::paintEvent(QPaintEvent*) {
+  if (!Has(Style, FieldStyle::Labelled)) return;
+  CDevicePainter painter(*this);
+  const int height = CFontTable::GetInstance().GetCellHeight(Form.LabelFont);
+  const QRect area(0, painter.Scaled(kFieldPadding), painter.GetArea().width(), painter.Scaled(height));
+  painter.DrawText(area, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextDontClip,
+                   GetFont(Form.LabelFont), colours::kInk, LabelText);
+}

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <QMenu>
+#include <QPointer>
+#include <QString>
+#include <QWidget>
+#include <optional>
+#include <string>
+
+#include "ui/back/Completion.h"
+#include "ui/back/FieldBox.h"
+#include "ui/back/FieldForms.h"
+#include "ui/back/FieldValue.h"
+#include "ui/kit/Commands.h"
+
+class CFieldText;
+class CPaintedButton;
+
+/// One row of the photo back: a label, a value and, after it, a button that opens the list of earlier texts
+/// or of the kinds of dates. A text that can be edited is edited in place. An edit has no end of its own:
+/// when the box loses the focus its text is written to the catalog, and only Cancel before that takes it
+/// back. A menu or a list that opens ends no edit; leaving the window does.
+///
+/// While a job runs a field shows what it holds, and the end of an edit waits for the job's.
+class CPhotoField : public QWidget, private CFieldListener, private CFieldBoxOwner, private CCommandTarget {
+ public:
+  CPhotoField(const FieldForm& form, QWidget* parent);
+  ~CPhotoField() override;
+
+  /// Shows a value, not owned; null for none. An open edit goes on with the new value.
+  void SetValue(CFieldValue* value);
+  CFieldValue* GetValue() const { return Value; }
+
+  /// Shows a text without a value.
+  void SetShownText(const QString& text);
+  QString GetShownText() const;
+
+  /// Begins to edit the text, in a field that can be edited and has a value.
+  void StartEdit();
+  bool IsEditing() const;
+  /// Writes what was typed, if it is another text; the box stays open.
+  void CommitEdit();
+  /// Puts the text back that the edit began with, and selects it.
+  void Cancel();
+
+  /// Renews the text from the value.
+  void ShowText();
+
+  void SetLabelText(const QString& text);
+  /// The width of the label's text.
+  int GetNaturalLabelWidth() const;
+  /// -1 for the natural width.
+  void SetLabelWidth(int width);
+  int GetLabelWidth() const { return LabelWidth >= 0 ? LabelWidth : GetNaturalLabelWidth(); }
+  void SetLines(int count);
+
+  /// The menu that is open, else null.
+  QMenu* GetMenu() const { return Menu; }
+  CPaintedButton* GetButton() const { return Button; }
+  CFieldText& GetTextWindow() const { return *Text; }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  void OnValueChanged() override;
+  void OnTyped() override;
+  bool OnReplacing(const QString& character) override;
+  void OnBoxLeft(bool windowLeft) override;
+  void OnCommand(CommandId id) override;
+
+  void FinishEdit(bool windowLeft);
+  void EndEdit();
+  void TakeText(const std::string& text);
+  void TakeNumber(const std::string& text);
+  void TakeDate(const std::string& text);
+  void Store();
+
+  QString MakeShownText() const;
+  QString MakeEditText() const;
+  std::string GetTextNow() const;
+  void SetBoxText(const std::string& text);
+
+  void RefreshButton();
+  void OpenMenu();
+  void Choose(const std::string& text);
+  void ChooseDateFrom(StampId source);
+  void Layout();
+
+  const FieldForm Form;
+  const FieldStyle Style;
+  CFieldValue* Value = nullptr;
+  QString LabelText;
+  int LabelWidth = -1;
+  bool Updating = false;                  // the field itself is changing the value
+  std::optional<CCompletion> Completion;  // of this edit, made when it is first needed
+
+  CFieldText* Text;                  // a child
+  CPaintedButton* Button = nullptr;  // a child, if the style has one
+  QPointer<QMenu> Menu;              // a child while it is open
+};

@@ -1,0 +1,101 @@
+#include <QScopedValueRollback>
+#include <QTimer>
+#include <chrono>
+
+#include "ui/back/FieldChoices.h"
+#include "ui/back/FieldText.h"
+#include "ui/back/PhotoField.h"
+#include "ui/kit/Colours.h"
+#include "ui/kit/Job.h"
+#include "ui/kit/PaintedButton.h"
+#include "ui/kit/QtText.h"
+
+// The list button of a field and its menu.
+
+namespace {
+
+// After a menu that was the active window, the desktop makes the menu's window active again.
+constexpr std::chrono::milliseconds kWindowReturns(300);
+
+/// As an entry shows just these characters.
+QString MakeEntryText(const std::string& text) {
+  QString entry = ToQString(text);
+  entry.replace(u'\t', u' ').replace(u'\n', u' ');
+  return entry.replace(QStringLiteral("&"), QStringLiteral("&&"));
+}
+
+void Dress(QMenu& menu) {
+  QPalette palette = menu.palette();
+  for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+    palette.setColor(group, QPalette::Window, Qt::white);
+    palette.setColor(group, QPalette::Base, Qt::white);
+    palette.setColor(group, QPalette::WindowText, colours::kInk);
+    palette.setColor(group, QPalette::Text, colours::kInk);
+    palette.setColor(group, QPalette::ButtonText, colours::kInk);
+    palette.setColor(group, QPalette::Highlight, colours::kSelection);
+    palette.setColor(group, QPalette::HighlightedText, colours::kInk);
+  }
+  menu.setPalette(palette);
+  menu.setFont(GetFont(FontId::Label));
+  // A long list scrolls rather than fill the screen with columns.
+  menu.setStyleSheet(QStringLiteral("QMenu { menu-scrollable: 1; }"));
+}
+
+}  // namespace
+
+void CPhotoField::RefreshButton() {
+  if (Button == nullptr) return;
+  Button->setVisible(Value != nullptr && (Value->GetKind() == FieldKind::Date || Value->HasChoices()));
+}
+
+void CPhotoField::OnCommand(CommandId) { OpenMenu(); }
+
+void CPhotoField::OpenMenu() {
+  if (Value == nullptr || IsJobRunning()) return;
+  Menu = new QMenu(this);
+  Menu->setAttribute(Qt::WA_DeleteOnClose);
+  Dress(*Menu);
+  for (const FieldChoice& choice : ListChoices(*Value, GetTextNow())) {
+    QAction* entry = Menu->addAction(MakeEntryText(choice.Text));
+    entry->setCheckable(true);
+    entry->setChecked(choice.Checked);
+    entry->setEnabled(choice.Enabled);
+    const auto choose = [this, text = choice.Text, source = choice.Source] {
+      if (source != StampId::None) {
+        ChooseDateFrom(source);
+      } else {
+        Choose(text);
+      }
+    };
+    connect(entry, &QAction::triggered, this, choose);
+  }
+  connect(Menu, &QObject::destroyed, this, [this] {
+    QTimer::singleShot(kWindowReturns, this, [this] {
+      if (!isActiveWindow()) OnBoxLeft(true);
+    });
+  });
+  const QPoint corner = Button->mapToGlobal(QPoint(Button->width(), Button->height()));
+  Menu->popup(corner - QPoint(Menu->sizeHint().width(), 0));
+}
+
+void CPhotoField::Choose(const std::string& text) {
+  if (Value == nullptr) return;
+  const std::string changed = ApplyChoice(*Value, GetTextNow(), text);
+  if (IsEditing()) return SetBoxText(changed);
+  {
+    const QScopedValueRollback updating(Updating, true);
+    Value->SetText(changed);
+    Store();
+  }
+  ShowText();
+}
+
+void CPhotoField::ChooseDateFrom(StampId source) {
+  if (Value == nullptr) return;
+  {
+    const QScopedValueRollback updating(Updating, true);
+    ChooseDate(*Value, source);
+    Store();
+  }
+  ShowText();
+}

@@ -1,0 +1,20 @@
+#include "ui/back/StoreValue.h"
+
+#include <QCoreApplication>
+#include <QMetaObject>
+#include <string>
+
+#include "base/Messages.h"
+#include "storage/StorageException.h"
+#include "ui/back/FieldValue.h"
+
+void StoreValue(CFieldValue& value) {
+  try {
+    value.Commit();
+  } catch (const CStorageException& exception) {
+    value.Reload();
+    // Not from here: this may be the middle of a change of the focus or of the photo.
+    const auto tell = [text = exception.GetMessage()] { ShowMessage(text); };
+    QMetaObject::invokeMethod(QCoreApplication::instance(), tell, Qt::QueuedConnection);
+  }
+}

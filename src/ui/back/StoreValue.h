@@ -1,0 +1,7 @@
+#pragma once
+
+class CFieldValue;
+
+/// Commits a value. If the catalog can't be written the value is what is stored again, and the user is told
+/// as soon as events are handled; nothing is raised for that.
+void StoreValue(CFieldValue& value);

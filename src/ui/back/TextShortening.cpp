@@ -1,0 +1,56 @@
+#include "ui/back/TextShortening.h"
+
+#include <QTextLayout>
+#include <QTextOption>
+
+namespace {
+
+constexpr QChar kEllipsis(0x2026);
+
+/// Line feeds as the layout of texts knows them.
+QString WithLineSeparators(QString text) {
+  text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+  return text.replace(u'\n', QChar(QChar::LineSeparator));
+}
+
+}  // namespace
+
+QString ShortenPath(const QString& path, const QFontMetricsF& metrics, double width) {
+  if (metrics.horizontalAdvance(path) <= width) return path;
+  const qsizetype last = path.lastIndexOf(u'/');
+  for (qsizetype end = last; end > 0;) {
+    end = path.lastIndexOf(u'/', end - 1);
+    const QString candidate = path.left(end + 1) + kEllipsis + path.mid(last);
+    if (metrics.horizontalAdvance(candidate) <= width) return candidate;
+  }
+  return metrics.elidedText(kEllipsis + path.mid(last), Qt::ElideRight, width);
+}
+
+QString ShortenLine(const QString& text, bool maybePath, const QFontMetricsF& metrics, double width) {
+  QString line = text;
+  line.replace(u'\n', u' ').replace(u'\r', u' ');
+  return maybePath && line.contains(u'/') ? ShortenPath(line, metrics, width)
+                                          : metrics.elidedText(line, Qt::ElideRight, width);
+}
+
+QStringList BreakIntoLines(const QString& text, const QFont& font, double width, int most) {
+  const QString whole = WithLineSeparators(text);
+  QTextLayout layout(whole, font);
+  QTextOption option;
+  option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  layout.setTextOption(option);
+  layout.beginLayout();
+  QStringList lines;
+  for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+    line.setLineWidth(width);
+    if (lines.size() + 1 == most && line.textStart() + line.textLength() < whole.size()) {
+      // One more character tells that the line was cut, however short it is.
+      QString rest = whole.mid(line.textStart()).section(QChar(QChar::LineSeparator), 0, 0) + kEllipsis;
+      lines += QFontMetricsF(font).elidedText(rest, Qt::ElideRight, width);
+      break;
+    }
+    lines += whole.mid(line.textStart(), line.textLength()).remove(QChar(QChar::LineSeparator));
+  }
+  layout.endLayout();
+  return lines;
+}
