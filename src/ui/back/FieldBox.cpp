@@ -7,7 +7,6 @@
 #include <QMimeData>
 #include <QPalette>
 #include <QPlainTextEdit>
-#include <QTextBlock>
 #include <QTextDocument>
 
 #include "ui/kit/Colours.h"
@@ -112,7 +111,10 @@ class CWrappedBox final : public CWatchedEditor<QPlainTextEdit> {
     viewport()->setAutoFillBackground(false);
   }
 
-  QString GetText() const override { return toPlainText(); }
+  QString GetText() const override {
+    // toPlainText would turn blanks that don't break into plain ones.
+    return document()->toRawText().replace(QChar(QChar::ParagraphSeparator), u'\n');
+  }
   void SetText(const QString& text) override {
     setPlainText(text);
     moveCursor(QTextCursor::End);

@@ -37,6 +37,7 @@ CFieldText::CFieldText(CFieldBoxOwner& owner, FieldStyle style, FontId font, QWi
 void CFieldText::SetText(const QString& text) {
   if (text == Text) return;
   Text = text;
+  setAccessibleDescription(text);  // the value for assistive tools
   BreakText();
 }
 

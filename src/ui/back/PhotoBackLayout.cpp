@@ -18,7 +18,7 @@ constexpr int kMostExtraLines = 7;
 constexpr int kLargestGap = 20;
 constexpr int kBelowRating = 5;
 
-constexpr int kButtonRight = 2;  // from the field's right edge
+constexpr int kButtonRight = 1;  // from the field's right edge; the picture leaves another pixel free
 constexpr int kBeforeButton = 2;
 
 /// The smallest number of lines that `extra` lines more can be given to.

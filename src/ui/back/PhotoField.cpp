@@ -1,5 +1,6 @@
 #include "ui/back/PhotoField.h"
 
+#include <QApplication>
 #include <QFontMetricsF>
 #include <QScopedValueRollback>
 #include <charconv>
@@ -122,8 +123,8 @@ void CPhotoField::Cancel() {
 }
 
 void CPhotoField::OnBoxLeft(bool windowLeft) {
-  // On some desktops a menu becomes the active window; what follows is decided when it closes.
-  if (windowLeft && Menu) return;
+  // On some desktops a menu becomes the active window.
+  if (windowLeft && QApplication::activePopupWidget() != nullptr) return;
   RunAfterJob([field = QPointer<CPhotoField>(this), windowLeft] {
     if (field) field->FinishEdit(windowLeft);
   });

@@ -47,8 +47,8 @@ TEST(PhotoBackLayoutTest, RowsFollowOneAnotherAboveTheFilterBar) {
 
 TEST(PhotoBackLayoutTest, TheButtonStandsBehindTheText) {
   EXPECT_EQ(LayOutField({224, 21}, 54, {}).Value, QRect(54, 0, 170, 21));
-  const FieldLayout layout = LayOutField({224, 21}, 54, {13, 13});
-  EXPECT_EQ(layout.Button, QRect(209, 4, 13, 13));
+  const FieldLayout layout = LayOutField({224, 21}, 54, {14, 14});
+  EXPECT_EQ(layout.Button, QRect(209, 3, 14, 14));
   EXPECT_EQ(layout.Value, QRect(54, 0, 153, 21));
 }
 
