@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -25,7 +26,7 @@ inline unsigned Darkest(const std::uint8_t* pixel) {
   return std::min(std::min(pixel[0], pixel[1]), pixel[2]);
 }
 
-/// Some rows of a bitmap, to be worked on by one thread.
+/// Some rows of a bitmap, worked on by one thread.
 struct Band {
   std::uint8_t* Bits = nullptr;
   std::ptrdiff_t RowStep = 0;
@@ -36,11 +37,11 @@ struct Band {
 };
 
 std::vector<Band> CutIntoBands(const BitmapPixels& pixels) {
-  constexpr int kLeastHeight = 64;  // rows that are worth a thread
+  constexpr int kMostBands = 32;
+  constexpr int kLeastHeight = 32;
   const std::ptrdiff_t rowStep =
       std::ptrdiff_t{pixels.Width} * (3 + pixels.ExtraBytesPerPixel) + pixels.RowPadding;
-  const int cores = static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
-  const int count = std::clamp(pixels.Height / kLeastHeight, 1, cores);
+  const int count = std::clamp(pixels.Height / kLeastHeight, 1, kMostBands);
   std::vector<Band> bands;
   for (int k = 0; k < count; ++k) {
     const int first = static_cast<int>(std::int64_t{pixels.Height} * k / count);
@@ -50,17 +51,22 @@ std::vector<Band> CutIntoBands(const BitmapPixels& pixels) {
   return bands;
 }
 
-/// Calls `work(index)` for each index below `count`, all at once.
+/// Calls `work(index)` for each band on all cores. A thread takes a band when it has time for one, so that on
+/// a busy machine none waits for another's share.
 template <typename Work>
-void RunTogether(std::size_t count, const Work& work) {
-  std::vector<std::jthread> threads;
-  std::size_t index = 1;
+void ForEachBand(const std::vector<Band>& bands, const Work& work) {
+  std::atomic<std::size_t> next{0};
+  const auto takeBands = [&] {
+    for (std::size_t k = next++; k < bands.size(); k = next++) work(k);
+  };
+  const std::size_t threads = std::min<std::size_t>(bands.size(), std::thread::hardware_concurrency());
+  std::vector<std::jthread> helpers;
   try {
-    for (; index < count; ++index) threads.emplace_back([&work, index] { work(index); });
+    for (std::size_t k = 1; k < threads; ++k) helpers.emplace_back(takeBands);
   } catch (const std::system_error&) {
-    for (; index < count; ++index) work(index);  // there are no more threads to be had
+    // There are no more threads to be had; those that there are do it all.
   }
-  work(0);
+  takeBands();
 }
 
 template <int PixelBytes>
@@ -71,12 +77,12 @@ BrightnessCounts Count(const std::vector<Band>& bands) {
     std::uint32_t Odd[kLevels];
   };
   std::vector<Counts> counts(bands.size());
-  RunTogether(bands.size(), [&](std::size_t k) {
+  ForEachBand(bands, [&](std::size_t k) {
     Counts own{};
     for (int y = 0; y < bands[k].Height; ++y) {
       const std::uint8_t* pixel = bands[k].Row(y);
       int left = bands[k].Width;
-      for (; left > 1; left -= 2, pixel += 2 * PixelBytes) {
+      for (; left > 1; left -= 2, pixel += std::ptrdiff_t{2} * PixelBytes) {
         ++own.Even[Brightest(pixel)];
         ++own.Odd[Brightest(pixel + PixelBytes)];
       }
@@ -94,18 +100,16 @@ BrightnessCounts Count(const std::vector<Band>& bands) {
 /// worked out once for each three of them that can occur, 2.8 million at most, and looked up for each pixel.
 class CColorTable {
  public:
-  CColorTable(const ToneMap& map, const BrightnessCounts& counts, std::size_t threads) {
-    std::uint32_t size = 0;
+  CColorTable(const ToneMap& map, const BrightnessCounts& counts) {
+    std::uint32_t size = kLevels;
     for (unsigned brightest = 0; brightest < kLevels; ++brightest) {
       Spread[brightest] = brightest * (brightest + 1) / 2;
       Start[brightest] = size;
       if (counts[brightest] > 0) size += (brightest + 1) * (brightest + 2) / 2;
     }
     Values = std::make_unique_for_overwrite<std::uint8_t[]>(size);
-    RunTogether(threads, [&](std::size_t first) {
-      for (std::size_t brightest = first; brightest < kLevels; brightest += threads)
-        if (counts[brightest] > 0) Fill(static_cast<unsigned>(brightest), map[brightest]);
-    });
+    for (unsigned brightest = 0; brightest < kLevels; ++brightest)
+      if (counts[brightest] > 0) Fill(brightest, map[brightest]);
   }
 
   /// Changes a row of pixels.
@@ -118,10 +122,10 @@ class CColorTable {
     for (; count > 0; --count, pixel += PixelBytes) {
       const unsigned brightest = Brightest(pixel);
       const unsigned darkest = Darkest(pixel);
-      const std::uint8_t* own = values + (start[brightest] + spread[brightest - darkest]);
-      const std::uint8_t blue = own[pixel[0] - darkest];
-      const std::uint8_t green = own[pixel[1] - darkest];
-      const std::uint8_t red = own[pixel[2] - darkest];
+      const std::uint8_t* own = values + (start[brightest] + spread[brightest - darkest] - darkest);
+      const std::uint8_t blue = own[pixel[0]];
+      const std::uint8_t green = own[pixel[1]];
+      const std::uint8_t red = own[pixel[2]];
       pixel[0] = blue;
       pixel[1] = green;
       pixel[2] = red;
@@ -132,19 +136,24 @@ class CColorTable {
   void Fill(unsigned brightest, int mapped) {
     std::uint8_t* next = &Values[Start[brightest]];
     const double gain = brightest == 0 ? 0.0 : static_cast<double>(mapped) / brightest;
-    const double lifted = brightest * gain;
+    std::array<double, kLevels> shifted;  // what each colour becomes beside its equals,
+    std::array<double, kLevels> scaled;   // and beside black
+    for (unsigned color = 0; color <= brightest; ++color) {
+      shifted[color] = brightest * gain - (brightest - color);
+      scaled[color] = color * gain;
+    }
     for (unsigned spread = 0; spread <= brightest; ++spread) {
       const double share = spread * kPart;
       const double rest = 1.0 - share;
       for (unsigned color = brightest - spread; color <= brightest; ++color) {
-        const double changed = (lifted - (brightest - color)) * rest + (color * gain) * share;
-        *next++ = static_cast<std::uint8_t>(std::max(changed, 0.0));
+        const double changed = shifted[color] * rest + scaled[color] * share;
+        *next++ = static_cast<std::uint8_t>(static_cast<int>(std::max(changed, 0.0)));
       }
     }
   }
 
   // For each brightest colour the values begin at Start, and within them at Spread for each distance down to
-  // the darkest one.
+  // the darkest one, whose value is the first. Room before them all lets each be found by the colour itself.
   std::array<std::uint32_t, kLevels> Start{};
   std::array<std::uint32_t, kLevels> Spread{};
   std::unique_ptr<std::uint8_t[]> Values;
@@ -154,8 +163,8 @@ template <int PixelBytes>
 void Fix(const BitmapPixels& pixels) {
   const std::vector<Band> bands = CutIntoBands(pixels);
   const BrightnessCounts counts = Count<PixelBytes>(bands);
-  const CColorTable table(MakeToneMap(counts), counts, bands.size());
-  RunTogether(bands.size(), [&](std::size_t k) {
+  const CColorTable table(MakeToneMap(counts), counts);
+  ForEachBand(bands, [&](std::size_t k) {
     for (int y = 0; y < bands[k].Height; ++y) table.Change<PixelBytes>(bands[k].Row(y), bands[k].Width);
   });
 }

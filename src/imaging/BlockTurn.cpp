@@ -1,6 +1,7 @@
 #include "imaging/BlockTurn.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace {
 
@@ -9,10 +10,12 @@ JCOEF Sign(JCOEF value) {
   return static_cast<JCOEF>(Negates ? -value : value);
 }
 
+constexpr std::ptrdiff_t kSide = DCTSIZE;
+
 /// `Step` is the way between two coefficients in the source that are neighbours in the target's row.
-template <int Step, bool NegatesEven, bool NegatesOdd>
+template <std::ptrdiff_t Step, bool NegatesEven, bool NegatesOdd>
 void TurnRow(const JCOEF* source, JCOEF* target) {
-  for (int x = 0; x < DCTSIZE; x += 2) {
+  for (std::ptrdiff_t x = 0; x < kSide; x += 2) {
     target[x] = Sign<NegatesEven>(source[x * Step]);
     target[x + 1] = Sign<NegatesOdd>(source[(x + 1) * Step]);
   }
@@ -21,12 +24,12 @@ void TurnRow(const JCOEF* source, JCOEF* target) {
 /// Mirroring a block negates the coefficients of every second column or row, those of odd functions.
 template <bool Transposes, bool MirrorsColumns, bool MirrorsRows>
 void TurnBlock(const JCOEF* source, JCOEF* target) {
-  constexpr int kStep = Transposes ? DCTSIZE : 1;
-  constexpr int kRowStep = Transposes ? 1 : DCTSIZE;
-  for (int y = 0; y < DCTSIZE; y += 2) {
-    TurnRow<kStep, false, MirrorsColumns>(source + y * kRowStep, target + y * DCTSIZE);
+  constexpr std::ptrdiff_t kStep = Transposes ? kSide : 1;
+  constexpr std::ptrdiff_t kRowStep = Transposes ? 1 : kSide;
+  for (std::ptrdiff_t y = 0; y < kSide; y += 2) {
+    TurnRow<kStep, false, MirrorsColumns>(source + y * kRowStep, target + y * kSide);
     TurnRow<kStep, MirrorsRows, MirrorsColumns != MirrorsRows>(source + (y + 1) * kRowStep,
-                                                               target + (y + 1) * DCTSIZE);
+                                                               target + (y + 1) * kSide);
   }
 }
 

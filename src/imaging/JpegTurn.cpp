@@ -62,10 +62,12 @@ class CJpegTurn {
   CJpegTurn& operator=(const CJpegTurn&) = delete;
 
   std::optional<std::vector<std::uint8_t>> Run() {
-    if (!RunGuarded(Errors, [this] { return Read(); })) return {};
+    if (!TakeIn()) return {};
     const std::span<const std::uint8_t> trailer = Source.GetRest();
     if (!RunGuarded(Errors, [this] { return Write(); })) return {};
     std::vector<std::uint8_t> turned = Destination.Take();
+    // The arithmetic encoder takes values of any size, even those that no decoder gives back.
+    if (From.arith_code && !CJpegTurn(turned, Turn).TakeIn()) return {};
     turned.insert(turned.end(), trailer.begin(), trailer.end());
     return turned;
   }
@@ -84,6 +86,10 @@ class CJpegTurn {
     CScanBudget Budget;
     int LastScan = 0;
   };
+
+  bool TakeIn() {
+    return RunGuarded(Errors, [this] { return Read(); });
+  }
 
   // All below runs guarded.
 
