@@ -7,8 +7,9 @@
 namespace {
 
 constexpr StringId kNoCaption{};
-constexpr bool kOnce = false;
-constexpr bool kRepeats = true;
+constexpr KeyHeld kOnce = KeyHeld::Nothing;
+constexpr KeyHeld kRepeats = KeyHeld::Repeats;
+constexpr KeyHeld kMoves = KeyHeld::MovesStrip;
 constexpr KeyChord kNone{};
 
 constexpr KeyChord Plain(int key) { return {key, Qt::NoModifier}; }
@@ -42,35 +43,25 @@ constexpr Command kCommands[] = {
      Qt::Key_Delete,
      kOnce,
      &Do::DeletePhoto},
-    {CommandId::RenamePhoto, kNoCaption, {Plain(Qt::Key_F2)}, 0, kOnce, nullptr},
+    {CommandId::RenamePhoto, kNoCaption, {Plain(Qt::Key_F2)}, 0, kOnce, &Do::Rename},
 
     {CommandId::PreviousPhoto,
      StringId::PreviousPhoto,
      {Alt(Qt::Key_Left)},
      Qt::Key_Left,
-     kRepeats,
+     kMoves,
      &Do::MoveByOne},
-    {CommandId::NextPhoto,
-     StringId::NextPhoto,
-     {Alt(Qt::Key_Right)},
-     Qt::Key_Right,
-     kRepeats,
-     &Do::MoveByOne},
-    {CommandId::PreviousPage, kNoCaption, {Plain(Qt::Key_PageUp)}, 0, kRepeats, &Do::MoveByPage},
-    {CommandId::NextPage, kNoCaption, {Plain(Qt::Key_PageDown)}, 0, kRepeats, &Do::MoveByPage},
-    {CommandId::FirstPhoto, kNoCaption, {Alt(Qt::Key_Home)}, Qt::Key_Home, kOnce, &Do::MoveToEnd},
-    {CommandId::LastPhoto, kNoCaption, {Alt(Qt::Key_End)}, Qt::Key_End, kOnce, &Do::MoveToEnd},
-    {CommandId::NextGroup,
-     StringId::NextGroup,
-     {Alt(Qt::Key_Down)},
-     Qt::Key_Down,
-     kRepeats,
-     &Do::MoveByGroup},
+    {CommandId::NextPhoto, StringId::NextPhoto, {Alt(Qt::Key_Right)}, Qt::Key_Right, kMoves, &Do::MoveByOne},
+    {CommandId::PreviousPage, kNoCaption, {Plain(Qt::Key_PageUp)}, 0, kMoves, &Do::MoveByPage},
+    {CommandId::NextPage, kNoCaption, {Plain(Qt::Key_PageDown)}, 0, kMoves, &Do::MoveByPage},
+    {CommandId::FirstPhoto, kNoCaption, {Alt(Qt::Key_Home)}, Qt::Key_Home, kMoves, &Do::MoveToEnd},
+    {CommandId::LastPhoto, kNoCaption, {Alt(Qt::Key_End)}, Qt::Key_End, kMoves, &Do::MoveToEnd},
+    {CommandId::NextGroup, StringId::NextGroup, {Alt(Qt::Key_Down)}, Qt::Key_Down, kMoves, &Do::MoveByGroup},
     {CommandId::PreviousGroup,
      StringId::PreviousGroup,
      {Alt(Qt::Key_Up)},
      Qt::Key_Up,
-     kRepeats,
+     kMoves,
      &Do::MoveByGroup},
 
     {CommandId::ToggleSlideShow,

@@ -9,13 +9,20 @@
 
 class CMainCommands;
 
+/// What a key does while it is held.
+enum class KeyHeld {
+  Nothing,     // it counts once
+  Repeats,     // the command comes again and again
+  MovesStrip,  // likewise, and the strip goes on sliding
+};
+
 /// A command of the main window.
 struct Command {
   CommandId Id;
-  StringId Caption;                          // of its button at rest; StringId{} for none
-  std::array<KeyChord, 2> Accelerators;      // from every field and page
-  int BareKey;                               // while no field is being edited; 0 for none
-  bool Repeats;                              // goes on while its key is held
+  StringId Caption;                      // of its button at rest; StringId{} for none
+  std::array<KeyChord, 2> Accelerators;  // from every field and page
+  int BareKey;                           // while no field is being edited; 0 for none
+  KeyHeld Held;
   void (CMainCommands::*Run)(CommandId id);  // null for what isn't there yet
 };
 

@@ -60,6 +60,6 @@ bool CInputFilter::IsOfFrame(const QObject* object) const {
 bool CInputFilter::RunAccelerator(const QKeyEvent& event) {
   const Command* command = FindAccelerator(ReadKeyChord(event));
   if (command == nullptr) return false;
-  if (!event.isAutoRepeat() || command->Repeats) Frame.OnCommand(command->Id);
+  Frame.OnKey(*command, event.isAutoRepeat());
   return true;
 }

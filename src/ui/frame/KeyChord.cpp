@@ -12,9 +12,11 @@ struct KeyRow {
 };
 constexpr KeyRow kRows[] = {{10, "1234567890"}, {24, "QWERTYUIOP"}, {38, "ASDFGHJKL"}, {52, "ZXCVBNM"}};
 
-bool IsLatinOrDigit(int key) {
-  return (key >= Qt::Key_A && key <= Qt::Key_Z) || (key >= Qt::Key_0 && key <= Qt::Key_9);
-}
+bool IsDigit(int key) { return key >= Qt::Key_0 && key <= Qt::Key_9; }
+
+bool IsLatinOrDigit(int key) { return (key >= Qt::Key_A && key <= Qt::Key_Z) || IsDigit(key); }
+
+bool IsAscii(int key) { return key < 0x80; }
 
 bool IsCharacter(int key) { return key > Qt::Key_Space && key < Qt::Key_Escape; }
 
@@ -32,7 +34,9 @@ int KeyAtPosition(quint32 scanCode) {
 KeyChord ReadKeyChord(const QKeyEvent& event) {
   int key = event.key();
   if (IsCharacter(key) && !IsLatinOrDigit(key)) {
-    if (const int byPosition = KeyAtPosition(event.nativeScanCode()); byPosition != 0) key = byPosition;
+    // Latin layouts have their letters where they are typed; their digits may need Shift.
+    const int byPosition = KeyAtPosition(event.nativeScanCode());
+    if (byPosition != 0 && (!IsAscii(key) || IsDigit(byPosition))) key = byPosition;
   }
   if (key == Qt::Key_Enter) key = Qt::Key_Return;
   Qt::KeyboardModifiers modifiers = event.modifiers() & ~(Qt::KeypadModifier | Qt::GroupSwitchModifier);

@@ -12,6 +12,7 @@ struct KeyChord {
 };
 
 /// The key of an event, so that every keyboard layout has the commands: the Latin letter or digit that was
-/// typed, also on the keypad; else, where another character was typed, the Latin letter or digit of that key
-/// position; else the key itself. Shift counts only with keys that are neither letters nor digits.
+/// typed, also on the keypad; else, where a character of another script was typed, the Latin letter of that
+/// key position, and where any other character was typed, its digit; else the key itself. Shift counts only
+/// with keys that are neither letters nor digits.
 KeyChord ReadKeyChord(const QKeyEvent& event);

@@ -2,7 +2,9 @@
 
 #include <QApplication>
 #include <QWidget>
+#include <memory>
 #include <optional>
+#include <utility>
 
 #include "base/Exceptions.h"
 #include "base/Folders.h"
@@ -13,8 +15,11 @@
 #include "editing/AutoFixPhoto.h"
 #include "editing/PhotoAccess.h"
 #include "editing/RotatePhoto.h"
+#include "imaging/Image.h"
 #include "sets/PhotoSet.h"
+#include "ui/back/FilterBar.h"
 #include "ui/back/PhotoBack.h"
+#include "ui/back/PhotoField.h"
 #include "ui/frame/CommandTable.h"
 #include "ui/frame/MainFrame.h"
 #include "ui/frame/TipAtStart.h"
@@ -25,8 +30,9 @@
 
 namespace {
 
-constexpr int kManyPhotos = 20;    // who has as many needs no tip
-constexpr int kQuarterRight = 90;  // degrees clockwise
+constexpr int kManyPhotos = 20;          // who has as many needs no tip
+constexpr int kFirstFieldCommand = 220;  // the command of a field is this and the field's number
+constexpr int kQuarterRight = 90;        // degrees clockwise
 constexpr int kQuarterLeft = 270;
 constexpr const char* kFolderHistory = "FolderFilterHistory";
 
@@ -35,18 +41,39 @@ constexpr const char* kFolderHistory = "FolderFilterHistory";
 void CMainCommands::Run(CommandId id) {
   const Command* command = FindCommand(id);
   if (command == nullptr || command->Run == nullptr) return;
-  // Only the next step may come while the strip is sliding; all else acts on the strip at rest.
-  if (command->Run != &CMainCommands::MoveByOne) Frame.GetStrip().FinishMove();
+  // All that isn't a move acts on the photo that the strip is about to rest on.
+  if (command->Held != KeyHeld::MovesStrip) Frame.GetStrip().AnnounceNow();
   (this->*command->Run)(id);
 }
 
 void CMainCommands::EndEdit(CommandId) { Frame.setFocus(); }
 
-void CMainCommands::Cancel(CommandId) { Frame.ToggleFullScreen(FullScreenChange::Normal); }
+void CMainCommands::Cancel(CommandId) {
+  if (Frame.GetFilterBar().IsEditing()) return Frame.GetFilterBar().CancelEdit();
+  if (!Frame.GetPhotoBack().IsEditing()) return Frame.ToggleFullScreen(FullScreenChange::Normal);
+  Frame.GetPhotoBack().CancelEdits();
+  Frame.setFocus();
+}
 
-void CMainCommands::GoToField(CommandId) {}
+void CMainCommands::GoToField(CommandId id) {
+  if (Frame.GetPhotoBack().isVisible()) {
+    Frame.GetPhotoBack().FocusField(static_cast<int>(id) - kFirstFieldCommand);
+  }
+}
 
-void CMainCommands::MoveByField(CommandId) {}
+void CMainCommands::MoveByField(CommandId id) {
+  if (Frame.IsFullScreen()) return;
+  if (Frame.GetFilterBar().IsEditing()) return Frame.GetFilterBar().CommitEdit();
+  Frame.GetPhotoBack().FocusNextField(id == CommandId::NextField);
+}
+
+void CMainCommands::Rename(CommandId) {
+  const CAssetRecord* photo = Frame.GetStrip().GetCurrentRecord();
+  if (!Frame.GetPhotoBack().isVisible() || photo == nullptr || IsReadOnly(*photo)) return;
+  const CPhotoField* title = Frame.GetPhotoBack().GetField(FieldRow::Title);
+  if (title->IsEditing()) return Frame.setFocus();
+  Frame.GetPhotoBack().FocusField(static_cast<int>(FieldNumber::Title));
+}
 
 void CMainCommands::Rate(CommandId id) {
   if (!Frame.GetPhotoBack().isVisible()) return;
@@ -68,7 +95,8 @@ void CMainCommands::ToggleInTab(CommandId id) {
   const CAssetRecord* photo = Frame.GetStrip().GetCurrentRecord();
   if (photo == nullptr) return;
   const bool extendRange = QApplication::keyboardModifiers().testFlag(Qt::ShiftModifier);
-  Frame.ToggleInTab(*photo, id == CommandId::ToggleEmail ? ViewTabId::Email : ViewTabId::Upload, extendRange);
+  Frame.ToggleInTab(CAssetRecord(*photo), id == CommandId::ToggleEmail ? ViewTabId::Email : ViewTabId::Upload,
+                    extendRange);
 }
 
 void CMainCommands::DeletePhoto(CommandId) {
@@ -83,19 +111,21 @@ void CMainCommands::DeletePhoto(CommandId) {
 void CMainCommands::ChangePhoto(const PhotoEdit& edit) {
   const CAssetRecord* current = Frame.GetStrip().GetCurrentRecord();
   if (current == nullptr) return;
-  Frame.GetStrip().AnnounceNow();  // the view holds the photo under the lens
   const CAssetRecord photo = *current;
   CPhotoView& view = Frame.GetPhotoView();
-  std::optional<CWaitCursor> waiting;
+  // While a question is open the view may load the photo again, for another size.
+  std::unique_ptr<CImage> image = view.TakeImage();
+  PhotoChange change = PhotoChange::FileAlone;
   try {
-    const PhotoChange change = edit(photo, view.GetImage(), [&waiting] { waiting.emplace(); });
-    if (change == PhotoChange::None) return;
-    if (change == PhotoChange::FileAlone) view.Reload(true);
+    std::optional<CWaitCursor> waiting;
+    change = edit(photo, image.get(), [&waiting] { waiting.emplace(); });
   } catch (const CException& failure) {
-    waiting.reset();
-    view.Reload(true);
     ShowMessage(failure.GetMessage());
   }
+  view.SetImage(std::move(image));
+  if (change == PhotoChange::None) return;
+  const CWaitCursor waiting;
+  if (change == PhotoChange::FileAlone) view.Reload(true);
   Frame.OnPhotoChanged();
 }
 
@@ -121,6 +151,8 @@ void CMainCommands::MoveByPage(CommandId id) {
 
 void CMainCommands::MoveByGroup(CommandId id) {
   CFilmstrip& strip = Frame.GetStrip();
+  Frame.StopSlideShow();
+  strip.FinishMove();
   const CPhotoSet& set = Frame.GetPhotoSet();
   const int current = strip.GetCurrentIndex();
   strip.MoveTo(id == CommandId::NextGroup ? set.GetNextGroupStart(current)
@@ -133,7 +165,7 @@ void CMainCommands::MoveToEnd(CommandId id) {
 }
 
 void CMainCommands::ToggleSlideShow(CommandId) {
-  Frame.GetTabBar().SelectTab(ViewTabId::CurrentPhoto);
+  Frame.SelectTab(ViewTabId::CurrentPhoto);
   if (Frame.IsSlideShowRunning()) return Frame.StopSlideShow();
   Frame.StartSlideShow();
   Frame.setFocus();

@@ -22,6 +22,7 @@ class CMainCommands {
   void Cancel(CommandId id);
   void GoToField(CommandId id);
   void MoveByField(CommandId id);
+  void Rename(CommandId id);
   void Rate(CommandId id);
   void EditText(CommandId id);
 

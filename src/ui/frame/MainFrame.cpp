@@ -8,16 +8,19 @@
 #include <optional>
 #include <vector>
 
+#include "base/Messages.h"
 #include "base/Texts.h"
 #include "discovery/FolderSearch.h"
 #include "editing/OriginalCopy.h"
+#include "imaging/Image.h"
 #include "sets/QuerySet.h"
+#include "storage/StorageException.h"
+#include "ui/back/FilterBar.h"
 #include "ui/back/PhotoBack.h"
 #include "ui/frame/CommandTable.h"
 #include "ui/frame/MainLayout.h"
 #include "ui/frame/MarkedRange.h"
 #include "ui/frame/PhotoToolRow.h"
-#include "ui/frame/StripOrder.h"
 #include "ui/kit/Application.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
@@ -84,19 +87,16 @@ bool CMainFrame::Create(const OpenStep& openDataStores, CWindowedSearchProgress&
   const std::int32_t rollBefore = Catalog.GetCurrentRollID();
   std::string folder;
   RunJob([&] { folder = CFolderSearch::GetInstance().FirstSearch(); }, stop);
-  const std::int32_t roll = Catalog.GetCurrentRollID();
 
   PhotoSet = std::make_unique<CQuerySet>(&Catalog, SetKind::Available);
   CreateParts();
 
-  PhotoSet->SetFolderFilter(folder);
-  SetFirstSort(*PhotoSet, roll);
-  PhotoSet->Rebuild();
+  FilterBar->SelectFolder(folder);
   GetStrip().SetPhotoSet(PhotoSet.get());
-  if (roll > rollBefore) {
-    ShowNewestRoll(GetStrip(), *PhotoSet, roll);
+  if (Catalog.GetCurrentRollID() > rollBefore) {
+    FilterBar->ShowNewestRoll();
   } else {
-    ApplyStoredSort(GetStrip(), *PhotoSet, roll);
+    FilterBar->SelectStoredSort();
   }
   return true;
 }
@@ -104,6 +104,12 @@ bool CMainFrame::Create(const OpenStep& openDataStores, CWindowedSearchProgress&
 void CMainFrame::CreateParts() {
   PhotoBack = std::make_unique<CPhotoBack>(this);
   PhotoBack->OnStampChanged = [this](StampId type) { GetStrip().StampChanged(type); };
+  PhotoBack->GetPictureSize = [this] {
+    const CImage* image = PhotoView->GetImage();
+    return image != nullptr ? image->GetNaturalSize() : ImageSize();
+  };
+  FilterBar = std::make_unique<CFilterBar>(*this, PhotoBack.get());
+  PhotoBack->SetFilterBar(FilterBar.get(), CFilterBar::GetHeight());
 
   TabBar = std::make_unique<CViewTabBar>(this);
   TabBar->OnTabChanged = [this] { OnTabChanged(); };
@@ -144,27 +150,47 @@ void CMainFrame::OnCommand(CommandId id) {
 }
 
 void CMainFrame::OnCurrentPhotoChanged(const CAssetRecord* record) {
+  CommitEdits();  // to the photo that is left
   const CWaitCursor waiting;
   const auto photo = record != nullptr ? std::optional<CAssetRecord>(*record) : std::nullopt;
   PhotoView->SetPhoto(photo);
   PhotoBack->SetPhoto(photo);
   UpdateCommands();
-  GetFullScreenTools().DropMouseMoves();
+  DropMouseMoves();
+}
+
+void CMainFrame::RefreshStrip(StripPosition position) { GetStrip().Refresh(static_cast<int>(position)); }
+
+void CMainFrame::MoveStrip(int index) { GetStrip().MoveTo(index); }
+
+void CMainFrame::PrepareForSearch() {
+  CommitEdits();
+  StopSlideShow();
+  GetStrip().FinishMove();
+}
+
+void CMainFrame::CommitEdits() {
+  try {
+    PhotoBack->CommitEdits();
+  } catch (const CStorageException& refusal) {
+    ShowMessage(refusal.GetMessage());
+  }
 }
 
 void CMainFrame::OnPhotoChanged() {
   const CAssetRecord* record = GetStrip().GetCurrentRecord();
   if (record == nullptr) return;
-  PhotoView->ShowImage();
-  CAssetRecord(*record).MakeThumbnail();
+  CAssetRecord photo = *record;
+  photo.MakeThumbnail();
   GetStrip().RedrawCurrentThumbnail();
+  PhotoBack->UpdateFormat();
   UpdateCommands();
-  GetFullScreenTools().DropMouseMoves();
+  DropMouseMoves();
 }
 
 void CMainFrame::OnSlideShowStateChanged() {
   UpdateCommands();
-  if (IsSlideShowRunning()) GetFullScreenTools().Hide();
+  if (IsSlideShowRunning()) ShowTools(false);
 }
 
 void CMainFrame::UpdateCommands() {
@@ -201,17 +227,18 @@ void CMainFrame::ToggleInTab(const CAssetRecord& photo, ViewTabId tab, bool exte
   for (const int index : changed) GetStrip().RedrawBand(index, mark.StripIcon);
   PhotoView->UpdateFlags();
   UpdateCommands();
+  DropMouseMoves();
 }
 
 void CMainFrame::DeleteCurrentPhoto() {
   const CAssetRecord* current = GetStrip().GetCurrentRecord();
   if (current == nullptr) return;
+  CAssetRecord photo = *current;
   const CWaitCursor waiting;
   StopSlideShow();
   setFocus();
   {
     CAutoCommitPause oneChange(Catalog);
-    CAssetRecord photo = *current;
     photo.SetFlag(PhotoFlag::Tossed, true);
     photo.SetFlag(PhotoFlag::ToEmail, false);
     photo.SetFlag(PhotoFlag::ToRemotePrint, false);
@@ -220,7 +247,9 @@ void CMainFrame::DeleteCurrentPhoto() {
   GetStrip().RemoveCurrent();
 }
 
-void CMainFrame::SelectTab(ViewTabId tab) { TabBar->SelectTab(tab); }
+void CMainFrame::SelectTab(ViewTabId tab) {
+  if (TabBar->GetSelectedTab() != tab) TabBar->SelectTab(tab);
+}
 
 std::string CMainFrame::GetFolderLabel(const std::string& folder) const {
   return CFolderSearch::GetInstance().GetFolderLabel(folder);
@@ -236,7 +265,8 @@ void CMainFrame::ToggleFullScreen(FullScreenChange change) {
   const bool on =
       change == FullScreenChange::Toggle ? !IsFullScreen() : change == FullScreenChange::FullScreen;
   if (on == IsFullScreen() || (on && !PhotoView->GetPhoto())) return;
-  if (on) TabBar->SelectTab(ViewTabId::CurrentPhoto);
+  setFocus();  // ends an edit while its field shows
+  if (on) SelectTab(ViewTabId::CurrentPhoto);
   Mode->OnLeave(*this);
   Mode = &GetViewMode(on ? ViewModeId::FullScreen : ViewModeId::Normal);
   setMinimumSize(Mode->GetMinMaxInfo());
@@ -247,6 +277,16 @@ void CMainFrame::ToggleFullScreen(FullScreenChange change) {
   FullScreenTools->SetActive(on);
   setFocus();
 }
+
+void CMainFrame::ShowTools(bool show) {
+  if (show) {
+    FullScreenTools->Show();
+  } else {
+    FullScreenTools->Hide();
+  }
+}
+
+void CMainFrame::DropMouseMoves() { FullScreenTools->DropMouseMoves(); }
 
 void CMainFrame::StartSlideShow() { GetStrip().StartSlideShow(); }
 
@@ -259,6 +299,7 @@ void CMainFrame::SetInputBlocked(bool on) { InputFilter->SetBlocked(on); }
 void CMainFrame::closeEvent(QCloseEvent* event) {
   Closing = true;
   if (!IsJobRunning()) {
+    if (PhotoBack) CommitEdits();
     if (CApplication* application = CApplication::GetInstance()) application->EndLoop(kNormalExitCode);
     return;
   }
@@ -289,6 +330,10 @@ void CMainFrame::changeEvent(QEvent* event) {
   if (event->type() == QEvent::ActivationChange && FullScreenTools) {
     FullScreenTools->OnActivationChanged(isActiveWindow());
   }
+  // The desktop itself may end full-screen mode.
+  if (event->type() == QEvent::WindowStateChange && IsFullScreen() && !isFullScreen()) {
+    ToggleFullScreen(FullScreenChange::Normal);
+  }
   QWidget::changeEvent(event);
 }
 
@@ -297,12 +342,23 @@ void CMainFrame::keyPressEvent(QKeyEvent* event) {
   if (!hasFocus()) return QWidget::keyPressEvent(event);
   const KeyChord chord = ReadKeyChord(*event);
   if (chord.Key == Qt::Key_Space && (chord.Modifiers & ~Qt::ShiftModifier) == 0) {
-    if (IsSlideShowRunning()) return StopSlideShow();
-    return OnCommand(chord.Modifiers == Qt::ShiftModifier ? CommandId::PreviousPhoto : CommandId::NextPhoto);
+    return OnSpace(chord.Modifiers == Qt::ShiftModifier, event->isAutoRepeat());
   }
   const Command* command = FindBareKey(chord);
   if (command == nullptr) return QWidget::keyPressEvent(event);
-  if (!event->isAutoRepeat() || command->Repeats) OnCommand(command->Id);
+  OnKey(*command, event->isAutoRepeat());
+}
+
+void CMainFrame::OnKey(const Command& command, bool autoRepeat) {
+  if (autoRepeat && command.Held == KeyHeld::Nothing) return;
+  if (!autoRepeat) GetStrip().FinishMove();  // every press counts; what a held key adds is merged
+  OnCommand(command.Id);
+}
+
+void CMainFrame::OnSpace(bool backward, bool autoRepeat) {
+  if (!autoRepeat) SpaceStopsShow = IsSlideShowRunning();
+  if (SpaceStopsShow) return StopSlideShow();
+  OnKey(*FindCommand(backward ? CommandId::PreviousPhoto : CommandId::NextPhoto), autoRepeat);
 }
 
 void CMainFrame::wheelEvent(QWheelEvent* event) {
@@ -311,9 +367,10 @@ void CMainFrame::wheelEvent(QWheelEvent* event) {
   WheelTravel -= steps * kWheelStep;
   if (steps == 0) return;
   StopSlideShow();
+  GetStrip().FinishMove();  // every notch counts
   GetStrip().MoveBy(-steps);
 }
 
-void CMainFrame::mouseDoubleClickEvent(QMouseEvent*) {
-  if (IsFullScreen()) ToggleFullScreen(FullScreenChange::Normal);
+void CMainFrame::mouseDoubleClickEvent(QMouseEvent* event) {
+  if (event->button() == Qt::LeftButton) ToggleFullScreen(FullScreenChange::Normal);
 }

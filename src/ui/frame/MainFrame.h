@@ -6,6 +6,7 @@
 
 #include "catalog/Catalog.h"
 #include "imaging/ThumbnailCache.h"
+#include "ui/back/FilterBarHost.h"
 #include "ui/frame/FullScreenTools.h"
 #include "ui/frame/InputFilter.h"
 #include "ui/frame/MainCommands.h"
@@ -13,6 +14,8 @@
 #include "ui/strip/FilmstripHost.h"
 
 class CFilmstrip;
+class CFilterBar;
+struct Command;
 class CPaintedButton;
 class CPhotoBack;
 class CPhotoSet;
@@ -32,7 +35,7 @@ enum class FullScreenChange { Toggle = -1, Normal = 0, FullScreen = 1 };
 /// selected tab with its button row, the photo back. Commands and keys arrive here, and here a change of the
 /// current photo goes round. Nothing needs to be saved when it is closed, for every change is in the catalog
 /// already.
-class CMainFrame : public QWidget, public CFilmstripHost {
+class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost {
  public:
   /// Opens the data stores; false if the program can't go on.
   using OpenStep = std::function<bool(CCatalog& catalog, CThumbnailCache& cache)>;
@@ -60,6 +63,17 @@ class CMainFrame : public QWidget, public CFilmstripHost {
   void SelectTab(ViewTabId tab) override;
   std::string GetFolderLabel(const std::string& folder) const override;
 
+  // What the filter bar needs.
+  CCatalog& GetCatalog() override { return Catalog; }
+  CPhotoSet& GetPhotoSet() override { return *PhotoSet; }
+  void RefreshStrip(StripPosition position) override;
+  void MoveStrip(int index) override;
+  void FocusMainWindow() override { setFocus(); }
+  void PrepareForSearch() override;
+
+  /// Writes what is being edited. A refused write is told, and the edit is lost.
+  void CommitEdits();
+
   /// The current photo's file was changed, and the photo view holds its new picture: what else shows the
   /// photo is renewed.
   void OnPhotoChanged();
@@ -69,6 +83,13 @@ class CMainFrame : public QWidget, public CFilmstripHost {
   bool IsFullScreen() const { return Mode->GetId() == ViewModeId::FullScreen; }
 
   CFullScreenTools& GetFullScreenTools() const { return *FullScreenTools; }
+  /// Shows or hides the button row and the pointer; in full-screen mode only.
+  void ShowTools(bool show);
+  /// Moves of the pointer that wait in the queue don't bring up the tools.
+  void DropMouseMoves();
+
+  /// A key of that command was pressed, or is being held.
+  void OnKey(const Command& command, bool autoRepeat);
 
   void StartSlideShow();
   void StopSlideShow();
@@ -90,7 +111,7 @@ class CMainFrame : public QWidget, public CFilmstripHost {
   CPhotoBack& GetPhotoBack() const { return *PhotoBack; }
   CToolbar& GetToolRow() const { return *ToolRow; }
   CPaintedButton& GetHelpButton() const { return *HelpButton; }
-  CPhotoSet& GetPhotoSet() const { return *PhotoSet; }
+  CFilterBar& GetFilterBar() const { return *FilterBar; }
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -104,6 +125,7 @@ class CMainFrame : public QWidget, public CFilmstripHost {
  private:
   void CreateParts();
   void OnTabChanged();
+  void OnSpace(bool backward, bool autoRepeat);
 
   CCatalog Catalog;
   CThumbnailCache ThumbnailCache;
@@ -111,7 +133,8 @@ class CMainFrame : public QWidget, public CFilmstripHost {
 
   std::unique_ptr<CPaintedButton> HelpButton;
   std::unique_ptr<CPhotoBack> PhotoBack;
-  std::unique_ptr<CToolbar> ToolRow;  // of the current photo tab
+  std::unique_ptr<CFilterBar> FilterBar;  // in the photo back
+  std::unique_ptr<CToolbar> ToolRow;      // of the current photo tab
   std::unique_ptr<CViewTabBar> TabBar;
   std::unique_ptr<CPhotoView> PhotoView;
   std::unique_ptr<CStripWindow> StripWindow;
@@ -122,5 +145,6 @@ class CMainFrame : public QWidget, public CFilmstripHost {
   const CViewMode* Mode;
   bool TipAsked = false;
   bool Closing = false;
-  int WheelTravel = 0;  // eighths of a degree that haven't moved the strip yet
+  bool SpaceStopsShow = false;  // the press of the space key that is being held
+  int WheelTravel = 0;          // eighths of a degree that haven't moved the strip yet
 };

@@ -1,5 +1,6 @@
 #include "ui/kit/Pictures.h"
 
+#include <QHash>
 #include <QIcon>
 #include <QPainter>
 #include <QPixmapCache>
@@ -24,7 +25,12 @@ QPixmap Render(QSvgRenderer& renderer, const QSize& size) {
 
 }  // namespace
 
-QSize GetPictureSize(PictureId id) { return QSvgRenderer(GetResourcePath(id)).defaultSize(); }
+QSize GetPictureSize(PictureId id) {
+  static QHash<int, QSize> known;  // reading one takes longer than painting it
+  const auto found = known.constFind(static_cast<int>(id));
+  if (found != known.constEnd()) return *found;
+  return *known.insert(static_cast<int>(id), QSvgRenderer(GetResourcePath(id)).defaultSize());
+}
 
 QPixmap GetPicture(PictureId id, double pixelRatio) { return GetPictureImage(id, 0, 1, pixelRatio); }
 

@@ -1,5 +1,6 @@
 #include "ui/kit/Toolbar.h"
 
+#include <QMouseEvent>
 #include <algorithm>
 
 #include "ui/kit/Colours.h"
@@ -67,6 +68,8 @@ void CToolbar::LayOut() {
 }
 
 void CToolbar::resizeEvent(QResizeEvent*) { LayOut(); }
+
+void CToolbar::mouseDoubleClickEvent(QMouseEvent* event) { event->accept(); }
 
 void CToolbar::paintEvent(QPaintEvent*) {
   CDevicePainter painter(*this);

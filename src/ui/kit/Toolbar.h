@@ -33,6 +33,8 @@ class CToolbar : public QWidget {
   void LayOut();
 
  protected:
+  /// A quick second click beside a button is none in what the row stands on.
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
 

@@ -1,7 +1,8 @@
 #include "ui/pages/PhotoView.h"
 
-#include <QEvent>
+#include <QMouseEvent>
 #include <cmath>
+#include <utility>
 
 #include "base/Texts.h"
 #include "imaging/Image.h"
@@ -93,9 +94,14 @@ void CPhotoView::Reload(bool force) {
   Fit();
 }
 
-CImage* CPhotoView::GetImage() {
+std::unique_ptr<CImage> CPhotoView::TakeImage() {
   if (!Image && !isVisible()) Reload(true);
-  return Image.get();
+  return std::move(Image);
+}
+
+void CPhotoView::SetImage(std::unique_ptr<CImage> image) {
+  Image = std::move(image);
+  Fit();
 }
 
 void CPhotoView::Fit() {
@@ -147,6 +153,6 @@ void CPhotoView::changeEvent(QEvent* event) {
   QWidget::changeEvent(event);
 }
 
-void CPhotoView::mouseDoubleClickEvent(QMouseEvent*) {
-  if (OnDoubleClick) OnDoubleClick();
+void CPhotoView::mouseDoubleClickEvent(QMouseEvent* event) {
+  if (event->button() == Qt::LeftButton && OnDoubleClick) OnDoubleClick();
 }

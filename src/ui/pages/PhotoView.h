@@ -33,12 +33,14 @@ class CPhotoView : public QWidget {
   /// there is none; `force` does so in any case, as after a change of the file.
   void Reload(bool force);
 
-  /// The photo as it is held, loaded now if the page hasn't shown it yet; null if there is none or it can't
-  /// be decoded. Who changes it calls ShowImage.
-  CImage* GetImage();
+  /// The photo as it is held; null if there is none, it can't be decoded or the page hasn't shown it yet.
+  const CImage* GetImage() const { return Image.get(); }
 
-  /// Shows the image held as it is now.
-  void ShowImage() { Fit(); }
+  /// Hands the image over to be changed, loaded now if the page hasn't shown it yet; null as GetImage. What
+  /// the page paints stays.
+  std::unique_ptr<CImage> TakeImage();
+  /// Shows an image of the photo set, which TakeImage has given.
+  void SetImage(std::unique_ptr<CImage> image);
 
   /// Takes over the photo's marks.
   void UpdateFlags();

@@ -87,6 +87,7 @@ bool CFilmstrip::WaitsForJob() {
 
 void CFilmstrip::GoOnAfterJob() {
   Waiting = false;
+  if (!underMouse()) ClearHighlight();
   UpdateLayout();
   PrepareCells();
   if (WaitsForJob()) return;  // the next one

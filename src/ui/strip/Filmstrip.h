@@ -110,7 +110,6 @@ class CFilmstrip : public QWidget {
   void StepSlide();
   void ArriveAtTarget();
   void DropSlide();
-  void MoveUnseen(int delta);
   void TakeRest();
   void Announce();
   void CancelAnnouncement();

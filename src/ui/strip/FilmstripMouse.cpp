@@ -37,7 +37,8 @@ void CFilmstrip::mouseDoubleClickEvent(QMouseEvent* event) {
   event->ignore();
   if (event->button() != Qt::LeftButton) return;
   const StripHit hit = HitTestAt(event->position());
-  if (hit.Cell != Layout.GetLensCell() || hit.InBand) return;
+  // Elsewhere two quick clicks are two clicks.
+  if (hit.Cell != Layout.GetLensCell() || hit.InBand) return mousePressEvent(event);
   FinishMove();
   Host.SelectTab(ViewTabId::CurrentPhoto);
 }

@@ -1,3 +1,4 @@
+#include <QApplication>
 #include <QScreen>
 #include <algorithm>
 #include <cstdlib>
@@ -30,7 +31,6 @@ void CFilmstrip::MoveBy(int delta) {
   }
   if (!IsIndex(Current + delta)) return;
   if (!Cache.GetRun().CanShowMove(delta)) return MoveTo(Current + delta);
-  if (!isVisible()) return MoveUnseen(delta);
   StartSlide(delta, std::nullopt);
 }
 
@@ -57,16 +57,6 @@ void CFilmstrip::MoveTo(int index) {
   Announce();
 }
 
-void CFilmstrip::MoveUnseen(int delta) {
-  CancelAnnouncement();
-  Cache.MoveBase(delta);
-  Current += delta;
-  RestingId = Set->GetAssetId(Current);
-  CurrentRecord.reset();
-  ShowPosition(GetRestPercent(Current, Set->GetCount()));
-  Announce();
-}
-
 void CFilmstrip::StartSlide(int delta, std::optional<Clock::time_point> begin) {
   CancelAnnouncement();
   IdleTimer.stop();
@@ -88,7 +78,8 @@ void CFilmstrip::StepSlide() {
   if (const Clock::time_point end = Slide->GetEnd(); now >= end) {
     const int next = std::exchange(PendingDelta, 0);
     ArriveAtTarget();
-    if (next == 0 || !IsIndex(Current + next) || !Cache.GetRun().CanShowMove(next)) {
+    // In a hidden strip every photo is told of, for nothing else shows where a held key has come to.
+    if (next == 0 || !isVisible() || !IsIndex(Current + next) || !Cache.GetRun().CanShowMove(next)) {
       TakeRest();
       return MoveBy(next);
     }
@@ -181,7 +172,8 @@ void CFilmstrip::StopSlideShow() {
 
 void CFilmstrip::StepSlideShow() {
   if (WaitsForJob()) return;
-  if (!SlideShowRuns || Set == nullptr) return;
+  // Behind a question about the photo the show stands still.
+  if (!SlideShowRuns || Set == nullptr || QApplication::activeModalWidget() != nullptr) return;
   FinishMove();
   if (Current < Set->GetCount() - 1) return MoveBy(1);
   MoveTo(0);

@@ -56,7 +56,7 @@ void CPushBar::Place(const QRect& area) {
   update();
 }
 
-void CPushBar::SetPosition(const StripPosition& position) {
+void CPushBar::SetPosition(const BarPosition& position) {
   const PushBarForm before = GetForm();
   Position = position;
   if (GetForm().GetCap() != before.GetCap()) update();
@@ -146,7 +146,7 @@ void CPushBars::Place(const StripLayout& layout) {
   Label.move((corner + QPointF(kLabelLeft, height - Label.height())).toPoint());
 }
 
-void CPushBars::SetPosition(const StripPosition& position) {
+void CPushBars::SetPosition(const BarPosition& position) {
   Left.SetPosition(position);
   Right.SetPosition(position);
   Label.SetPosition(position.Current, position.Count);

@@ -9,12 +9,12 @@
 #include "ui/strip/StripLayout.h"
 
 /// Where the strip stands in its set.
-struct StripPosition {
+struct BarPosition {
   double Percent = 0.0;
   int Current = 0;
   int Count = 0;
 
-  friend bool operator==(const StripPosition&, const StripPosition&) = default;
+  friend bool operator==(const BarPosition&, const BarPosition&) = default;
 };
 
 /// One of the two bars beside the lens's foot.
@@ -29,7 +29,7 @@ class CPushBar : public QWidget {
 
   /// `area` in device pixels, from the strip's corner.
   void Place(const QRect& area);
-  void SetPosition(const StripPosition& position);
+  void SetPosition(const BarPosition& position);
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -46,7 +46,7 @@ class CPushBar : public QWidget {
   const Jump JumpTo;
   const Point PointAt;
   QRect Area;
-  StripPosition Position;
+  BarPosition Position;
 };
 
 /// The position in the set as text.
@@ -73,7 +73,7 @@ class CPushBars {
 
   /// To be called when the strip has moved or has another width.
   void Place(const StripLayout& layout);
-  void SetPosition(const StripPosition& position);
+  void SetPosition(const BarPosition& position);
   void SetVisible(bool on);
 
  private:

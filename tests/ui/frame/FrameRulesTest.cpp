@@ -47,6 +47,7 @@ TEST(CommandTable, KeysOfEveryLayoutReachTheirCommand) {
   EXPECT_EQ(BareKey(Chord(0x0414, {}, kPositionOfL)), CommandId::RotateLeft) << "a Cyrillic letter there";
   EXPECT_EQ(BareKey(Chord(Qt::Key_N, {}, kPositionOfL)), CommandId{}) << "a Latin letter counts as typed";
   EXPECT_EQ(BareKey(Chord(Qt::Key_Eacute, {}, 11)), CommandId::Rate2) << "the digits of a French keyboard";
+  EXPECT_EQ(BareKey(Chord(Qt::Key_Comma, {}, 58)), CommandId{}) << "a comma where others have M";
   EXPECT_EQ(BareKey(Chord(Qt::Key_2, Qt::ShiftModifier, 11)), CommandId::Rate2) << "typed with Shift";
   EXPECT_EQ(BareKey(Chord(Qt::Key_0, Qt::KeypadModifier)), CommandId::Rate0);
   EXPECT_EQ(BareKey(Chord(Qt::Key_Left, Qt::KeypadModifier)), CommandId::PreviousPhoto);

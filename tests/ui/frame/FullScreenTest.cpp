@@ -58,6 +58,18 @@ TEST_F(FullScreen, PhotoFillsTheWindowAndEverythingComesBack) {
   });
 }
 
+TEST_F(FullScreen, DesktopMayEndIt) {
+  AddPhotos(1);
+  Show([](CMainFrame& frame) {
+    frame.ToggleFullScreen(FullScreenChange::FullScreen);
+    QCoreApplication::processEvents();
+    frame.setWindowState(frame.windowState() & ~Qt::WindowFullScreen);
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(frame.IsFullScreen());
+    EXPECT_TRUE(frame.GetStripWindow().isVisible());
+  });
+}
+
 TEST_F(FullScreen, ToolsVanishAndComeBackWithTheMouse) {
   AddPhotos(1);
   Show([](CMainFrame& frame) {
@@ -102,6 +114,7 @@ TEST_F(FullScreen, SlideShowGoesRoundAndHidesTheTools) {
     QTest::keyClick(&frame, Qt::Key_F5);
     EXPECT_TRUE(frame.IsSlideShowRunning());
     EXPECT_TRUE(frame.GetFullScreenTools().AreHidden());
+    EXPECT_FALSE(frame.GetToolRow().isVisible());
     EXPECT_EQ(frame.GetToolRow().GetButton(CommandId::ToggleSlideShow)->GetText(), "Stop");
     EXPECT_TRUE(QTest::qWaitFor([&] { return IsNear(PhotoColour(frame), kHues[2]); }, 1000)) << "at once";
     EXPECT_TRUE(QTest::qWaitFor([&] { return Position(frame) == 0; }, 3000)) << "round";
@@ -110,6 +123,7 @@ TEST_F(FullScreen, SlideShowGoesRoundAndHidesTheTools) {
     EXPECT_EQ(frame.GetToolRow().GetButton(CommandId::ToggleSlideShow)->GetText(), "Play");
     QTest::keyClick(&frame, Qt::Key_Pause);
     EXPECT_TRUE(frame.IsSlideShowRunning());
+    EXPECT_FALSE(frame.GetToolRow().isVisible()) << "they were hidden before it began";
     QTest::keyClick(&frame, Qt::Key_Left);
     EXPECT_FALSE(frame.IsSlideShowRunning());
   });

@@ -155,15 +155,16 @@ TEST_F(CFilmstripMove, FartherThanTheCacheReachesIsAJump) {
   EXPECT_EQ(Host.Shown, std::vector{IdAt(55)});
 }
 
-TEST_F(CFilmstripMove, HiddenStripMovesAtOnce) {
+TEST_F(CFilmstripMove, HiddenStripMovesAtItsPaceAndTellsAtTheEnd) {
   Begin(100, 50);
   Window.hide();
   Strip.MoveBy(1);
-  Strip.MoveBy(-12);
-  EXPECT_EQ(Host.Shown, (std::vector{IdAt(51), IdAt(39)}));
+  for (int repeats = 0; repeats < 5; ++repeats) Strip.MoveBy(1);
+  EXPECT_TRUE(Host.Shown.empty()) << "a held key runs no faster";
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Host.Shown == std::vector{IdAt(51), IdAt(52)}; }, 2000));
   Window.show();
   Settle();
-  EXPECT_EQ(Painted(Strip).pixelColor(CellPoint(0)).hue() / 5, HueOf(39).hue() / 5);
+  EXPECT_NEAR(Painted(Strip).pixelColor(CellPoint(0)).hue(), HueOf(52).hue(), 3);
 }
 
 TEST_F(CFilmstripMove, SlideShowStepsTellsAtOnceAndGoesRound) {

@@ -86,7 +86,7 @@ TEST_F(CFilmstripSet, RemovingThePhotoGoesToItsNeighbour) {
   EXPECT_EQ(Host.Shown.size(), 3u);
 }
 
-TEST_F(CFilmstripSet, GuestGoesWithTheLastPhotoBeforeIt) {
+TEST_F(CFilmstripSet, RemovedGuestIsNoGuestAnyMore) {
   Begin(5);
   Set->RemoveAt(4);
   Set->SetGuest(Catalog.FindAssetByPath("/nowhere/IMG_4.jpg").GetAssetID());
