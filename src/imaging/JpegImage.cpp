@@ -20,7 +20,7 @@ std::size_t GetRowBytes(int width, int bytesPerPixel) {
 }
 
 /// Room for a bitmap, its pixels not set but the padding of its rows 0.
-std::unique_ptr<std::uint8_t[]> MakeBits(ImageSize size, int bytesPerPixel) {
+platform::LargeMemory MakeBits(ImageSize size, int bytesPerPixel) {
   const auto height = static_cast<std::size_t>(size.Height);
   const std::uint64_t pixels = static_cast<std::uint64_t>(size.Width) * height;
   if (pixels > kMaxBitmapBytes / static_cast<unsigned>(bytesPerPixel))
@@ -28,7 +28,7 @@ std::unique_ptr<std::uint8_t[]> MakeBits(ImageSize size, int bytesPerPixel) {
   const std::size_t rowBytes = GetRowBytes(size.Width, bytesPerPixel);
   const auto padding = static_cast<std::size_t>(GetRowPadding(size.Width, bytesPerPixel));
   try {
-    auto bits = std::make_unique_for_overwrite<std::uint8_t[]>(rowBytes * height);
+    auto bits = platform::AllocateLargeMemory(rowBytes * height);
     if (padding > 0)
       for (std::size_t y = 1; y <= height; ++y) std::fill_n(&bits[y * rowBytes - padding], padding, 0);
     return bits;

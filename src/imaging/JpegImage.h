@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "imaging/Image.h"
+#include "platform/LargeMemory.h"
 
 class CJpegDecoder;
 
@@ -51,7 +52,7 @@ class CJpegImage : public CImage {
  private:
   void TakeDecoded(std::span<const std::uint8_t> bytes, ImageSize box);
 
-  std::unique_ptr<std::uint8_t[]> Bits;
+  platform::LargeMemory Bits;
   BitmapHeader Header;
   ImageSize NaturalSize;
   ImageSize CurrentSize;
