@@ -15,6 +15,9 @@ void RunSetBench();
 /// The storage layer alone. In StorageBench.cpp.
 void RunStorageBench();
 
+/// Turning photos of 12 megapixels, against jpegtran, and correcting them, against a plain decode and encode.
+void RunEditBench();
+
 /// The argument that makes a process a child of RunImportBench.
 inline constexpr const char* kImportChild = "--import-child";
 

@@ -25,6 +25,7 @@ constexpr std::array kBenchmarks{
     Benchmark{"storage", "views and transactions of the storage layer", RunStorageBench},
     Benchmark{"catalog", "a catalog of 100,000 photos", RunCatalogBench},
     Benchmark{"sets", "sets of 100,000 photos", RunSetBench},
+    Benchmark{"edit", "turning and correcting photos", RunEditBench},
     Benchmark{"import", "new photos and the second start", RunImportBench},
 };
 
