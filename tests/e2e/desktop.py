@@ -145,6 +145,10 @@ class Desktop:
     def press(self, *keys):
         subprocess.run(["xdotool", "key", *keys], env=self.environment, check=True)
 
+    def type(self, text):
+        """Types a text of one line."""
+        subprocess.run(["xdotool", "type", "--delay", "8", text], env=self.environment, check=True)
+
     def click(self, x, y, count=1):
         """Clicks at a place of the screen, told in pixels."""
         command = ["xdotool", "mousemove", "--sync", str(x), str(y), "click", "--repeat", str(count), "1"]

@@ -104,10 +104,6 @@ bool CMainFrame::Create(const OpenStep& openDataStores, CWindowedSearchProgress&
 void CMainFrame::CreateParts() {
   PhotoBack = std::make_unique<CPhotoBack>(this);
   PhotoBack->OnStampChanged = [this](StampId type) { GetStrip().StampChanged(type); };
-  PhotoBack->GetPictureSize = [this] {
-    const CImage* image = PhotoView->GetImage();
-    return image != nullptr ? image->GetNaturalSize() : ImageSize();
-  };
   FilterBar = std::make_unique<CFilterBar>(*this, PhotoBack.get());
   PhotoBack->SetFilterBar(FilterBar.get(), CFilterBar::GetHeight());
 
