@@ -55,20 +55,17 @@ CPhotoBack::CPhotoBack(QWidget* parent) : QWidget(parent) {
   ShowFields(false);
 }
 
-CPhotoBack::~CPhotoBack() {
-  // The fields, which go later, let go of the values.
-  for (CPhotoField* field : Fields) field->SetValue(nullptr);
-}
+CPhotoBack::~CPhotoBack() = default;
 
 void CPhotoBack::CreateFields() {
   int labelWidth = 0;
   for (std::size_t i = 0; i < kFieldCount; ++i) {
-    auto* field = new CPhotoField(kFieldForms[i], this);
+    auto field = std::make_unique<CPhotoField>(kFieldForms[i], this);
     field->SetLabelText(LoadCaptionAndTip(kFieldForms[i].Label).Caption + u' ');
     labelWidth = std::max(labelWidth, field->GetNaturalLabelWidth());
-    Fields[i] = field;
+    Fields[i] = std::move(field);
   }
-  for (CPhotoField* field : Fields) field->SetLabelWidth(labelWidth);
+  for (const auto& field : Fields) field->SetLabelWidth(labelWidth);
 }
 
 void CPhotoBack::SetFilterBar(QWidget* bar, int height) {
@@ -80,7 +77,7 @@ void CPhotoBack::SetFilterBar(QWidget* bar, int height) {
 CPhotoField* CPhotoBack::GetField(int number) const {
   if (number == static_cast<int>(FieldNumber::None)) return nullptr;
   for (std::size_t i = 0; i < kFieldCount; ++i) {
-    if (static_cast<int>(kFieldForms[i].Number) == number) return Fields[i];
+    if (static_cast<int>(kFieldForms[i].Number) == number) return Fields[i].get();
   }
   return nullptr;
 }
@@ -108,7 +105,7 @@ void CPhotoBack::GiveValues() {
   Rating->SetValue(nullptr);
   const std::unique_ptr<CPhotoFieldSet> former = std::move(Current);
   if (!Photo) {
-    for (CPhotoField* field : Fields) field->SetValue(nullptr);
+    for (const auto& field : Fields) field->SetValue(nullptr);
     return;
   }
   Current = std::make_unique<CPhotoFieldSet>(*Photo, [this](FieldNumber field) { OnCommitted(field); });
@@ -123,7 +120,7 @@ void CPhotoBack::GiveValues() {
 
 void CPhotoBack::ShowFields(bool shown) {
   Shown = shown;
-  for (CPhotoField* field : Fields) field->setVisible(shown);
+  for (const auto& field : Fields) field->setVisible(shown);
   Rating->GetControl().setVisible(shown);
 }
 
@@ -154,16 +151,15 @@ void CPhotoBack::FocusField(int number) {
 }
 
 void CPhotoBack::CommitEdits() {
-  for (CPhotoField* field : Fields) field->CommitEdit();
+  for (const auto& field : Fields) field->CommitEdit();
 }
 
 void CPhotoBack::CancelEdits() {
-  for (CPhotoField* field : Fields) field->Cancel();
+  for (const auto& field : Fields) field->Cancel();
 }
 
 bool CPhotoBack::IsEditing() const {
-  return std::any_of(Fields.begin(), Fields.end(),
-                     [](const CPhotoField* field) { return field->IsEditing(); });
+  return std::any_of(Fields.begin(), Fields.end(), [](const auto& field) { return field->IsEditing(); });
 }
 
 void CPhotoBack::FocusNextField(bool forward) {

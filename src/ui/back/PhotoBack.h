@@ -45,7 +45,7 @@ class CPhotoBack : public QWidget {
 
   /// Null for any number that isn't a FieldNumber with a field.
   CPhotoField* GetField(int number) const;
-  CPhotoField* GetField(FieldRow row) const { return Fields[static_cast<std::size_t>(row)]; }
+  CPhotoField* GetField(FieldRow row) const { return Fields[static_cast<std::size_t>(row)].get(); }
 
   /// Begins to edit that field, if there is a photo. From a field that can't be edited the focus goes to the
   /// main window.
@@ -76,8 +76,8 @@ class CPhotoBack : public QWidget {
   void OnCommitted(FieldNumber field);
 
   std::optional<CAssetRecord> Photo;
-  std::unique_ptr<CPhotoFieldSet> Current;
-  std::array<CPhotoField*, kFieldCount> Fields{};  // children, by FieldRow
+  std::unique_ptr<CPhotoFieldSet> Current;                       // goes after the fields, which show it
+  std::array<std::unique_ptr<CPhotoField>, kFieldCount> Fields;  // by FieldRow
   std::unique_ptr<CRatingField> Rating;
   QWidget* FilterBar = nullptr;  // a child
   int FilterBarHeight = 0;

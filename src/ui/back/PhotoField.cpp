@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QFontMetricsF>
+#include <QPointer>
 #include <QScopedValueRollback>
 #include <charconv>
 #include <cmath>
@@ -36,17 +37,20 @@ std::optional<std::int32_t> ReadNumber(const std::string& text) {
 CPhotoField::CPhotoField(const FieldForm& form, QWidget* parent)
     : QWidget(parent), Form(form), Style(Normalized(form.Style)) {
   setFocusPolicy(Qt::NoFocus);
-  Text = new CFieldText(*this, Style, form.ValueFont, this);
+  CFieldBoxOwner& owner = *this;
+  CCommandTarget& target = *this;
+  Text = std::make_unique<CFieldText>(owner, Style, form.ValueFont, this);
   Text->OnClicked = [this] { StartEdit(); };
   Text->setVisible(!Has(Style, FieldStyle::HidesValue));
   if (Has(Style, FieldStyle::HasButton)) {
-    Button = new CPaintedButton(*this, this);
+    Button = std::make_unique<CPaintedButton>(target, this);
     Button->Create({}, CommandId::OpenFieldList, ButtonFlags::None, PictureId::FieldButton, kButtonImages);
     Button->hide();
   }
 }
 
 CPhotoField::~CPhotoField() {
+  Text->CloseBox();
   if (Value != nullptr) Value->SetListener(nullptr);
 }
 

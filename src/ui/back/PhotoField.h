@@ -1,9 +1,9 @@
 #pragma once
 
 #include <QMenu>
-#include <QPointer>
 #include <QString>
 #include <QWidget>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -55,8 +55,9 @@ class CPhotoField : public QWidget, private CFieldListener, private CFieldBoxOwn
   void SetLines(int count);
 
   /// The menu that is open, else null.
-  QMenu* GetMenu() const { return Menu; }
-  CPaintedButton* GetButton() const { return Button; }
+  QMenu* GetMenu() const;
+  /// Null in a field without one.
+  CPaintedButton* GetButton() const { return Button.get(); }
   CFieldText& GetTextWindow() const { return *Text; }
 
  protected:
@@ -84,6 +85,7 @@ class CPhotoField : public QWidget, private CFieldListener, private CFieldBoxOwn
 
   void RefreshButton();
   void OpenMenu();
+  void OnMenuClosed();
   void Choose(const std::string& text);
   void ChooseDateFrom(StampId source);
   void Layout();
@@ -96,7 +98,7 @@ class CPhotoField : public QWidget, private CFieldListener, private CFieldBoxOwn
   bool Updating = false;                  // the field itself is changing the value
   std::optional<CCompletion> Completion;  // of this edit, made when it is first needed
 
-  CFieldText* Text;                  // a child
-  CPaintedButton* Button = nullptr;  // a child, if the style has one
-  QPointer<QMenu> Menu;              // a child while it is open
+  std::unique_ptr<CFieldText> Text;
+  std::unique_ptr<CPaintedButton> Button;
+  std::unique_ptr<QMenu> Menu;  // while it is open
 };

@@ -52,8 +52,7 @@ void CPhotoField::OnCommand(CommandId) { OpenMenu(); }
 
 void CPhotoField::OpenMenu() {
   if (Value == nullptr || IsJobRunning()) return;
-  Menu = new QMenu(this);
-  Menu->setAttribute(Qt::WA_DeleteOnClose);
+  Menu = std::make_unique<QMenu>(this);
   Dress(*Menu);
   for (const FieldChoice& choice : ListChoices(*Value, GetTextNow())) {
     QAction* entry = Menu->addAction(MakeEntryText(choice.Text));
@@ -69,13 +68,20 @@ void CPhotoField::OpenMenu() {
     };
     connect(entry, &QAction::triggered, this, choose);
   }
-  connect(Menu, &QObject::destroyed, this, [this] {
-    QTimer::singleShot(kWindowReturns, this, [this] {
-      if (!isActiveWindow()) OnBoxLeft(true);
-    });
-  });
+  // Its choice comes after it has been hidden.
+  connect(Menu.get(), &QMenu::aboutToHide, this, &CPhotoField::OnMenuClosed, Qt::QueuedConnection);
   const QPoint corner = Button->mapToGlobal(QPoint(Button->width(), Button->height()));
   Menu->popup(corner - QPoint(Menu->sizeHint().width(), 0));
+}
+
+QMenu* CPhotoField::GetMenu() const { return Menu && Menu->isVisible() ? Menu.get() : nullptr; }
+
+void CPhotoField::OnMenuClosed() {
+  if (GetMenu() != nullptr) return;  // the next one is open already
+  Menu.reset();
+  QTimer::singleShot(kWindowReturns, this, [this] {
+    if (!isActiveWindow()) OnBoxLeft(true);
+  });
 }
 
 void CPhotoField::Choose(const std::string& text) {

@@ -20,7 +20,7 @@ QString ShortenPath(const QString& path, const QFontMetricsF& metrics, double wi
   const qsizetype last = path.lastIndexOf(u'/');
   for (qsizetype end = last; end > 0;) {
     end = path.lastIndexOf(u'/', end - 1);
-    const QString candidate = path.left(end + 1) + kEllipsis + path.mid(last);
+    QString candidate = path.left(end + 1) + kEllipsis + path.mid(last);
     if (metrics.horizontalAdvance(candidate) <= width) return candidate;
   }
   return metrics.elidedText(kEllipsis + path.mid(last), Qt::ElideRight, width);
