@@ -78,6 +78,8 @@ class CCatalog : public CCommittingStore {
 
   // Shared texts and lists, by category. Texts are compared without regard to case.
   std::int32_t AddString(std::int32_t category, const std::string& text);
+  /// Adds the text as it is spelled, though the category may hold it in another case.
+  std::int32_t AddSpelling(std::int32_t category, const std::string& text);
   std::int32_t FindStringKey(std::int32_t category, const std::string& text) const;
   /// The category of that name, entered if need be.
   std::int32_t GetCategory(const std::string& name);

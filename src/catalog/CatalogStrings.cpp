@@ -9,15 +9,19 @@ std::int32_t CCatalog::FindStringKey(std::int32_t category, const std::string& t
 c4_RowRef CCatalog::FindString(std::int32_t key) const { return Strings[Strings.Find(props::Key[key])]; }
 
 std::int32_t CCatalog::AddString(std::int32_t category, const std::string& text) {
+  const std::int32_t key = FindStringKey(category, text);
+  if (key < 0) return AddSpelling(category, text);
   CAutoCommitPause pause(*this);
-  std::int32_t key = FindStringKey(category, text);
-  if (key >= 0) {
-    const c4_RowRef row = FindString(key);
-    props::RefCount.Set(row, Successor(props::RefCount.Get(row)));
-  } else {
-    key = AllocStringKey();
-    Strings.Add(props::Category[category] + props::Key[key] + props::String[text] + props::RefCount[1]);
-  }
+  const c4_RowRef row = FindString(key);
+  props::RefCount.Set(row, Successor(props::RefCount.Get(row)));
+  pause.Commit();
+  return key;
+}
+
+std::int32_t CCatalog::AddSpelling(std::int32_t category, const std::string& text) {
+  CAutoCommitPause pause(*this);
+  const std::int32_t key = AllocStringKey();
+  Strings.Add(props::Category[category] + props::Key[key] + props::String[text] + props::RefCount[1]);
   pause.Commit();
   return key;
 }

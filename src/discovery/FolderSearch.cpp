@@ -8,7 +8,7 @@
 #include "base/Paths.h"
 #include "base/Texts.h"
 #include "catalog/Catalog.h"
-#include "catalog/StringHistory.h"
+#include "discovery/FolderHistory.h"
 #include "discovery/FolderWalk.h"
 #include "discovery/SearchProgress.h"
 #include "imaging/ThumbnailCache.h"
@@ -39,9 +39,7 @@ void CFolderSearch::Reset() {
 }
 
 CStringHistory& CFolderSearch::GetHistory() {
-  if (!History) {
-    History = std::make_unique<CStringHistory>(*CCatalog::GetInstance(), "FolderFilterHistory", 0, false);
-  }
+  if (!History) History = std::make_unique<CFolderHistory>(*CCatalog::GetInstance());
   return *History;
 }
 

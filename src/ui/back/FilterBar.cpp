@@ -23,7 +23,6 @@
 
 namespace {
 
-constexpr const char* kFolderHistory = "FolderFilterHistory";
 constexpr const char* kTextHistory = "TextFilterHistory";
 constexpr int kRememberedTexts = 8;
 constexpr const char* kSortSetting = "Sort";
@@ -67,7 +66,7 @@ CFilterBar::CFilterBar(CFilterBarHost& host, QWidget* panel, std::unique_ptr<CFo
     : QWidget(panel),
       Host(host),
       Chooser(chooser ? std::move(chooser) : std::make_unique<CWindowFolderChooser>()),
-      Folders(host.GetCatalog(), kFolderHistory, 0, false),
+      Folders(host.GetCatalog()),
       Texts(host.GetCatalog(), kTextHistory, kRememberedTexts, false),
       FolderEntries(Folders),
       TextEntries(Texts),

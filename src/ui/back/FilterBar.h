@@ -8,6 +8,7 @@
 #include <string>
 
 #include "catalog/StringHistory.h"
+#include "discovery/FolderHistory.h"
 #include "ui/back/FilterBarItems.h"
 #include "ui/back/FilterBarLayout.h"
 #include "ui/back/FolderActions.h"
@@ -96,7 +97,7 @@ class CFilterBar : public QWidget {
 
   CFilterBarHost& Host;
   const std::unique_ptr<CFolderChooser> Chooser;
-  CStringHistory Folders;
+  CFolderHistory Folders;
   CStringHistory Texts;
   CCatalogDropHistory FolderEntries;
   CCatalogDropHistory TextEntries;

@@ -243,3 +243,21 @@ TEST_F(FilterBarFolders, NamesThatAreNoTextSurvive) {
   EXPECT_EQ(Bar->GetFolderControl().GetModel().GetText(), folder);
   EXPECT_THAT(Names(), ElementsAre("d.jpg"));
 }
+
+TEST_F(FilterBarFolders, FoldersThatDifferInCaseAreTwo) {
+  AddFolder(Other("TRIP"));
+  EXPECT_THAT(ListedFolders(), ElementsAre(Other("TRIP"))) << "there is none yet";
+  AddFolder(Other("Trip"));
+  EXPECT_THAT(ListedFolders(), ElementsAre(Other("Trip"))) << "one folder, its spelling put right";
+  AddPhoto("trip/lower.jpg");
+  AddFolder(Other("trip"));
+  EXPECT_THAT(ListedFolders(), ElementsAre(Other("trip"), Other("Trip")));
+  EXPECT_THAT(Names(), ElementsAre("lower.jpg"));
+  PickListed(1);
+  EXPECT_THAT(ListedFolders(), ElementsAre(Other("Trip"), Other("trip")));
+  EXPECT_THAT(Names(), ElementsAre("b.jpg"));
+  Chooser->Chosen.push_back(1);
+  PickFolder(FolderItem::RemoveFolder);
+  EXPECT_THAT(ListedFolders(), ElementsAre(Other("Trip")));
+  EXPECT_THAT(Names(), ElementsAre("b.jpg"));
+}
