@@ -7,7 +7,7 @@
 
 #include "imaging/PixelBuffer.h"
 
-/// The one door to the JPEG library. Bytes in, pixels out, and the other way; no files. Every object and
+/// The door between JPEGs and pixels. Bytes in, pixels out, and the other way; no files. Every object and
 /// call stands for itself, so threads need no lock. Failures raise the exceptions of the system, with the
 /// texts given here; the library's warnings about flawed data are passed over.
 ///
