@@ -76,10 +76,12 @@ void CFilterBar::OnFolderPicked(FolderItem item) {
 
   if (!givenUp && change->Adding) SelectAddedFolder(change->Chosen);
   rebuild |= isNewRoll || found || (change && change->Refilter);
-  if (rebuild) RebuildSet(StripPosition::KeepPhoto);
-  if (givenUp) return;
-  if (isNewRoll) ShowNewestRoll();
-  catalog.SetCurrentPhotoFolder(change->Chosen);
+  if (isNewRoll && !givenUp) {
+    ShowNewestRoll();
+  } else if (rebuild) {
+    RebuildSet(StripPosition::KeepPhoto);
+  }
+  if (!givenUp) catalog.SetCurrentPhotoFolder(change->Chosen);
 }
 
 std::optional<CFilterBar::FolderChange> CFilterBar::AskForChange(FolderItem item, const std::string& shown) {

@@ -8,6 +8,7 @@
 
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
+#include "ui/kit/PopupShadow.h"
 
 namespace {
 
@@ -43,11 +44,20 @@ void CDropList::Open(std::vector<Row> rows, int current, int rowHeight) {
   HotRow = -1;
   Opened = true;
   Layout = {static_cast<int>(Rows.size()), rowHeight, GetDropListWidth(MeasureWidest(), Control.width())};
-  const QRect control(Control.mapToGlobal(QPoint()), Control.size());
-  setGeometry(PlaceDropList(control, Layout.GetSize(), Control.screen()->availableGeometry()));
+  Place();
   setAttribute(Qt::WA_NoMouseReplay, false);
   setAccessibleName(Control.accessibleName());
   show();
+}
+
+void CDropList::Place() {
+  const QRect control(Control.mapToGlobal(QPoint()), Control.size());
+  QRect place = PlaceDropList(control, Layout.GetSize(), Control.screen()->availableGeometry());
+  QWidget& behind = *Control.window();
+  const QPoint corner = behind.mapToGlobal(QPoint());
+  place.setSize(place.size() + GetPopupShadowRoom(place, QRect(corner, behind.size())));
+  Backdrop = GrabShadowedBackdrop(behind, place.translated(-corner), Layout.GetSize());
+  setGeometry(place);
 }
 
 double CDropList::MeasureWidest() const {
@@ -88,8 +98,8 @@ bool CDropList::event(QEvent* event) {
 }
 
 void CDropList::mousePressEvent(QMouseEvent* event) {
-  if (rect().contains(event->position().toPoint()))
-    return SetHotRow(Layout.FindRow(event->position().toPoint()));
+  const QPoint point = event->position().toPoint();
+  if (QRect(QPoint(), Layout.GetSize()).contains(point)) return SetHotRow(Layout.FindRow(point));
   // The control would open the list again.
   const QPoint onControl = Control.mapFromGlobal(event->globalPosition().toPoint());
   setAttribute(Qt::WA_NoMouseReplay, Control.rect().contains(onControl));
@@ -147,6 +157,7 @@ void CDropList::PaintRow(CDevicePainter& painter, int index) const {
 
 void CDropList::paintEvent(QPaintEvent*) {
   CDevicePainter painter(*this);
-  painter.Fill(painter.GetArea(), kFrameColour);
+  painter.Draw({}, Backdrop);
+  painter.Fill(painter.Scaled(QRect(QPoint(), Layout.GetSize())), kFrameColour);
   for (int row = 0; row < Layout.RowCount; ++row) PaintRow(painter, row);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPixmap>
 #include <QWidget>
 #include <functional>
 #include <string>
@@ -47,6 +48,7 @@ class CDropList : public QWidget {
 
  private:
   double MeasureWidest() const;
+  void Place();
   DropTextStyle GetStyle(const Row& row, bool hot) const;
   void SetHotRow(int row);
   void MoveHotRow(int step);
@@ -58,6 +60,7 @@ class CDropList : public QWidget {
   const bool ShortensPaths;
   std::vector<Row> Rows;
   DropListLayout Layout;
+  QPixmap Backdrop;  // what lies behind, with the list's shadow on it
   int Current = -1;
   int HotRow = -1;
   bool Opened = false;

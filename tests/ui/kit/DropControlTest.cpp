@@ -86,7 +86,8 @@ TEST_F(DropControl, RowIsPickedByMouse) {
   EXPECT_EQ(Sort.GetModel().GetState(), DropState::ListOpen);
   QTest::mouseMove(&list, RowOf(list, 2));
   EXPECT_EQ(list.GetHotRow(), 2);
-  EXPECT_EQ(Painted(list).pixelColor(list.width() - 5, RowOf(list, 2).y()), colours::kSelection);
+  EXPECT_EQ(Painted(list).pixelColor(list.GetLayout().GetRow(2).right() - 3, RowOf(list, 2).y()),
+            colours::kSelection);
   QTest::mouseClick(&list, Qt::LeftButton, {}, RowOf(list, 2));
   EXPECT_EQ(Sort.GetOpenList(), nullptr);
   EXPECT_EQ(Sort.GetModel().GetSelectedId(), 2);

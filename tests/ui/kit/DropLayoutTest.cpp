@@ -5,6 +5,7 @@
 #include "ui/kit/DropControlLayout.h"
 #include "ui/kit/DropListLayout.h"
 #include "ui/kit/DropText.h"
+#include "ui/kit/PopupShadow.h"
 
 TEST(DropListLayout, RowsStandBelowEachOtherWithinTheFrame) {
   const DropListLayout layout{3, 17, 100};
@@ -65,6 +66,20 @@ TEST(DropControlLayout, PictureIsCutAndStretchedWithoutGaps) {
   }
   EXPECT_EQ(GetDropTextArea({179, 22}, false), QRect(9, 2, 139, 15));
   EXPECT_EQ(GetDropTextArea({179, 22}, true), QRect(11, 4, 139, 15));
+}
+
+TEST(PopupShadow, FallsToTheLowerRightAndStaysOverItsWindow) {
+  const QRectF list(0, 0, 200, 100);
+  const auto strength = [&list](double x, double y) { return GetPopupShadowStrength({x, y}, list); };
+  EXPECT_NEAR(strength(100, 50), 0.45, 0.001);
+  EXPECT_NEAR(strength(202, 50), 0.225, 0.001) << "half on its edge";
+  EXPECT_GT(strength(203, 50), strength(-3, 50)) << "the light comes from the left";
+  EXPECT_GT(strength(100, 104), strength(100, 106));
+  EXPECT_LT(strength(215, 50), 0.01);
+  const QRect window(0, 0, 400, 300);
+  EXPECT_EQ(GetPopupShadowRoom({10, 10, 200, 100}, window), QSize(9, 9));
+  EXPECT_EQ(GetPopupShadowRoom({196, 10, 200, 100}, window), QSize(4, 9));
+  EXPECT_EQ(GetPopupShadowRoom({10, 250, 200, 100}, window), QSize(0, 0));
 }
 
 TEST(DropText, CharactersBelowBlankAtTheEndsAreImages) {
