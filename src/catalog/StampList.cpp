@@ -138,14 +138,22 @@ bool CStampList::SetText(const std::string& text, int index) {
 bool CStampList::SetDate(std::int32_t time, int index, StampId source) {
   const bool isFirst = index == 0 && Count() == 0;
   if (!Valid || !IsDateFormat(Type.Format) || (!isFirst && !IsInRange(index))) return false;
+  // A time that was read from the source's stamp is written as it stands there: in summer it would come to
+  // lie an hour later each time.
+  const CStamp origin = source != StampId::None ? Asset.GetStamps(source).Get(0) : CStamp();
+  const bool isAsRead = origin.IsValid() && origin.GetDate() == time;
+  const std::string text =
+      isAsRead ? std::string(props::SortedString.Get(origin.GetRow())) : TextFromDate(time);
   CAutoCommitPause pause(*Owner);
   if (isFirst) {
-    AddRow(TextFromDate(time), NumberOf(source));
+    AddRow(text, NumberOf(source));
   } else {
-    WriteRow(index, TextFromDate(time), NumberOf(source));
+    WriteRow(index, text, NumberOf(source));
   }
   if (index == 0 && Type.Type == NumberOf(StampId::Date)) Asset.SetCachedDate(time);
-  if (!isFirst && source != StampId::None) Asset.GetStamps(source).SetDate(time, 0, StampId::None);
+  if (!isFirst && !isAsRead && source != StampId::None) {
+    Asset.GetStamps(source).SetDate(time, 0, StampId::None);
+  }
   pause.Commit();
   return true;
 }

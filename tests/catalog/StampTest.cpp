@@ -79,6 +79,10 @@ TEST_F(StampTest, ASummerDateReadsBackOneHourLater) {
   Photo.GetStamps(StampId::UserDate).SetDate(kSummer, 0, StampId::None);
   EXPECT_THAT(StampsOf(Photo), ElementsAre("11|20030809140000|0|0"));
   EXPECT_EQ(kSummer + 3600, Photo.GetStamps(StampId::UserDate).Get(0).GetDate());
+
+  Photo.GetStamps(StampId::Date).SetDate(kSummer + 3600, 0, StampId::UserDate);
+  EXPECT_THAT(StampsOf(Photo), ElementsAre("11|20030809140000|0|0", "6|20030809140000|11|0"))
+      << "a time that was read doesn't wander when it is chosen";
 }
 
 TEST_F(StampTest, PhotosShareOneSpellingOfAText) {
