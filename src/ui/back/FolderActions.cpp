@@ -24,7 +24,9 @@ bool CFolderActions::IsListEmpty() const {
 
 std::vector<std::string> CFolderActions::GetFolders() const {
   std::vector<std::string> folders;
-  for (int i = 0; i < List.Count(); ++i) folders.push_back(List.Get(i));
+  const int count = List.Count();
+  folders.reserve(static_cast<std::size_t>(count));
+  for (int i = 0; i < count; ++i) folders.push_back(List.Get(i));
   return folders;
 }
 

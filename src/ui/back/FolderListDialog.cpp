@@ -1,8 +1,6 @@
 #include "ui/back/FolderListDialog.h"
 
-#include <QFontMetrics>
-#include <QListWidget>
-#include <QPushButton>
+#include <QFontMetricsF>
 #include <QStyle>
 #include <cmath>
 
@@ -33,51 +31,46 @@ QRect ToPixels(const QRect& units, const QFontMetricsF& font) {
 
 CFolderListDialog::CFolderListDialog(const std::vector<std::string>& folders, FolderChoice purpose,
                                      QWidget* parent)
-    : QDialog(parent), List(new QListWidget(this)) {
+    : QDialog(parent), List(this), ChooseButton(this), CancelButton(this) {
   const bool removing = purpose == FolderChoice::Remove;
   const auto load = [](StringId id) { return ToQString(LoadExpandedString(id)); };
   setObjectName(QStringLiteral("FolderList"));
   setWindowTitle(load(removing ? StringId::RemoveFolderTitle : StringId::MoreFoldersTitle));
   const QFontMetricsF metrics(font());
   setFixedSize(ToPixels(QRect(QPoint(), kDialog), metrics).size());
-  List->setGeometry(ToPixels(kList, metrics));
-  List->setAccessibleName(windowTitle());
+  List.setGeometry(ToPixels(kList, metrics));
+  List.setAccessibleName(windowTitle());
   FillList(folders);
 
-  ChooseButton = AddButton(ToPixels(kChooseButton, metrics),
-                           load(removing ? StringId::RemoveFolderButton : StringId::ChooseButton));
-  ChooseButton->setDefault(true);
-  ChooseButton->setEnabled(false);
-  QPushButton* cancel = AddButton(ToPixels(kCancelButton, metrics), load(StringId::Cancel));
+  ChooseButton.setText(load(removing ? StringId::RemoveFolderButton : StringId::ChooseButton));
+  ChooseButton.setGeometry(ToPixels(kChooseButton, metrics));
+  ChooseButton.setDefault(true);
+  ChooseButton.setEnabled(false);
+  CancelButton.setText(load(StringId::Cancel));
+  CancelButton.setGeometry(ToPixels(kCancelButton, metrics));
+  CancelButton.setAutoDefault(false);
 
-  connect(List, &QListWidget::itemSelectionChanged, this,
-          [this] { ChooseButton->setEnabled(!List->selectedItems().isEmpty()); });
-  connect(List, &QListWidget::itemDoubleClicked, this, [this] { Choose(); });
-  connect(ChooseButton, &QPushButton::clicked, this, [this] { Choose(); });
-  connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
-}
-
-QPushButton* CFolderListDialog::AddButton(const QRect& place, const QString& text) {
-  auto* button = new QPushButton(text, this);
-  button->setGeometry(place);
-  button->setAutoDefault(false);
-  return button;
+  connect(&List, &QListWidget::itemSelectionChanged, this,
+          [this] { ChooseButton.setEnabled(!List.selectedItems().isEmpty()); });
+  connect(&List, &QListWidget::itemDoubleClicked, this, [this] { Choose(); });
+  connect(&ChooseButton, &QPushButton::clicked, this, [this] { Choose(); });
+  connect(&CancelButton, &QPushButton::clicked, this, &QDialog::reject);
 }
 
 void CFolderListDialog::FillList(const std::vector<std::string>& folders) {
   // The bar takes its room from the entries, whether it shows or not.
-  const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, List);
-  const int margin = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, List) + 1;
-  const int room = List->width() - 2 * List->frameWidth() - bar - 2 * margin;
+  const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, &List);
+  const int margin = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, &List) + 1;
+  const int room = List.width() - 2 * List.frameWidth() - bar - 2 * margin;
   for (const std::string& folder : folders) {
     const QString path = ToQString(folder);
-    auto* item = new QListWidgetItem(ShortenPath(path, room, QFontMetricsF(List->font())), List);
+    auto* item = new QListWidgetItem(ShortenPath(path, room, QFontMetricsF(List.font())), &List);
     item->setToolTip(path.toHtmlEscaped());
   }
 }
 
 void CFolderListDialog::Choose() {
-  if (List->selectedItems().isEmpty()) return;
-  Chosen = List->row(List->selectedItems().front());
+  if (List.selectedItems().isEmpty()) return;
+  Chosen = List.row(List.selectedItems().front());
   accept();
 }

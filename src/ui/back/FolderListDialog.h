@@ -1,13 +1,12 @@
 #pragma once
 
 #include <QDialog>
+#include <QListWidget>
+#include <QPushButton>
 #include <string>
 #include <vector>
 
 #include "ui/back/FolderChooser.h"
-
-class QListWidget;
-class QPushButton;
 
 /// Lets the user choose one of the photo folders, to show it or to remove it from the list.
 class CFolderListDialog : public QDialog {
@@ -18,11 +17,11 @@ class CFolderListDialog : public QDialog {
   int GetChosen() const { return Chosen; }
 
  private:
-  QPushButton* AddButton(const QRect& place, const QString& text);
   void FillList(const std::vector<std::string>& folders);
   void Choose();
 
-  QListWidget* List;
-  QPushButton* ChooseButton;
+  QListWidget List;
+  QPushButton ChooseButton;
+  QPushButton CancelButton;
   int Chosen = -1;
 };

@@ -51,8 +51,8 @@ CDropControl::CDropControl(const QString& label, DropStyle style, QWidget* paren
 
 CDropControl::~CDropControl() {
   // What they tell while they go is no longer listened to.
-  if (EditBox != nullptr) EditBox->removeEventFilter(this);
-  if (List != nullptr) List->OnClosed = nullptr;
+  if (EditBox) EditBox->removeEventFilter(this);
+  if (List) List->OnClosed = nullptr;
 }
 
 int CDropControl::GetHeight() { return GetDropControlHeight(GetLineHeight()); }
@@ -65,7 +65,7 @@ QRect CDropControl::GetEditArea() const {
   return GetDropTextArea(size(), false).adjusted(-kEditMargin, 0, kEditMargin, 0);
 }
 
-CDropList* CDropControl::GetOpenList() const { return List != nullptr && List->isVisible() ? List : nullptr; }
+CDropList* CDropControl::GetOpenList() const { return List && List->isVisible() ? List.get() : nullptr; }
 
 void CDropControl::Refresh() {
   setAccessibleDescription(SplitDropText(Model.GetShownText()).Text.trimmed());
@@ -74,9 +74,9 @@ void CDropControl::Refresh() {
 
 void CDropControl::OpenList() {
   EndEdit();
-  if (List == nullptr) {
-    List =
-        new CDropList(*this, Has(DropStyle::Images) ? Images : DropImages(), Has(DropStyle::ShortensPaths));
+  if (!List) {
+    List = std::make_unique<CDropList>(*this, Has(DropStyle::Images) ? Images : DropImages(),
+                                       Has(DropStyle::ShortensPaths));
     List->OnClosed = [this](int row) { CloseList(row); };
   }
   const int current = Model.GetSelected();
@@ -100,8 +100,8 @@ void CDropControl::CloseList(int row) {
 }
 
 void CDropControl::OpenEdit() {
-  if (EditBox != nullptr) return EditBox->setFocus();
-  EditBox = new QLineEdit(this);
+  if (EditBox) return EditBox->setFocus();
+  EditBox = std::make_unique<QLineEdit>(this);
   EditBox->setObjectName(objectName() + QStringLiteral("Edit"));
   EditBox->setAccessibleName(accessibleName());
   EditBox->setFrame(false);
@@ -117,20 +117,20 @@ void CDropControl::OpenEdit() {
 }
 
 void CDropControl::RestoreText() {
-  if (EditBox == nullptr) return;
+  if (!EditBox) return;
   EditBox->setText(ToQString(Model.GetText()));
   EditBox->selectAll();
 }
 
 void CDropControl::EndEdit() {
-  if (EditBox == nullptr) return;
+  if (!EditBox) return;
   window()->setFocus(Qt::OtherFocusReason);
   FinishEdit();  // where the window isn't active, or doesn't take the focus
 }
 
 void CDropControl::FinishEdit() {
-  if (EditBox == nullptr) return;
-  QLineEdit* const box = std::exchange(EditBox, nullptr);
+  if (!EditBox) return;
+  QLineEdit* const box = EditBox.release();
   box->removeEventFilter(this);
   // Hiding would pass the focus on to the next in the chain.
   if (window()->focusWidget() == box) window()->setFocus(Qt::OtherFocusReason);
@@ -155,7 +155,7 @@ void CDropControl::mousePressEvent(QMouseEvent* event) {
   if (Has(DropStyle::SelectsWhole)) return;
   QMouseEvent inBox(event->type(), event->position() - EditBox->pos(), event->globalPosition(),
                     event->button(), event->buttons(), event->modifiers());
-  QApplication::sendEvent(EditBox, &inBox);
+  QApplication::sendEvent(EditBox.get(), &inBox);
 }
 
 void CDropControl::mouseMoveEvent(QMouseEvent* event) {
@@ -164,7 +164,7 @@ void CDropControl::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void CDropControl::resizeEvent(QResizeEvent*) {
-  if (EditBox != nullptr) EditBox->setGeometry(GetEditArea());
+  if (EditBox) EditBox->setGeometry(GetEditArea());
 }
 
 void CDropControl::paintEvent(QPaintEvent*) {

@@ -2,6 +2,7 @@
 
 #include <QWidget>
 #include <functional>
+#include <memory>
 
 #include "ui/kit/DropControlModel.h"
 #include "ui/kit/DropText.h"
@@ -83,6 +84,6 @@ class CDropControl : public QWidget {
   DropImages Images;
   std::string Prompt;
   CDropControlModel Model;
-  CDropList* List = nullptr;     // a child, made when it is first opened
-  QLineEdit* EditBox = nullptr;  // a child, while there is one
+  std::unique_ptr<CDropList> List;     // made when it is first opened
+  std::unique_ptr<QLineEdit> EditBox;  // while the text is edited
 };
