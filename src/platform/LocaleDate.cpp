@@ -6,6 +6,7 @@
 #include <QStringList>
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <iterator>
 #include <vector>
 
@@ -16,8 +17,17 @@ constexpr int kYearsAhead = 20;  // that a year of two digits may lie in the fut
 constexpr int kShortestMonthName = 3;
 constexpr qsizetype kLongestText = 100;
 
+/// The user's locale for dates, which may be another one than that of the texts.
+std::string NameOfUsersLocale() {
+  for (const char* variable : {"LC_ALL", "LC_TIME", "LANG"}) {
+    const char* value = std::getenv(variable);
+    if (value != nullptr && *value != '\0') return value;
+  }
+  return "C";
+}
+
 QLocale LocaleOf(const std::string& name) {
-  return name.empty() ? QLocale::system() : QLocale(QString::fromStdString(name));
+  return QLocale(QString::fromStdString(name.empty() ? NameOfUsersLocale() : name));
 }
 
 /// Letters without case and accents, so that "aout" is "août".
@@ -89,7 +99,8 @@ QString LiteralsOf(const QString& format) {
   return literals;
 }
 
-/// The words that a date may hold, of one language and of English.
+/// The words that a date may hold, of one language and of English. A word can be a month and a day of the
+/// week at once: French "mar." is a Tuesday, and the beginning of March.
 class CDateWords {
  public:
   explicit CDateWords(const QLocale& locale) {
@@ -102,7 +113,8 @@ class CDateWords {
                 QStringLiteral("of")};
   }
 
-  bool IsFiller(const QString& word) const { return Fillers.contains(word); }
+  bool IsFiller(const QString& word) const { return Fillers.contains(word) || IsWeekday(word); }
+  bool IsWeekday(const QString& word) const { return Weekdays.contains(word); }
 
   /// 1 to 12; 0 if the word is no month or the beginning of several.
   int FindMonth(const QString& word) const {
@@ -129,7 +141,7 @@ class CDateWords {
         AddMonth(locale.monthName(month, format), month);
         AddMonth(locale.standaloneMonthName(month, format), month);
       }
-      for (int day = 1; day <= 7; ++day) Fillers += WordsOf(locale.dayName(day, format));
+      for (int day = 1; day <= 7; ++day) Weekdays += WordsOf(locale.dayName(day, format));
     }
   }
 
@@ -144,8 +156,28 @@ class CDateWords {
   }
 
   std::vector<Name> Months;
+  QStringList Weekdays;
   QStringList Fillers;
 };
+
+/// The month that the words name: 1 to 12, or 0 if none does. None if there is a word that is no part of a
+/// date, or if they name several months.
+std::optional<int> FindNamedMonth(const QStringList& typed, const CDateWords& words) {
+  int named = 0;      // by a word that can't be a day of the week
+  int uncertain = 0;  // by one that can
+  for (const QString& word : typed) {
+    const int month = words.FindMonth(word);
+    if (month == 0) {
+      if (!words.IsFiller(word)) return std::nullopt;
+      continue;
+    }
+    const bool isWeekday = words.IsWeekday(word);
+    int& found = isWeekday ? uncertain : named;
+    if (found != 0 && (!isWeekday || found != month)) return std::nullopt;
+    found = month;
+  }
+  return named != 0 ? named : uncertain;
+}
 
 int YearOf(const Token& token, int thisYear) {
   if (token.Digits > 2) return token.Value;
@@ -217,19 +249,19 @@ std::optional<CalendarDate> ReadDate(std::string_view text, int thisYear, const 
   const QLocale user = LocaleOf(locale);
   const CDateWords words(user);
   std::vector<Token> numbers;
-  int month = 0;
+  QStringList typedWords;
   for (const Token& token : *tokens) {
     if (token.IsNumber()) {
       numbers.push_back(token);
-    } else if (const int named = words.FindMonth(token.Word); named != 0 && month == 0) {
-      month = named;
-    } else if (!words.IsFiller(token.Word)) {
-      return std::nullopt;
+    } else {
+      typedWords += token.Word;
     }
   }
-  if (month != 0) {
+  const std::optional<int> month = FindNamedMonth(typedWords, words);
+  if (!month) return std::nullopt;
+  if (*month != 0) {
     if (numbers.size() != 2) return std::nullopt;
-    return ReadBesideName(month, numbers[0], numbers[1], OrderOf(user), thisYear);
+    return ReadBesideName(*month, numbers[0], numbers[1], OrderOf(user), thisYear);
   }
   if (numbers.size() == 1 && numbers[0].Digits == 8) return ReadEightDigits(numbers[0].Value);
   if (numbers.size() != 3) return std::nullopt;

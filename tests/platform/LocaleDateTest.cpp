@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/LocaleDate.h"
+#include "support/EnvironmentVariable.h"
 
 using platform::CalendarDate;
 using platform::DateOrder;
@@ -56,6 +57,32 @@ TEST(LocaleDateTest, TheUsersOrderDecidesWhichNumberIsWhich) {
   EXPECT_EQ(platform::GetDateSeparator("C"), "/");
 }
 
+TEST(LocaleDateTest, TheLocaleOfDatesIsTheUsers) {
+  struct Setting {
+    const char* All;
+    const char* Time;
+    const char* Lang;
+    DateOrder Order;
+    const char* Separator;
+  };
+  for (const Setting& set :
+       std::vector<Setting>{{"", "de_DE.UTF-8", "en_US.UTF-8", DateOrder::DayMonthYear, "."},
+                            {"ja_JP.UTF-8", "de_DE.UTF-8", "en_US.UTF-8", DateOrder::YearMonthDay, "/"},
+                            {"", "", "de_DE@euro", DateOrder::DayMonthYear, "."},
+                            {"C.UTF-8", "de_DE.UTF-8", "de_DE.UTF-8", DateOrder::MonthDayYear, "/"},
+                            {"", "POSIX", "de_DE.UTF-8", DateOrder::MonthDayYear, "/"},
+                            {"", "", "", DateOrder::MonthDayYear, "/"}}) {
+    const CEnvironmentVariable all("LC_ALL", set.All);
+    const CEnvironmentVariable time("LC_TIME", set.Time);
+    const CEnvironmentVariable lang("LANG", set.Lang);
+    EXPECT_EQ(platform::GetDateOrder(), set.Order) << set.All << " " << set.Time << " " << set.Lang;
+    EXPECT_EQ(platform::GetDateSeparator(), set.Separator);
+  }
+  const CEnvironmentVariable all("LC_ALL", std::nullopt);
+  const CEnvironmentVariable time("LC_TIME", "fr_FR.UTF-8");
+  EXPECT_THAT(ReadDate("samedi 9 août 2003", kThisYear), Optional(kDay));
+}
+
 TEST(LocaleDateTest, YearInFrontIsReadEverywhere) {
   for (const char* locale : {"en_US", "en_GB", "de_DE", "fr_FR", "ja_JP", "ar_EG", "C"}) {
     for (const char* text : {"2003-08-09", "2003-8-9", "2003/8/9", "20030809", " 2003.08.09 "}) {
@@ -89,6 +116,19 @@ TEST(LocaleDateTest, MonthsMayBeNames) {
   EXPECT_THAT(ReadDate("4 mai 03", kThisYear, "de_DE"), Optional(CalendarDate{2003, 5, 4}));
   EXPECT_THAT(ReadDate("4 juin 03", kThisYear, "fr_FR"), Optional(CalendarDate{2003, 6, 4}));
   EXPECT_EQ(ReadDate("4 jui 03", kThisYear, "fr_FR"), std::nullopt) << "June or July";
+
+  // "mar" is a Tuesday and a month.
+  for (const Typed& typed : std::vector<Typed>{{"fr_FR", "mar. 5 mars 2024"},
+                                               {"fr_FR", "5 mar 2024"},
+                                               {"es_ES", "mar, 5 de marzo de 2024"},
+                                               {"es_ES", "mar, 5 mar 2024"},
+                                               {"it_IT", "mar 5 mar 2024"},
+                                               {"it_IT", "martedì 5 marzo 2024"}}) {
+    EXPECT_THAT(ReadDate(typed.Text, kThisYear, typed.Locale), Optional(CalendarDate{2024, 3, 5}))
+        << typed.Locale << " " << typed.Text;
+  }
+  EXPECT_THAT(ReadDate("mar. 6 août 2024", kThisYear, "fr_FR"), Optional(CalendarDate{2024, 8, 6}));
+  EXPECT_EQ(ReadDate("mars 6 août 2024", kThisYear, "fr_FR"), std::nullopt);
 }
 
 TEST(LocaleDateTest, ShortYearsSlideWithTheCentury) {
