@@ -8,11 +8,12 @@
 
 namespace platform {
 
-std::error_code ReadStatusAt(int folder, const char* name, FileStatus& status) {
+std::error_code ReadStatusAt(int folder, const char* name, FileStatus& status, bool ofLink) {
   status = {};
   struct statx raw {};
   // Only statx tells the birth time. Looking must not make an automounter mount what the user didn't ask for.
-  if (::statx(folder, name, AT_NO_AUTOMOUNT, STATX_BASIC_STATS | STATX_BTIME, &raw) != 0) return LastError();
+  const int flags = AT_NO_AUTOMOUNT | (ofLink ? AT_SYMLINK_NOFOLLOW : 0);
+  if (::statx(folder, name, flags, STATX_BASIC_STATS | STATX_BTIME, &raw) != 0) return LastError();
   status.IsFolder = S_ISDIR(raw.stx_mode);
   status.IsRegular = S_ISREG(raw.stx_mode);
   status.Size = raw.stx_size;

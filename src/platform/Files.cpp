@@ -107,6 +107,10 @@ std::error_code GetStatus(const std::string& path, FileStatus& status) {
   return ReadStatusAt(AT_FDCWD, path.c_str(), status);
 }
 
+std::error_code GetEntryStatus(const std::string& path, FileStatus& status) {
+  return ReadStatusAt(AT_FDCWD, path.c_str(), status, true);
+}
+
 std::error_code ReadWholeFile(const std::string& path, std::vector<std::uint8_t>& bytes, std::size_t limit) {
   bytes.clear();
   FileStatus status;

@@ -40,6 +40,23 @@ TEST(GetStatus, TellsTheBirthTimeAndNeverTheStatusChange) {
   EXPECT_EQ(status.Inode, plain.st_ino);
 }
 
+TEST(GetEntryStatus, IsThatOfTheLink) {
+  const CScratchFolder folder;
+  const std::string path = folder.Write("photo.jpg", "1234567");
+  const std::string link = folder.File("link.jpg");
+  const std::string lost = folder.File("lost.jpg");
+  std::filesystem::create_symlink(path, link);
+  std::filesystem::create_symlink(folder.File("gone.jpg"), lost);
+  FileStatus file, status;
+  ASSERT_FALSE(platform::GetEntryStatus(path, file));
+  EXPECT_TRUE(file.IsRegular);
+  ASSERT_FALSE(platform::GetEntryStatus(link, status));
+  EXPECT_FALSE(status.IsRegular);
+  EXPECT_NE(status.Inode, file.Inode);
+  EXPECT_EQ(platform::GetStatus(lost, status), std::errc::no_such_file_or_directory);
+  EXPECT_FALSE(platform::GetEntryStatus(lost, status));
+}
+
 TEST(ReadWholeFile, ReadsRegularFilesAloneAndNeverWaits) {
   const CScratchFolder folder;
   std::vector<std::uint8_t> bytes;
