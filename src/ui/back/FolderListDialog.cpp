@@ -1,6 +1,7 @@
 #include "ui/back/FolderListDialog.h"
 
 #include <QFontMetricsF>
+#include <QKeyEvent>
 #include <QStyle>
 #include <cmath>
 
@@ -40,6 +41,7 @@ CFolderListDialog::CFolderListDialog(const std::vector<std::string>& folders, Fo
   setFixedSize(ToPixels(QRect(QPoint(), kDialog), metrics).size());
   List.setGeometry(ToPixels(kList, metrics));
   List.setAccessibleName(windowTitle());
+  List.installEventFilter(this);
   FillList(folders);
 
   ChooseButton.setText(load(removing ? StringId::RemoveFolderButton : StringId::ChooseButton));
@@ -67,6 +69,18 @@ void CFolderListDialog::FillList(const std::vector<std::string>& folders) {
     auto* item = new QListWidgetItem(ShortenPath(path, room, QFontMetricsF(List.font())), &List);
     item->setToolTip(path.toHtmlEscaped());
   }
+}
+
+bool CFolderListDialog::eventFilter(QObject* watched, QEvent* event) {
+  // The first arrow key selects the entry that has the focus; the list would go on to the next.
+  if (event->type() == QEvent::KeyPress && List.selectedItems().isEmpty() && List.currentItem() != nullptr) {
+    const int key = static_cast<QKeyEvent*>(event)->key();
+    if (key == Qt::Key_Down || key == Qt::Key_Up) {
+      List.currentItem()->setSelected(true);
+      return true;
+    }
+  }
+  return QDialog::eventFilter(watched, event);
 }
 
 void CFolderListDialog::Choose() {

@@ -16,6 +16,9 @@ class CFolderListDialog : public QDialog {
   /// The position of the chosen folder; -1 before a choice and after Cancel.
   int GetChosen() const { return Chosen; }
 
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
  private:
   void FillList(const std::vector<std::string>& folders);
   void Choose();

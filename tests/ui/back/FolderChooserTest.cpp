@@ -57,6 +57,18 @@ TEST(FolderListDialog, DoubleClickChoosesAndCancelDoesNot) {
   EXPECT_EQ(dialog.GetChosen(), 1);
 }
 
+TEST(FolderListDialog, KeysChooseToo) {
+  CFolderListDialog dialog({"/only"}, FolderChoice::Show, nullptr);
+  dialog.show();
+  dialog.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+  auto* list = dialog.findChild<QListWidget*>();
+  list->setFocus();
+  QTest::keyClick(list, Qt::Key_Down);
+  QTest::keyClick(list, Qt::Key_Return);
+  EXPECT_EQ(dialog.GetChosen(), 0);
+}
+
 TEST(FolderListDialog, LongPathsAreShortenedToTheList) {
   CFolderListDialog dialog(kFolders, FolderChoice::Show, nullptr);
   dialog.show();
