@@ -36,19 +36,26 @@ std::string WithoutPhotoExtension(const std::string& text, const std::string& ow
   return isOne ? text.substr(0, text.size() - extension.size()) : text;
 }
 
-bool Exists(const std::string& path) {
-  platform::FileStatus status;
-  return !platform::GetStatus(path, status);
-}
-
 std::string Join(const std::string& title, const std::string& end) {
   return std::string(platform::Truncated(title, kLongestFileName - std::min(kLongestFileName, end.size()))) +
          end;
 }
 
-std::string MakeFree(const std::string& folder, const std::string& title, const std::string& extension) {
+/// Whether the file `own` can have that name: its own one, also in other letters on a disk that doesn't know
+/// case, or one that nothing in the folder has. A link takes a name even if it leads nowhere.
+bool IsFree(const std::string& folder, const std::string& name, const std::string& own) {
+  platform::FileStatus there, file;
+  if (name == own || platform::GetEntryStatus(folder + name, there)) return true;
+  if (!platform::EqualNoCase(name, own) || platform::GetEntryStatus(folder + own, file)) return false;
+  return there.Device == file.Device && there.Inode == file.Inode && there.LinkCount == 1;
+}
+
+std::string MakeFree(const std::string& folder, const std::string& title, const std::string& extension,
+                     const std::string& own) {
   std::string name = Join(title, extension);
-  for (int i = kFirstNumber; Exists(folder + name); ++i) name = Join(title, Format("-%d", i) + extension);
+  for (int i = kFirstNumber; !IsFree(folder, name, own); ++i) {
+    name = Join(title, Format("-%d", i) + extension);
+  }
   return name;
 }
 
@@ -64,8 +71,7 @@ bool CTitleValue::ValidateText(std::string& text) {
   ReplaceForbidden(title);
   title = WithoutPhotoExtension(title, extension);
   if (title.empty()) return false;
-  const bool isOwn = platform::EqualNoCase(title + extension, own);
-  text = isOwn ? title + extension : MakeFree(Photo.GetFolder(), title, extension);
+  text = MakeFree(Photo.GetFolder(), title, extension, own);
   return true;
 }
 

@@ -190,7 +190,6 @@ TEST_F(FieldValueTest, ATitleBecomesAFreeNameWithThePhotosExtension) {
   EXPECT_EQ(nameFor(".hidden"), "_hidden.JPG");
   EXPECT_EQ(nameFor(".."), "_..JPG");
   EXPECT_EQ(nameFor(""), "refused");
-  EXPECT_EQ(nameFor("A"), "A.JPG") << "its own name in other letters is free";
   EXPECT_EQ(nameFor("taken"), "taken-3.JPG");
   EXPECT_EQ(nameFor("b.jpg"), "b.JPG");
   EXPECT_EQ(nameFor("b.jpeg"), "b.JPG");
@@ -201,6 +200,27 @@ TEST_F(FieldValueTest, ATitleBecomesAFreeNameWithThePhotosExtension) {
   for (int i = 0; i < 200; ++i) longest += "ü";
   EXPECT_LE(nameFor(longest).size(), 255U);
   EXPECT_TRUE(nameFor(longest).ends_with("ü.JPG"));
+}
+
+TEST_F(FieldValueTest, WhateverStandsUnderANameTakesIt) {
+  const CAssetRecord photo = AddPhoto("img.jpg");
+  const std::string folder = Scratch.GetPath() + "/Pictures/";
+  CTitleValue title(photo, {});
+  const auto nameFor = [&](std::string text) { return title.ValidateText(text) ? text : "refused"; };
+  EXPECT_EQ(nameFor("IMG"), "IMG.jpg");
+  EXPECT_EQ(nameFor("img"), "img.jpg") << "its own name";
+  AddPhoto("IMG.jpg");
+  EXPECT_EQ(nameFor("IMG"), "IMG-2.jpg");
+  EXPECT_EQ(nameFor("img"), "img.jpg");
+
+  std::filesystem::create_symlink(folder + "gone.jpg", folder + "lost.jpg");
+  EXPECT_EQ(nameFor("lost"), "lost-2.jpg");
+  std::filesystem::create_symlink(folder + "img.jpg", folder + "Img.jpg");
+  EXPECT_EQ(nameFor("Img"), "Img-2.jpg");
+  std::filesystem::create_hard_link(folder + "img.jpg", folder + "iMG.jpg");
+  EXPECT_EQ(nameFor("iMG"), "iMG-2.jpg") << "two names of one file";
+  std::filesystem::create_directory(folder + "folder.jpg");
+  EXPECT_EQ(nameFor("folder"), "folder-2.jpg");
 }
 
 TEST_F(FieldValueTest, ACommittedTitleRenamesTheFile) {
