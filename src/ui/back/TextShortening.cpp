@@ -3,6 +3,8 @@
 #include <QTextLayout>
 #include <QTextOption>
 
+#include "ui/kit/DropText.h"
+
 namespace {
 
 constexpr QChar kEllipsis(0x2026);
@@ -15,21 +17,10 @@ QString WithLineSeparators(QString text) {
 
 }  // namespace
 
-QString ShortenPath(const QString& path, const QFontMetricsF& metrics, double width) {
-  if (metrics.horizontalAdvance(path) <= width) return path;
-  const qsizetype last = path.lastIndexOf(u'/');
-  for (qsizetype end = last; end > 0;) {
-    end = path.lastIndexOf(u'/', end - 1);
-    QString candidate = path.left(end + 1) + kEllipsis + path.mid(last);
-    if (metrics.horizontalAdvance(candidate) <= width) return candidate;
-  }
-  return metrics.elidedText(kEllipsis + path.mid(last), Qt::ElideRight, width);
-}
-
 QString ShortenLine(const QString& text, bool maybePath, const QFontMetricsF& metrics, double width) {
   QString line = text;
   line.replace(u'\n', u' ').replace(u'\r', u' ');
-  return maybePath && line.contains(u'/') ? ShortenPath(line, metrics, width)
+  return maybePath && line.contains(u'/') ? ShortenPath(line, width, metrics)
                                           : metrics.elidedText(line, Qt::ElideRight, width);
 }
 
