@@ -60,6 +60,12 @@ class CWatchedEditor : public Editor, public CFieldBox {
   }
 
   void inputMethodEvent(QInputMethodEvent* event) override {
+    const QString& committed = event->commitString();
+    const bool isTyped = committed.size() == 1 && event->preeditString().isEmpty();
+    // Input methods and keyboards on the screen send plain characters this way too.
+    if (isTyped && event->replacementLength() == 0 && HasSelection() && Owner.OnReplacing(committed)) {
+      return event->accept();
+    }
     Editor::inputMethodEvent(event);
     if (!event->commitString().isEmpty() && event->preeditString().isEmpty()) Owner.OnTyped();
   }
