@@ -37,6 +37,8 @@ class CFieldText : public QWidget {
   CFieldBox* GetBox() const { return Box; }
   /// Makes that the text that is edited, as when the edit began.
   void RestartEdit(const QString& text);
+  /// Makes the text that is in the box now the one that the edit began with.
+  void TakeOverText() { FirstText = Box->GetText(); }
   /// The text that the edit began with, as the box gives it.
   const QString& GetFirstText() const { return FirstText; }
 

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,7 +22,8 @@ class CFieldListener {
 
 /// What a field shows: one fact about one photo. A setter changes the value alone; Commit brings it into the
 /// catalog. Texts are UTF-8, dates seconds since 1970 with 0 for none. Base of the values; it holds nothing.
-class CFieldValue {
+/// Values are shared, since the photo may be changed, and its values let go, by who is told of a commit.
+class CFieldValue : public std::enable_shared_from_this<CFieldValue> {
  public:
   /// Told after each commit.
   using ChangeNotice = std::function<void(FieldNumber)>;

@@ -1,12 +1,12 @@
 #include "ui/back/PhotoBack.h"
 
+#include <QGuiApplication>
 #include <QPainterPath>
 #include <QPointer>
 #include <QScopeGuard>
 #include <algorithm>
 
 #include "base/Texts.h"
-#include "imaging/ImageFile.h"
 #include "ui/back/FormatLine.h"
 #include "ui/back/PhotoBackLayout.h"
 #include "ui/back/PhotoField.h"
@@ -53,9 +53,20 @@ CPhotoBack::CPhotoBack(QWidget* parent) : QWidget(parent) {
   CreateFields();
   Rating = std::make_unique<CRatingField>(this);
   ShowFields(false);
+  WatchProgram();
 }
 
 CPhotoBack::~CPhotoBack() = default;
+
+// While a menu is open the box that is edited isn't told that the program has been left.
+void CPhotoBack::WatchProgram() {
+  ProgramLeft.setSingleShot(true);
+  ProgramLeft.setInterval(kWindowReturns);
+  connect(&ProgramLeft, &QTimer::timeout, this, &CPhotoBack::CloseEdits);
+  connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+    state == Qt::ApplicationInactive ? ProgramLeft.start() : ProgramLeft.stop();
+  });
+}
 
 void CPhotoBack::CreateFields() {
   int labelWidth = 0;
@@ -126,9 +137,8 @@ void CPhotoBack::ShowFields(bool shown) {
 
 void CPhotoBack::UpdateFormat() {
   if (!Photo) return;
-  const std::string path = Photo->GetPath();
-  const ImageSize size = GetPictureSize ? GetPictureSize() : ReadImageSize(path);
-  GetField(FieldRow::Format)->SetShownText(ToQString(ReadFormatLine(size, path)));
+  const ImageSize size = GetPictureSize ? GetPictureSize() : ImageSize();
+  GetField(FieldRow::Format)->SetShownText(ToQString(ReadFormatLine(size, Photo->GetPath())));
 }
 
 void CPhotoBack::OnCommitted(FieldNumber field) {
@@ -152,6 +162,13 @@ void CPhotoBack::FocusField(int number) {
 
 void CPhotoBack::CommitEdits() {
   for (const auto& field : Fields) field->CommitEdit();
+}
+
+void CPhotoBack::CloseEdits() {
+  RunAfterJob([panel = QPointer<CPhotoBack>(this)] {
+    if (!panel) return;
+    for (const auto& field : panel->Fields) field->CloseEdit(true);
+  });
 }
 
 void CPhotoBack::CancelEdits() {

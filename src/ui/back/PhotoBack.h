@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QTimer>
 #include <QWidget>
 #include <array>
 #include <functional>
@@ -24,14 +25,14 @@ class CPhotoBack : public QWidget {
   explicit CPhotoBack(QWidget* parent = nullptr);
   ~CPhotoBack() override;
 
-  // What the panel tells and asks the main window; each may be empty.
+  // What the panel tells and asks the main window; each may be empty. It may be given a photo, or none, by
+  // what it tells.
 
   /// A stamp of the current photo, or its title (13), has been written.
   std::function<void(StampId type)> OnStampChanged;
   /// The current photo's file has another name now. Called before OnStampChanged.
   std::function<void()> OnPhotoRenamed;
-  /// The size in pixels of the current photo's picture as it was decoded, 0 by 0 without one. If this is
-  /// empty the size is read from the file.
+  /// The size in pixels of the current photo's picture as it was decoded, 0 by 0 without one.
   std::function<ImageSize()> GetPictureSize;
 
   /// The bar at the panel's bottom, a child of it, which is as wide as the panel and paints its own ground.
@@ -40,7 +41,7 @@ class CPhotoBack : public QWidget {
   /// Writes what is being edited, to the photo that is left, and shows that photo's fields; none hides them.
   void SetPhoto(const std::optional<CAssetRecord>& photo);
 
-  /// Renews the "Format" field, after a change of the current photo's file.
+  /// Renews the "Format" field, once the current photo's picture is there and after a change of its file.
   void UpdateFormat();
 
   /// Null for any number that isn't a FieldNumber with a field.
@@ -70,10 +71,12 @@ class CPhotoBack : public QWidget {
 
  private:
   void CreateFields();
+  void WatchProgram();
   void ShowFields(bool shown);
   void Layout();
   void GiveValues();
   void OnCommitted(FieldNumber field);
+  void CloseEdits();
 
   std::optional<CAssetRecord> Photo;
   std::unique_ptr<CPhotoFieldSet> Current;                       // goes after the fields, which show it
@@ -82,4 +85,5 @@ class CPhotoBack : public QWidget {
   QWidget* FilterBar = nullptr;  // a child
   int FilterBarHeight = 0;
   bool Shown = false;  // the fields
+  QTimer ProgramLeft;  // runs from then until the edits are ended
 };

@@ -136,6 +136,11 @@ void CPhotoField::OnBoxLeft(bool windowLeft) {
 
 void CPhotoField::FinishEdit(bool windowLeft) {
   if (!IsEditing() || Text->GetBox()->GetWidget().hasFocus()) return;
+  CloseEdit(windowLeft);
+}
+
+void CPhotoField::CloseEdit(bool windowLeft) {
+  if (!IsEditing()) return;
   CommitEdit();
   EndEdit();
   // The window gets its own focus when it comes back, and so the keys are commands again.
@@ -155,6 +160,8 @@ void CPhotoField::CommitEdit() {
   if (!IsEditing() || Value == nullptr) return;
   const QString typed = Text->GetBox()->GetText();
   if (typed != Text->GetFirstText()) {
+    // Who is told of the change may ask for a commit in turn, which has nothing to do then.
+    Text->TakeOverText();
     const QScopedValueRollback updating(Updating, true);
     switch (Value->GetKind()) {
       case FieldKind::Text:

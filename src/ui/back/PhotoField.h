@@ -3,6 +3,7 @@
 #include <QMenu>
 #include <QString>
 #include <QWidget>
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,6 +16,10 @@
 
 class CFieldText;
 class CPaintedButton;
+
+/// After a menu that was the active window, the desktop makes the menu's window active again: within that
+/// time.
+inline constexpr std::chrono::milliseconds kWindowReturns(300);
 
 /// One row of the photo back: a label, a value and, after it, a button that opens the list of earlier texts
 /// or of the kinds of dates. A text that can be edited is edited in place. An edit has no end of its own:
@@ -40,6 +45,8 @@ class CPhotoField : public QWidget, private CFieldListener, private CFieldBoxOwn
   bool IsEditing() const;
   /// Writes what was typed, if it is another text; the box stays open.
   void CommitEdit();
+  /// Commits and ends an edit, wherever the focus is; if `windowLeft` is set it goes to the window.
+  void CloseEdit(bool windowLeft);
   /// Puts the text back that the edit began with, and selects it.
   void Cancel();
 

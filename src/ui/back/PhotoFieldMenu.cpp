@@ -1,6 +1,5 @@
 #include <QScopedValueRollback>
 #include <QTimer>
-#include <chrono>
 
 #include "ui/back/FieldChoices.h"
 #include "ui/back/FieldText.h"
@@ -13,9 +12,6 @@
 // The list button of a field and its menu.
 
 namespace {
-
-// After a menu that was the active window, the desktop makes the menu's window active again.
-constexpr std::chrono::milliseconds kWindowReturns(300);
 
 /// As an entry shows just these characters.
 QString MakeEntryText(const std::string& text) {

@@ -7,13 +7,13 @@
 CPhotoFieldSet::CPhotoFieldSet(const CAssetRecord& photo, const CFieldValue::ChangeNotice& onCommitted)
     : Photo(photo) {
   const auto addStamp = [&](StampId type) {
-    Values.push_back(std::make_unique<CStampValue>(photo, type, onCommitted));
+    Values.push_back(std::make_shared<CStampValue>(photo, type, onCommitted));
   };
   addStamp(StampId::Date);
   addStamp(StampId::Rating);
   addStamp(StampId::Note);
-  Values.push_back(std::make_unique<CTitleValue>(photo, onCommitted));
-  Values.push_back(std::make_unique<CFolderValue>(photo));
+  Values.push_back(std::make_shared<CTitleValue>(photo, onCommitted));
+  Values.push_back(std::make_shared<CFolderValue>(photo));
   addStamp(StampId::Thing);
   addStamp(StampId::Event);
   addStamp(StampId::PersonalPlace);

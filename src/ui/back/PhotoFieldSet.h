@@ -13,9 +13,9 @@ class CPhotoFieldSet {
   ~CPhotoFieldSet();
 
   const CAssetRecord& GetPhoto() const { return Photo; }
-  const std::vector<std::unique_ptr<CFieldValue>>& GetValues() const { return Values; }
+  const std::vector<std::shared_ptr<CFieldValue>>& GetValues() const { return Values; }
 
  private:
   CAssetRecord Photo;
-  std::vector<std::unique_ptr<CFieldValue>> Values;
+  std::vector<std::shared_ptr<CFieldValue>> Values;
 };

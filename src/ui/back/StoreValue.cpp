@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QMetaObject>
+#include <memory>
 #include <string>
 
 #include "base/Messages.h"
@@ -9,6 +10,7 @@
 #include "ui/back/FieldValue.h"
 
 void StoreValue(CFieldValue& value) {
+  const std::shared_ptr<CFieldValue> keep = value.weak_from_this().lock();
   try {
     value.Commit();
   } catch (const CStorageException& exception) {

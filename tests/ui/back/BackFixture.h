@@ -57,6 +57,7 @@ class CBackFixture : public testing::Test {
     Back = std::make_unique<CPhotoBack>(&Window);
     Back->resize(panel);
     Back->OnStampChanged = [this](StampId type) { Changed.push_back(static_cast<int>(type)); };
+    Back->GetPictureSize = [this] { return PictureSize; };
     Back->SetPhoto(photo);
     Window.show();
     Window.activateWindow();
@@ -108,5 +109,6 @@ class CBackFixture : public testing::Test {
   CThumbnailCache Cache;
   QWidget Window;
   std::unique_ptr<CPhotoBack> Back;
+  ImageSize PictureSize{32, 24};
   std::vector<int> Changed;  // what the window was told
 };

@@ -1,57 +1,13 @@
-#include <QApplication>
 #include <QInputMethodEvent>
 #include <filesystem>
 
 #include "base/Times.h"
-#include "support/FileSizeLimit.h"
-#include "ui/back/BackFixture.h"
 #include "ui/back/DateText.h"
-#include "ui/back/PhotoBack.h"
-#include "ui/kit/Job.h"
+#include "ui/back/PhotoBackFixture.h"
 
-class PhotoBackTest : public CBackFixture {
- protected:
-  static constexpr std::int32_t kSomeDay = 1060430400;  // August 9, 2003
+// What the panel shows of a photo, and how its fields are edited.
 
-  QString Shown(FieldRow row) { return Field(row).GetShownText(); }
-
-  QList<QAbstractButton*> Stars() {
-    return Back->findChild<QWidget*>(QStringLiteral("Rating"))->findChildren<QAbstractButton*>();
-  }
-
-  /// Presses and releases the left button over the middle of a widget, as the window system would: the focus
-  /// goes to the window first.
-  static void Click(QWidget& widget, QPoint place) {
-    QTest::mouseClick(&widget, Qt::LeftButton, Qt::NoModifier, place);
-  }
-
-  static QAction* Entry(QMenu* menu, const char* text) {
-    for (QAction* action : menu->actions()) {
-      if (action->text() == QString::fromUtf8(text)) return action;
-    }
-    return nullptr;
-  }
-
-  QMenu* OpenMenu(FieldRow row) {
-    Click(*Field(row).GetButton(), {5, 5});
-    EXPECT_NE(Field(row).GetMenu(), nullptr);
-    return Field(row).GetMenu();
-  }
-
-  /// The platform without a screen makes the menu the active window, which others don't.
-  void CloseMenu(QMenu* menu) {
-    menu->close();
-    Window.activateWindow();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(&Window));
-  }
-
-  void Pick(QMenu* menu, const char* text) {
-    QAction* entry = Entry(menu, text);
-    ASSERT_NE(entry, nullptr) << text;
-    entry->trigger();
-    CloseMenu(menu);
-  }
-};
+class PhotoBackTest : public CPhotoBackFixture {};
 
 TEST_F(PhotoBackTest, FieldsShowWhatIsKnownAndHideWithoutAPhoto) {
   CAssetRecord photo = AddPhoto("Boats.jpg", kSomeDay);
@@ -83,72 +39,6 @@ TEST_F(PhotoBackTest, FieldsShowWhatIsKnownAndHideWithoutAPhoto) {
   Back->FocusField(2);
   Back->SetRating(2);
   EXPECT_FALSE(Back->IsEditing());
-  EXPECT_TRUE(Changed.empty());
-}
-
-TEST_F(PhotoBackTest, ATextIsStoredByWhateverWayItsFieldIsLeft) {
-  const CAssetRecord photo = AddPhoto("a.jpg");
-  const CAssetRecord other = AddPhoto("b.jpg");
-  Show(photo);
-  QWidget neighbour;  // of another window
-  const std::vector<std::pair<const char*, std::function<void()>>> ways = {
-      {"focus to the window", [&] { Window.setFocus(); }},
-      {"next field", [&] { Back->FocusNextField(true); }},
-      {"click beside",
-       [&] {
-         Click(Window, {1, 1});
-       }},
-      {"click on the panel",
-       [&] {
-         Click(*Back, {5, 400});
-       }},
-      {"click on a star",
-       [&] {
-         Click(*Stars()[0], {9, 9});
-       }},
-      {"click on another field",
-       [&] {
-         Click(Field(FieldRow::Place).GetTextWindow(), {20, 10});
-       }},
-      {"another photo", [&] { Back->SetPhoto(other); }},
-      {"no photo", [&] { Back->SetPhoto(std::nullopt); }},
-      {"the panel is hidden", [&] { Back->hide(); }},
-      {"another window", [&] {
-         neighbour.show();
-         neighbour.activateWindow();
-         ASSERT_TRUE(QTest::qWaitForWindowActive(&neighbour));
-       }}};
-  for (const auto& [name, leave] : ways) {
-    Back->SetPhoto(photo);
-    Back->show();
-    Edit(FieldRow::Caption);
-    Type(QString::fromUtf8("x"));
-    EXPECT_FALSE(Texts(photo, StampId::Note).ends_with(name)) << "not before it is left";
-    Field(FieldRow::Caption).GetTextWindow().GetBox()->SetText(QString::fromLatin1(name));
-    leave();
-    EXPECT_EQ(Texts(photo, StampId::Note), name);
-    EXPECT_EQ(Texts(other, StampId::Note), "");
-    if (Back->IsEditing()) Window.setFocus();
-  }
-  // What left the window behind doesn't come back into the field.
-  neighbour.hide();
-  Window.activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&Window));
-  EXPECT_EQ(QApplication::focusWidget(), &Window);
-}
-
-TEST_F(PhotoBackTest, EscapeRestoresTheTextAndWritesNothing) {
-  const CAssetRecord photo = AddPhoto("a.jpg");
-  Set(photo, StampId::Note, {"before"});
-  Show(photo);
-  Edit(FieldRow::Caption);
-  Type(QStringLiteral(" and after"));
-  EXPECT_EQ(BoxText(), "before and after") << "the caret was at the end";
-  Back->CancelEdits();
-  EXPECT_EQ(BoxText(), "before");
-  EXPECT_TRUE(Field(FieldRow::Caption).GetTextWindow().GetBox()->HasSelection());
-  Window.setFocus();
-  EXPECT_EQ(Texts(photo, StampId::Note), "before");
   EXPECT_TRUE(Changed.empty());
 }
 
@@ -238,6 +128,27 @@ TEST_F(PhotoBackTest, AnInputMethodsTextIsCompletedWhenItIsThere) {
   EXPECT_EQ(BoxText(), QString::fromUtf8("東京タワー"));
 }
 
+TEST_F(PhotoBackTest, ASeparatorOfAnInputMethodTakesTheCompletedTail) {
+  Set(AddPhoto("b.jpg"), StampId::Thing, {"boats"});
+  Show(AddPhoto("a.jpg"));
+  Edit(FieldRow::Subjects);
+  const auto commit = [&](const char* text) {
+    QInputMethodEvent event(QString(), {});
+    event.setCommitString(QString::fromUtf8(text));
+    QCoreApplication::sendEvent(&Box(), &event);
+  };
+  commit("bo");
+  EXPECT_EQ(BoxText(), "boats");
+  commit(",");
+  EXPECT_EQ(BoxText(), "boats, ");
+  commit("b");
+  EXPECT_EQ(BoxText(), "boats, boats");
+  commit("x");
+  EXPECT_EQ(BoxText(), "boats, bx") << "other characters replace it";
+  commit(";");
+  EXPECT_EQ(BoxText(), "boats, bx;");
+}
+
 TEST_F(PhotoBackTest, TheListAddsAndRemovesTokens) {
   Set(AddPhoto("b.jpg"), StampId::Thing, {"boats", "R&D"});
   const CAssetRecord photo = AddPhoto("a.jpg");
@@ -312,60 +223,17 @@ TEST_F(PhotoBackTest, TheTitleRenamesTheFile) {
   EXPECT_EQ(Changed, (std::vector<int>{13, 13}));
 }
 
-TEST_F(PhotoBackTest, AnEditGoesOnWithTheNextPhoto) {
-  const CAssetRecord photo = AddPhoto("a.jpg");
-  const CAssetRecord next = AddPhoto("b.jpg");
-  Set(next, StampId::Event, {"Wedding"});
-  Show(photo);
-  Edit(FieldRow::Event);
-  Type(QStringLiteral("Party"));
-  Back->SetPhoto(next);
-  EXPECT_EQ(Texts(photo, StampId::Event), "Party");
-  EXPECT_EQ(BoxText(), "Wedding");
-  Back->CancelEdits();
-  Window.setFocus();
-  EXPECT_EQ(Texts(next, StampId::Event), "Wedding");
-}
-
-TEST_F(PhotoBackTest, AFullDiskIsToldAndTheStoredValueIsShown) {
-  const CAssetRecord photo = AddPhoto("a.jpg");
-  Set(photo, StampId::Note, {"before"});
-  Show(photo);
-  Edit(FieldRow::Caption);
-  Type(QStringLiteral(" after"));
-  {
-    const CFileSizeLimit full(1);
-    Window.setFocus();
-    Back->SetRating(3);
-  }
-  EXPECT_EQ(Shown(FieldRow::Caption), "before");
-  EXPECT_EQ(photo.GetCachedRating(), 0);
-  EXPECT_TRUE(Messages.Shown.empty()) << "not in the middle of it";
-  QCoreApplication::processEvents();
-  EXPECT_EQ(Messages.Shown.size(), 2U);
-  EXPECT_TRUE(Changed.empty());
-  Enter(FieldRow::Caption, QStringLiteral("there is room again"));
-  EXPECT_EQ(Texts(photo, StampId::Note), "there is room again");
-}
-
-TEST_F(PhotoBackTest, DuringAJobTheCatalogIsLeftAlone) {
+TEST_F(PhotoBackTest, TheFormatIsThatOfThePictureTheWindowHolds) {
+  PictureSize = {};
   const CAssetRecord photo = AddPhoto("a.jpg");
   Show(photo);
-  Edit(FieldRow::Caption);
-  Type(QStringLiteral("waiting"));
-  RunJob([&] {
-    RunOnWindowThread([&] {
-      Window.setFocus();
-      Edit(FieldRow::Event);
-      EXPECT_FALSE(Field(FieldRow::Event).IsEditing());
-      Back->resize(267, 420);
-      Back->grab();
-    });
-    EXPECT_EQ(Texts(photo, StampId::Note), "");
-  });
-  QCoreApplication::processEvents();
-  EXPECT_EQ(Texts(photo, StampId::Note), "waiting");
-  EXPECT_FALSE(Back->IsEditing());
+  EXPECT_EQ(Shown(FieldRow::Format), "0 x 0 (0 KB)") << "the file isn't read";
+  PictureSize = {640, 480};
+  Back->UpdateFormat();
+  EXPECT_EQ(Shown(FieldRow::Format), "640 x 480 (0 KB)");
+  std::filesystem::resize_file(photo.GetPath(), 4096);
+  Back->SetPhoto(photo);
+  EXPECT_EQ(Shown(FieldRow::Format), "640 x 480 (4 KB)");
 }
 
 TEST_F(PhotoBackTest, RatingGoesThroughStarsAndOperation) {
