@@ -16,7 +16,6 @@
 namespace {
 
 constexpr unsigned kLevels = 256;
-constexpr double kPart = 0.00392156862745098;  // of the whole range of a colour
 
 inline unsigned Brightest(const std::uint8_t* pixel) {
   return std::max(std::max(pixel[0], pixel[1]), pixel[2]);

@@ -8,7 +8,6 @@ namespace {
 
 constexpr int kLast = 255;
 constexpr int kLargestDarkMedian = 127;
-constexpr double kPart = 0.00392156862745098;  // of the whole range
 
 /// Whether a bin that overdrew the budget, which is negative now, gave at least half of itself in time.
 bool HalfCounts(std::int64_t bin, std::int64_t budget) { return bin + 2 * budget >= 0; }

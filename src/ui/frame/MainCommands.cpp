@@ -10,7 +10,7 @@
 #include "base/Folders.h"
 #include "base/Messages.h"
 #include "catalog/Catalog.h"
-#include "catalog/StringHistory.h"
+#include "discovery/FolderHistory.h"
 #include "discovery/FolderSearch.h"
 #include "editing/AutoFixPhoto.h"
 #include "editing/PhotoAccess.h"
@@ -34,7 +34,6 @@ constexpr int kManyPhotos = 20;          // who has as many needs no tip
 constexpr int kFirstFieldCommand = 220;  // the command of a field is this and the field's number
 constexpr int kQuarterRight = 90;        // degrees clockwise
 constexpr int kQuarterLeft = 270;
-constexpr const char* kFolderHistory = "FolderFilterHistory";
 
 }  // namespace
 
@@ -44,6 +43,9 @@ void CMainCommands::Run(CommandId id) {
   // All that isn't a move acts on the photo that the strip is about to rest on.
   if (command->Held != KeyHeld::MovesStrip) Frame.GetStrip().AnnounceNow();
   (this->*command->Run)(id);
+  // What is typed into an open field next belongs to the photo moved to.
+  if (command->Held == KeyHeld::MovesStrip && Frame.GetPhotoBack().IsEditing())
+    Frame.GetStrip().AnnounceNow();
 }
 
 void CMainCommands::EndEdit(CommandId) { Frame.setFocus(); }
@@ -186,6 +188,6 @@ void CMainCommands::ShowTipAtStart(CommandId) {
     return;
   }
   if (Frame.GetPhotoSet().GetCount() >= kManyPhotos) return;
-  if (CStringHistory(catalog, kFolderHistory, 0, false).Count() > 0) return;
+  if (CFolderHistory(catalog).Count() > 0) return;
   ShowAddFolderTip(&Frame);
 }

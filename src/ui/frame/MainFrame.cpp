@@ -8,13 +8,12 @@
 #include <optional>
 #include <vector>
 
-#include "base/Messages.h"
 #include "base/Texts.h"
 #include "discovery/FolderSearch.h"
 #include "editing/OriginalCopy.h"
 #include "imaging/Image.h"
+#include "imaging/ImageFile.h"
 #include "sets/QuerySet.h"
-#include "storage/StorageException.h"
 #include "ui/back/FilterBar.h"
 #include "ui/back/PhotoBack.h"
 #include "ui/frame/CommandTable.h"
@@ -103,7 +102,12 @@ bool CMainFrame::Create(const OpenStep& openDataStores, CWindowedSearchProgress&
 
 void CMainFrame::CreateParts() {
   PhotoBack = std::make_unique<CPhotoBack>(this);
-  PhotoBack->OnStampChanged = [this](StampId type) { GetStrip().StampChanged(type); };
+  PhotoBack->OnStampChanged = [this](StampId type) { OnStampChanged(type); };
+  PhotoBack->OnPhotoRenamed = [this] {
+    PhotoView->OnPhotoRenamed();
+    UpdateCommands();
+  };
+  PhotoBack->GetPictureSize = [this] { return GetPictureSize(); };
   FilterBar = std::make_unique<CFilterBar>(*this, PhotoBack.get());
   PhotoBack->SetFilterBar(FilterBar.get(), CFilterBar::GetHeight());
 
@@ -146,7 +150,7 @@ void CMainFrame::OnCommand(CommandId id) {
 }
 
 void CMainFrame::OnCurrentPhotoChanged(const CAssetRecord* record) {
-  CommitEdits();  // to the photo that is left
+  PhotoBack->CommitEdits();  // to the photo that is left
   const CWaitCursor waiting;
   const auto photo = record != nullptr ? std::optional<CAssetRecord>(*record) : std::nullopt;
   PhotoView->SetPhoto(photo);
@@ -160,17 +164,20 @@ void CMainFrame::RefreshStrip(StripPosition position) { GetStrip().Refresh(stati
 void CMainFrame::MoveStrip(int index) { GetStrip().MoveTo(index); }
 
 void CMainFrame::PrepareForSearch() {
-  CommitEdits();
+  PhotoBack->CommitEdits();
   StopSlideShow();
   GetStrip().FinishMove();
 }
 
-void CMainFrame::CommitEdits() {
-  try {
-    PhotoBack->CommitEdits();
-  } catch (const CStorageException& refusal) {
-    ShowMessage(refusal.GetMessage());
-  }
+void CMainFrame::OnStampChanged(StampId type) {
+  // While the current photo changes this is still the photo that is left.
+  if (const auto& photo = PhotoView->GetPhoto()) GetStrip().StampChanged(type, photo->GetAssetID());
+}
+
+ImageSize CMainFrame::GetPictureSize() const {
+  if (const CImage* image = PhotoView->GetImage()) return image->GetNaturalSize();
+  const auto& photo = PhotoView->GetPhoto();
+  return photo && !PhotoView->isVisible() ? ReadImageSize(photo->GetPath()) : ImageSize();
 }
 
 void CMainFrame::OnPhotoChanged() {
@@ -295,7 +302,11 @@ void CMainFrame::SetInputBlocked(bool on) { InputFilter->SetBlocked(on); }
 void CMainFrame::closeEvent(QCloseEvent* event) {
   Closing = true;
   if (!IsJobRunning()) {
-    if (PhotoBack) CommitEdits();
+    if (PhotoBack) {
+      PhotoBack->CommitEdits();
+      // A refused write is told by an event, which must not be lost with the loop.
+      QCoreApplication::sendPostedEvents(QCoreApplication::instance(), QEvent::MetaCall);
+    }
     if (CApplication* application = CApplication::GetInstance()) application->EndLoop(kNormalExitCode);
     return;
   }

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "catalog/Catalog.h"
+#include "imaging/PixelBuffer.h"
 #include "imaging/ThumbnailCache.h"
 #include "ui/back/FilterBarHost.h"
 #include "ui/frame/FullScreenTools.h"
@@ -71,9 +72,6 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost 
   void FocusMainWindow() override { setFocus(); }
   void PrepareForSearch() override;
 
-  /// Writes what is being edited. A refused write is told, and the edit is lost.
-  void CommitEdits();
-
   /// The current photo's file was changed, and the photo view holds its new picture: what else shows the
   /// photo is renewed.
   void OnPhotoChanged();
@@ -125,6 +123,9 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost 
  private:
   void CreateParts();
   void OnTabChanged();
+  void OnStampChanged(StampId type);
+  /// Of the current photo, as it was decoded; 0 by 0 without a picture.
+  ImageSize GetPictureSize() const;
   void OnSpace(bool backward, bool autoRepeat);
 
   CCatalog Catalog;

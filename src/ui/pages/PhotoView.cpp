@@ -51,6 +51,10 @@ void CPhotoView::SetPhoto(const std::optional<CAssetRecord>& photo) {
   update();
 }
 
+void CPhotoView::OnPhotoRenamed() {
+  if (Photo) Path = Photo->GetPath();
+}
+
 void CPhotoView::UpdateFlags() {
   std::array<bool, kMarkSlots> flags{};
   for (std::size_t slot = 0; Photo && slot < kMarkSlots; ++slot) {

@@ -42,6 +42,9 @@ class CPhotoView : public QWidget {
   /// Shows an image of the photo set, which TakeImage has given.
   void SetImage(std::unique_ptr<CImage> image);
 
+  /// The photo's file has another name now.
+  void OnPhotoRenamed();
+
   /// Takes over the photo's marks.
   void UpdateFlags();
 

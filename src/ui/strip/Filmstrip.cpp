@@ -236,9 +236,9 @@ void CFilmstrip::RedrawBand(int index, int icon) {
                 [&](CDevicePainter& painter, int left) { Cells.PaintLabel(painter, left, index); });
 }
 
-void CFilmstrip::StampChanged(StampId type) {
-  FinishMove();
-  if (Set != nullptr && IsSortedBy(Set->GetSortKind(), type)) RedrawBand(Current, kBandAndMarks);
+void CFilmstrip::StampChanged(StampId type, std::int32_t assetId) {
+  if (Set == nullptr || !IsSortedBy(Set->GetSortKind(), type)) return;
+  if (const int index = Set->IndexOf(assetId); index >= 0) RedrawBand(index, kBandAndMarks);
 }
 
 // The window.

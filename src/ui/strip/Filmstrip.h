@@ -66,8 +66,9 @@ class CFilmstrip : public QWidget {
   void RedrawCurrentThumbnail();
   /// The marks of a cell and, with kBandAndMarks, its label too.
   void RedrawBand(int index, int icon);
-  /// A stamp of the current photo, or its folder (12) or title (13), has another value.
-  void StampChanged(StampId type);
+  /// A stamp of a photo, or its folder (12) or title (13), has another value.
+  /// It may be the photo that the strip has just left.
+  void StampChanged(StampId type, std::int32_t assetId);
 
   /// Makes the first step and goes on every two seconds, round and round. False if there is no photo.
   bool StartSlideShow();

@@ -2,6 +2,7 @@
 #include <QMessageBox>
 #include <QWheelEvent>
 
+#include "catalog/StampList.h"
 #include "imaging/Image.h"
 #include "support/FileSizeLimit.h"
 #include "ui/back/PhotoBack.h"
@@ -158,6 +159,39 @@ TEST_F(MainFrame, RefusedWriteIsToldAndLeavesThePhotoAsItWas) {
     EXPECT_FALSE(HasFlag(frame, 0, PhotoFlag::ToEmail));
     QTest::keyClick(&frame, Qt::Key_M);
     EXPECT_TRUE(HasFlag(frame, 0, PhotoFlag::ToEmail)) << "the program goes on";
+  });
+}
+
+TEST_F(MainFrame, EditsBelongToThePhotoUnderTheLensAndSurviveTheClose) {
+  AddPhotos(3);
+  const auto captionOf = [](CMainFrame& frame, int index) {
+    return frame.GetPhotoSet().GetAsset(index).GetStamps(StampId::Note).Get(0).GetText();
+  };
+  const auto type = [](const char* text) { QTest::keyClicks(QApplication::focusWidget(), text); };
+  Show([&](CMainFrame& frame) {
+    GoTo(frame, 0);
+    QTest::keyClick(&frame, Qt::Key_C);
+    type("one");
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Right, Qt::AltModifier);
+    type("two");
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    EXPECT_EQ(captionOf(frame, 0), "one");
+    EXPECT_EQ(captionOf(frame, 1), "");
+    EXPECT_TRUE(frame.hasFocus());
+
+    QTest::keyClick(&frame, Qt::Key_C);
+    type("kept");
+    frame.close();
+    EXPECT_EQ(captionOf(frame, 1), "kept");
+    frame.show();
+    frame.activateWindow();
+    frame.setFocus();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&frame));
+    QTest::keyClick(&frame, Qt::Key_E);
+    type("lost");
+    const CFileSizeLimit fullDisk(0);
+    frame.close();
+    EXPECT_EQ(Messages.Shown.size(), 1U) << "told before the program ends";
   });
 }
 

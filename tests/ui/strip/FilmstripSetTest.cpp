@@ -142,9 +142,10 @@ TEST_F(CFilmstripSet, ChangedPhotoIsPaintedAnewWhenTheStripIsTold) {
   };
   const QImage twoStars = label();
   Strip.GetCurrentRecord()->GetStamps(StampId::Rating).SetNumber(0, 0);
-  Strip.StampChanged(StampId::Date);
+  const std::int32_t photo = Strip.GetCurrentRecord()->GetAssetID();
+  Strip.StampChanged(StampId::Date, photo);
   EXPECT_EQ(label(), twoStars);
-  Strip.StampChanged(StampId::Rating);
+  Strip.StampChanged(StampId::Rating, photo);
   EXPECT_NE(label(), twoStars);
 }
 
