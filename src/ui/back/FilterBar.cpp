@@ -3,6 +3,7 @@
 #include <QFontMetricsF>
 #include <QPainterPath>
 #include <QPointer>
+#include <QScopedValueRollback>
 #include <QTimer>
 #include <algorithm>
 #include <cmath>
@@ -163,9 +164,10 @@ void CFilterBar::ShowNewestRoll() {
 }
 
 void CFilterBar::ClearTextFilter() {
-  DropsEdit = true;
-  GetFindControl().EndEdit();
-  DropsEdit = false;
+  {
+    const QScopedValueRollback<bool> dropping(DropsEdit, true);
+    GetFindControl().EndEdit();
+  }
   Host.GetPhotoSet().ClearTextFilter();
   GetFindControl().GetModel().SelectId(static_cast<int>(FindItem::Anything));
   GetFindControl().Refresh();
@@ -198,9 +200,8 @@ bool CFilterBar::IsEditing() const { return GetFindControl().IsEditing(); }
 
 void CFilterBar::CancelEdit() {
   GetFindControl().RestoreText();
-  DropsEdit = true;
+  const QScopedValueRollback<bool> dropping(DropsEdit, true);
   CommitEdit();
-  DropsEdit = false;
 }
 
 void CFilterBar::CommitEdit() {

@@ -82,6 +82,8 @@ class CFilterBar : public QWidget {
   void SetFirstSort();
 
   void OnFolderPicked(FolderItem item);
+  /// `rebuild`: also if the pick comes to nothing.
+  void ApplyFolderPick(FolderItem item, bool rebuild);
   std::optional<FolderChange> AskForChange(FolderItem item, const std::string& shown);
   std::optional<FolderChange> ChooseFolder(const std::string& shown);
   std::optional<FolderChange> RemoveFolder(const std::string& shown);

@@ -1,5 +1,6 @@
 #include <QScopeGuard>
 
+#include "base/Exceptions.h"
 #include "base/Folders.h"
 #include "catalog/Catalog.h"
 #include "discovery/FolderSearch.h"
@@ -63,10 +64,18 @@ void CFilterBar::OnFolderPicked(FolderItem item) {
   FirstFolderShown = true;
   Host.PrepareForSearch();
   // Where the pick comes to nothing, the strip must still show what the controls say.
-  bool rebuild = HasTextOrRatingFilter();
+  const bool wasNarrowed = HasTextOrRatingFilter();
   ClearTextFilter();
   ClearRatingFilter();
+  try {
+    ApplyFolderPick(item, wasNarrowed);
+  } catch (const CException&) {
+    RebuildSet(StripPosition::KeepPhoto);
+    throw;
+  }
+}
 
+void CFilterBar::ApplyFolderPick(FolderItem item, bool rebuild) {
   CCatalog& catalog = Host.GetCatalog();
   const std::optional<FolderChange> change = AskForChange(item, GetShownFolder());
   const std::int32_t rollBefore = catalog.GetCurrentRollID();

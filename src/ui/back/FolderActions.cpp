@@ -3,6 +3,7 @@
 #include "base/Folders.h"
 #include "base/Messages.h"
 #include "base/Paths.h"
+#include "catalog/Catalog.h"
 #include "catalog/StringHistory.h"
 #include "discovery/FolderSearch.h"
 #include "platform/Unicode.h"
@@ -44,8 +45,12 @@ std::optional<std::string> CFolderActions::RemoveFromList() {
   const int index = Chooser.Choose(GetFolders(), FolderChoice::Remove);
   if (index < 0) return std::nullopt;
   const std::string removed = List.Get(index);
-  RunJob([&] { CFolderSearch::GetInstance().MarkFolderRemoved(removed); });
-  List.RemoveAt(index);
+  RunJob([&] {
+    CAutoCommitPause oneChange(*CCatalog::GetInstance());
+    CFolderSearch::GetInstance().MarkFolderRemoved(removed);
+    List.RemoveAt(index);
+    oneChange.Commit();
+  });
   return removed;
 }
 

@@ -3,6 +3,7 @@
 #include <QFontMetricsF>
 #include <QKeyEvent>
 #include <QStyle>
+#include <QTextDocument>
 #include <cmath>
 
 #include "base/Texts.h"
@@ -67,7 +68,7 @@ void CFolderListDialog::FillList(const std::vector<std::string>& folders) {
   for (const std::string& folder : folders) {
     const QString path = ToQString(folder);
     auto* item = new QListWidgetItem(ShortenPath(path, room, QFontMetricsF(List.font())), &List);
-    item->setToolTip(path.toHtmlEscaped());
+    item->setToolTip(Qt::mightBeRichText(path) ? path.toHtmlEscaped() : path);
   }
 }
 

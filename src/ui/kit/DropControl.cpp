@@ -5,8 +5,11 @@
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QScopeGuard>
+#include <exception>
+#include <functional>
 #include <utility>
 
+#include "base/Exceptions.h"
 #include "ui/kit/ClickFocus.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
@@ -37,6 +40,16 @@ QPalette MakeEditPalette() {
   palette.setColor(QPalette::Highlight, colours::kSelection);
   palette.setColor(QPalette::HighlightedText, colours::kInk);
   return palette;
+}
+
+/// What keeps a choice from being remembered; the choice itself stands, and is told of first.
+std::exception_ptr KeepRefusal(const std::function<void()>& work) {
+  try {
+    work();
+  } catch (const CException&) {
+    return std::current_exception();
+  }
+  return nullptr;
 }
 
 }  // namespace
@@ -94,9 +107,11 @@ void CDropControl::OpenList() {
 }
 
 void CDropControl::CloseList(int row) {
-  const bool changed = Model.CloseList(row);
+  bool changed = true;
+  const std::exception_ptr refusal = KeepRefusal([&] { changed = Model.CloseList(row); });
   Refresh();
   if (changed && OnChange) OnChange();
+  if (refusal) std::rethrow_exception(refusal);
 }
 
 void CDropControl::OpenEdit() {
@@ -138,8 +153,10 @@ void CDropControl::FinishEdit() {
   box->deleteLater();  // it may be handling an event
   const auto refresh = qScopeGuard([this] { Refresh(); });
   const bool isBlank = box->text().trimmed().isEmpty();
-  Model.CloseEdit(isBlank ? std::string() : box->text().toStdString(), Has(DropStyle::History));
+  const std::string text = isBlank ? std::string() : box->text().toStdString();
+  const std::exception_ptr refusal = KeepRefusal([&] { Model.CloseEdit(text, Has(DropStyle::History)); });
   if (OnEditEnd) OnEditEnd();
+  if (refusal) std::rethrow_exception(refusal);
 }
 
 bool CDropControl::eventFilter(QObject* watched, QEvent* event) {

@@ -78,19 +78,18 @@ bool CDropControlModel::CloseList(int row) {
   State = DropState::Rest;
   Selected = SavedSelected;
   Action = kNone;
-  std::vector<Row> rows = GetRows();
+  const std::vector<Row> rows = GetRows();
   if (row < 0 || row >= static_cast<int>(rows.size())) return false;
   const Row picked = rows[static_cast<std::size_t>(row)];
   if (HasFlag(picked.Flags, DropItemFlags::Action)) {
     Action = picked.Id;
     return true;
   }
+  StandOn(rows, row);
   if (picked.Entry > 0) {
     Items[static_cast<std::size_t>(picked.Item)].History->Promote(picked.Entry);
-    rows = GetRows();
-    row -= picked.Entry;
+    StandOn(GetRows(), row - picked.Entry);
   }
-  StandOn(rows, row);
   return true;
 }
 
@@ -99,10 +98,10 @@ void CDropControlModel::CloseEdit(const std::string& text, bool remember) {
   Text = Shown = text;
   Selected = kNone;
   Action = kNone;
-  if (remember && !text.empty()) {
-    for (const Item& item : Items) {
-      if (item.History != nullptr) item.History->Promote(item.History->Add(text));
-    }
+  SelectText(text);
+  if (!remember || text.empty()) return;
+  for (const Item& item : Items) {
+    if (item.History != nullptr) item.History->Promote(item.History->Add(text));
   }
   SelectText(text);
 }

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "base/Settings.h"
+#include "support/FileSizeLimit.h"
 #include "ui/back/FilterBarFixture.h"
 #include "ui/back/FilterBarLayout.h"
 #include "ui/kit/DropList.h"
@@ -68,6 +69,19 @@ TEST_F(RatedPhotos, TypedTextNarrowsTheSetAndIsRemembered) {
   EXPECT_EQ(Set->GetCount(), 3);
   for (const char* text : {"1", "2", "3", "4", "5", "6", "7"}) Find(text);
   EXPECT_EQ(CStringHistory(Catalog, "TextFilterHistory", 0, false).Count(), 8) << "no more are kept";
+}
+
+TEST_F(RatedPhotos, TypedTextNarrowsTheSetAlsoIfItCannotBeRemembered) {
+  const std::size_t all = Names().size();
+  {
+    const CFileSizeLimit fullDisk(0);
+    Find("nothing is called so");
+  }
+  EXPECT_EQ(Messages.Shown.size(), 1U);
+  EXPECT_TRUE(Names().empty()) << "the strip shows what the control says";
+  Bar->ClearTextFilter();
+  Set->Rebuild();
+  EXPECT_EQ(Names().size(), all);
 }
 
 TEST_F(RatedPhotos, EscapeForgetsWhatWasTyped) {

@@ -81,11 +81,11 @@ TEST_F(DropControlModel, PickedEntryComesToTheHeadOfItsGroup) {
   EXPECT_EQ(Model.GetAction(), kNone);
 }
 
-TEST_F(DropControlModel, FailedPromotionLeavesTheControlWhereItWas) {
+TEST_F(DropControlModel, FailedPromotionLeavesTheEntryInItsPlaceAndTheControlOnIt) {
   History.Fails = true;
   Model.OpenList();
   EXPECT_THROW(Model.CloseList(4), std::runtime_error);
-  EXPECT_EQ(Model.GetSelectedId(), 100);
+  EXPECT_EQ(Model.GetText(), "/c");
   EXPECT_EQ(Model.GetState(), DropState::Rest);
 }
 
