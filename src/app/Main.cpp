@@ -17,10 +17,10 @@
 #include "discovery/FolderSearch.h"
 #include "platform/SpecialFolders.h"
 #include "platform/StopSignals.h"
+#include "ui/frame/MainFrame.h"
 #include "ui/kit/Application.h"
 #include "ui/kit/FontTable.h"
 #include "ui/kit/Job.h"
-#include "ui/frame/MainFrame.h"
 #include "ui/search/WindowedSearchProgress.h"
 
 namespace {

@@ -204,7 +204,8 @@ constexpr auto kTable = std::to_array<Entry>({
     {StringId::ChooseButton, "&Choose"},
     {StringId::AddFolderTipTitle, "How to add folders to %1"},
     {StringId::AddFolderTip,
-     "%1 shows the photos in My Pictures and in all folders below it.\n\nTo see photos that are kept in other "
+     "%1 shows the photos in My Pictures and in all folders below it.\n\nTo see photos that are kept in "
+     "other "
      "folders, choose \"Add folder to list...\" in the Show list at the lower right of the window."},
     {StringId::PhotosToUpload, "%d photos to upload"},
     {StringId::PhotoOfCount, "Photo %d of %d"},

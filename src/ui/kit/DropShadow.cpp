@@ -7,10 +7,8 @@ void DrawDropShadow(CDevicePainter& painter, PictureId shadow, int piece, const 
   const int right = place.x() + place.width();
   const int bottom = place.y() + place.height();
   const QRect areas[] = {
-      {place.x(), bottom, depth, depth},
-      {place.x() + depth, bottom, place.width() - depth, depth},
-      {right, bottom, depth, depth},
-      {right, place.y() + depth, depth, place.height() - depth},
+      {place.x(), bottom, depth, depth}, {place.x() + depth, bottom, place.width() - depth, depth},
+      {right, bottom, depth, depth},     {right, place.y() + depth, depth, place.height() - depth},
       {right, place.y(), depth, depth},
   };
   int left = 0;

@@ -62,9 +62,7 @@ void DrawLines(CDevicePainter& painter, const QRect& area, const QString& captio
 
 }  // namespace
 
-CViewTabBar::CViewTabBar(QWidget* parent) : QWidget(parent) {
-  setObjectName(QStringLiteral("ViewTab"));
-}
+CViewTabBar::CViewTabBar(QWidget* parent) : QWidget(parent) { setObjectName(QStringLiteral("ViewTab")); }
 
 int CViewTabBar::Find(ViewTabId id) const {
   const auto found =
