@@ -7,27 +7,7 @@
 
 #include "ui/frame/CommandTable.h"
 #include "ui/frame/MainFrame.h"
-
-namespace {
-
-bool IsBlockable(QEvent::Type type) {
-  switch (type) {
-    case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonRelease:
-    case QEvent::MouseButtonDblClick:
-    case QEvent::MouseMove:
-    case QEvent::Wheel:
-    case QEvent::KeyPress:
-    case QEvent::KeyRelease:
-    case QEvent::ShortcutOverride:
-    case QEvent::InputMethod:
-      return true;
-    default:
-      return false;
-  }
-}
-
-}  // namespace
+#include "ui/kit/InputEvents.h"
 
 CInputFilter::CInputFilter(CMainFrame& frame) : Frame(frame) {
   QCoreApplication::instance()->installEventFilter(this);
@@ -36,7 +16,7 @@ CInputFilter::CInputFilter(CMainFrame& frame) : Frame(frame) {
 CInputFilter::~CInputFilter() { QCoreApplication::instance()->removeEventFilter(this); }
 
 bool CInputFilter::eventFilter(QObject* watched, QEvent* event) {
-  if (Blocked && IsBlockable(event->type()) && IsOfFrame(watched)) return true;
+  if (Blocked && IsInput(event->type()) && IsOfFrame(watched)) return true;
   switch (event->type()) {
     case QEvent::MouseMove:
       // The window of the system gets every move, its widgets only those that they ask for.

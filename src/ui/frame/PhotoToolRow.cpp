@@ -28,6 +28,7 @@ constexpr Slot kSlots[] = {
 }  // namespace
 
 void FillPhotoToolRow(CToolbar& row) {
+  row.setAccessibleName(QStringLiteral("What to do with the photo"));
   for (const Slot& slot : kSlots) row.AddButton(slot.Gap, slot.Id, FindCommand(slot.Id)->Caption);
   ShareToolTipArea(*row.GetButton(CommandId::RotateRight), *row.GetButton(CommandId::RotateLeft));
 }

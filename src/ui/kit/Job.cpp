@@ -14,6 +14,7 @@
 
 #include "storage/DataThread.h"
 #include "ui/kit/Application.h"
+#include "ui/kit/InputEvents.h"
 #include "ui/kit/WindowNames.h"
 
 namespace {
@@ -65,34 +66,6 @@ class CInputBlock : public QObject {
   static bool IsOpen(const QWidget* window) {
     return window->objectName() == window_names::kSearchProgress ||
            qobject_cast<const QMessageBox*>(window) != nullptr;
-  }
-
-  static bool IsInput(QEvent::Type type) {
-    switch (type) {
-      case QEvent::MouseButtonPress:
-      case QEvent::MouseButtonRelease:
-      case QEvent::MouseButtonDblClick:
-      case QEvent::MouseMove:
-      case QEvent::Wheel:
-      case QEvent::KeyPress:
-      case QEvent::KeyRelease:
-      case QEvent::Shortcut:
-      case QEvent::ShortcutOverride:
-      case QEvent::ContextMenu:
-      case QEvent::InputMethod:
-      case QEvent::TouchBegin:
-      case QEvent::TouchUpdate:
-      case QEvent::TouchEnd:
-      case QEvent::TabletPress:
-      case QEvent::TabletMove:
-      case QEvent::TabletRelease:
-      case QEvent::DragEnter:
-      case QEvent::DragMove:
-      case QEvent::Drop:
-        return true;
-      default:
-        return false;
-    }
   }
 };
 

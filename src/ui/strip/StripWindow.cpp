@@ -16,6 +16,7 @@ constexpr int kStripTop = 1;
 
 CStripWindow::CStripWindow(CFilmstripHost& host, QWidget* parent) : QWidget(parent), Strip(host, *this) {
   setObjectName(QStringLiteral("StripWindow"));
+  setAccessibleName(QStringLiteral("Photos"));
   setFocusPolicy(Qt::NoFocus);
 }
 
