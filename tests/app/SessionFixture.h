@@ -8,6 +8,7 @@
 #include <string>
 
 #include "base/Folders.h"
+#include "base/RegistrySettings.h"
 #include "discovery/FolderSearch.h"
 #include "support/EnvironmentVariable.h"
 #include "support/ScratchFolder.h"
@@ -47,6 +48,7 @@ class CSessionFixture : public testing::Test {
     std::filesystem::create_directory(Scratch.GetPath() + "/run");
     std::filesystem::permissions(Scratch.GetPath() + "/run", std::filesystem::perms::owner_all);
     std::filesystem::create_directory(PicturesFolder());
+    CRegistrySettings().SetBool("DontShowAddFolderTip", true);
     ForgetLastSession();
   }
   ~CSessionFixture() override { ForgetLastSession(); }
