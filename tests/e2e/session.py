@@ -21,6 +21,8 @@ def first_and_next_session(desktop, program):
 
     child = desktop.start(program)
     desktop.wait_for_window(child)
+    desktop.wait_for_photo(HUES[4])  # the first roll is shown from its end
+    desktop.press("Home")
     desktop.wait_for_photo(HUES[0])
     desktop.press("Right", "Right")
     desktop.wait_for_photo(HUES[2])

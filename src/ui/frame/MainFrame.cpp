@@ -184,10 +184,10 @@ void CMainFrame::OnPhotoChanged() {
   const CAssetRecord* record = GetStrip().GetCurrentRecord();
   if (record == nullptr) return;
   CAssetRecord photo = *record;
-  photo.MakeThumbnail();
-  GetStrip().RedrawCurrentThumbnail();
   PhotoBack->UpdateFormat();
   UpdateCommands();
+  photo.MakeThumbnail();  // last, for the disk may refuse it
+  GetStrip().RedrawCurrentThumbnail();
   DropMouseMoves();
 }
 
