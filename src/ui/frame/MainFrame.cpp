@@ -145,7 +145,7 @@ void CMainFrame::ShowInFront() {
 
 void CMainFrame::OnCommand(CommandId id) {
   RunAfterJob([frame = QPointer<CMainFrame>(this), id] {
-    if (frame) frame->Commands.Run(id);
+    if (frame) CApplication::GetInstance()->RunGuarded([&frame, id] { frame->Commands.Run(id); });
   });
 }
 

@@ -14,16 +14,21 @@ CApplication::CApplication(int& argumentCount, char** arguments) : QApplication(
 CApplication* CApplication::GetInstance() { return dynamic_cast<CApplication*>(instance()); }
 
 bool CApplication::notify(QObject* receiver, QEvent* event) {
+  bool handled = false;
+  RunGuarded([&] { handled = QApplication::notify(receiver, event); });
+  return handled;
+}
+
+void CApplication::RunGuarded(const std::function<void()>& work) {
   try {
     try {
-      return QApplication::notify(receiver, event);
+      work();
     } catch (const CStorageException& exception) {
       ShowMessage(exception.GetMessage());
     }
   } catch (...) {
     Keep(std::current_exception());
   }
-  return false;
 }
 
 int CApplication::RunLoop() {

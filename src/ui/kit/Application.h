@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <exception>
+#include <functional>
 
 /// The application object, with the guard around every event handler. No exception may travel through
 /// the frames of the event loop, so the guard stops it where the event is delivered: of a storage that
@@ -24,6 +25,10 @@ class CApplication : public QApplication {
   static CApplication* GetInstance();
 
   bool notify(QObject* receiver, QEvent* event) override;
+
+  /// Runs what may raise under the same guard. To be used where it can be, for an exception leaves the frames
+  /// of Qt that it passes without taking back what they hold.
+  void RunGuarded(const std::function<void()>& work);
 
  private:
   void Keep(std::exception_ptr failure);
