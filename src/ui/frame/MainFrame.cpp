@@ -211,6 +211,10 @@ void CMainFrame::UpdateCommands() {
 }
 
 void CMainFrame::ToggleInTab(const CAssetRecord& photo, ViewTabId tab, bool extendRange) {
+  CApplication::GetInstance()->RunGuarded([&] { ToggleMarks(photo, tab, extendRange); });
+}
+
+void CMainFrame::ToggleMarks(const CAssetRecord& photo, ViewTabId tab, bool extendRange) {
   const TabFlag& mark = GetTabFlag(tab);
   std::vector<int> changed{PhotoSet->IndexOf(photo.GetAssetID())};
   std::optional<CWaitCursor> waiting;

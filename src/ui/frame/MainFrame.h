@@ -122,6 +122,7 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost 
 
  private:
   void CreateParts();
+  void ToggleMarks(const CAssetRecord& photo, ViewTabId tab, bool extendRange);
   void OnTabChanged();
   void OnStampChanged(StampId type);
   /// Of the current photo, as it was decoded; 0 by 0 without a picture.

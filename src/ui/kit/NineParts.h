@@ -15,6 +15,9 @@ struct NinePartSkin {
   int Corner;   // side of a corner
 };
 
+/// The panel that a page and its button row stand on.
+inline constexpr NinePartSkin kPagePanel{PictureId::PanelCorners, {0, 0, 15, 15}, 5};
+
 /// The parts by row and column, from the top left.
 enum class NinePart : int { TopLeft, Top, TopRight, Left, Middle, Right, BottomLeft, Bottom, BottomRight };
 

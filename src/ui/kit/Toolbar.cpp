@@ -10,9 +10,6 @@
 namespace {
 
 constexpr int kImages = 2;
-constexpr int kBorder = 5;
-
-constexpr NinePartSkin kPanel{PictureId::PanelCorners, {0, 0, 3 * kBorder, 3 * kBorder}, kBorder};
 
 }  // namespace
 
@@ -73,7 +70,7 @@ void CToolbar::mouseDoubleClickEvent(QMouseEvent* event) { event->accept(); }
 
 void CToolbar::paintEvent(QPaintEvent*) {
   CDevicePainter painter(*this);
-  auto parts = DivideIntoNine(painter.GetArea(), painter.Scaled(kBorder));
+  auto parts = DivideIntoNine(painter.GetArea(), painter.Scaled(kPagePanel.Corner));
   const auto at = [&](NinePart part) -> QRect& { return parts[static_cast<std::size_t>(part)]; };
   if (!FullScreenLook) {
     // The sides go up to the page above.
@@ -87,6 +84,6 @@ void CToolbar::paintEvent(QPaintEvent*) {
   painter.Fill(at(NinePart::Middle), colours::kPage);
   for (int i = 0; i < 9; ++i) {
     const auto part = static_cast<NinePart>(i);
-    if (part != NinePart::Middle) DrawOneOfNine(painter, kPanel, part, at(part));
+    if (part != NinePart::Middle) DrawOneOfNine(painter, kPagePanel, part, at(part));
   }
 }

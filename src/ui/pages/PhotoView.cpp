@@ -21,6 +21,7 @@ namespace {
 
 constexpr int kMargin = 10;
 constexpr int kShadowPiece = 8;
+constexpr bool kEnlarge = true;  // a photo smaller than the page is scaled up
 
 /// The marks in the order of their slots.
 struct Mark {
@@ -116,7 +117,7 @@ void CPhotoView::Fit() {
   const int margin = GetDeviceMargin();
   const QRect area = PhotoArea(view, margin);
   if (area.isEmpty()) return;
-  const ImageSize size = Image->ScaledSize(Image->FitScale(area.width(), area.height(), Enlarge));
+  const ImageSize size = Image->ScaledSize(Image->FitScale(area.width(), area.height(), kEnlarge));
   Picture = QImage(size.Width, size.Height, QImage::Format_RGB32);
   if (Picture.isNull()) return;
   Image->DrawOver({Picture.bits(), Picture.bytesPerLine(), size, 4});

@@ -74,6 +74,5 @@ class CPhotoView : public QWidget {
   QImage Picture;  // the image, fitted to the page as it is now
   QRect Place;     // of the picture, in device pixels
   Look TheLook;
-  bool Enlarge = true;  // a photo smaller than the page is scaled up
   std::array<bool, kMarkSlots> ShownFlags{};
 };

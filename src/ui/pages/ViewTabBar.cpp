@@ -20,9 +20,6 @@
 
 namespace {
 
-constexpr int kCorner = 5;
-constexpr NinePartSkin kPanel{PictureId::PanelCorners, {0, 0, 3 * kCorner, 3 * kCorner}, kCorner};
-
 /// A rectangle of the layout in the pixels of the screen. What touches the right edge goes on touching it,
 /// where the bar's width is no whole number of them.
 QRect ToDevice(const CDevicePainter& painter, const QRect& rect, int barWidth) {
@@ -164,9 +161,9 @@ void CViewTabBar::PaintPanel(CDevicePainter& painter) const {
 
   const QRect panel(0, top, area.width(), area.height() - top);
   painter.Fill(panel, colours::kPage);
-  const int edge = painter.Scaled(kCorner);
-  DrawOneOfNine(painter, kPanel, NinePart::Left, {panel.left(), top, edge, panel.height()});
-  DrawOneOfNine(painter, kPanel, NinePart::Right, {panel.width() - edge, top, edge, panel.height()});
+  const int edge = painter.Scaled(kPagePanel.Corner);
+  DrawOneOfNine(painter, kPagePanel, NinePart::Left, {panel.left(), top, edge, panel.height()});
+  DrawOneOfNine(painter, kPagePanel, NinePart::Right, {panel.width() - edge, top, edge, panel.height()});
 }
 
 void CViewTabBar::PaintTab(CDevicePainter& painter, int index) const {
