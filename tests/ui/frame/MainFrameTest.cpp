@@ -157,6 +157,15 @@ TEST_F(MainFrame, RefusedWriteIsToldAndLeavesThePhotoAsItWas) {
     }
     EXPECT_EQ(Messages.Shown.size(), 1U);
     EXPECT_FALSE(HasFlag(frame, 0, PhotoFlag::ToEmail));
+    {
+      const StripLayout& strip = frame.GetStrip().GetLayout();
+      const QRect mark = strip.GetMetrics().MarkTargetAt(strip.GetCellLeft(strip.GetLensCell()), 1);
+      const QImage before = Painted(frame.GetStrip());
+      const CFileSizeLimit fullDisk(0);
+      QTest::mouseClick(&frame.GetStrip(), Qt::LeftButton, {}, mark.center());
+      EXPECT_EQ(Messages.Shown.size(), 2U);
+      EXPECT_EQ(Painted(frame.GetStrip()), before) << "the mark shows what is stored";
+    }
     QTest::keyClick(&frame, Qt::Key_M);
     EXPECT_TRUE(HasFlag(frame, 0, PhotoFlag::ToEmail)) << "the program goes on";
   });
