@@ -17,6 +17,8 @@ if(VELLUMAR_SANITIZE)
   target_link_options(house_options INTERFACE -fsanitize=address,undefined)
 endif()
 
+include(Precompiled)
+
 set(HOUSE_INCLUDES ${CMAKE_BINARY_DIR}/includes)
 
 # add_house_folder(<folder> [LINKS lower-folder...] [USES external-library...])
@@ -37,6 +39,7 @@ function(add_house_folder folder)
   file(CREATE_LINK ${CMAKE_SOURCE_DIR}/src/${folder} ${link} SYMBOLIC)
   target_include_directories(${library} PUBLIC ${HOUSE_INCLUDES}/${library})
   target_link_libraries(${library} PUBLIC ${ARG_LINKS} PRIVATE ${ARG_USES} house_options)
+  use_precompiled(${library} "" ${ARG_USES})
 endfunction()
 
 # add_house_test(<folder> [LINKS library...]) builds tests/<folder>/*.cpp into <library>_test.
@@ -50,6 +53,7 @@ function(add_house_test folder)
   add_executable(${library}_test ${sources})
   target_include_directories(${library}_test PRIVATE ${CMAKE_SOURCE_DIR}/tests)
   target_link_libraries(${library}_test PRIVATE ${library} ${ARG_LINKS} house_options GTest::gmock_main)
+  use_precompiled(${library}_test _test ${ARG_LINKS})
   add_test(NAME ${library} COMMAND ${library}_test)
   set_tests_properties(${library} PROPERTIES TIMEOUT 600)
 endfunction()
