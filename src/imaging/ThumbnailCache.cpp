@@ -2,6 +2,7 @@
 
 #include "imaging/JpegImage.h"
 #include "imaging/PreparedPhoto.h"
+#include "platform/Files.h"
 #include "storage/StorageException.h"
 #include "storage/StorageFile.h"
 
@@ -36,32 +37,46 @@ CThumbnailCache* CThumbnailCache::GetInstance() { return instance; }
 
 void CThumbnailCache::Open(const std::string& path, const CGuid& catalogGuid) {
   Close();
-  Path = path;
+  Path = platform::FollowLinks(path);
   CatalogGuid = catalogGuid;
   try {
-    try {
-      OpenPaired();
-    } catch (const CDamagedStorage&) {
-      OpenAnew();
-    } catch (const CStorageException& exception) {
-      if (!exception.IsDamage()) throw;
-      OpenAnew();
-    }
+    TryToOpen(false);
+  } catch (const CStorageException&) {
+    // Photos can be looked at without them; the first change tells.
+  }
+}
+
+/// Sets a damaged file aside. CStorageException, with the cache closed, if there is no file to be had.
+void CThumbnailCache::TryToOpen(bool damaged) {
+  try {
+    if (!damaged && OpenUnlessDamaged()) return;
+    Drop();
+    if (!SetAside(Path)) throw CError("The file \"" + Path + "\" is damaged and can't be set aside.");
+    OpenPaired();
+  } catch (const CError& error) {
+    Drop();
+    throw CStorageException(error.GetMessage());
   } catch (...) {
-    Close();
+    Drop();
     throw;
   }
 }
 
-void CThumbnailCache::OpenAnew() {
-  Close();
-  if (!SetAside(Path)) throw CError("The file \"" + Path + "\" is damaged and can't be set aside.");
-  OpenPaired();
+bool CThumbnailCache::OpenUnlessDamaged() {
+  try {
+    OpenPaired();
+    return true;
+  } catch (const CDamagedStorage&) {
+    return false;
+  } catch (const CStorageException& exception) {
+    if (!exception.IsDamage()) throw;
+    return false;
+  }
 }
 
 bool CThumbnailCache::RenewIfDamaged() {
   if (!Damaged) return false;
-  OpenAnew();
+  TryToOpen(true);
   return true;
 }
 
@@ -90,6 +105,11 @@ void CThumbnailCache::Pair() {
 }
 
 void CThumbnailCache::Close() {
+  Drop();
+  Path.clear();
+}
+
+void CThumbnailCache::Drop() {
   CacheByID = {};
   Cache = {};
   Singletons = {};
@@ -103,6 +123,7 @@ void CThumbnailCache::Store(std::int32_t assetId, const CJpegImage* image) {
 template <typename Change>
 void CThumbnailCache::Run(const Change& change) {
   try {
+    if (!Storage && !Path.empty()) TryToOpen(false);
     change();
     CommitIfAuto();
   } catch (const CStorageException& exception) {

@@ -27,8 +27,8 @@ class CThumbnailCache : public CCommittingStore {
   static CThumbnailCache* GetInstance();
 
   /// Opens or makes the file. One that is damaged, or no storage of ours, is set aside under a name that is
-  /// free, beginning with its own, and remade. CError if the file can't be opened for another reason
-  /// (locked, may not be written), with its bytes as they were.
+  /// free, beginning with its own, and remade. Where that can't be done, or the file is out of reach, there
+  /// are no thumbnails, and each change tries again and raises what is wrong.
   void Open(const std::string& path, const CGuid& catalogGuid);
 
   /// Commits nothing: what auto commit has left uncommitted is lost.
@@ -59,13 +59,15 @@ class CThumbnailCache : public CCommittingStore {
   int FindRow(std::int32_t assetId) const;
 
  private:
+  void TryToOpen(bool damaged);
+  bool OpenUnlessDamaged();
   void OpenPaired();
-  void OpenAnew();
+  void Drop();
   void Pair();
   template <typename Change>
   void Run(const Change& change);
 
-  std::string Path;
+  std::string Path;  // empty unless it was opened
   CGuid CatalogGuid;
   bool Damaged = false;  // a change has shown it
   c4_View Cache;

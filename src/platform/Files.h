@@ -59,6 +59,12 @@ std::error_code RenameToNewName(const std::string& from, const std::string& to);
 /// Gives the file the name `to`, replacing in the same step what that name leads to, links followed.
 std::error_code MoveOver(const std::string& from, const std::string& to);
 
+/// Where a chain of links ends; `path` itself if it is no link, or if nothing stands at the end.
+std::string FollowLinks(const std::string& path);
+
+/// Makes a link that leads to `target`, flushed; std::errc::file_exists if the name is taken.
+std::error_code CreateLink(const std::string& target, const std::string& path);
+
 /// Sets a file's permission bits, links followed.
 std::error_code SetPermissions(const std::string& path, std::uint32_t mode);
 

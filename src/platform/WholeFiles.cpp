@@ -29,7 +29,7 @@ std::string FolderPart(const std::string& path) {
 }
 
 /// Where a chain of links ends, be there a file or not: replacing a link itself would cut it off.
-std::error_code FollowLinks(const std::string& path, std::string& target) {
+std::error_code FindTarget(const std::string& path, std::string& target) {
   target = path;
   for (int i = 0; i < kLinkLimit; ++i) {
     std::array<char, 4096> text{};
@@ -128,9 +128,20 @@ std::error_code CopyInto(TemporaryName& copy, const std::string& folder, const D
 
 }  // namespace
 
+std::string FollowLinks(const std::string& path) {
+  std::string target;
+  struct stat raw {};
+  return FindTarget(path, target) || ::stat(target.c_str(), &raw) != 0 ? path : target;
+}
+
+std::error_code CreateLink(const std::string& target, const std::string& path) {
+  if (const auto error = AskFaultPlan("link", path)) return error;
+  return ::symlink(target.c_str(), path.c_str()) == 0 ? SyncFolderOf(path) : LastError();
+}
+
 std::error_code WriteFileAtomically(const std::string& path, const void* bytes, std::size_t size) {
   std::string target;
-  if (const auto error = FollowLinks(path, target)) return error;
+  if (const auto error = FindTarget(path, target)) return error;
   struct stat old {};
   const bool replaces = ::stat(target.c_str(), &old) == 0;
   if (replaces && !S_ISREG(old.st_mode)) {
@@ -172,7 +183,7 @@ std::error_code CopyToNewFile(const std::string& from, const std::string& to) {
 
 std::error_code MoveOver(const std::string& from, const std::string& to) {
   std::string target;
-  if (const auto error = FollowLinks(to, target)) return error;
+  if (const auto error = FindTarget(to, target)) return error;
   std::error_code error = RenameOver(from, target);
   if (error != std::errc::cross_device_link) return error;
   // The name was a link to another file system.

@@ -2,6 +2,8 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
+
 #include "platform/Files.h"
 
 namespace {
@@ -46,7 +48,7 @@ void CheckFileSize(sqlite3* connection, const std::string& path) {
   if (const auto error = platform::GetStatus(path, status)) {
     throw CDatabaseError(SQLITE_IOERR, error.message());
   }
-  if (status.Size < static_cast<std::uint64_t>(size)) {
+  if (status.Size < std::max(static_cast<std::uint64_t>(size), kSmallestFile)) {
     throw CDatabaseError(SQLITE_CORRUPT, "it is damaged (its end is missing)");
   }
 }

@@ -22,7 +22,8 @@ std::string MakeText(const std::string& path, std::string_view done, std::string
 
 }  // namespace
 
-CDatabase::CDatabase(const std::string& path, c4_Storage::Mode mode) : Path(MakeAbsolute(path)), Mode(mode) {
+CDatabase::CDatabase(const std::string& path, c4_Storage::Mode mode)
+    : Path(platform::FollowLinks(MakeAbsolute(path))), Mode(mode) {
   if (!IsReadOnly()) MakeIfMissing();
   CheckIsFile();
   try {
@@ -33,10 +34,10 @@ CDatabase::CDatabase(const std::string& path, c4_Storage::Mode mode) : Path(Make
 }
 
 /// A new file is whole, flushed and marked as ours before it has its name, so an empty file is never a
-/// new storage.
+/// new storage. Nor is one made where a link leads to nothing: its disk may just be away.
 void CDatabase::MakeIfMissing() const {
   platform::FileStatus status;
-  std::error_code error = platform::GetStatus(Path, status);
+  std::error_code error = platform::GetEntryStatus(Path, status);
   if (error != std::errc::no_such_file_or_directory) return;
   CNewStorageFile file(Path);
   error = file.Create();
@@ -70,23 +71,36 @@ void CDatabase::Open() {
   } else {
     OpenForWriting();
   }
-  DataVersion = Prepare("PRAGMA data_version");
 }
 
 void CDatabase::OpenForReading() {
   try {
-    ConnectForReading();
+    ConnectAndCheck(SQLITE_OPEN_READONLY);
   } catch (const CDatabaseError& error) {
     if (error.GetExtendedCode() != SQLITE_READONLY_ROLLBACK) throw;
     RecoverFromJournal();
-    ConnectForReading();
+    ConnectAndCheck(SQLITE_OPEN_READONLY);
   }
 }
 
-void CDatabase::ConnectForReading() {
-  Connection = Connect(Path, SQLITE_OPEN_READONLY);
+/// Writes nothing: a file on a full or write-protected disk can be looked at, and the first change tells.
+void CDatabase::OpenForWriting() {
+  ConnectAndCheck(SQLITE_OPEN_READWRITE);
+  if (!Ours) return;
+  try {
+    // Another tool may have switched the file to a log of its own, which a plain copy would miss.
+    Execute("PRAGMA journal_mode=DELETE");
+  } catch (const CDatabaseError&) {
+    // It stays as it is until a later session.
+  }
+}
+
+void CDatabase::ConnectAndCheck(int flags) {
+  Connection = Connect(Path, flags);
   Execute("BEGIN");
   CheckContent();
+  DataVersion = Prepare("PRAGMA data_version");
+  FirstDataVersion = GetDataVersion();
   Execute("ROLLBACK");
 }
 
@@ -97,23 +111,18 @@ void CDatabase::RecoverFromJournal() const {
   CStatement(writer.get(), "SELECT count(*) FROM sqlite_schema").Run();
 }
 
-/// Begins a change and drops it again: then the file can be written, its folder can take a journal, and no
-/// other process is in the middle of a change. The file's bytes stay as they are.
-void CDatabase::OpenForWriting() {
-  Connection = Connect(Path, SQLITE_OPEN_READWRITE);
-  if (sqlite3_db_readonly(Connection.get(), "main") == 1) throw CDatabaseError(SQLITE_READONLY, nullptr);
-  Execute("BEGIN IMMEDIATE");
-  CheckContent();
-  Execute("PRAGMA application_id=" + std::to_string(QueryInteger("PRAGMA application_id")));
-  Execute("ROLLBACK");
-  // Another tool may have switched the file to a log of its own, which a plain copy would miss.
-  if (Ours) Execute("PRAGMA journal_mode=DELETE");
-}
-
 void CDatabase::CheckContent() {
   QueryInteger("SELECT count(*) FROM sqlite_schema");
   CheckFileSize(Connection.get(), Path);
   ReadMark();
+}
+
+void CDatabase::CheckAgain() {
+  const bool wasOurs = Ours;
+  CheckContent();
+  if (Ours || !wasOurs) return;
+  Ours = true;  // until it is put right
+  throw CDatabaseError(SQLITE_CORRUPT, "another program has put something else in its place");
 }
 
 void CDatabase::ReadMark() { Ours = QueryInteger("PRAGMA application_id") == kApplicationId; }

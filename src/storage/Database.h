@@ -17,7 +17,7 @@ class CDatabase {
   CDatabase(const CDatabase&) = delete;
   CDatabase& operator=(const CDatabase&) = delete;
 
-  /// The whole path, folder included.
+  /// The whole path, folder included; of a link where it leads.
   const std::string& GetPath() const { return Path; }
   bool IsReadOnly() const { return Mode == c4_Storage::Mode::ReadOnly; }
   /// Whether the file was made by this program. Any other SQLite file may serve if it has the views.
@@ -33,6 +33,10 @@ class CDatabase {
 
   /// A number that changes when another connection has changed the file.
   std::int64_t GetDataVersion();
+  std::int64_t GetFirstDataVersion() const { return FirstDataVersion; }
+
+  /// After another program has changed the file: CDatabaseError if it is no whole storage any more.
+  void CheckAgain();
 
   /// "The file "/x/y" can't be <done>: <reason>."
   std::string Describe(std::string_view done, const CThrowable& reason) const;
@@ -42,8 +46,8 @@ class CDatabase {
   void CheckIsFile() const;
   void Open();
   void OpenForReading();
-  void ConnectForReading();
   void OpenForWriting();
+  void ConnectAndCheck(int flags);
   void RecoverFromJournal() const;
   void CheckContent();
   [[noreturn]] void Fail(const CDatabaseError& error) const;
@@ -53,4 +57,5 @@ class CDatabase {
   bool Ours = false;
   CConnection Connection;
   CStatement DataVersion;
+  std::int64_t FirstDataVersion = 0;
 };

@@ -17,6 +17,7 @@ std::string DescribeIoError(sqlite3* connection) {
 std::string DescribeReadOnly(int code) {
   if (code == SQLITE_READONLY_ROLLBACK) return "an interrupted change of it can't be undone";
   if (code == SQLITE_READONLY_DIRECTORY) return "its folder may not be written";
+  if (code == SQLITE_READONLY_DBMOVED) return "it was moved, removed or replaced while it was open";
   return "it may not be written";
 }
 
@@ -111,12 +112,15 @@ void CStatement::Reset() noexcept {
 
 std::int64_t CStatement::GetInteger(int column) const { return sqlite3_column_int64(Handle.get(), column); }
 
+bool CStatement::HoldsInteger32(int column) const {
+  if (sqlite3_column_type(Handle.get(), column) != SQLITE_INTEGER) return false;
+  const std::int64_t value = GetInteger(column);
+  return value >= std::numeric_limits<std::int32_t>::min() &&
+         value <= std::numeric_limits<std::int32_t>::max();
+}
+
 std::int32_t CStatement::GetInteger32(int column) const {
-  if (sqlite3_column_type(Handle.get(), column) != SQLITE_INTEGER) return 0;
-  const std::int64_t value = sqlite3_column_int64(Handle.get(), column);
-  const bool fits =
-      value >= std::numeric_limits<std::int32_t>::min() && value <= std::numeric_limits<std::int32_t>::max();
-  return fits ? static_cast<std::int32_t>(value) : 0;
+  return HoldsInteger32(column) ? static_cast<std::int32_t>(GetInteger(column)) : 0;
 }
 
 std::string_view CStatement::GetText(int column) const {

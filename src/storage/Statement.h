@@ -48,6 +48,7 @@ class CStatement {
   void Reset() noexcept;
 
   std::int64_t GetInteger(int column) const;
+  bool HoldsInteger32(int column) const;
   /// A value that is no integer, or doesn't fit, is 0.
   std::int32_t GetInteger32(int column) const;
   /// A value that is no text is empty. Valid until the next step.

@@ -129,4 +129,19 @@ bool c4_Storage::LoadFrom(c4_Stream& stream) {
   return true;
 }
 
+std::optional<std::int32_t> c4_Storage::ReadFirstInteger(const std::string& view,
+                                                         const c4_IntProp& property) {
+  AssertDataThread();
+  CTableFile file(Inside->Database, view);
+  try {
+    file.Inspect();
+    if (!file.HasColumn(property.Name())) return 0;
+    CStatement rows = file.SelectAll({property});
+    if (!rows.Step()) return 0;
+    return rows.HoldsInteger32(1) ? std::optional(rows.GetInteger32(1)) : std::nullopt;
+  } catch (const CDatabaseError& error) {
+    throw CStorageException(Inside->Database.Describe("read", error), error.IsDamage());
+  }
+}
+
 const std::string& c4_Storage::GetPath() const { return Inside->Path; }

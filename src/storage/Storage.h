@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -19,9 +21,10 @@ class c4_Storage {
   enum class Mode { ReadWrite, ReadOnly };
 
   /// Opens the storage at `path`. With ReadWrite a missing file is made; it appears under its name only
-  /// when it is whole. An interrupted run's transaction is undone first, in both modes. Raises CError,
-  /// with a text that names the file, if it is no storage, damaged, can't be written (ReadWrite) or read,
-  /// or is locked by another process for 5 seconds; the file is then as it was.
+  /// when it is whole; a link is followed. An interrupted run's transaction is undone first, in both modes.
+  /// Raises CError, with a text that names the file, if it is no storage, damaged, can't be made or read, or
+  /// is locked by another process for 5 seconds; the file is then as it was. A file that is there is not
+  /// written to: where it can't be, the first change raises.
   c4_Storage(const std::string& path, Mode mode);
 
   /// Drops what isn't committed. Views and rows of the storage become empty and invalid.
@@ -51,6 +54,10 @@ class c4_Storage {
   /// False, with the storage as it was, if the stream holds no storage. The views got before are empty
   /// afterwards. CStorageException if the disk refuses; the storage is then as at its last commit.
   bool LoadFrom(c4_Stream& stream);
+
+  /// The integer in a view's first row, 0 if the file holds none; none if what it holds there is no
+  /// integer of 32 bits, which a view reads as 0.
+  std::optional<std::int32_t> ReadFirstInteger(const std::string& view, const c4_IntProp& property);
 
   const std::string& GetPath() const;
 

@@ -4,7 +4,7 @@
 #include "storage/Table.h"
 
 CTransaction::CTransaction(CDatabase& database)
-    : Database(database), DataVersion(database.GetDataVersion()) {}
+    : Database(database), DataVersion(database.GetFirstDataVersion()) {}
 
 void CTransaction::Attach(c4_Table& table) {
   Tables.push_back(&table);
@@ -15,7 +15,10 @@ void CTransaction::Begin() {
   if (Opened) return;
   Database.Execute("BEGIN IMMEDIATE");
   Opened = true;
-  if (OutOfStep || Database.GetDataVersion() != DataVersion) LoadTables();
+  if (OutOfStep || Database.GetDataVersion() != DataVersion) {
+    Database.CheckAgain();
+    LoadTables();
+  }
   for (c4_Table* table : Tables) table->BeginChanges();
 }
 
@@ -71,6 +74,7 @@ void CTransaction::LoadTables() {
 
 void CTransaction::TryLoadTables() noexcept {
   try {
+    Database.CheckAgain();
     LoadTables();
   } catch (...) {
     // The tables stay as they are until the next change, which loads them or fails.

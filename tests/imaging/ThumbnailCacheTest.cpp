@@ -6,7 +6,7 @@
 #include "imaging/JpegImage.h"
 #include "imaging/TestJpegs.h"
 #include "imaging/ThumbnailCache.h"
-#include "platform/Faults.h"
+#include "storage/StorageException.h"
 #include "support/ScratchFolder.h"
 
 namespace {
@@ -119,9 +119,17 @@ TEST_F(ThumbnailCacheTest, ADamagedFileIsSetAsideAndRemade) {
   OpenAnew(cache);
   EXPECT_FALSE(cache.Has(7));
   EXPECT_EQ(whole.size() - 3000, ReadBytes(Path + ".damaged[3]").size());
+  // Behind a link.
+  cache.Close();
+  std::filesystem::remove(Path);
+  std::filesystem::create_symlink(Scratch.Write("far/real", "no storage"), Path);
+  OpenAnew(cache);
+  cache.StoreBytes(7, Thumbnail(40));
+  EXPECT_TRUE(std::filesystem::is_symlink(Path));
+  EXPECT_TRUE(std::filesystem::exists(Scratch.File("far/real.damaged[1]")));
 }
 
-TEST_F(ThumbnailCacheTest, AFileThatIsOnlyOutOfReachIsAnErrorAndStays) {
+TEST_F(ThumbnailCacheTest, AFileThatIsOnlyOutOfReachStaysAndIsToldByTheFirstChange) {
   {
     CThumbnailCache cache;
     OpenAnew(cache);
@@ -133,12 +141,14 @@ TEST_F(ThumbnailCacheTest, AFileThatIsOnlyOutOfReachIsAnErrorAndStays) {
   const pid_t child = ::fork();
   if (child == 0) {
     if (::seteuid(65534) != 0) std::_Exit(3);
+    CThumbnailCache cache;
+    OpenAnew(cache);
+    if (cache.Load(7) == nullptr) std::_Exit(1);
     try {
-      CThumbnailCache cache;
-      cache.Open(Path, Guid);
-      std::_Exit(1);
-    } catch (const CError& error) {
-      std::_Exit(error.GetMessage().find("vellumar.thumbs") != std::string::npos ? 0 : 2);
+      cache.StoreBytes(8, Thumbnail(40));
+      std::_Exit(2);
+    } catch (const CStorageException& error) {
+      std::_Exit(error.GetMessage().find("vellumar.thumbs") != std::string::npos ? 0 : 4);
     }
   }
   int status = 0;
@@ -148,7 +158,14 @@ TEST_F(ThumbnailCacheTest, AFileThatIsOnlyOutOfReachIsAnErrorAndStays) {
   EXPECT_EQ(before, ReadBytes(Path));
   EXPECT_FALSE(std::filesystem::exists(Path + ".damaged[1]"));
 
+  // A folder in its place, which goes while the program runs.
+  std::filesystem::remove(Path);
+  Scratch.File("vellumar.thumbs/in the way");
   CThumbnailCache cache;
-  EXPECT_THROW(cache.Open(Scratch.GetPath(), Guid), CError);
+  OpenAnew(cache);
   EXPECT_FALSE(cache.Has(7));
+  EXPECT_THROW(cache.StoreBytes(7, Thumbnail(40)), CStorageException);
+  std::filesystem::remove(Path);
+  cache.StoreBytes(7, Thumbnail(40));
+  EXPECT_NE(nullptr, cache.Load(7));
 }

@@ -98,6 +98,18 @@ class CStorageOpeningTest : public CStorageTest {
     }
   }
 
+  /// The message of a change that the storage refuses, or "".
+  std::string ChangeAndFail() const {
+    try {
+      c4_Storage storage(Path, Mode::ReadWrite);
+      pText.Set(storage.GetAs(kDescription)[0], "changed");
+      storage.Commit();
+      return "";
+    } catch (const CStorageException& exception) {
+      return exception.GetMessage();
+    }
+  }
+
   void AllowReading() {
     ASSERT_EQ(chmod(Folder.c_str(), 0755), 0);
     ASSERT_EQ(chmod(Path.c_str(), 0644), 0);
@@ -236,16 +248,14 @@ TEST_F(CStorageOpeningTest, MissingRightsAreToldAndNothingIsLeft) {
   MakeStorage();
   AllowReading();
   const auto before = ReadFolder(Folder);
-  EXPECT_TRUE(RunWithoutRights([&] {
-    const std::string message = OpenAndFail(Path, Mode::ReadWrite);
-    ExpectWhole(Path, Mode::ReadOnly);
-    return message.find("may not be written") != std::string::npos && !HasFailure();
-  })) << "file may not be written";
+  const auto looksButChangesNothing = [&](const std::string& reason) {
+    for (const Mode mode : {Mode::ReadOnly, Mode::ReadWrite}) ExpectWhole(Path, mode);
+    const std::string message = ChangeAndFail();
+    return message.find(reason) != std::string::npos && !HasFailure();
+  };
+  EXPECT_TRUE(RunWithoutRights([&] { return looksButChangesNothing("it may not be written"); }));
   ASSERT_EQ(chmod(Path.c_str(), 0666), 0);
-  EXPECT_TRUE(RunWithoutRights([&] {
-    const std::string message = OpenAndFail(Path, Mode::ReadWrite);
-    return message.find("its folder may not be written") != std::string::npos;
-  })) << "folder may not be written";
+  EXPECT_TRUE(RunWithoutRights([&] { return looksButChangesNothing("its folder may not be written"); }));
   EXPECT_TRUE(RunWithoutRights([&] {
     return OpenAndFail(Folder + "/new.db", Mode::ReadWrite).find("Permission denied") != std::string::npos;
   })) << "new file";
@@ -254,6 +264,76 @@ TEST_F(CStorageOpeningTest, MissingRightsAreToldAndNothingIsLeft) {
     return OpenAndFail(Path, Mode::ReadOnly).find("Permission denied") != std::string::npos;
   })) << "file may not be read";
   EXPECT_TRUE(ReadFolder(Folder) == before);
+}
+
+TEST_F(CStorageOpeningTest, FullDiskOrAnotherReaderKeepsNobodyFromLooking) {
+  MakeStorage();
+  sqlite3* reader = nullptr;
+  ASSERT_EQ(sqlite3_open(Path.c_str(), &reader), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(reader, "BEGIN; SELECT * FROM Thing", nullptr, nullptr, nullptr), SQLITE_OK);
+  ExpectWhole(Path, Mode::ReadWrite);
+  ASSERT_EQ(sqlite3_close(reader), SQLITE_OK);
+
+  CFaultyVfs vfs;
+  vfs.SetPlan([](const std::string& step, const std::string& path) {
+    return step == "write" || path.ends_with("-journal") ? GetFaultOf(step, true) : SQLITE_OK;
+  });
+  ExpectWhole(Path, Mode::ReadWrite);
+  EXPECT_NE(ChangeAndFail(), "");
+}
+
+TEST_F(CStorageOpeningTest, FileThatGoesWhileItIsOpenTakesNoChangeAndShowsItsRows) {
+  MakeStorage();
+  const std::string whole = ReadBytes(Path);
+  RunSql(Folder + "/other.db", "CREATE TABLE Songs(Title TEXT)");
+  const std::string other = ReadBytes(Folder + "/other.db");
+  const auto replace = [&](const std::string& bytes) {
+    WriteBytes(Folder + "/new", bytes);
+    std::filesystem::rename(Folder + "/new", Path);
+  };
+  const std::vector<std::function<void()>> accidents = {
+      [&] { WriteBytes(Path, ""); },
+      [&] { std::filesystem::resize_file(Path, whole.size() / 2); },
+      [&] { WriteBytes(Path, other); },
+      [&] { WriteBytes(Path, std::string(whole.size(), 'x')); },
+      [&] { replace(whole); },
+      [&] { replace(other); },
+      [&] { std::filesystem::remove(Path); },
+  };
+  for (std::size_t i = 0; i < accidents.size(); ++i) {
+    SCOPED_TRACE(i);
+    replace(whole);
+    c4_Storage storage(Path, Mode::ReadWrite);
+    const c4_View things = storage.GetAs(kDescription);
+    accidents[i]();
+    const auto before = ReadFolder(Folder);
+    for (int round = 0; round < 2; ++round) {
+      EXPECT_THROW(
+          {
+            pText.Set(things[3], "lost");
+            storage.Commit();
+          },
+          CStorageException);
+      ASSERT_EQ(things.GetSize(), 200);
+      EXPECT_EQ(pText.Get(things[3]), "text 3");
+    }
+    EXPECT_TRUE(ReadFolder(Folder) == before);
+  }
+}
+
+TEST_F(CStorageOpeningTest, LinkIsFollowedAndKept) {
+  std::filesystem::create_directory(Folder + "/far");
+  const std::string target = Folder + "/far/real.db";
+  std::filesystem::create_symlink("far/real.db", Path);
+  EXPECT_THAT(OpenAndFail(Path, Mode::ReadWrite), HasSubstr("No such file")) << "its disk may be away";
+  EXPECT_TRUE(std::filesystem::is_empty(Folder + "/far"));
+  std::filesystem::remove(Path);
+  MakeStorage();
+  std::filesystem::rename(Path, target);
+  std::filesystem::create_symlink("far/real.db", Path);
+  MakeStorage(1);
+  EXPECT_TRUE(std::filesystem::is_symlink(Path));
+  EXPECT_EQ(RunSql(target, "SELECT count(*) FROM Thing"), "201");
 }
 
 TEST_F(CStorageOpeningTest, InterruptedChangeIsUndoneFirst) {
