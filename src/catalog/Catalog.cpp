@@ -42,7 +42,9 @@ class CRemovedFile {
 std::int32_t ReadDBVersion(const std::string& path) {
   if (!FileExists(path, true)) return 0;
   c4_Storage storage(path, c4_Storage::Mode::ReadOnly);
-  return props::DBVersion.Get(storage.GetAs("Singletons[DBVersion:I]")[0]);
+  storage.GetAs("Singletons[DBVersion:I]");  // raises if the file is another program's
+  return storage.ReadFirstInteger("Singletons", props::DBVersion)
+      .value_or(std::numeric_limits<std::int32_t>::max());
 }
 
 CCatalog::CCatalog() { instance = this; }
@@ -75,6 +77,12 @@ void CCatalog::Close() {
 
 void CCatalog::OpenViews() {
   Storage = std::make_unique<c4_Storage>(Path, c4_Storage::Mode::ReadWrite);
+  GetViews();
+  Opened = true;
+  AddFirstRows();
+}
+
+void CCatalog::GetViews() {
   Assets = Storage->GetAs(kAssetView);
   Stamps = Storage->GetAs(kStampView);
   People = Storage->GetAs(kPeopleView);
@@ -82,10 +90,8 @@ void CCatalog::OpenViews() {
   Singletons = Storage->GetAs(kSingletonsView);
   StampStruct = Storage->GetAs(kStampStructView);
   Commit();
-  Opened = true;
   AssetsByPath = Assets.SortOn({props::Location, props::Filename});
   AssetsById = Assets.SortOn({props::AssetID});
-  AddFirstRows();
 }
 
 void CCatalog::DropViews() {
@@ -130,27 +136,21 @@ void CCatalog::Defragment() {
   std::string temporary;
   if (platform::CreateTemporaryFile("", "vel", temporary)) return;
   const CRemovedFile removedTemporary(temporary);
-  const std::string rewritten = Path + ".defragged";
-  const CRemovedFile removedRewritten(rewritten);
-  if (!Rewrite(temporary, rewritten)) return;
-  Close();
-  platform::RenameOver(rewritten, Path);  // A failure leaves the old file, which is as good.
-  OpenViews();
+  const CRemovedFile removedOld(Path + ".defragged");  // of an earlier version that was killed
+  Rewrite(temporary);
+  GetViews();
 }
 
-bool CCatalog::Rewrite(const std::string& temporary, const std::string& rewritten) {
+/// The content goes back into the file where it stands, which keeps its rights, and the links to it.
+void CCatalog::Rewrite(const std::string& temporary) {
   try {
     c4_FileStream out(temporary, "wb");
     Storage->SaveTo(out);
-    if (!out.Flush()) return false;
-    platform::RemoveFile(rewritten);
-    c4_Storage storage(rewritten, c4_Storage::Mode::ReadWrite);
+    if (!out.Flush()) return;
     c4_FileStream in(temporary, "rb");
-    if (!storage.LoadFrom(in)) return false;
-    storage.Commit();
-    return true;
+    Storage->LoadFrom(in);
   } catch (...) {
-    return false;  // The catalog goes on in its old file.
+    // The catalog goes on as it was.
   }
 }
 

@@ -15,8 +15,8 @@
 inline constexpr std::int32_t kCatalogVersion = 10;
 
 /// Reads the version of the catalog file at `path` without opening it as the catalog; a missing file, or one
-/// without a version, reads as 0. An interrupted run's changes are undone first. Raises CError if the file is
-/// no catalog, or damaged.
+/// without a version, reads as 0, and what is no integer of 32 bits as a version newer than any. An
+/// interrupted run's changes are undone first. Raises CError if the file is no catalog, or damaged.
 std::int32_t ReadDBVersion(const std::string& path);
 
 /// The program's memory of the user's photos: one storage of six views, its first rows, its upgrades and its
@@ -32,7 +32,8 @@ class CCatalog : public CCommittingStore {
   static CCatalog* GetInstance();
 
   /// Opens or makes the catalog at `path` and upgrades an older one. False if it is open already. Raises
-  /// CError if the file is no catalog of ours, or damaged, locked or read-only.
+  /// CError if the file is no catalog of ours, or damaged or locked. One of this version can be looked at
+  /// where it can't be written.
   bool Open(const std::string& path);
   /// Commits and closes.
   void Close();
@@ -40,8 +41,8 @@ class CCatalog : public CCommittingStore {
   /// The path of the catalog's file.
   const std::string& GetPath() const { return Path; }
 
-  /// Rewrites the file without its free space. If that can't be done the catalog goes on in its old file;
-  /// CError if it can't be opened again.
+  /// Rewrites the file, in its place, without its free space. If that can't be done the catalog goes on as it
+  /// is; CError if it can't be read again.
   void Defragment();
 
   // The singletons.
@@ -81,6 +82,8 @@ class CCatalog : public CCommittingStore {
   /// Adds the text as it is spelled, though the category may hold it in another case.
   std::int32_t AddSpelling(std::int32_t category, const std::string& text);
   std::int32_t FindStringKey(std::int32_t category, const std::string& text) const;
+  /// -1 if there is none of that name.
+  std::int32_t FindCategory(const std::string& name) const;
   /// The category of that name, entered if need be.
   std::int32_t GetCategory(const std::string& name);
   std::string GetString(std::int32_t key) const;
@@ -103,11 +106,12 @@ class CCatalog : public CCommittingStore {
   static constexpr std::int32_t kCategoryOfCategories = 0;
 
   void OpenViews();
+  void GetViews();
   void DropViews();
   void AddFirstRows();
   void AddFirstStrings();
   void Upgrade();
-  bool Rewrite(const std::string& temporary, const std::string& rewritten);
+  void Rewrite(const std::string& temporary);
   static std::int32_t Successor(std::int32_t number);
   std::int32_t Alloc(const c4_IntProp& counter);
   c4_View StringsOf(std::int32_t category, bool byText) const;

@@ -78,7 +78,8 @@ void CCatalogUpgrade::RenewDatesOf(const CAssetRecord& record) {
   platform::FileStatus status;
   const std::int32_t written =
       platform::GetStatus(record.GetPath(), status) ? 0 : TimeFromFile(status.Modified);
-  if (written != 0 && written < fileDates.Get(0).GetDate()) fileDates.SetDate(written, 0, StampId::None);
+  const std::int32_t known = fileDates.Get(0).GetDate();
+  if (written != 0 && (known == 0 || written < known)) fileDates.SetDate(written, 0, StampId::None);
 
   if (const std::int32_t cameraDate = ReadCameraDate(record.GetPath()); cameraDate != 0) {
     record.GetStamps(StampId::CameraDate).SetDate(cameraDate, 0, StampId::None);

@@ -66,17 +66,18 @@ TEST_F(UpgradeTest, AVersion1CatalogTakesItsDatesFromTheFiles) {
   const auto written = std::filesystem::file_time_type::clock::from_sys(
       std::chrono::sys_seconds(std::chrono::seconds(1060351200)));
   std::filesystem::last_write_time(photo, written);
+  std::filesystem::last_write_time(Scratch.Write("undated.jpg", "x"), written);
   const std::string folder = Scratch.GetPath() + "/";
   MakeOld(1, "insert into Asset (AssetID, LocationType, Location, Filename) values (1, 1, '" + folder +
-                 "', 'a.jpg'), (2, 1, '" + folder +
-                 "', 'gone.jpg');"
+                 "', 'a.jpg'), (2, 1, '" + folder + "', 'gone.jpg'), (3, 1, '" + folder +
+                 "', 'undated.jpg');"
                  "insert into Stamp (StampType, SortedString, AssetID, IndexInt) values"
                  " (7, '20030809140000', 1, 0), (6, '20010101000000', 1, 0), (8, 'x', 1, 0),"
                  " (7, '20020202020202', 2, 0);");
   Open();
   EXPECT_THAT(Sql("select AssetID, StampType, SortedString, IndexInt from Stamp order by AssetID, StampType"),
               ElementsAre("1|6|20030808140000|7", "1|7|20030808140000|0", "2|6|20020202020202|7",
-                          "2|7|20020202020202|0"));
+                          "2|7|20020202020202|0", "3|6|20030808140000|7", "3|7|20030808140000|0"));
   EXPECT_EQ(1060351200, Catalog.FindAssetById(1).GetCachedDate());
 }
 
@@ -127,6 +128,30 @@ TEST_F(UpgradeTest, ThisVersionAndNewerOnesAreLeftAsTheyAre) {
     catalog.Close();
     EXPECT_EQ(before, ReadBytes(Path));
   }
+}
+
+TEST_F(UpgradeTest, AVersionThatIsNoIntegerOf32BitsIsNewerThanAny) {
+  for (const std::string value : {"'abc'", "8.5", "5000000000", "x'08'", "-5000000000"}) {
+    Sql("update Singletons set DBVersion = " + value);
+    EXPECT_GT(ReadDBVersion(Path), kCatalogVersion) << value;
+  }
+  Sql("delete from Singletons");
+  EXPECT_EQ(0, ReadDBVersion(Path));
+  EXPECT_EQ(0, ReadDBVersion(Scratch.File("none.db")));
+}
+
+TEST_F(UpgradeTest, ACatalogBehindALinkStaysThereWithItsRights) {
+  MakeOld(9, "");
+  const std::string real = Scratch.File("far/real.db");
+  std::filesystem::rename(Path, real);
+  std::filesystem::create_symlink("far/real.db", Path);
+  std::filesystem::create_hard_link(real, Scratch.File("second name.db"));
+  std::filesystem::permissions(real, std::filesystem::perms(0640));
+  Open();
+  EXPECT_TRUE(std::filesystem::is_symlink(Path));
+  EXPECT_EQ(std::filesystem::perms(0640), std::filesystem::status(real).permissions());
+  EXPECT_EQ(2U, std::filesystem::hard_link_count(real));
+  EXPECT_EQ("10", SqlOne("select DBVersion from Singletons"));
 }
 
 TEST_F(UpgradeTest, AFullDiskOrAKillLeavesTheOldVersionOrTheNewOne) {
