@@ -72,8 +72,9 @@ bool CheckDiskWritable(const std::string& folder) {
   platform::FileStatus status;
   if (platform::GetStatus(folder, status) || !status.IsFolder) return false;
   const std::string path = JoinPath(folder, "x###x");
-  const bool isWritable = !platform::WriteFileAtomically(path, "", 0);
-  // A file that was there before goes too; where none could be made there may be none to remove.
+  // A file that was left there goes; of a link the link alone. Mostly there is none to remove.
+  static_cast<void>(platform::RemoveFile(path));
+  const bool isWritable = !platform::WriteNewFile(path, "", 0);
   static_cast<void>(platform::RemoveFile(path));
   return isWritable;
 }

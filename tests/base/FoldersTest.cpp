@@ -95,10 +95,15 @@ TEST(CheckDiskWritable, ReplacesAndRemovesItsFile) {
   const std::string stale = folder.Write("x###x", "left behind");
   EXPECT_TRUE(CheckDiskWritable(folder.GetPath() + "/"));
   EXPECT_FALSE(std::filesystem::exists(stale));
+  const std::string precious = folder.Write("precious", "kept");
+  std::filesystem::create_symlink(precious, stale);
+  EXPECT_TRUE(CheckDiskWritable(folder.GetPath()));
+  EXPECT_EQ(ReadBytes(precious), "kept");
+  std::filesystem::remove(precious);
   EXPECT_FALSE(CheckDiskWritable(folder.GetPath() + "/none"));
   EXPECT_FALSE(CheckDiskWritable(folder.Write("file", "x")));
   {
-    const CFailingStep fault(1);
+    const CFailingStep fault(2);
     EXPECT_FALSE(CheckDiskWritable(folder.GetPath()));
   }
   ASSERT_EQ(::chmod(folder.GetPath().c_str(), 0555), 0);
