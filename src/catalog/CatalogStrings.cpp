@@ -26,8 +26,12 @@ std::int32_t CCatalog::AddSpelling(std::int32_t category, const std::string& tex
   return key;
 }
 
+std::int32_t CCatalog::FindCategory(const std::string& name) const {
+  return FindStringKey(kCategoryOfCategories, name);
+}
+
 std::int32_t CCatalog::GetCategory(const std::string& name) {
-  const std::int32_t key = FindStringKey(kCategoryOfCategories, name);
+  const std::int32_t key = FindCategory(name);
   return key >= 0 ? key : AddString(kCategoryOfCategories, name);
 }
 

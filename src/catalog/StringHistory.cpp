@@ -3,26 +3,39 @@
 #include <algorithm>
 
 #include "catalog/Catalog.h"
+#include "storage/StorageException.h"
 
 CStringHistory::CStringHistory(CCatalog& owner, const std::string& categoryName, int limit, bool sorted)
-    : Owner(&owner), Category(owner.GetCategory(categoryName)), Limit(limit), Sorted(sorted) {}
+    : Owner(&owner), CategoryName(categoryName), Limit(limit), Sorted(sorted) {
+  try {
+    Category = Owner->GetCategory(CategoryName);
+  } catch (const CStorageException&) {
+    // The list is empty, which can be looked at.
+  }
+}
+
+/// -1 if there is none yet.
+std::int32_t CStringHistory::GetCategory() const {
+  return Category >= 0 ? Category : Owner->FindCategory(CategoryName);
+}
 
 int CStringHistory::Count() const {
-  const int count = Owner->CountStrings(Category);
+  const int count = Owner->CountStrings(GetCategory());
   return Limit > 0 ? std::min(count, Limit) : count;
 }
 
 std::string CStringHistory::Get(int index) const {
-  return Owner->GetString(Owner->GetStringKeyAt(Category, index, Sorted));
+  return Owner->GetString(Owner->GetStringKeyAt(GetCategory(), index, Sorted));
 }
 
 int CStringHistory::Add(const std::string& text) {
-  const std::int32_t present = Owner->FindStringKey(Category, text);
-  if (present >= 0) return Owner->GetStringIndex(Category, present, Sorted);
+  const std::int32_t present = Owner->FindStringKey(GetCategory(), text);
+  if (present >= 0) return Owner->GetStringIndex(GetCategory(), present, Sorted);
   if (Limit > 0 && Count() >= Limit) {
-    Owner->ReplaceString(Owner->GetStringKeyAt(Category, Limit - 1, Sorted), text, true);
+    Owner->ReplaceString(Owner->GetStringKeyAt(GetCategory(), Limit - 1, Sorted), text, true);
     return Limit - 1;
   }
+  Category = Owner->GetCategory(CategoryName);
   Owner->AddString(Category, text);
   return Count() - 1;
 }
@@ -33,7 +46,7 @@ bool CStringHistory::Promote(int index) {
   CAutoCommitPause pause(*Owner);
   // The keys stay where they are; the texts move through them.
   std::vector<std::int32_t> keys;
-  for (int i = 0; i <= index; ++i) keys.push_back(Owner->GetStringKeyAt(Category, i, Sorted));
+  for (int i = 0; i <= index; ++i) keys.push_back(Owner->GetStringKeyAt(GetCategory(), i, Sorted));
   const std::string promoted = Owner->GetString(keys.back());
   for (std::size_t i = keys.size() - 1; i > 0; --i) {
     Owner->ReplaceString(keys[i], Owner->GetString(keys[i - 1]), true);
@@ -44,19 +57,19 @@ bool CStringHistory::Promote(int index) {
 }
 
 bool CStringHistory::Remove(const std::string& text) {
-  const std::int32_t key = Owner->FindStringKey(Category, text);
+  const std::int32_t key = Owner->FindStringKey(GetCategory(), text);
   if (key < 0) return false;
   Owner->ReleaseString(key);
   return true;
 }
 
 bool CStringHistory::RemoveAt(int index) {
-  const std::int32_t key = Owner->GetStringKeyAt(Category, index, Sorted);
+  const std::int32_t key = Owner->GetStringKeyAt(GetCategory(), index, Sorted);
   if (key < 0) return false;
   Owner->ReleaseString(key);
   return true;
 }
 
 bool CStringHistory::Contains(const std::string& text) const {
-  return Owner->FindStringKey(Category, text) >= 0;
+  return Owner->FindStringKey(GetCategory(), text) >= 0;
 }

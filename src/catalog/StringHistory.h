@@ -9,6 +9,7 @@ class CCatalog;
 /// the texts that the user searched for. Texts are compared without regard to case.
 class CStringHistory {
  public:
+  /// Enters the category, now or, where the disk refuses that, with the first text.
   /// `limit` is the largest number of entries, 0 for no limit; `sorted` lists by text, not by age.
   CStringHistory(CCatalog& owner, const std::string& categoryName, int limit, bool sorted);
   virtual ~CStringHistory() = default;
@@ -30,8 +31,11 @@ class CStringHistory {
   virtual bool Contains(const std::string& text) const;
 
  private:
+  std::int32_t GetCategory() const;
+
   CCatalog* Owner;
-  std::int32_t Category;
+  std::string CategoryName;
+  std::int32_t Category = -1;
   int Limit;
   bool Sorted;
 };

@@ -47,7 +47,7 @@ bool CFolderSearch::SearchFolder(const std::string& folder, bool force, int* fou
   try {
     return SearchUnlessDone(folder, force, foundOut, pendingOut);
   } catch (const CStorageException& exception) {
-    ShowMessage(exception.GetMessage(), false, MessageParent::ProgressWindow);
+    TellRefusal(exception);
     return false;
   }
 }
@@ -59,6 +59,7 @@ bool CFolderSearch::SearchUnlessDone(const std::string& folder, bool force, int*
     ended = Search(folder, foundOut, pendingOut);
   } catch (const CStorageException&) {
     // Damaged thumbnails can be lost: the search is run again over a new file.
+    SearchedFolders.insert(folder);  // tried again when the user asks for it
     if (!CThumbnailCache::GetInstance()->RenewIfDamaged()) throw;
     ended = Search(folder, foundOut, pendingOut);
   } catch (const CException&) {
@@ -66,6 +67,11 @@ bool CFolderSearch::SearchUnlessDone(const std::string& folder, bool force, int*
   }
   SearchedFolders.insert(folder);
   return ended;
+}
+
+void CFolderSearch::TellRefusal(const CStorageException& refusal) const {
+  if (Progress != nullptr) return Progress->TellRefusal(refusal);
+  ShowMessage(refusal.GetMessage(), false, MessageParent::ProgressWindow);
 }
 
 bool CFolderSearch::Search(const std::string& folder, int* foundOut, int* pendingOut) {
@@ -92,7 +98,7 @@ bool CFolderSearch::SearchAllFolders(bool force) {
     if (ActiveDisk) anyEnded |= SearchUnlessDone(GetActiveDiskPhotoFolder(), false);
   } catch (const CStorageException& exception) {
     // A disk that refuses one folder refuses all; it is told once.
-    ShowMessage(exception.GetMessage(), false, MessageParent::ProgressWindow);
+    TellRefusal(exception);
   }
   return anyEnded;
 }
@@ -101,7 +107,7 @@ std::string CFolderSearch::FirstSearch() {
   try {
     return SearchStartingFolder();
   } catch (const CStorageException& exception) {
-    ShowMessage(exception.GetMessage(), false, MessageParent::ProgressWindow);
+    TellRefusal(exception);
     return GetMyPicturesFolder();
   }
 }
@@ -137,7 +143,7 @@ void CFolderSearch::UpdateMissingFlags() {
     pause.Commit();
   } catch (const CStorageException& exception) {
     // The flags are those of the last time, and the next start looks again.
-    ShowMessage(exception.GetMessage(), false, MessageParent::ProgressWindow);
+    TellRefusal(exception);
   }
 }
 

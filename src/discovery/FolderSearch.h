@@ -5,6 +5,7 @@
 #include <string>
 
 class CSearchProgress;
+class CStorageException;
 class CStringHistory;
 
 /// Finds the photo files under a folder and brings the new ones into the catalog. One object for the life of
@@ -53,6 +54,7 @@ class CFolderSearch {
                         int* pendingOut = nullptr);
   bool Search(const std::string& folder, int* foundOut, int* pendingOut);
   std::string SearchStartingFolder();
+  void TellRefusal(const CStorageException& refusal) const;
   bool MayBringIn(int pending, const std::string& folder);
 
   std::unique_ptr<CStringHistory> History;

@@ -4,6 +4,8 @@
 #include <span>
 #include <string>
 
+class CStorageException;
+
 /// One photo that a search has just dealt with. The references last for the call alone.
 struct PhotoProgress {
   int Index = 0;                            // position in the pending list, from 0
@@ -29,4 +31,10 @@ class CSearchProgress {
 
   /// Whether the user has asked to stop. Cheap: the walk asks before each directory entry.
   virtual bool IsStopped() const = 0;
+
+  /// Tells the user that the disk refused a write. Once: what the disk refuses next has the same cause.
+  void TellRefusal(const CStorageException& refusal);
+
+ private:
+  bool RefusalTold = false;
 };

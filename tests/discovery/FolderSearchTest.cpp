@@ -198,10 +198,14 @@ TEST_F(FolderSearchTest, AStartOnAFullDiskGoesOnAndTellsWhy) {
   AddPhoto("b.jpg");
   {
     const CFileSizeLimit full(0);
+    CScriptedProgress progress;
+    Search.Progress = &progress;
     Search.UpdateMissingFlags();
     EXPECT_EQ(Pictures(), Search.FirstSearch());
+    EXPECT_FALSE(Search.SearchFolder(Pictures(), false)) << "not again unless it is asked for";
+    Search.Progress = nullptr;
   }
-  EXPECT_EQ(2U, Messages.Texts.size());
+  EXPECT_EQ(1U, Messages.Texts.size());
   EXPECT_EQ(MissingState::InPlace, Catalog.FindAssetByPath(path).GetMissing());
   EXPECT_TRUE(Catalog.GetAutoCommit());
   Search.UpdateMissingFlags();

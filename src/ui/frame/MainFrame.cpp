@@ -14,6 +14,7 @@
 #include "imaging/Image.h"
 #include "imaging/ImageFile.h"
 #include "sets/QuerySet.h"
+#include "storage/StorageException.h"
 #include "ui/back/FilterBar.h"
 #include "ui/back/PhotoBack.h"
 #include "ui/frame/CommandTable.h"
@@ -90,7 +91,11 @@ bool CMainFrame::Create(const OpenStep& openDataStores, CWindowedSearchProgress&
   PhotoSet = std::make_unique<CQuerySet>(&Catalog, SetKind::Available);
   CreateParts();
 
-  FilterBar->SelectFolder(folder);
+  try {
+    FilterBar->SelectFolder(folder);
+  } catch (const CStorageException& exception) {
+    progress.TellRefusal(exception);  // the folder is shown, if not remembered
+  }
   GetStrip().SetPhotoSet(PhotoSet.get());
   if (Catalog.GetCurrentRollID() > rollBefore) {
     FilterBar->ShowNewestRoll();
