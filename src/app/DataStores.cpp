@@ -1,5 +1,8 @@
 #include "app/DataStores.h"
 
+#include <system_error>
+
+#include "base/Exceptions.h"
 #include "base/Folders.h"
 #include "base/Messages.h"
 #include "base/Paths.h"
@@ -22,25 +25,61 @@ std::string FindDataFolder(bool activeDisk) {
   return folder;
 }
 
-/// Brings a file from where older versions kept it. A file that can't be copied stays there.
-void MoveFromOldLocation(const std::string& oldFolder, const std::string& path) {
-  const std::string oldPath = JoinPath(oldFolder, SplitPath(path).Name);
-  if (FileExists(path, false) || !FileExists(oldPath, false)) return;
-  if (!CopyStorageFile(oldPath, path)) static_cast<void>(platform::RemoveFile(oldPath));
+std::string FindStore(bool activeDisk, StringId name) {
+  return JoinPath(FindDataFolder(activeDisk), LoadText(name));
+}
+
+/// Copies the file, or makes a link to where the old one leads, so that it stays the one in use.
+std::error_code BringFile(const std::string& oldPath, const std::string& path) {
+  const std::string target = platform::FollowLinks(oldPath);
+  return target == oldPath ? CopyStorageFile(oldPath, path) : platform::CreateLink(target, path);
+}
+
+/// What can't be seen may well stand, such as the end of a link whose disk is away.
+bool MayStand(const std::string& path) {
+  platform::FileStatus status;
+  const std::error_code error = platform::GetEntryStatus(path, status);
+  if (error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory) return false;
+  return platform::GetStatus(path, status) || !status.IsFolder;
+}
+
+std::string DescribeFailure(const std::error_code& error) {
+  if (error == std::errc::bad_message) return "it is damaged";
+  if (error == std::errc::device_or_resource_busy) return "another program is using it";
+  return error.message();
+}
+
+/// Brings a file from where older versions kept it. One that can't be brought stays there.
+std::error_code MoveFromOldLocation(const std::string& path) {
+  const std::string oldPath = JoinPath(GetMyPicturesFolder(), SplitPath(path).Name);
+  platform::FileStatus taken;
+  if (!platform::GetEntryStatus(path, taken) || !MayStand(oldPath)) return {};
+  const std::error_code error = BringFile(oldPath, path);
+  if (!error) static_cast<void>(platform::RemoveFile(oldPath));
+  return error;
+}
+
+void MoveStoresFromOldLocation() {
+  const std::string catalog = FindCatalog(false);
+  if (const std::error_code error = MoveFromOldLocation(catalog)) {
+    throw CError("The file \"" + JoinPath(GetMyPicturesFolder(), SplitPath(catalog).Name) +
+                 "\" can't be brought to \"" + catalog + "\": " + DescribeFailure(error) + ".");
+  }
+  // Thumbnails that can't be brought are remade.
+  static_cast<void>(MoveFromOldLocation(FindStore(false, StringId::ThumbnailFile)));
 }
 
 }  // namespace
 
+std::string FindCatalog(bool activeDisk) { return FindStore(activeDisk, StringId::CatalogFile); }
+
 bool OpenDataStores(CCatalog& catalog, CThumbnailCache& cache) {
   CFolderSearch& search = CFolderSearch::GetInstance();
-  const std::string folder = FindDataFolder(search.ActiveDisk);
-  platform::RemoveUnfinishedFiles(folder);
-  const std::string catalogPath = JoinPath(folder, LoadText(StringId::CatalogFile));
-  const std::string cachePath = JoinPath(folder, LoadText(StringId::ThumbnailFile));
-  if (!search.ActiveDisk) {
-    MoveFromOldLocation(GetMyPicturesFolder(), catalogPath);
-    MoveFromOldLocation(GetMyPicturesFolder(), cachePath);
-  }
+  platform::RemoveUnfinishedFiles(FindDataFolder(search.ActiveDisk));
+  if (!search.ActiveDisk) MoveStoresFromOldLocation();
+  // Backups and what else belongs to the catalog stand beside its file, not beside a link to it.
+  const std::string catalogPath = platform::FollowLinks(FindCatalog(search.ActiveDisk));
+  const std::string cachePath = FindStore(search.ActiveDisk, StringId::ThumbnailFile);
 
   const std::int32_t version = ReadDBVersion(catalogPath);
   if (version > kCatalogVersion) {

@@ -67,6 +67,24 @@ bool ChooseSettings(bool activeDisk) {
   return false;
 }
 
+/// Where another process may be at work; empty where there can be no catalog, which opening it will tell.
+std::string FindCatalogToClaim(bool activeDisk) {
+  try {
+    return FindCatalog(activeDisk);
+  } catch (const CError&) {
+    return {};
+  }
+}
+
+/// False if another process runs; the user then sees that one, or is told of it.
+bool ClaimInstance(CSingleInstance& instance) {
+  const CSingleInstance::Claimed claimed = instance.Claim();
+  if (claimed == CSingleInstance::Claimed::ByOneOutOfReach) {
+    ShowMessage(Format(LoadExpandedString(StringId::AlreadyRunning), instance.GetHolder()));
+  }
+  return claimed == CSingleInstance::Claimed::ByThis;
+}
+
 /// The window that stands in front: a message, else the main window, else that of the search.
 QWidget* FindFrontWindow(CMainFrame& frame) {
   if (QWidget* box = QApplication::activeModalWidget()) return box;
@@ -108,15 +126,15 @@ void ReportFatalFailure(const CMainFrame& frame, const std::string& message) {
 }  // namespace
 
 int Main(const std::string& commandLine) {
-  CSingleInstance instance(platform::RuntimeFolder());
-  if (!instance.Claim()) return kEarlyExitCode;
+  const bool activeDisk = commandLine.find(kActiveDiskSwitch) != std::string::npos;
+  CSingleInstance instance(platform::RuntimeFolder(), FindCatalogToClaim(activeDisk));
+  if (!ClaimInstance(instance)) return kEarlyExitCode;
 
   const CFontTable fonts;
   CMainFrame frame;
   const CStopSignalWatch stopSignalWatch(frame);
   instance.OnAnotherStart = [&frame](const QByteArray& token) { BringToFront(frame, token); };
 
-  const bool activeDisk = commandLine.find(kActiveDiskSwitch) != std::string::npos;
   CFolderSearch::GetInstance().ActiveDisk = activeDisk;
   if (!ChooseSettings(activeDisk)) return kEarlyExitCode;
 

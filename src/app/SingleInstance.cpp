@@ -1,12 +1,16 @@
 #include "app/SingleInstance.h"
 
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QLocalSocket>
+#include <QStringList>
+#include <QSysInfo>
 #include <QThread>
 #include <QTimer>
 #include <algorithm>
 
 #include "base/Paths.h"
+#include "platform/Files.h"
 #include "ui/kit/QtText.h"
 
 namespace {
@@ -16,42 +20,70 @@ constexpr int kRetryPause = 50;  // milliseconds
 constexpr qint64 kLongestRequest = 4096;
 constexpr const char* kAnswer = "ok\n";
 
+// What stands in the file of a lock: the holder's process, its machine, its socket, each with a line end.
+constexpr int kNoteLines = 4;
+
 /// What a Wayland desktop gave this process for bringing a window to the front. X11 asks for nothing.
 QByteArray GetActivationToken() { return qgetenv("XDG_ACTIVATION_TOKEN"); }
 
 }  // namespace
 
-CSingleInstance::CSingleInstance(const std::string& folder)
-    : LockPath(folder.empty() ? "" : JoinPath(folder, "vellumar.lock")),
-      SocketPath(ToQString(JoinPath(folder, "vellumar.socket"))) {
+CSingleInstance::CSingleInstance(const std::string& runtimeFolder, const std::string& catalogPath)
+    : SocketPath(JoinPath(runtimeFolder, runtimeFolder.empty() ? "" : "vellumar.socket")) {
+  if (!runtimeFolder.empty()) Locks.push_back({JoinPath(runtimeFolder, "vellumar.lock"), {}});
+  if (!catalogPath.empty()) Locks.push_back({catalogPath + ".lock", {}});
+  const std::string file = platform::FollowLinks(catalogPath);
+  if (file != catalogPath) Locks.push_back({file + ".lock", {}});
   QObject::connect(&Server, &QLocalServer::newConnection, &Server, [this] { Answer(); });
 }
 
-bool CSingleInstance::Claim() {
-  if (LockPath.empty()) return true;
+CSingleInstance::Claimed CSingleInstance::Claim() {
   QElapsedTimer timer;
   timer.start();
   do {
-    if (TryLock() == Ownership::Mine) {
+    if (TryLocks()) {
       Listen();
-      return true;
+      return Claimed::ByThis;
     }
     // The first process may be about to listen, or about to end: look again until it is clear.
-    if (AskFirstToShow(kPatience - static_cast<int>(timer.elapsed()))) return false;
+    if (AskFirstToShow(kPatience - static_cast<int>(timer.elapsed()))) return Claimed::ByOneInFront;
     QThread::msleep(kRetryPause);
   } while (timer.elapsed() < kPatience);
-  return false;
+  return Claimed::ByOneOutOfReach;
 }
 
-CSingleInstance::Ownership CSingleInstance::TryLock() {
-  const std::error_code error = Lock.TryAcquire(LockPath);
-  return error == std::errc::resource_unavailable_try_again ? Ownership::Anothers : Ownership::Mine;
+bool CSingleInstance::TryLocks() {
+  for (NamedLock& lock : Locks) {
+    if (lock.Lock.TryAcquire(lock.Path) != std::errc::resource_unavailable_try_again) continue;
+    LookAtHolder(lock);
+    for (NamedLock& other : Locks) other.Lock.Release();
+    return false;
+  }
+  return true;
+}
+
+void CSingleInstance::LookAtHolder(const NamedLock& lock) {
+  const QStringList note = ToQString(platform::FileLock::ReadNote(lock.Path)).split(u'\n');
+  const bool isWhole = note.size() == kNoteLines;
+  const bool isHere = isWhole && note[1] == QSysInfo::machineHostName();
+  Holder = isWhole ? "process " + note[0].toStdString() : "another process";
+  if (isWhole && !isHere) Holder += " on " + note[1].toStdString();
+  HolderSocket = isHere ? note[2].toStdString() : "";
 }
 
 void CSingleInstance::Listen() {
-  QLocalServer::removeServer(SocketPath);  // of a process that was killed
-  Server.setSocketOptions(QLocalServer::UserAccessOption);
-  Server.listen(SocketPath);  // without it, a later process ends by itself after its patience
+  if (!SocketPath.empty()) {
+    ListenPath = platform::ShortPath(SocketPath);
+    const QString path = ToQString(ListenPath.Get());
+    QLocalServer::removeServer(path);  // of a process that was killed
+    Server.setSocketOptions(QLocalServer::UserAccessOption);
+    Server.listen(path);  // without it, a later process ends by itself after its patience
+  }
+  const std::string note = std::to_string(QCoreApplication::applicationPid()) + '\n' +
+                           QSysInfo::machineHostName().toStdString() + '\n' + SocketPath + '\n';
+  for (const NamedLock& lock : Locks) {
+    if (lock.Lock.IsHeld()) lock.Lock.WriteNote(note);
+  }
 }
 
 void CSingleInstance::Answer() {
@@ -76,7 +108,9 @@ bool CSingleInstance::AskFirstToShow(int patience) const {
   timer.start();
   const auto left = [&] { return std::max(1, patience - static_cast<int>(timer.elapsed())); };
   QLocalSocket socket;
-  socket.connectToServer(SocketPath);
+  if (HolderSocket.empty()) return false;
+  const platform::ShortPath path(HolderSocket);
+  socket.connectToServer(ToQString(path.Get()));
   if (!socket.waitForConnected(left())) return false;
   socket.write(GetActivationToken() + '\n');
   return socket.waitForReadyRead(left()) && socket.readAll().startsWith(kAnswer);

@@ -205,6 +205,9 @@ enum class StringId : int {
   WebsiteText = 20088,
   CloseText = 20089,
 
+  // The second start of the program.
+  AlreadyRunning = 20090,
+
   // Hosts and pages on the network, without "http://".
   ServiceHost = 20100,
   DownloadPage = 20101,

@@ -242,6 +242,9 @@ constexpr auto kTable = std::to_array<Entry>({
     {StringId::WebsiteButton, "Website"},
     {StringId::WebsiteText, "Visit our website for information about our latest products"},
     {StringId::CloseText, "Return to Vellumar Photo Organizer"},
+    {StringId::AlreadyRunning,
+     "%1 is already open with these photos, in %s, and can't be brought to the front from here.\n\nClose it "
+     "there and start again."},
     {StringId::ServiceHost, "www.quillara.example"},
     {StringId::DownloadPage, "www.vellumar.example/download"},
     {StringId::FeedbackPage, "www.vellumar.example/feedback"},

@@ -3,6 +3,7 @@
 #include "base/Exceptions.h"
 #include "catalog/Catalog.h"
 #include "imaging/ThumbnailCache.h"
+#include "support/FileSizeLimit.h"
 
 namespace {
 
@@ -93,6 +94,38 @@ TEST_F(DataStores, FilesMoveFromThePicturesFolder) {
   EXPECT_TRUE(Open());
   EXPECT_EQ(Guid, moved) << "the one in the data folder wins";
   EXPECT_TRUE(FileExists(PicturesFolder() + "/vellumar.db", false));
+}
+
+TEST_F(DataStores, OldCatalogThatCannotBeBroughtIsNamedAndNoneIsMadeInItsPlace) {
+  const std::string old = PicturesFolder() + "/vellumar.db";
+  MakeCatalog(old, 10);
+  const std::string guid = Guid;
+  const std::string whole = ReadBytes(old);
+  const auto put = [&](const std::string& bytes) { std::ofstream(old, std::ios::binary) << bytes; };
+  const auto expectRefused = [&] {
+    ExpectRefused(old);
+    EXPECT_TRUE(std::filesystem::is_empty(DataFolder()));
+  };
+  put(whole.substr(0, whole.size() / 2));
+  expectRefused();
+  put("no catalog");
+  expectRefused();
+  put(whole);
+  {
+    const CFileSizeLimit full(4096);
+    expectRefused();
+  }
+  const std::string real = Scratch.File("far/real.db");
+  std::filesystem::rename(old, real);
+  std::filesystem::create_symlink("../away/real.db", old);
+  expectRefused();
+  std::filesystem::rename(Scratch.GetPath() + "/far", Scratch.GetPath() + "/away");
+
+  EXPECT_TRUE(Open());
+  EXPECT_EQ(Guid, guid);
+  EXPECT_FALSE(std::filesystem::is_symlink(old));
+  EXPECT_EQ(std::filesystem::canonical(CatalogPath()), Scratch.GetPath() + "/away/real.db");
+  EXPECT_TRUE(Open());
 }
 
 TEST_F(DataStores, WhatIsNoCatalogIsRefusedAndKept) {

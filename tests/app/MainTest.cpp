@@ -4,6 +4,7 @@
 #include "app/SessionFixture.h"
 #include "base/Exceptions.h"
 #include "catalog/Catalog.h"
+#include "support/FileSizeLimit.h"
 #include "ui/frame/MainFrame.h"
 
 namespace {
@@ -90,6 +91,23 @@ TEST_F(Program, ThrowableInTheLoopEndsItInOrder) {
   EXPECT_NE(Messages.Shown[0].Text.find("    no strip %1\n\n"), std::string::npos)
       << "values aren't expanded";
   EXPECT_EQ(Photos(), 1);
+}
+
+TEST_F(Program, FullDiskIsToldOnceAndThePhotosAreShown) {
+  AddPhotos(1);
+  EXPECT_EQ(RunAndClose(), 1);
+  // A start that would write: a new photo, one that has gone, another folder than the last time.
+  AddPhotos(2, "Pictures/more");
+  std::filesystem::remove(PicturesFolder() + "/photo0.jpg");
+  Execute(CatalogPath(), "update Singletons set CurrentPhotoFolder = '/gone'");
+  {
+    const CFileSizeLimit full(0);
+    EXPECT_EQ(RunAndClose(), 1);
+  }
+  EXPECT_EQ(Messages.Shown.size(), 1U);
+  EXPECT_EQ(Photos(), 1);
+  EXPECT_EQ(RunAndClose(), 1);
+  EXPECT_EQ(Photos(), 3);
 }
 
 TEST_F(Program, StopSignalClosesTheWindowInTheNormalWay) {

@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <atomic>
 #include <memory>
 #include <thread>
@@ -9,24 +11,26 @@
 
 namespace {
 
+using Claimed = CSingleInstance::Claimed;
+
 /// Another process, as far as the lock and the socket can tell.
 class CAnotherStart {
  public:
-  explicit CAnotherStart(const std::string& folder) {
-    Thread = std::thread([this, folder] {
-      CSingleInstance instance(folder);
-      IsFirst = instance.Claim();
+  explicit CAnotherStart(const std::string& runtimeFolder, const std::string& catalog = {}) {
+    Thread = std::thread([this, runtimeFolder, catalog] {
+      CSingleInstance instance(runtimeFolder, catalog);
+      Outcome = instance.Claim();
       Done = true;
     });
   }
   ~CAnotherStart() { Thread.join(); }
 
   bool IsDone() const { return Done; }
-  bool WasFirst() const { return IsFirst; }
+  Claimed GetOutcome() const { return Outcome; }
 
  private:
   std::atomic<bool> Done = false;
-  std::atomic<bool> IsFirst = false;
+  std::atomic<Claimed> Outcome = Claimed::ByOneOutOfReach;
   std::thread Thread;
 };
 
@@ -35,18 +39,18 @@ class CAnotherStart {
 TEST(SingleInstance, SecondHandsOverItsTokenAndGivesWay) {
   const CScratchFolder scratch;
   const CEnvironmentVariable token("XDG_ACTIVATION_TOKEN", "token-17");
-  CSingleInstance first(scratch.GetPath());
+  CSingleInstance first(scratch.GetPath(), "");
   QByteArray received;
   int starts = 0;
   first.OnAnotherStart = [&](const QByteArray& given) {
     received = given;
     ++starts;
   };
-  ASSERT_TRUE(first.Claim());
+  ASSERT_EQ(first.Claim(), Claimed::ByThis);
   for (int i = 1; i <= 2; ++i) {
     const CAnotherStart second(scratch.GetPath());
     EXPECT_TRUE(QTest::qWaitFor([&] { return second.IsDone(); }, 2000)) << "an answer must not take long";
-    EXPECT_FALSE(second.WasFirst());
+    EXPECT_EQ(second.GetOutcome(), Claimed::ByOneInFront);
     EXPECT_EQ(starts, i);
   }
   EXPECT_EQ(received, "token-17");
@@ -54,36 +58,71 @@ TEST(SingleInstance, SecondHandsOverItsTokenAndGivesWay) {
 
 TEST(SingleInstance, FirstThatDoesNotAnswerIsNotWaitedForLong) {
   const CScratchFolder scratch;
-  CSingleInstance first(scratch.GetPath());
-  ASSERT_TRUE(first.Claim());
+  CSingleInstance first(scratch.GetPath(), "");
+  ASSERT_EQ(first.Claim(), Claimed::ByThis);
   QElapsedTimer timer;
   timer.start();
-  CSingleInstance second(scratch.GetPath());  // on this thread, so the first one can't answer
-  EXPECT_FALSE(second.Claim());
+  CSingleInstance second(scratch.GetPath(), "");  // on this thread, so the first one can't answer
+  EXPECT_EQ(second.Claim(), Claimed::ByOneOutOfReach);
+  EXPECT_EQ(second.GetHolder(), "process " + std::to_string(::getpid()));
   EXPECT_GE(timer.elapsed(), 2000);
   EXPECT_LT(timer.elapsed(), 6000);
 }
 
 TEST(SingleInstance, TakesOverFromOneThatEndsMeanwhile) {
   const CScratchFolder scratch;
-  auto first = std::make_unique<CSingleInstance>(scratch.GetPath());
-  ASSERT_TRUE(first->Claim());
+  auto first = std::make_unique<CSingleInstance>(scratch.GetPath(), "");
+  ASSERT_EQ(first->Claim(), Claimed::ByThis);
   const CAnotherStart second(scratch.GetPath());
   QThread::msleep(200);  // without an event loop: no answer
   first.reset();
   EXPECT_TRUE(QTest::qWaitFor([&] { return second.IsDone(); }, 4000));
-  EXPECT_TRUE(second.WasFirst());
+  EXPECT_EQ(second.GetOutcome(), Claimed::ByThis);
 }
 
 TEST(SingleInstance, WhatAKilledOneLeavesDoesNotBlock) {
   const CScratchFolder scratch;
-  scratch.Write("vellumar.lock", "");
+  scratch.Write("vellumar.lock", "1\nnowhere\n/nowhere\n");
   scratch.Write("vellumar.socket", "");
-  CSingleInstance next(scratch.GetPath());
-  EXPECT_TRUE(next.Claim());
+  scratch.Write("my.db.lock", "1\nnowhere\n/nowhere\n");
+  EXPECT_EQ(CSingleInstance(scratch.GetPath(), scratch.File("my.db")).Claim(), Claimed::ByThis);
+}
+
+TEST(SingleInstance, OneHoldsACatalogForAllSessions) {
+  const CScratchFolder scratch;
+  const std::string catalog = scratch.Write("data/my.db", "");
+  const std::string link = scratch.File("elsewhere/link.db");
+  std::filesystem::create_symlink(catalog, link);
+  const std::string away = scratch.File(std::string(120, 'r') + "/x");  // longer than a socket's address
+  CSingleInstance first(std::filesystem::path(away).parent_path(), catalog);
+  int starts = 0;
+  first.OnAnotherStart = [&](const QByteArray&) { ++starts; };
+  ASSERT_EQ(first.Claim(), Claimed::ByThis);
+  {
+    const CAnotherStart second(scratch.GetPath(), catalog);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return second.IsDone(); }, 2000));
+    EXPECT_EQ(second.GetOutcome(), Claimed::ByOneInFront);
+    const CAnotherStart third(scratch.GetPath(), link);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return third.IsDone(); }, 2000));
+    EXPECT_EQ(third.GetOutcome(), Claimed::ByOneInFront);
+    EXPECT_EQ(starts, 2);
+  }
+  const CAnotherStart other(scratch.GetPath(), scratch.File("data/other.db"));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return other.IsDone(); }, 2000));
+  EXPECT_EQ(other.GetOutcome(), Claimed::ByThis);
+
+  // As a session on another machine looks that shares the disk.
+  std::ofstream(catalog + ".lock") << "4711\nnas\n" << scratch.File("vellumar.socket") << "\n";
+  CSingleInstance next(scratch.GetPath(), catalog);
+  EXPECT_EQ(next.Claim(), Claimed::ByOneOutOfReach);
+  EXPECT_EQ(next.GetHolder(), "process 4711 on nas");
 }
 
 TEST(SingleInstance, AFolderThatTakesNoLockDoesNotKeepTheProgramFromStarting) {
-  CSingleInstance instance("/nowhere/at/all");
-  EXPECT_TRUE(instance.Claim());
+  const CScratchFolder scratch;
+  const std::string precious = scratch.Write("precious", "kept");
+  std::filesystem::create_symlink(precious, scratch.File("my.db.lock"));
+  CSingleInstance instance("/nowhere/at/all", scratch.File("my.db"));
+  EXPECT_EQ(instance.Claim(), Claimed::ByThis);
+  EXPECT_EQ(ReadBytes(precious), "kept");
 }
