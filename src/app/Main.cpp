@@ -15,6 +15,7 @@
 #include "base/RegistrySettings.h"
 #include "base/Texts.h"
 #include "discovery/FolderSearch.h"
+#include "platform/Files.h"
 #include "platform/SpecialFolders.h"
 #include "platform/StopSignals.h"
 #include "ui/frame/MainFrame.h"
@@ -126,6 +127,7 @@ void ReportFatalFailure(const CMainFrame& frame, const std::string& message) {
 }  // namespace
 
 int Main(const std::string& commandLine) {
+  platform::TakeSizeLimitsAsErrors();
   const bool activeDisk = commandLine.find(kActiveDiskSwitch) != std::string::npos;
   CSingleInstance instance(platform::RuntimeFolder(), FindCatalogToClaim(activeDisk));
   if (!ClaimInstance(instance)) return kEarlyExitCode;

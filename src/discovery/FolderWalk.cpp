@@ -54,8 +54,13 @@ void CFolderWalk::Walk(const std::string& folder) {
   platform::ListFolder(folder, entries);  // A folder that can't be read is as good as empty.
   for (const platform::FolderEntry& entry : entries) {
     if (IsStopped()) return;
-    if (entry.Name.starts_with('.')) continue;
     const std::string path = JoinPath(folder, entry.Name);
+    if (entry.Name.starts_with('.')) {
+      // What a kill has left of a photo that was being written.
+      const bool isFile = entry.IsRegular && !entry.IsLink;
+      if (isFile && platform::IsUnfinishedName(entry.Name)) platform::RemoveIfAbandoned(path);
+      continue;
+    }
     if (entry.IsFolder && entry.IsLink) {
       LinkedFolders.push_back(path);
     } else if (entry.IsFolder) {

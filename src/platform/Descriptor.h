@@ -13,6 +13,7 @@ std::error_code LastError();
 class Descriptor {
  public:
   Descriptor() = default;
+  explicit Descriptor(int number) : Number(number) {}
   ~Descriptor();
   Descriptor(Descriptor&& other) noexcept;
   Descriptor& operator=(Descriptor&& other) noexcept;

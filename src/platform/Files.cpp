@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <new>
 
 #include "platform/Descriptor.h"
@@ -152,9 +153,11 @@ std::error_code SetPermissions(const std::string& path, std::uint32_t mode) {
   return ::chmod(path.c_str(), mode) == 0 ? std::error_code() : LastError();
 }
 
-bool IsWritable(const std::string& path) {
-  return ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0;
+std::error_code CheckWritable(const std::string& path) {
+  return ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0 ? std::error_code() : LastError();
 }
+
+bool IsWritable(const std::string& path) { return !CheckWritable(path); }
 
 std::error_code RemoveFile(const std::string& path) {
   if (const auto error = AskFaultPlan("remove", path)) return error;
@@ -183,5 +186,7 @@ std::error_code CreateFolders(const std::string& path) {
 }
 
 std::error_code SyncFolderOf(const std::string& path) { return SyncFolder(FolderOf(path)); }
+
+void TakeSizeLimitsAsErrors() { static_cast<void>(std::signal(SIGXFSZ, SIG_IGN)); }
 
 }  // namespace platform

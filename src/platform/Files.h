@@ -68,7 +68,8 @@ std::error_code CreateLink(const std::string& target, const std::string& path);
 /// Sets a file's permission bits, links followed.
 std::error_code SetPermissions(const std::string& path, std::uint32_t mode);
 
-/// False if the user may not write to the file, or its medium can't be written.
+/// An error if the user may not write to the file, or its medium can't be written.
+std::error_code CheckWritable(const std::string& path);
 bool IsWritable(const std::string& path);
 
 std::error_code RemoveFile(const std::string& path);
@@ -88,6 +89,18 @@ inline constexpr std::string_view kUnfinishedPrefix = ".vellumar-";
 
 /// Removes the unfinished files that killed processes have left in a folder that no other one works in.
 void RemoveUnfinishedFiles(const std::string& folder);
+
+/// Whether a file of that name may be a photo that was being written: what the operations above call a file
+/// until it is whole.
+bool IsUnfinishedName(std::string_view name);
+
+/// Removes a file of such a name unless a living process, on whatever machine, is still making it. Whoever
+/// makes one holds a lock on it; where the disk knows no locks, the file stays.
+void RemoveIfAbandoned(const std::string& path);
+
+/// From now on a write past the size that files may have is an error of that write; by itself it would end
+/// the process.
+void TakeSizeLimitsAsErrors();
 
 /// A new, empty, private file in the folder that holds `beside`, or in the temporary folder when
 /// `beside` is empty. `prefix` begins its name. The file is for the caller to remove.

@@ -1,7 +1,9 @@
 #include "platform/TemporaryName.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/random.h>
+#include <sys/stat.h>
 
 #include <array>
 #include <cerrno>
@@ -16,11 +18,10 @@ namespace {
 constexpr int kTries = 100;
 
 std::error_code MakeRandomSuffix(std::string& suffix) {
-  constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz234567";
-  std::array<std::uint8_t, 10> random{};
+  std::array<std::uint8_t, kSuffixLength> random{};
   if (::getrandom(random.data(), random.size(), 0) != static_cast<ssize_t>(random.size())) return LastError();
   suffix.clear();
-  for (const std::uint8_t byte : random) suffix += kLetters[byte % kLetters.size()];
+  for (const std::uint8_t byte : random) suffix += kSuffixLetters[byte % kSuffixLetters.size()];
   return {};
 }
 
@@ -40,10 +41,26 @@ std::error_code TemporaryName::Create(std::string_view folder, std::string_view 
     path.append(prefix).append(suffix);
     if (const auto error = AskFaultPlan("create", path)) return error;
     const std::error_code error = File.Open(path, O_WRONLY | O_CREAT | O_EXCL, mode);
-    if (!error) Path = path;
-    if (error != std::errc::file_exists) return error;
+    if (error == std::errc::file_exists) continue;
+    if (error) return error;
+    Path = path;
+    bool isOurs = false;
+    if (const auto failure = Lock(isOurs)) return failure;
+    if (isOurs) return {};
   }
   return make_error_code(std::errc::file_exists);
+}
+
+/// False in `isOurs` if a search has taken the new file for an abandoned one in this very moment.
+std::error_code TemporaryName::Lock(bool& isOurs) {
+  const int copy = ::fcntl(File.Get(), F_DUPFD_CLOEXEC, 0);
+  if (copy < 0) return LastError();
+  Locked = Descriptor(copy);
+  const bool isTaken = ::flock(copy, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+  struct stat raw {};
+  if (::fstat(copy, &raw) != 0) return LastError();
+  isOurs = raw.st_nlink > 0 && !isTaken;
+  return {};
 }
 
 }  // namespace platform

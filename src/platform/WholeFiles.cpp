@@ -1,6 +1,7 @@
 // The operations of Files.h that make a file: each makes it whole under a name of its own first.
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -212,6 +213,22 @@ void RemoveUnfinishedFiles(const std::string& folder) {
     // What can't be removed takes up room and does no harm.
     if (entry.Name.starts_with(kUnfinishedPrefix)) static_cast<void>(RemoveFile(folder + "/" + entry.Name));
   }
+}
+
+bool IsUnfinishedName(std::string_view name) {
+  if (!name.starts_with(kUnfinishedPrefix)) return false;
+  name.remove_prefix(kUnfinishedPrefix.size());
+  return name.size() == kSuffixLength && name.find_first_not_of(kSuffixLetters) == std::string_view::npos;
+}
+
+void RemoveIfAbandoned(const std::string& path) {
+  Descriptor file;
+  struct stat raw {};
+  // Some network disks give a lock only on what is open for writing.
+  if (file.Open(path, O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY)) return;
+  if (::fstat(file.Get(), &raw) != 0 || !S_ISREG(raw.st_mode)) return;
+  if (::flock(file.Get(), LOCK_EX | LOCK_NB) != 0) return;
+  static_cast<void>(RemoveFile(path));
 }
 
 }  // namespace platform

@@ -10,7 +10,8 @@ CNewStorageFile::~CNewStorageFile() {
 }
 
 std::error_code CNewStorageFile::Create() {
-  return platform::CreateTemporaryFile(Target, platform::kUnfinishedPrefix, Path);
+  // Not a name that the search for photos takes for an abandoned file: nothing is locked while SQLite writes.
+  return platform::CreateTemporaryFile(Target, std::string(platform::kUnfinishedPrefix) + "db-", Path);
 }
 
 std::error_code CNewStorageFile::GiveName() {

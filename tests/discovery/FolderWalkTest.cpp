@@ -24,7 +24,7 @@ class FolderWalkTest : public CSearchFixture {
 TEST_F(FolderWalkTest, OnlyRegularVisibleJpegFilesAreFound) {
   for (const char* name :
        {"b.jpg", "a.JPEG", "no.jpe", "no.tif", "no.bmp", "jpg", ".hidden.jpg", ".folder/no.jpg",
-        "folder.jpg/c.jpg", "\xff\xfe bad utf-8.jpg", "line\nfeed.jpg"}) {
+        "folder.jpg/c.jpg", "folder.jpg/.vellumar-abcdefghij", "\xff\xfe bad utf-8.jpg", "line\nfeed.jpg"}) {
     AddPhoto(name);
   }
   ASSERT_EQ(0, ::mkfifo((Pictures() + "/fifo.jpg").c_str(), 0600));
@@ -33,6 +33,7 @@ TEST_F(FolderWalkTest, OnlyRegularVisibleJpegFilesAreFound) {
   EXPECT_THAT(FoundBelow(Pictures()), ElementsAre("a.JPEG", "b.jpg", "folder.jpg/c.jpg", "line\nfeed.jpg",
                                                   "link.jpg", "\xff\xfe bad utf-8.jpg"));
   EXPECT_TRUE(Catalog.FindAssetByPath(Pictures() + "/\xff\xfe bad utf-8.jpg").IsValid());
+  EXPECT_FALSE(std::filesystem::exists(Pictures() + "/folder.jpg/.vellumar-abcdefghij")) << "left by a kill";
 }
 
 TEST_F(FolderWalkTest, LinksThatLoopAndFoldersThatRepeatAreEnteredOnce) {

@@ -222,6 +222,32 @@ TEST(WriteFileAtomically, WhatAKillLeavesIsRemovedAndNothingElse) {
   EXPECT_EQ(ReadBytes(path), kNew);
 }
 
+TEST(RemoveIfAbandoned, TakesWhatKillsLeaveAndNothingThatIsBeingMade) {
+  const CScratchFolder folder;
+  const std::string path = folder.Write("file", kOld);
+  const auto sweep = [&folder] {
+    for (const std::string& name : NamesIn(folder))
+      if (platform::IsUnfinishedName(name)) platform::RemoveIfAbandoned(folder.GetPath() + "/" + name);
+  };
+  int step = 1;
+  while (RunAndKillAtStep(step, [&] { Replace(path, kNew); })) ++step;
+  EXPECT_GT(NamesIn(folder).size(), 1U) << "kills leave something";
+  for (const char* name : {".vellumar-", ".vellumar-db-abcdefghij", ".vellumar-ABCDEFGHIJ"})
+    folder.Write(name, "");
+  ::symlink("file", folder.File(".vellumar-abcdefghij").c_str());
+  sweep();
+  EXPECT_THAT(NamesIn(folder), UnorderedElementsAre("file", ".vellumar-", ".vellumar-db-abcdefghij",
+                                                    ".vellumar-ABCDEFGHIJ", ".vellumar-abcdefghij"));
+  platform::SetFaultPlan([&sweep](std::string_view operation, std::string_view) {
+    if (operation != "remove") sweep();
+    return std::error_code();
+  });
+  EXPECT_FALSE(Replace(path, kOld));
+  EXPECT_FALSE(platform::CopyToNewFile(path, folder.GetPath() + "/copy"));
+  platform::SetFaultPlan({});
+  EXPECT_EQ(ReadBytes(folder.GetPath() + "/copy"), kOld);
+}
+
 TEST(WriteFileAtomically, ReplacesRegularFilesAlone) {
   const CScratchFolder folder;
   const std::string inner = folder.File("folder/inner");
