@@ -11,10 +11,17 @@ class CCommittingStore {
   bool GetAutoCommit() const { return AutoCommit; }
   void SetAutoCommit(bool on) { AutoCommit = on; }
 
-  /// What has changed is on disk, flushed, when this returns. Raises CStorageException, with the changes
-  /// undone, when the disk refuses. Nothing happens while the store is closed.
+  /// What has changed is on disk, flushed, when this returns. Raises CStorageException when the disk refuses;
+  /// the changes are undone then, but for those that held before the last flush failed. Nothing happens while
+  /// the store is closed.
   void Commit() {
     if (Storage) Storage->Commit();
+  }
+
+  /// After a failed commit: sees to it that the store shows what holds. CStorageException if that can't be
+  /// read.
+  void Refresh() {
+    if (Storage) Storage->Refresh();
   }
 
   /// Undoes everything since the last commit.

@@ -118,10 +118,14 @@ void CDatabase::CheckContent() {
 }
 
 void CDatabase::CheckAgain() {
+  int moved = 0;
+  const int code = sqlite3_file_control(Connection.get(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+  if (code == SQLITE_OK && moved != 0) throw CDatabaseError(SQLITE_READONLY_DBMOVED, Connection.get());
   const bool wasOurs = Ours;
   CheckContent();
-  if (Ours || !wasOurs) return;
-  Ours = true;  // until it is put right
+  // A file that is cut off at its start is an empty one for SQLite.
+  if (wasOurs ? Ours : QueryInteger("SELECT count(*) FROM sqlite_schema") > 0) return;
+  Ours = wasOurs;
   throw CDatabaseError(SQLITE_CORRUPT, "another program has put something else in its place");
 }
 

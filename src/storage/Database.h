@@ -22,7 +22,7 @@ class CDatabase {
   bool IsReadOnly() const { return Mode == c4_Storage::Mode::ReadOnly; }
   /// Whether the file was made by this program. Any other SQLite file may serve if it has the views.
   bool IsOurs() const { return Ours; }
-  /// Reads that again.
+  /// Reads again whether the file is ours.
   void ReadMark();
   sqlite3* GetConnection() const { return Connection.get(); }
 
@@ -35,7 +35,7 @@ class CDatabase {
   std::int64_t GetDataVersion();
   std::int64_t GetFirstDataVersion() const { return FirstDataVersion; }
 
-  /// After another program has changed the file: CDatabaseError if it is no whole storage any more.
+  /// CDatabaseError if another process has moved the file, cut it short or put something else into it.
   void CheckAgain();
 
   /// "The file "/x/y" can't be <done>: <reason>."

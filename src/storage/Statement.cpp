@@ -2,8 +2,11 @@
 
 #include <sqlite3.h>
 
+#include <cerrno>
 #include <cstring>
 #include <limits>
+
+#include "platform/Files.h"
 
 namespace {
 
@@ -14,11 +17,37 @@ std::string DescribeIoError(sqlite3* connection) {
   return text;
 }
 
-std::string DescribeReadOnly(int code) {
+std::string GetPath(sqlite3* connection) {
+  const char* path = connection != nullptr ? sqlite3_db_filename(connection, "main") : nullptr;
+  return path != nullptr ? path : "";
+}
+
+std::string DescribeReadOnly(int code, sqlite3* connection) {
   if (code == SQLITE_READONLY_ROLLBACK) return "an interrupted change of it can't be undone";
   if (code == SQLITE_READONLY_DIRECTORY) return "its folder may not be written";
   if (code == SQLITE_READONLY_DBMOVED) return "it was moved, removed or replaced while it was open";
-  return "it may not be written";
+  const std::error_code error = platform::CheckWritable(GetPath(connection));
+  return error ? error.message() : "it may not be written";
+}
+
+std::string DescribeFull() { return "the disk is full"; }
+
+/// SQLite tells the error of its last try, which is to open a file for reading that it couldn't make. Making
+/// one tells the cause.
+std::string DescribeCannotOpen(sqlite3* connection) {
+  const std::string path = GetPath(connection);
+  const int system = connection != nullptr ? sqlite3_system_errno(connection) : 0;
+  platform::FileStatus status;
+  if (system == ENOENT && !path.empty() && !platform::GetStatus(path, status)) {
+    std::string made;
+    const std::error_code error = platform::CreateTemporaryFile(path, platform::kUnfinishedPrefix, made);
+    if (error == std::errc::no_space_on_device) return DescribeFull();
+    if (error) return "no journal can be made beside it (" + error.message() + ")";
+    static_cast<void>(platform::RemoveFile(made));
+  } else if (system != 0) {
+    return std::strerror(system);
+  }
+  return "it or its journal can't be opened";
 }
 
 /// What is wrong, as the end of a sentence about the file.
@@ -28,21 +57,19 @@ std::string Describe(int code, sqlite3* connection) {
     case SQLITE_CORRUPT:
       return "it is damaged";
     case SQLITE_FULL:
-      return "the disk is full";
+      return DescribeFull();
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
     case SQLITE_PROTOCOL:
       return "another program is using it";
     case SQLITE_READONLY:
-      return DescribeReadOnly(code);
+      return DescribeReadOnly(code, connection);
     case SQLITE_IOERR:
       return DescribeIoError(connection);
     case SQLITE_NOMEM:
       return "memory ran out";
-    case SQLITE_CANTOPEN: {
-      const int system = connection != nullptr ? sqlite3_system_errno(connection) : 0;
-      return system != 0 ? std::strerror(system) : "it or its journal can't be opened";
-    }
+    case SQLITE_CANTOPEN:
+      return DescribeCannotOpen(connection);
     default:
       return connection != nullptr ? sqlite3_errmsg(connection) : sqlite3_errstr(code);
   }

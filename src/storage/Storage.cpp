@@ -113,6 +113,11 @@ void c4_Storage::Rollback() {
   Inside->Transaction.Rollback();
 }
 
+void c4_Storage::Refresh() {
+  AssertDataThread();
+  Inside->Transaction.Refresh();
+}
+
 void c4_Storage::SaveTo(c4_Stream& stream) {
   AssertDataThread();
   SaveStorageImage(Inside->Database, stream);

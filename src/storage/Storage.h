@@ -40,8 +40,12 @@ class c4_Storage {
   c4_View GetAs(std::string_view description);
 
   /// Ends the transaction: all changes since the last commit are on disk, flushed, when this returns. Does
-  /// nothing when there are none.
+  /// nothing when there are none. If only the last flush fails, CStorageException is raised although the
+  /// changes hold: the views show what does.
   void Commit();
+
+  /// Reads again what holds, if the disk refused that too when a commit failed. CStorageException.
+  void Refresh();
 
   /// Undoes all changes since the last commit, in every view.
   void Rollback();

@@ -7,8 +7,9 @@
 
 /// A read or write of a storage failed after it was opened: the disk is full, failed, or may no longer be
 /// written. When a write failed all uncommitted changes of the storage have been undone by the time this is
-/// raised; so they have when the disk failed to read. The program can show the text, which names the file
-/// and what is wrong, and go on. A block of bytes that is damaged leaves the changes as they are.
+/// raised, unless Commit says otherwise; so they have when the disk failed to read. The program can show the
+/// text, which names the file and what is wrong, and go on. A block of bytes that is damaged leaves the
+/// changes as they are.
 class CStorageException : public CException {
  public:
   explicit CStorageException(std::string message, bool isDamage = false)

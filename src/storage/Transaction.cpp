@@ -15,10 +15,8 @@ void CTransaction::Begin() {
   if (Opened) return;
   Database.Execute("BEGIN IMMEDIATE");
   Opened = true;
-  if (OutOfStep || Database.GetDataVersion() != DataVersion) {
-    Database.CheckAgain();
-    LoadTables();
-  }
+  Database.CheckAgain();
+  if (OutOfStep || Database.GetDataVersion() != DataVersion) LoadTables();
   for (c4_Table* table : Tables) table->BeginChanges();
 }
 
@@ -35,6 +33,15 @@ void CTransaction::Commit() {
   }
   Opened = false;
   for (c4_Table* table : Tables) table->KeepChanges();
+}
+
+void CTransaction::Refresh() {
+  if (!OutOfStep) return;
+  try {
+    LoadTables();
+  } catch (const CDatabaseError& error) {
+    throw CStorageException(Database.Describe("read", error), error.IsDamage());
+  }
 }
 
 void CTransaction::Rollback() {
@@ -67,6 +74,7 @@ void CTransaction::EndInFile() noexcept {
 
 void CTransaction::LoadTables() {
   OutOfStep = true;
+  Database.CheckAgain();
   for (c4_Table* table : Tables) table->Load();
   DataVersion = Database.GetDataVersion();
   OutOfStep = false;

@@ -40,8 +40,11 @@ class CTransaction {
     }
   }
 
-  /// CStorageException, with everything since the last commit undone, if it doesn't reach the disk.
+  /// CStorageException if it doesn't reach the disk. The tables hold what the file holds then: as a rule the
+  /// last commit, but all of the changes if only the last flush failed.
   void Commit();
+  /// Loads the tables if a failure has left it open what the file holds. CStorageException if it still is.
+  void Refresh();
   void Rollback();
 
   /// To be called when a read failed: SQLite may have given up the transaction on its own.

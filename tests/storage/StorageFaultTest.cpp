@@ -1,9 +1,14 @@
 // A disk that fails at the n-th step of a change, for every n.
 
+#include <cerrno>
+#include <functional>
+
 #include "FaultyVfs.h"
 #include "StorageTestTools.h"
 #include "platform/Faults.h"
 #include "storage/StorageException.h"
+
+using testing::HasSubstr;
 
 namespace {
 
@@ -77,7 +82,7 @@ class CStorageFaultTest : public CStorageTest {
       Change(opened, size);
     } catch (const CStorageException& exception) {
       done = false;
-      EXPECT_THAT(exception.GetMessage(), testing::HasSubstr(Path));
+      EXPECT_THAT(exception.GetMessage(), HasSubstr(Path));
     }
     Vfs.SetPlan(nullptr);
     Reached = count >= step;
@@ -104,6 +109,15 @@ class CStorageFaultTest : public CStorageTest {
       }
       ASSERT_EQ(Opened(Path).Show(), after);
       ASSERT_EQ(ReadFolder(Folder).size(), 1U) << "something was left beside the file";
+    }
+  }
+
+  static std::string FailureOf(const std::function<void()>& change) {
+    try {
+      change();
+      return "none";
+    } catch (const CStorageException& exception) {
+      return exception.GetMessage();
     }
   }
 
@@ -154,6 +168,38 @@ TEST_F(CStorageFaultTest, DiskThatIsGoneForAWhileGivesTheRowsBack) {
   EXPECT_EQ(pText.Get(Opened(Path).Things[1]), "x");
 }
 
+TEST_F(CStorageFaultTest, FileThatAnotherProgramDestroysIsToldAtEachChange) {
+  MakeFirstRows();
+  const std::string bytes = ReadBytes(Path);
+  for (const std::size_t left : {std::size_t{0}, std::size_t{100}, std::size_t{4096}, bytes.size() - 1}) {
+    WriteBytes(Path, bytes);
+    Opened opened(Path);
+    std::filesystem::resize_file(Path, left);
+    for (int i = 0; i < 2; ++i) EXPECT_THROW(pText.Set(opened.Things[1], "x"), CStorageException) << left;
+    EXPECT_EQ(pText.Get(opened.Things[1]), "text1") << "what is held in memory stays";
+    EXPECT_EQ(ReadBytes(Path), bytes.substr(0, left)) << "its bytes stay";
+  }
+  WriteBytes(Path, bytes);
+  Opened opened(Path);
+  std::filesystem::rename(Path, Path + ".away");
+  EXPECT_THAT(FailureOf([&] { pText.Set(opened.Things[1], "x"); }), HasSubstr("moved, removed"));
+}
+
+TEST_F(CStorageFaultTest, JournalThatCannotBeMadeIsToldWithItsCause) {
+  MakeFirstRows();
+  Opened opened(Path);
+  Vfs.SetPlan([](const std::string& step, const std::string& path) {
+    errno = ENOENT;  // of the library's last try, to open what isn't there for reading
+    return step == "open" && path.ends_with("-journal") ? SQLITE_CANTOPEN : SQLITE_OK;
+  });
+  std::errc cause = std::errc::no_space_on_device;
+  platform::SetFaultPlan([&cause](std::string_view, std::string_view) { return make_error_code(cause); });
+  EXPECT_THAT(FailureOf([&] { pText.Set(opened.Things[1], "x"); }), HasSubstr("the disk is full"));
+  cause = std::errc::read_only_file_system;
+  EXPECT_THAT(FailureOf([&] { pText.Set(opened.Things[1], "x"); }), HasSubstr("Read-only file system"));
+  platform::SetFaultPlan({});
+}
+
 TEST_F(CStorageFaultTest, BytesThatCannotBeReadRaiseAndUndo) {
   MakeFirstRows();
   {
@@ -189,7 +235,7 @@ TEST_F(CStorageFaultTest, NewFileIsWholeOrAbsent) {
         c4_Storage storage(Path, c4_Storage::Mode::ReadWrite);
         made = true;
       } catch (const CError& error) {
-        EXPECT_THAT(error.GetMessage(), testing::HasSubstr(Path));
+        EXPECT_THAT(error.GetMessage(), HasSubstr(Path));
       }
       Vfs.SetPlan(nullptr);
       const auto files = ReadFolder(Folder);

@@ -253,7 +253,7 @@ TEST_F(CStorageOpeningTest, MissingRightsAreToldAndNothingIsLeft) {
     const std::string message = ChangeAndFail();
     return message.find(reason) != std::string::npos && !HasFailure();
   };
-  EXPECT_TRUE(RunWithoutRights([&] { return looksButChangesNothing("it may not be written"); }));
+  EXPECT_TRUE(RunWithoutRights([&] { return looksButChangesNothing("Permission denied"); }));
   ASSERT_EQ(chmod(Path.c_str(), 0666), 0);
   EXPECT_TRUE(RunWithoutRights([&] { return looksButChangesNothing("its folder may not be written"); }));
   EXPECT_TRUE(RunWithoutRights([&] {
