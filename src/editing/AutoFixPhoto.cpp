@@ -19,6 +19,13 @@ void FixAndSave(CImage& image, const std::string& path) {
   image.Save(path, kQuality);
 }
 
+void Undo(const CAssetRecord& photo) {
+  if (const auto error = RestoreOriginalCopy(photo)) {
+    throw CException("The original of \"" + photo.GetPath() + "\" can't be brought back: " + error.message() +
+                     ".");
+  }
+}
+
 PhotoChange Fix(const std::string& path, CImage* shown) {
   if (shown && shown->GetCurrentSize() == shown->GetNaturalSize()) {
     FixAndSave(*shown, path);
@@ -35,18 +42,19 @@ PhotoChange Fix(const std::string& path, CImage* shown) {
 PhotoChange AutoFixPhoto(const CAssetRecord& photo, CImage* image, const WorkBegins& workBegins) {
   if (!CheckPhotoWritable(photo)) return PhotoChange::None;
   if (workBegins) workBegins();
+  if (!ForgetThumbnail(photo)) return PhotoChange::None;
   if (HasOriginalCopy(photo)) {
-    RestoreOriginalCopy(photo);
+    Undo(photo);
     return PhotoChange::FileAlone;
   }
   if (!MakeOriginalCopy(photo)) throw CException(StringId::CannotCopyOriginal);
   try {
     return Fix(photo.GetPath(), image);
   } catch (const CError&) {
-    RestoreOriginalCopy(photo);
+    static_cast<void>(RestoreOriginalCopy(photo));
     throw;
   } catch (...) {
-    RestoreOriginalCopy(photo);
+    static_cast<void>(RestoreOriginalCopy(photo));
     throw CException(StringId::CannotSaveEditedPhoto);
   }
 }

@@ -9,7 +9,7 @@ class CImage;
 /// those back instead. `image` is the photo as it is shown, null for none: if it has all of the photo's
 /// pixels, they are corrected too. Asks and tells the user what CheckPhotoWritable does.
 ///
-/// CException "Cannot make copy of original photo." or "Can't save edited photo". The photo is as it was
-/// then, without an original copy, but the pixels of `image` may have been corrected: it is to be loaded
-/// again.
+/// CException "Cannot make copy of original photo.", "Can't save edited photo", or why the earlier bytes
+/// can't be brought back. The photo, and whether it has an original copy, is as before then, but the pixels
+/// of `image` may have been corrected: it is to be loaded again.
 PhotoChange AutoFixPhoto(const CAssetRecord& photo, CImage* image, const WorkBegins& workBegins);

@@ -4,7 +4,9 @@
 
 #include "base/Messages.h"
 #include "catalog/AssetRecord.h"
+#include "imaging/ThumbnailCache.h"
 #include "platform/Files.h"
+#include "storage/StorageException.h"
 
 namespace {
 
@@ -39,4 +41,16 @@ bool CheckPhotoWritable(const CAssetRecord& photo) {
   if (ShowMessageId(StringId::MakePhotoEditableQuestion, true)) return true;
   static_cast<void>(platform::SetPermissions(path, status.Mode));
   return false;
+}
+
+bool ForgetThumbnail(const CAssetRecord& photo) {
+  CThumbnailCache& cache = *CThumbnailCache::GetInstance();
+  try {
+    cache.Remove(photo.GetAssetID());
+  } catch (const CStorageException& exception) {
+    if (cache.RenewIfDamaged()) return true;  // without any thumbnail
+    ShowMessage(exception.GetMessage());
+    return false;
+  }
+  return true;
 }

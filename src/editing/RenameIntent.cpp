@@ -5,7 +5,6 @@
 #include <string_view>
 #include <vector>
 
-#include "base/Folders.h"
 #include "catalog/Catalog.h"
 #include "platform/Files.h"
 
@@ -34,10 +33,6 @@ std::optional<PhotoRename> Parse(std::string_view text) {
 
 CRenameIntent::CRenameIntent(const CCatalog& catalog) : Path(catalog.GetPath() + ".rename") {}
 
-CRenameIntent::~CRenameIntent() {
-  if (!Kept && FileExists(Path, false)) static_cast<void>(platform::RemoveFile(Path));
-}
-
 std::error_code CRenameIntent::Write(const PhotoRename& rename) const {
   std::string text;
   for (const std::string& part : {std::to_string(rename.AssetId), rename.OldPath, rename.NewPath}) {
@@ -51,3 +46,5 @@ std::optional<PhotoRename> CRenameIntent::Read() const {
   if (platform::ReadWholeFile(Path, bytes, kLargestIntent)) return {};
   return Parse({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
+
+void CRenameIntent::Drop() const { static_cast<void>(platform::RemoveFile(Path)); }

@@ -14,24 +14,21 @@ struct PhotoRename {
 };
 
 /// What a rename is about to do, in a small file beside the catalog from before the photo's file moves until
-/// its row has followed. A kill in between leaves it for the next start; else the file goes with the object.
+/// file and row are known to agree. What stands there after a kill, or after a disk refused, is for the next
+/// rename or start to put right.
 class CRenameIntent {
  public:
   explicit CRenameIntent(const CCatalog& catalog);
-  ~CRenameIntent();
-  CRenameIntent(const CRenameIntent&) = delete;
-  CRenameIntent& operator=(const CRenameIntent&) = delete;
 
-  /// Flushed when it returns.
+  /// Replaces what stands there. Flushed when it returns.
   std::error_code Write(const PhotoRename& rename) const;
-
-  /// Leaves the file for the next start.
-  void Keep() { Kept = true; }
 
   /// None if there is none, or it can't be read.
   std::optional<PhotoRename> Read() const;
 
+  /// Removes the file. One that can't be removed does no harm: file and row agree.
+  void Drop() const;
+
  private:
   const std::string Path;
-  bool Kept = false;
 };

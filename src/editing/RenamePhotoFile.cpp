@@ -1,74 +1,139 @@
 #include "editing/RenamePhotoFile.h"
 
-#include "base/Exceptions.h"
-#include "base/Folders.h"
+#include <algorithm>
+#include <vector>
+
+#include "base/Format.h"
 #include "base/Messages.h"
 #include "base/Paths.h"
 #include "catalog/Catalog.h"
+#include "editing/OriginalCopy.h"
 #include "editing/RenameIntent.h"
 #include "platform/Files.h"
+#include "platform/FolderListing.h"
+#include "platform/Unicode.h"
 #include "storage/StorageException.h"
 
 namespace {
+
+constexpr std::size_t kLongestFileName = 255;  // bytes
+constexpr int kFirstNumber = 2;                // of a name that is taken
 
 bool IsFileName(const std::string& name) {
   return !name.empty() && name != "." && name != ".." && name.find('/') == std::string::npos &&
          name.find('\0') == std::string::npos;
 }
 
-/// Whether both names lead to one file: on a disk that doesn't know case they can.
-bool AreOneFile(const std::string& path, const std::string& other) {
-  platform::FileStatus first, second;
-  if (platform::GetStatus(path, first) || platform::GetStatus(other, second)) return false;
-  return first.Device == second.Device && first.Inode == second.Inode && first.LinkCount == 1;
+bool IsThere(const std::string& path) {
+  platform::FileStatus status;
+  return !platform::GetEntryStatus(path, status);
 }
 
-std::error_code Move(const std::string& from, const std::string& to) {
-  const std::error_code error = platform::RenameToNewName(from, to);
-  if (error == std::errc::file_exists && AreOneFile(from, to)) return platform::RenameOver(from, to);
-  return error;
+/// Whether a name that isn't the file's own leads to that file all the same, on a disk that knows no case:
+/// both names are there, and the folder lists one. Where such disks are mounted the numbers of files aren't
+/// to be relied on.
+bool LeadsToOwnFile(const std::string& folder, const std::string& name, const std::string& own) {
+  if (name == own || !platform::EqualNoCase(name, own)) return false;
+  if (!IsThere(folder + name) || !IsThere(folder + own)) return false;
+  std::vector<platform::FolderEntry> entries;
+  if (platform::ListFolder(folder, entries)) return false;
+  const auto isSpelling = [&own](const auto& entry) { return platform::EqualNoCase(entry.Name, own); };
+  return std::count_if(entries.begin(), entries.end(), isSpelling) == 1;
 }
 
-/// Undoes a move that was reported as failed but may have taken place, or that the row didn't follow. False
-/// if the file isn't under its old name then.
-bool MoveBack(const std::string& oldPath, const std::string& newPath) {
-  return FileExists(oldPath, false) || !FileExists(newPath, false) || !Move(newPath, oldPath);
+std::string FindFreeName(const CAssetRecord& photo, const std::string& title, const std::string& extension,
+                         int number) {
+  const std::size_t room = kLongestFileName - OriginalCopyPath(std::string()).size();
+  for (;; ++number) {
+    const std::string end = (number < kFirstNumber ? std::string() : Format("-%d", number)) + extension;
+    std::string name(platform::Truncated(title, room - std::min(room, end.size())));
+    name += end;
+    if (IsNameFree(photo, name)) return name;
+  }
+}
+
+/// Brings file and row together after a rename that didn't come to its end. What the row says counts; the row
+/// follows only a file that can't be moved. False if neither can be done, or isn't sure to last.
+bool Settle(CCatalog& catalog, const PhotoRename& rename) {
+  CAssetRecord photo = catalog.FindAssetById(rename.AssetId);
+  const std::string stored = photo.GetPath();
+  if (stored != rename.OldPath && stored != rename.NewPath) return true;
+  const std::string& other = stored == rename.NewPath ? rename.OldPath : rename.NewPath;
+  if (IsThere(stored)) return true;
+  if (!IsThere(other)) return false;  // the disk may be away
+  const CAssetRecord owner = catalog.FindAssetByPath(other);
+  if (owner.IsValid() && owner.GetAssetID() != rename.AssetId) return true;  // another photo has come there
+  if (!platform::RenameToNewName(other, stored)) return true;
+  if (IsThere(stored)) return false;
+  photo.SetPath(other);
+  return true;
+}
+
+/// Settles what an earlier rename has left. CStorageException if the catalog can't be read or written.
+void SettleLast(CCatalog& catalog) {
+  const CRenameIntent intent(catalog);
+  const auto rename = intent.Read();
+  catalog.Refresh();
+  if (!rename || Settle(catalog, *rename)) intent.Drop();
+}
+
+/// Moves the file and then the row; both stay, or both have gone.
+std::error_code MoveBoth(CAssetRecord photo, const std::string& newPath) {
+  CCatalog& catalog = *CCatalog::GetInstance();
+  const PhotoRename rename{photo.GetAssetID(), photo.GetPath(), newPath};
+  const CRenameIntent intent(catalog);
+  if (const auto error = intent.Write(rename)) return error;
+  const std::error_code error = platform::RenameToNewName(rename.OldPath, newPath);
+  try {
+    if (!error) photo.SetPath(newPath);
+    if (!error || Settle(catalog, rename)) intent.Drop();
+  } catch (const CStorageException&) {
+    // The commit may have taken effect all the same. Until that is flushed a power loss can take it back, so
+    // then the intent stays.
+    catalog.Refresh();
+    const bool settled = Settle(catalog, rename);
+    if (photo.GetPath() == newPath) return {};
+    if (settled) intent.Drop();
+    throw;
+  }
+  return photo.GetPath() == newPath ? std::error_code() : error;
 }
 
 }  // namespace
 
+bool IsNameFree(const CAssetRecord& photo, const std::string& name) {
+  const std::string folder = photo.GetFolder();
+  const std::string own = photo.GetFilename();
+  if (name == own || LeadsToOwnFile(folder, name, own)) return true;
+  return !IsThere(folder + name) && !IsThere(OriginalCopyPath(folder + name));
+}
+
+std::string FindFreeName(const CAssetRecord& photo, const std::string& title, const std::string& extension) {
+  return FindFreeName(photo, title, extension, kFirstNumber - 1);
+}
+
 std::error_code RenamePhotoFile(CAssetRecord photo, const std::string& newName) {
   const std::string oldPath = photo.GetPath();
   const std::string name = GetExtension(newName).empty() ? newName + GetExtension(oldPath) : newName;
-  if (!IsFileName(newName)) return std::make_error_code(std::errc::invalid_argument);
+  if (!IsFileName(newName)) return make_error_code(std::errc::invalid_argument);
   const std::string newPath = photo.GetFolder() + name;
   if (newPath == oldPath) return {};
+  SettleLast(*CCatalog::GetInstance());
+  if (!IsNameFree(photo, name)) return make_error_code(std::errc::file_exists);
+  if (!IsThere(newPath)) return MoveBoth(photo, newPath);
 
-  CRenameIntent intent(*CCatalog::GetInstance());
-  if (const auto error = intent.Write({photo.GetAssetID(), oldPath, newPath})) return error;
-  std::error_code error;
-  try {
-    error = Move(oldPath, newPath);
-    if (!error) photo.SetPath(newPath);
-  } catch (const CThrowable&) {
-    if (!MoveBack(oldPath, newPath)) intent.Keep();
-    throw;
-  }
-  if (error && !MoveBack(oldPath, newPath)) intent.Keep();
+  // Where case isn't known the system takes both names for one and does nothing: the file goes by a third.
+  const std::string between = FindFreeName(photo, photo.GetTitle(), GetExtension(oldPath), kFirstNumber);
+  if (const auto error = MoveBoth(photo, photo.GetFolder() + between)) return error;
+  const std::error_code error = MoveBoth(photo, newPath);
+  if (error) static_cast<void>(MoveBoth(photo, oldPath));
   return error;
 }
 
 void FinishInterruptedRename(CCatalog& catalog) {
-  CRenameIntent intent(catalog);
-  const auto rename = intent.Read();
-  if (!rename) return;
-  CAssetRecord photo = catalog.FindAssetById(rename->AssetId);
-  const bool moved = !FileExists(rename->OldPath, false) && FileExists(rename->NewPath, false);
-  if (photo.GetPath() != rename->OldPath || !moved) return;
   try {
-    photo.SetPath(rename->NewPath);
+    SettleLast(catalog);
   } catch (const CStorageException& exception) {
-    intent.Keep();
     ShowMessage(exception.GetMessage(), false, MessageParent::ProgressWindow);
   }
 }

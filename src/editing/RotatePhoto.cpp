@@ -11,6 +11,7 @@ PhotoChange RotatePhoto(const CAssetRecord& photo, CImage* image, int angle, con
   if (!image) return PhotoChange::None;
   if (!image->RotatesWithoutLoss() && !ShowMessageId(StringId::RotationLosesInformation, true))
     return PhotoChange::None;
+  if (!ForgetThumbnail(photo)) return PhotoChange::None;
   if (image->GetPath() == photo.GetPath()) {
     image->Rotate(angle);
     return PhotoChange::ShownImage;

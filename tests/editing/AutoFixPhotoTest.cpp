@@ -114,7 +114,7 @@ TEST_F(AutoFixPhotoTest, EveryFailingStepLeavesThePhotoAndNoCopy) {
   EXPECT_EQ(Fixed, Now());
 }
 
-TEST_F(AutoFixPhotoTest, AFullDiskAndAReadOnlyFolderChangeNothing) {
+TEST_F(AutoFixPhotoTest, AFullDiskAndAReadOnlyFolderAreToldAndChangeNothing) {
   const auto shown = Show(40, 40);
   {
     const CFileSizeLimit full(Original.size() - 1);
@@ -126,6 +126,14 @@ TEST_F(AutoFixPhotoTest, AFullDiskAndAReadOnlyFolderChangeNothing) {
   EXPECT_TRUE(RunAsNobody([&] { return FailureOf(shown.get()) == "Cannot make copy of original photo."; }));
   EXPECT_EQ(Original, Now());
   EXPECT_THAT(NamesInFolder(), ElementsAre("boat.jpg"));
+  ExpectRefusedWithoutThumbnails([&] { return AutoFixPhoto(Photo, shown.get(), kNothing); });
+
+  // Undo in a folder that can't be changed.
+  ASSERT_EQ("none", FailureOf(shown.get()));
+  fs::permissions(Photo.GetPath(), fs::perms(0666));
+  EXPECT_TRUE(
+      RunAsNobody([&] { return FailureOf(nullptr).ends_with("can't be brought back: Permission denied."); }));
+  EXPECT_THAT(NamesInFolder(), ElementsAre("boat.jpg", "boat.jpg.orig"));
 }
 
 TEST_F(AutoFixPhotoTest, KilledAtAnyStepOneWholeVersionHasTheNameAndTheOriginalIsKept) {
@@ -135,7 +143,10 @@ TEST_F(AutoFixPhotoTest, KilledAtAnyStepOneWholeVersionHasTheNameAndTheOriginalI
     for (bool killed = true; killed; ++steps) {
       PutBack();
       if (undoes) use();
+      StoreThumbnail();
+      const std::string before = Now();
       killed = RunAndKillAtStep(steps + 1, use);
+      ExpectNoStaleThumbnail(before);
       const bool hasCopy = fs::exists(Photo.GetPath() + ".orig");
       EXPECT_TRUE(!hasCopy || ReadBytes(Photo.GetPath() + ".orig") == Original) << "step " << steps;
       EXPECT_TRUE(Now() == Original || (Now() == Fixed && hasCopy)) << "step " << steps;

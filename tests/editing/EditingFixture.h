@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "catalog/Catalog.h"
+#include "imaging/ThumbnailCache.h"
 #include "platform/Faults.h"
 #include "support/FileSizeLimit.h"
 #include "support/ScratchFolder.h"
@@ -17,9 +18,12 @@ class CEditingFixture : public testing::Test {
  protected:
   CEditingFixture() {
     Catalog.Open(Scratch.File("data/vellumar.db"));
+    OpenThumbnails();
     Photo = Catalog.AddAsset(Scratch.Write("photos/boat.jpg", "the photo"));
   }
   ~CEditingFixture() override { platform::SetFaultPlan({}); }
+
+  void OpenThumbnails() { Thumbnails.Open(Scratch.File("data/vellumar.thumbs"), Catalog.GetDBGUID()); }
 
   std::string InFolder(const std::string& name) const { return Scratch.GetPath() + "/photos/" + name; }
 
@@ -41,5 +45,6 @@ class CEditingFixture : public testing::Test {
   CScratchFolder Scratch;
   CScriptedMessages Messages;
   CCatalog Catalog;
+  CThumbnailCache Thumbnails;
   CAssetRecord Photo;
 };

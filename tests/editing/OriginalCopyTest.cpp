@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <sys/xattr.h>
 
+#include <functional>
+
 #include "editing/EditingFixture.h"
 #include "editing/OriginalCopy.h"
 #include "platform/Files.h"
@@ -25,7 +27,7 @@ TEST_F(OriginalCopyTest, UndoBringsBackBytesModeTimesAndAttributes) {
   const bool hasAttributes = ::setxattr(path.c_str(), "user.comment", "lake", 4, 0) == 0;
 
   EXPECT_FALSE(HasOriginalCopy(Photo));
-  EXPECT_FALSE(RestoreOriginalCopy(Photo));
+  EXPECT_TRUE(RestoreOriginalCopy(Photo));
   EXPECT_EQ("the photo", ReadBytes(path)) << "without a copy nothing is done";
   EXPECT_TRUE(MakeOriginalCopy(Photo));
   EXPECT_EQ(path + ".orig", OriginalCopyPath(Photo));
@@ -40,7 +42,7 @@ TEST_F(OriginalCopyTest, UndoBringsBackBytesModeTimesAndAttributes) {
     EXPECT_EQ(4, ::getxattr(path.c_str(), "user.comment", value, sizeof value));
   }
 
-  EXPECT_TRUE(RestoreOriginalCopy(Photo));
+  EXPECT_FALSE(RestoreOriginalCopy(Photo));
   EXPECT_EQ("the photo", ReadBytes(path));
   EXPECT_EQ(mode_t{0640}, ModeOf(path));
   EXPECT_EQ(written, fs::last_write_time(path));
@@ -58,9 +60,37 @@ TEST_F(OriginalCopyTest, APhotoBehindALinkIsReplacedWhereItLies) {
   EXPECT_TRUE(MakeOriginalCopy(Photo));
   Overwrite(Photo, "corrected");
   EXPECT_EQ("corrected", ReadBytes(target));
-  EXPECT_TRUE(RestoreOriginalCopy(Photo));
+  EXPECT_FALSE(RestoreOriginalCopy(Photo));
   EXPECT_EQ("the photo", ReadBytes(target));
   EXPECT_TRUE(fs::is_symlink(Photo.GetPath()));
+}
+
+TEST_F(OriginalCopyTest, OnlyARegularFileIsACopy) {
+  const std::string copy = OriginalCopyPath(Photo);
+  const std::function<void()> makers[] = {
+      [&] { fs::create_directory(copy); },
+      [&] { fs::create_symlink(InFolder("nowhere"), copy); },
+      [&] { fs::create_symlink(InFolder(""), copy); },
+      [&] { fs::create_symlink(copy, copy); },
+      [&] { fs::create_symlink(Scratch.Write("other.jpg", "another photo"), copy); },
+      [&] { ASSERT_EQ(0, ::mkfifo(copy.c_str(), 0600)); },
+  };
+  for (const auto& make : makers) {
+    make();
+    const fs::file_type type = fs::symlink_status(copy).type();
+    EXPECT_FALSE(HasOriginalCopy(Photo));
+    EXPECT_FALSE(MakeOriginalCopy(Photo)) << "without a copy no correction";
+    EXPECT_TRUE(RestoreOriginalCopy(Photo));
+    EXPECT_EQ("the photo", ReadBytes(Photo.GetPath()));
+    EXPECT_EQ(type, fs::symlink_status(copy).type());
+    fs::remove(copy);
+  }
+  const std::string longName = std::string(247, 'x') + ".jpg";
+  fs::rename(Photo.GetPath(), InFolder(longName));
+  Photo.SetPath(InFolder(longName));
+  EXPECT_FALSE(HasOriginalCopy(Photo)) << "there is no room for its name";
+  EXPECT_FALSE(MakeOriginalCopy(Photo));
+  EXPECT_THAT(NamesInFolder(), ElementsAre(longName));
 }
 
 TEST_F(OriginalCopyTest, AFullDiskOrAMissingPhotoLeavesNoHalfCopy) {
@@ -87,7 +117,7 @@ TEST_F(OriginalCopyTest, AtEachStopThePhotoIsWholeAndItsEarlierBytesAreKept) {
   const auto correct = [&] {
     if (MakeOriginalCopy(Photo)) Overwrite(Photo, corrected);
   };
-  const auto undo = [&] { RestoreOriginalCopy(Photo); };
+  const auto undo = [&] { static_cast<void>(RestoreOriginalCopy(Photo)); };
   const auto keepsOld = [&] { return HasOriginalCopy(Photo) && ReadBytes(path + ".orig") == old; };
   for (int step = 1, killed = 1; killed; ++step) {
     prepare();

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "editing/EditingFixture.h"
+#include "editing/PhotoChange.h"
 #include "imaging/ImageFile.h"
 #include "imaging/JpegImage.h"
 
@@ -33,6 +34,29 @@ class CPictureFixture : public CEditingFixture {
   void PutBack() const {
     std::filesystem::remove_all(InFolder(""));
     Scratch.Write("photos/boat.jpg", Original);
+  }
+
+  /// A thumbnail of the photo as it is now, whatever it shows.
+  void StoreThumbnail() { Thumbnails.StoreBytes(Photo.GetAssetID(), std::vector<std::uint8_t>(100, 'x')); }
+
+  /// `change` is asked for while the thumbnails can't be written: the photo stays, and the user is told once.
+  template <typename Change>
+  void ExpectRefusedWithoutThumbnails(const Change& change) {
+    StoreThumbnail();
+    Messages.Texts.clear();
+    {
+      const CFileSizeLimit full(0);
+      EXPECT_EQ(PhotoChange::None, change());
+    }
+    EXPECT_EQ(1U, Messages.Texts.size());
+    EXPECT_EQ(Original, Now());
+    EXPECT_TRUE(Thumbnails.Has(Photo.GetAssetID()));
+  }
+
+  /// After a kill: a thumbnail that is still stored shows the photo as it is.
+  void ExpectNoStaleThumbnail(const std::string& before) {
+    OpenThumbnails();
+    EXPECT_TRUE(Now() == before || !Thumbnails.Has(Photo.GetAssetID()));
   }
 
   std::string Original;

@@ -5,6 +5,7 @@
 #include "editing/EditingFixture.h"
 #include "editing/RenameIntent.h"
 #include "editing/RenamePhotoFile.h"
+#include "storage/FaultyVfs.h"
 #include "support/FaultSteps.h"
 
 using testing::ElementsAre;
@@ -41,7 +42,9 @@ TEST_F(RenamePhotoFileTest, FileAndRowGoTogether) {
 TEST_F(RenamePhotoFileTest, NothingIsOverwrittenAndARefusalChangesNothing) {
   Scratch.Write("photos/taken.jpg", "another photo");
   Scratch.Write("photos/boat.jpg.orig", "the original");
+  Scratch.Write("photos/kept.jpg.orig", "the original of another photo");
   EXPECT_EQ(std::errc::file_exists, RenamePhotoFile(Photo, "taken"));
+  EXPECT_EQ(std::errc::file_exists, RenamePhotoFile(Photo, "kept"));
   for (const char* name : {"", "a/b", "..", "../up.jpg"}) {
     EXPECT_EQ(std::errc::invalid_argument, RenamePhotoFile(Photo, name)) << name;
   }
@@ -57,7 +60,7 @@ TEST_F(RenamePhotoFileTest, NothingIsOverwrittenAndARefusalChangesNothing) {
   fs::permissions(InFolder(""), fs::perms::owner_all);
   ExpectPhotoAt("boat.jpg");
   EXPECT_FALSE(RenamePhotoFile(Photo, "new"));
-  EXPECT_THAT(NamesInFolder(), ElementsAre("boat.jpg.orig", "new.jpg", "taken.jpg"));
+  EXPECT_THAT(NamesInFolder(), ElementsAre("boat.jpg.orig", "kept.jpg.orig", "new.jpg", "taken.jpg"));
 }
 
 TEST_F(RenamePhotoFileTest, AFullDiskLeavesFileAndRowAsTheyWere) {
@@ -72,22 +75,48 @@ TEST_F(RenamePhotoFileTest, AFullDiskLeavesFileAndRowAsTheyWere) {
   }
   ExpectPhotoAt("boat.jpg");
   EXPECT_FALSE(HasIntent());
-  for (const char* failing : {"rename", "sync"}) {
-    int count = 0;
-    for (int fail = 1;; ++fail) {
-      count = 0;
-      platform::SetFaultPlan([&](std::string_view operation, std::string_view) {
-        return operation == failing && ++count == fail ? std::make_error_code(std::errc::io_error)
-                                                       : std::error_code();
+}
+
+TEST_F(RenamePhotoFileTest, WhateverStepTheDiskRefusesFileAndRowAgree) {
+  const std::string catalogPath = Catalog.GetPath();
+  CFaultyVfs vfs;
+  const auto restart = [&] {
+    Catalog.Close();
+    Catalog.Open(catalogPath);
+    FinishInterruptedRename(Catalog);
+    Photo = Catalog.FindAssetById(1);
+  };
+  for (const bool allAfter : {false, true}) {
+    bool failed = true;
+    for (int step = 1; failed; ++step) {
+      restart();
+      int steps = 0;
+      const auto fails = [&] { return ++steps == step || (allAfter && steps > step); };
+      vfs.SetPlan([&](const std::string& operation, const std::string&) {
+        return fails() ? GetFaultOf(operation, false) : SQLITE_OK;
       });
-      const std::error_code error = RenamePhotoFile(Photo, "new");
+      platform::SetFaultPlan([&](std::string_view, std::string_view) {
+        return fails() ? make_error_code(std::errc::io_error) : std::error_code();
+      });
+      bool renamed = false;
+      try {
+        renamed = !RenamePhotoFile(Photo, "new");
+      } catch (const CException&) {
+      }
+      vfs.SetPlan({});
       platform::SetFaultPlan({});
-      if (!error) break;
-      ExpectPhotoAt("boat.jpg");
+      failed = steps >= step;
+      EXPECT_TRUE(renamed || failed);
+      // A fault that goes is made good at once, one that stays by the next start.
+      if (!allAfter) ExpectPhotoAt(renamed ? "new.jpg" : "boat.jpg");
+      restart();
+      if (!allAfter) ExpectPhotoAt(renamed ? "new.jpg" : "boat.jpg");
+      ExpectPhotoAt(Photo.GetFilename());
+      EXPECT_FALSE(HasIntent());
+      EXPECT_FALSE(RenamePhotoFile(Photo, "boat"));
     }
-    ExpectPhotoAt("new.jpg");
-    EXPECT_FALSE(RenamePhotoFile(Photo, "boat"));
   }
+  Catalog.Close();
 }
 
 TEST_F(RenamePhotoFileTest, AKillAtAnyStepIsFinishedOrUndoneAtTheNextStart) {
@@ -116,22 +145,38 @@ TEST_F(RenamePhotoFileTest, AKillAtAnyStepIsFinishedOrUndoneAtTheNextStart) {
   }
 }
 
-TEST_F(RenamePhotoFileTest, AStartOnAFullDiskLeavesTheRestOfARenameToTheNextOne) {
-  {
-    CRenameIntent intent(Catalog);
+TEST_F(RenamePhotoFileTest, AStartBringsTheFileToTheRowOrTheRowToTheFile) {
+  const CRenameIntent intent(Catalog);
+  const auto interrupt = [&] {
     ASSERT_FALSE(intent.Write({1, InFolder("boat.jpg"), InFolder("new.jpg")}));
-    intent.Keep();
-  }
-  fs::rename(InFolder("boat.jpg"), InFolder("new.jpg"));
+    fs::rename(InFolder("boat.jpg"), InFolder("new.jpg"));
+  };
+  interrupt();
+  FinishInterruptedRename(Catalog);
+  ExpectPhotoAt("boat.jpg");
+  EXPECT_FALSE(HasIntent());
+
+  interrupt();
+  platform::SetFaultPlan([](std::string_view operation, std::string_view) {
+    return operation == "rename" ? make_error_code(std::errc::read_only_file_system) : std::error_code();
+  });
   {
     const CFileSizeLimit full(0);
     FinishInterruptedRename(Catalog);
   }
-  EXPECT_EQ(1U, Messages.Texts.size());
-  EXPECT_EQ(InFolder("boat.jpg"), Photo.GetPath());
+  EXPECT_EQ(1U, Messages.Texts.size()) << "neither can be done";
+  EXPECT_TRUE(HasIntent());
   FinishInterruptedRename(Catalog);
   ExpectPhotoAt("new.jpg");
   EXPECT_FALSE(HasIntent());
+
+  // Another photo has come to where the file should be.
+  platform::SetFaultPlan({});
+  ASSERT_FALSE(intent.Write({1, InFolder("new.jpg"), InFolder("lake.jpg")}));
+  fs::remove(InFolder("new.jpg"));
+  Catalog.AddAsset(Scratch.Write("photos/lake.jpg", "the lake"));
+  FinishInterruptedRename(Catalog);
+  EXPECT_EQ("the lake", ReadBytes(InFolder("lake.jpg")));
 }
 
 TEST_F(RenamePhotoFileTest, AnIntentThatTellsNothingIsDropped) {
@@ -146,12 +191,9 @@ TEST_F(RenamePhotoFileTest, AnIntentThatTellsNothingIsDropped) {
     ExpectPhotoAt("boat.jpg");
   }
   const PhotoRename rename{1, InFolder("boat.jpg"), InFolder("new\nname.jpg")};
-  {
-    CRenameIntent intent(Catalog);
-    EXPECT_FALSE(intent.Write(rename));
-    EXPECT_THAT(intent.Read(), Optional(rename));
-  }
-  EXPECT_FALSE(fs::exists(file));
+  const CRenameIntent intent(Catalog);
+  EXPECT_FALSE(intent.Write(rename));
+  EXPECT_THAT(intent.Read(), Optional(rename));
 }
 
 }  // namespace

@@ -109,6 +109,7 @@ TEST_F(RotatePhotoTest, AFullDiskOrAReadOnlyFolderIsToldAndChangesNothing) {
   }));
   EXPECT_EQ(Original, Now());
   EXPECT_THAT(NamesInFolder(), ElementsAre("boat.jpg"));
+  ExpectRefusedWithoutThumbnails([&] { return RotatePhoto(Photo, shown.get(), 90, kNothing); });
 }
 
 TEST_F(RotatePhotoTest, KilledAtAnyStepThePhotoIsOneOfItsWholeVersions) {
@@ -118,7 +119,9 @@ TEST_F(RotatePhotoTest, KilledAtAnyStepThePhotoIsOneOfItsWholeVersions) {
   int steps = 0;
   for (bool killed = true; killed; ++steps) {
     PutBack();
+    StoreThumbnail();
     killed = RunAndKillAtStep(steps + 1, turn);
+    ExpectNoStaleThumbnail(Original);
     EXPECT_TRUE(Now() == (killed ? Original : turned) || Now() == turned) << "step " << steps;
   }
   EXPECT_GT(steps, 4);

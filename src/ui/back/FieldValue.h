@@ -33,7 +33,7 @@ class CFieldValue : public std::enable_shared_from_this<CFieldValue> {
   CFieldValue& operator=(const CFieldValue&) = delete;
 
   /// Writes the value, all of it or nothing, takes over what is stored then, and tells about it. Raises
-  /// CStorageException if the catalog can't be written.
+  /// CException, with a text for the user, if it can't be written.
   virtual void Commit();
 
   // What is asked before a text, number or date that the user gave is set. The text may be changed; false

@@ -5,15 +5,15 @@
 #include <memory>
 #include <string>
 
+#include "base/Exceptions.h"
 #include "base/Messages.h"
-#include "storage/StorageException.h"
 #include "ui/back/FieldValue.h"
 
 void StoreValue(CFieldValue& value) {
   const std::shared_ptr<CFieldValue> keep = value.weak_from_this().lock();
   try {
     value.Commit();
-  } catch (const CStorageException& exception) {
+  } catch (const CException& exception) {
     value.Reload();
     // Not from here: this may be the middle of a change of the focus or of the photo.
     const auto tell = [text = exception.GetMessage()] { ShowMessage(text); };

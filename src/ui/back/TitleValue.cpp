@@ -1,22 +1,17 @@
 #include "ui/back/TitleValue.h"
 
-#include <algorithm>
-#include <cstddef>
 #include <string_view>
 #include <utility>
 
-#include "base/Format.h"
+#include "base/Exceptions.h"
 #include "base/Paths.h"
 #include "editing/RenamePhotoFile.h"
 #include "imaging/ImageFile.h"
-#include "platform/Files.h"
 #include "platform/Unicode.h"
 
 namespace {
 
 constexpr std::string_view kForbidden = "\\/:*?\"<>|";
-constexpr std::size_t kLongestFileName = 255;  // bytes
-constexpr int kFirstNumber = 2;                // of a name that is taken
 
 /// Characters that names can't have on other systems are replaced; so is a leading dot, which would hide the
 /// photo from the next search.
@@ -36,42 +31,18 @@ std::string WithoutPhotoExtension(const std::string& text, const std::string& ow
   return isOne ? text.substr(0, text.size() - extension.size()) : text;
 }
 
-std::string Join(const std::string& title, const std::string& end) {
-  return std::string(platform::Truncated(title, kLongestFileName - std::min(kLongestFileName, end.size()))) +
-         end;
-}
-
-/// Whether the file `own` can have that name: its own one, also in other letters on a disk that doesn't know
-/// case, or one that nothing in the folder has. A link takes a name even if it leads nowhere.
-bool IsFree(const std::string& folder, const std::string& name, const std::string& own) {
-  platform::FileStatus there, file;
-  if (name == own || platform::GetEntryStatus(folder + name, there)) return true;
-  if (!platform::EqualNoCase(name, own) || platform::GetEntryStatus(folder + own, file)) return false;
-  return there.Device == file.Device && there.Inode == file.Inode && there.LinkCount == 1;
-}
-
-std::string MakeFree(const std::string& folder, const std::string& title, const std::string& extension,
-                     const std::string& own) {
-  std::string name = Join(title, extension);
-  for (int i = kFirstNumber; !IsFree(folder, name, own); ++i) {
-    name = Join(title, Format("-%d", i) + extension);
-  }
-  return name;
-}
-
 }  // namespace
 
 CTitleValue::CTitleValue(const CAssetRecord& photo, ChangeNotice onCommitted)
     : CFieldValue(FieldNumber::Title, std::move(onCommitted)), Photo(photo), Text(photo.GetTitle()) {}
 
 bool CTitleValue::ValidateText(std::string& text) {
-  const std::string own = Photo.GetFilename();
-  const std::string extension = GetExtension(own);
+  const std::string extension = GetExtension(Photo.GetFilename());
   std::string title = text;
   ReplaceForbidden(title);
   title = WithoutPhotoExtension(title, extension);
   if (title.empty()) return false;
-  text = MakeFree(Photo.GetFolder(), title, extension, own);
+  text = FindFreeName(Photo, title, extension);
   return true;
 }
 
@@ -81,7 +52,11 @@ void CTitleValue::SetText(const std::string& text) {
 }
 
 void CTitleValue::Commit() {
-  if (Photo.IsValid()) RenamePhotoFile(Photo, Text);
+  if (Photo.IsValid()) {
+    if (const auto error = RenamePhotoFile(Photo, Text)) {
+      throw CException("The file \"" + Photo.GetPath() + "\" can't be renamed: " + error.message() + ".");
+    }
+  }
   Reload();
   CFieldValue::Commit();
 }

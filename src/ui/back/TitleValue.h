@@ -14,7 +14,7 @@ class CTitleValue : public CFieldValue {
   /// is refused.
   bool ValidateText(std::string& text) override;
 
-  /// A file system that refuses the name leaves the old one, without a word.
+  /// CException with the reason if the file system refuses the name; the old one stays.
   void Commit() override;
   std::string GetText() const override { return Text; }
   void SetText(const std::string& text) override;

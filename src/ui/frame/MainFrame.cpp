@@ -191,7 +191,8 @@ void CMainFrame::OnPhotoChanged() {
   CAssetRecord photo = *record;
   PhotoBack->UpdateFormat();
   UpdateCommands();
-  photo.MakeThumbnail();  // last, for the disk may refuse it
+  GetStrip().RedrawCurrentThumbnail();  // the old one has been forgotten
+  photo.MakeThumbnail();                // late, for the disk may refuse it
   GetStrip().RedrawCurrentThumbnail();
   DropMouseMoves();
 }

@@ -2,6 +2,7 @@
 #include <filesystem>
 
 #include "base/Times.h"
+#include "platform/Faults.h"
 #include "ui/back/DateText.h"
 #include "ui/back/PhotoBackFixture.h"
 
@@ -218,6 +219,14 @@ TEST_F(PhotoBackTest, TheTitleRenamesTheFile) {
   Enter(FieldRow::Title, QString());
   EXPECT_EQ(photo.GetFilename(), "a_b.jpg");
   EXPECT_EQ(Shown(FieldRow::Title), "a_b");
+  platform::SetFaultPlan([](std::string_view operation, std::string_view) {
+    return operation == "rename" ? make_error_code(std::errc::io_error) : std::error_code();
+  });
+  Enter(FieldRow::Title, QStringLiteral("refused"));
+  platform::SetFaultPlan({});
+  EXPECT_EQ(Shown(FieldRow::Title), "a_b");
+  QCoreApplication::processEvents();
+  ASSERT_EQ(Messages.Shown.size(), 1U);
   EXPECT_TRUE(std::filesystem::exists(photo.GetPath()));
   EXPECT_EQ(renamed, 2);
   EXPECT_EQ(Changed, (std::vector<int>{13, 13}));
