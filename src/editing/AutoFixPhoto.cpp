@@ -7,14 +7,17 @@
 #include "imaging/AutoFix.h"
 #include "imaging/Image.h"
 #include "imaging/ImageFile.h"
+#include "imaging/PictureMemory.h"
 #include "resources/StringIds.h"
 
 namespace {
 
 constexpr int kQuality = 70;
 
-/// The new file takes the photo's name in one step, so the name is never empty.
+/// The new file takes the photo's name in one step, so the name is never empty. It holds one picture, so a
+/// photo with more isn't saved.
 void FixAndSave(CImage& image, const std::string& path) {
+  if (!image.RotatesWithoutLoss()) throw CException(StringId::CannotSaveEditedPhoto);
   AutoFix(image);
   image.Save(path, kQuality);
 }
@@ -31,7 +34,9 @@ PhotoChange Fix(const std::string& path, CImage* shown) {
     FixAndSave(*shown, path);
     return PhotoChange::ShownImage;
   }
-  const auto whole = LoadImageFile(path, 0, 0);
+  bool isTooLarge = false;
+  const auto whole = LoadImageFile(path, 0, 0, &isTooLarge);
+  if (isTooLarge) throw CTooLargeException();
   if (!whole) throw CException(StringId::CannotSaveEditedPhoto);
   FixAndSave(*whole, path);
   return PhotoChange::FileAlone;
@@ -52,6 +57,9 @@ PhotoChange AutoFixPhoto(const CAssetRecord& photo, CImage* image, const WorkBeg
     return Fix(photo.GetPath(), image);
   } catch (const CError&) {
     static_cast<void>(RestoreOriginalCopy(photo));
+    throw;
+  } catch (const CTooLargeException&) {
+    RestoreOriginalCopy(photo);
     throw;
   } catch (...) {
     static_cast<void>(RestoreOriginalCopy(photo));

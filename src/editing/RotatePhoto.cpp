@@ -12,11 +12,10 @@ PhotoChange RotatePhoto(const CAssetRecord& photo, CImage* image, int angle, con
   if (!image->RotatesWithoutLoss() && !ShowMessageId(StringId::RotationLosesInformation, true))
     return PhotoChange::None;
   if (!ForgetThumbnail(photo)) return PhotoChange::None;
-  if (image->GetPath() == photo.GetPath()) {
-    image->Rotate(angle);
-    return PhotoChange::ShownImage;
-  }
-  // The file has got another name since it was loaded.
-  if (const auto renamed = LoadImageFile(photo.GetPath(), 1, 1)) renamed->Rotate(angle);
-  return PhotoChange::FileAlone;
+  // The file may have got another name since it was loaded.
+  const bool isShown = image->GetPath() == photo.GetPath();
+  const auto renamed = isShown ? nullptr : LoadImageFile(photo.GetPath(), 1, 1);
+  CImage* turned = isShown ? image : renamed.get();
+  if (!turned || !turned->Rotate(angle)) ShowMessageId(StringId::PhotoTooDamagedToTurn);
+  return isShown ? PhotoChange::ShownImage : PhotoChange::FileAlone;
 }

@@ -2,6 +2,7 @@
 
 #include "base/Paths.h"
 #include "imaging/JpegImage.h"
+#include "imaging/PictureMemory.h"
 #include "imaging/TiffImage.h"
 
 namespace {
@@ -23,7 +24,8 @@ ImageType ChooseVariant(const std::string& path) {
 }
 
 template <typename Load>
-std::unique_ptr<CImage> LoadVariant(ImageType type, const Load& load) {
+std::unique_ptr<CImage> LoadVariant(ImageType type, bool* isTooLarge, const Load& load) {
+  if (isTooLarge) *isTooLarge = false;
   try {
     std::unique_ptr<CImage> image;
     if (type == ImageType::Jpeg) {
@@ -36,6 +38,9 @@ std::unique_ptr<CImage> LoadVariant(ImageType type, const Load& load) {
       if (tiff->GetPixels().Bits) image = std::move(tiff);
     }
     return image;
+  } catch (const CTooLargeException&) {
+    if (isTooLarge) *isTooLarge = true;
+    return nullptr;
   } catch (...) {
     return nullptr;  // whatever is wrong with it, the file gives no picture
   }
@@ -50,13 +55,16 @@ ImageType ImageTypeFromExtension(std::string_view extension) {
 
 ImageType ImageTypeOfFile(std::string_view path) { return ImageTypeFromExtension(GetExtension(path)); }
 
-std::unique_ptr<CImage> LoadImageFile(const std::string& path, int boxWidth, int boxHeight) {
-  return LoadVariant(ChooseVariant(path), [&](auto& image) { image.LoadFile(path, boxWidth, boxHeight); });
+std::unique_ptr<CImage> LoadImageFile(const std::string& path, int boxWidth, int boxHeight,
+                                      bool* isTooLarge) {
+  return LoadVariant(ChooseVariant(path), isTooLarge,
+                     [&](auto& image) { image.LoadFile(path, boxWidth, boxHeight); });
 }
 
 std::unique_ptr<CImage> LoadImageBytes(const std::string& path, std::span<const std::uint8_t> bytes,
                                        int boxWidth, int boxHeight) {
-  return LoadVariant(ChooseVariant(path), [&](auto& image) { image.LoadMemory(bytes, boxWidth, boxHeight); });
+  return LoadVariant(ChooseVariant(path), nullptr,
+                     [&](auto& image) { image.LoadMemory(bytes, boxWidth, boxHeight); });
 }
 
 ImageSize ReadImageSize(const std::string& path) {

@@ -16,8 +16,10 @@ ImageType ImageTypeOfFile(std::string_view path);
 
 /// Decodes a photo for a box; 0 by 0 asks for the full picture. A JPEG, or a TIFF by its extension ".tif"
 /// or ".tiff". Null if it is of no such type, which is told without opening it, or can't be decoded; never
-/// an exception.
-std::unique_ptr<CImage> LoadImageFile(const std::string& path, int boxWidth, int boxHeight);
+/// an exception. `isTooLarge`, if given, is told whether that is because the photo takes more memory or work
+/// than the program gives to one.
+std::unique_ptr<CImage> LoadImageFile(const std::string& path, int boxWidth, int boxHeight,
+                                      bool* isTooLarge = nullptr);
 
 /// As LoadImageFile for a file that has been read already; `path` tells its type.
 std::unique_ptr<CImage> LoadImageBytes(const std::string& path, std::span<const std::uint8_t> bytes,

@@ -11,8 +11,9 @@
 /// call stands for itself, so threads need no lock. Failures raise the exceptions of the system, with the
 /// texts given here; the library's warnings about flawed data are passed over.
 ///
-/// What a file can cost is limited: 2^30 pixels (2^26 with arithmetic coding), 500 scans, 512 MiB of
-/// coefficients, and a number of blocks that one core works through in about five seconds.
+/// What a file can cost is limited: 2^30 pixels (2^26 with arithmetic coding), 500 scans, and a number of
+/// blocks that one core works through in eight seconds at most, less for a small file. Its memory is for the
+/// caller to count.
 
 /// Decodes one picture.
 class CJpegDecoder {
@@ -25,18 +26,17 @@ class CJpegDecoder {
 
   ImageSize GetSize() const;
 
-  /// Bytes a pixel decodes to: 3 for blue, green, red, where grey has three equal ones; 4 with a
-  /// premultiplied alpha behind them. Any other number is that of a JPEG that can't be decoded.
-  ///
-  /// A JPEG of four channels with an Adobe marker is CMYK or YCCK, with inverted inks as all such files
-  /// have them; without that marker it is CMYK if its channels are named C, M, Y, K. Both give plain 3
-  /// bytes. Any other is YCbCr with alpha, as EncodeJpeg writes it, and gives 4.
-  int GetBytesPerPixel() const;
+  /// Bytes that Decode holds besides the target while it works, but for a few rows.
+  std::uint64_t GetHeldBytes() const;
 
   /// Decodes at 1/1, 1/2, 1/4 or 1/8 of the size (`reduction` 1, 2, 4, 8) into `target`, which has
-  /// exactly that size, its sides rounded up, and GetBytesPerPixel(). To be called once. What a file that
-  /// is cut short has no data for is grey. CException "Cannot read JPEG data from file\n" or "Unsupported
-  /// number of channels".
+  /// exactly that size, its sides rounded up, and 3 bytes a pixel: blue, green, red; grey has three equal
+  /// ones. To be called once. What a file that is cut short has no data for is grey. CException "Cannot read
+  /// JPEG data from file\n" or "Unsupported number of channels", CTooLargeException.
+  ///
+  /// A JPEG of four channels with an Adobe marker is CMYK or YCCK, with inverted inks as all such files
+  /// have them; without that marker it is CMYK if its channels are named C, M, Y, K. What any other means
+  /// can't be told, and it isn't decoded.
   void Decode(int reduction, const PixelBuffer& target);
 
   /// A side of a picture decoded at that reduction.
@@ -48,7 +48,6 @@ class CJpegDecoder {
 };
 
 /// Encodes pixels as a whole JPEG with chroma halved in both directions. `quality` is 1 to 100. Pixels of
-/// 3 bytes become YCbCr with a JFIF header. Those of 4 bytes are taken as red, green, blue, alpha, in this
-/// order, and become four channels, YCbCr and alpha, without any header of their own.
+/// 3 bytes become YCbCr with a JFIF header; there is no way to write others that every reader takes alike.
 /// CException "Unsupported bitcount" or "Cannot write JPEG data to file\n".
 std::vector<std::uint8_t> EncodeJpeg(const PixelSource& pixels, int quality);

@@ -6,17 +6,18 @@
 #include "imaging/JpegGuard.h"
 #include "imaging/JpegLimits.h"
 #include "imaging/JpegMemory.h"
+#include "imaging/PictureMemory.h"
 
 namespace {
 
 constexpr int kGrey = 128;
 constexpr int kRowsAtOnce = 16;
+constexpr std::size_t kBytesPerPixel = 3;
 
 enum class ColorForm {
   Direct,        // the library gives blue, green, red
   Inks,          // cyan, magenta, yellow, black; full is 255
   InvertedInks,  // the same; full is 0
-  Alpha,         // inverted red, green, blue, and alpha
   Unsupported,
 };
 
@@ -33,7 +34,7 @@ ColorForm ChooseColorForm(const jpeg_decompress_struct& info) {
       return ColorForm::Direct;
     case 4:
       if (info.saw_Adobe_marker) return ColorForm::InvertedInks;
-      return HasInkNames(info) ? ColorForm::Inks : ColorForm::Alpha;
+      return HasInkNames(info) ? ColorForm::Inks : ColorForm::Unsupported;
     default:
       return ColorForm::Unsupported;
   }
@@ -54,22 +55,11 @@ void InksToPixels(const JSAMPLE* inks, std::uint8_t* pixels, JDIMENSION count) {
   }
 }
 
-/// Makes the library's inverted red, green, blue, alpha to blue, green, red multiplied by alpha.
-void AlphaToPixels(const JSAMPLE* parts, std::uint8_t* pixels, JDIMENSION count) {
-  for (; count > 0; --count, parts += 4, pixels += 4) {
-    const unsigned alpha = parts[3];
-    pixels[0] = static_cast<std::uint8_t>(((255U - parts[2]) * alpha + 1) >> 8);
-    pixels[1] = static_cast<std::uint8_t>(((255U - parts[1]) * alpha + 1) >> 8);
-    pixels[2] = static_cast<std::uint8_t>(((255U - parts[0]) * alpha + 1) >> 8);
-    pixels[3] = static_cast<std::uint8_t>(alpha);
-  }
-}
-
 }  // namespace
 
 class CJpegDecoder::Impl {
  public:
-  explicit Impl(std::span<const std::uint8_t> bytes) : Bytes(bytes), Source(bytes) {
+  explicit Impl(std::span<const std::uint8_t> bytes) : Bytes(bytes), Source(bytes), Budget(bytes.size()) {
     Info.err = &Errors.Manager;
     Info.client_data = &Errors;
     const bool created = RunGuarded(Errors, [this] {
@@ -94,27 +84,19 @@ class CJpegDecoder::Impl {
     return {static_cast<int>(Info.image_width), static_cast<int>(Info.image_height)};
   }
 
-  int GetBytesPerPixel() const {
-    switch (Form) {
-      case ColorForm::Alpha:
-        return 4;
-      case ColorForm::Unsupported:
-        return Info.num_components;
-      default:
-        return 3;
-    }
-  }
+  std::uint64_t GetHeldBytes() { return jpeg_has_multiple_scans(&Info) ? GetCoefficientBytes(Info) : 0; }
 
   void Decode(int reduction, const PixelBuffer& target, bool mayTryAgain = true) {
     if (Form == ColorForm::Unsupported) throw CException("Unsupported number of channels");
-    const bool started =
-        IsAffordable(Info) && RunGuarded(Errors, [&] { return Start(reduction, target.Size); });
+    if (!IsAffordable(Info)) throw CTooLargeException();
+    const bool started = RunGuarded(Errors, [&] { return Start(reduction, target.Size); });
     if (started && !TakeInScans() && mayTryAgain && EndOfLastScan > 0 && !Budget.IsSpent()) {
       // The library gave up on what stands between two scans, and its state can't be relied on any more. The
       // scans before the flaw are the picture: it is decoded anew, as if the file ended there.
       Impl(Bytes.first(EndOfLastScan)).Decode(reduction, target, false);
       return;
     }
+    if (Budget.IsSpent()) throw CTooLargeException();
     const bool decoded = started && !Failed && RunGuarded(Errors, [&] { return ReadRows(target); });
     if (!decoded) throw CException("Cannot read JPEG data from file\n");
   }
@@ -131,15 +113,8 @@ class CJpegDecoder::Impl {
   bool Start(int reduction, ImageSize size) {
     Info.scale_num = 1;
     Info.scale_denom = static_cast<unsigned>(reduction);
-    if (Form == ColorForm::Direct) {
-      Info.out_color_space = JCS_EXT_BGR;
-    } else {
-      // The library knows YCbCr with a fourth channel under this name alone.
-      if (Form == ColorForm::Alpha) Info.jpeg_color_space = JCS_YCCK;
-      Info.out_color_space = JCS_CMYK;
-    }
+    Info.out_color_space = Form == ColorForm::Direct ? JCS_EXT_BGR : JCS_CMYK;
     Info.buffered_image = jpeg_has_multiple_scans(&Info);
-    Info.mem->max_memory_to_use = kMaxCoefficientBytes;
     jpeg_start_decompress(&Info);
     return Info.output_width == static_cast<unsigned>(size.Width) &&
            Info.output_height == static_cast<unsigned>(size.Height);
@@ -172,9 +147,8 @@ class CJpegDecoder::Impl {
       if (HasNoMoreData() && end == Info.output_height) end = std::min(end, first + count + 3 * RowsOfMCU());
     }
     for (JDIMENSION y = end; y < Info.output_height; ++y)
-      std::memset(
-          target.Row(static_cast<int>(y)), kGrey,
-          static_cast<std::size_t>(target.Size.Width) * static_cast<std::size_t>(target.BytesPerPixel));
+      std::memset(target.Row(static_cast<int>(y)), kGrey,
+                  static_cast<std::size_t>(target.Size.Width) * kBytesPerPixel);
     return true;
   }
 
@@ -199,9 +173,7 @@ class CJpegDecoder::Impl {
     const JDIMENSION count = jpeg_read_scanlines(&Info, wide, kRowsAtOnce);
     for (JDIMENSION k = 0; k < count; ++k) {
       std::uint8_t* row = target.Row(first + static_cast<int>(k));
-      if (Form == ColorForm::Alpha)
-        AlphaToPixels(wide[k], row, Info.output_width);
-      else if (Form == ColorForm::Inks)
+      if (Form == ColorForm::Inks)
         InksToPixels<255>(wide[k], row, Info.output_width);
       else
         InksToPixels<0>(wide[k], row, Info.output_width);
@@ -225,6 +197,6 @@ CJpegDecoder::~CJpegDecoder() = default;
 
 ImageSize CJpegDecoder::GetSize() const { return Inside->GetSize(); }
 
-int CJpegDecoder::GetBytesPerPixel() const { return Inside->GetBytesPerPixel(); }
+std::uint64_t CJpegDecoder::GetHeldBytes() const { return Inside->GetHeldBytes(); }
 
 void CJpegDecoder::Decode(int reduction, const PixelBuffer& target) { Inside->Decode(reduction, target); }

@@ -17,7 +17,11 @@ struct JpegErrors {
     Manager.emit_message = [](j_common_ptr info, int level) {
       if (level >= 0) return;
       if (info->err->msg_code == JWRN_HIT_MARKER) From(info).RanDry = true;
-      if (!IsHarmless(*info->err)) From(info).LostData = true;
+      if (IsHarmless(*info->err)) return;
+      From(info).Flawed = true;
+      // The library has skipped something among the headers.
+      const auto* decoder = reinterpret_cast<j_decompress_ptr>(info);
+      if (info->is_decompressor && decoder->input_scan_number == 0) From(info).LostHeader = true;
     };
     Manager.output_message = [](j_common_ptr) {};
   }
@@ -26,8 +30,9 @@ struct JpegErrors {
 
   jpeg_error_mgr Manager{};
   std::jmp_buf Jump{};
-  bool RanDry = false;    // the entropy-coded data of a scan has ended too early
-  bool LostData = false;  // something in the file couldn't be made out, or was skipped
+  bool RanDry = false;      // the entropy-coded data of a scan has ended too early
+  bool Flawed = false;      // something in the file couldn't be made out, or was skipped
+  bool LostHeader = false;  // it stands before the first scan
 
  private:
   /// Warnings about how a file was written, when all that is in it has been taken in.

@@ -6,27 +6,30 @@
 #include "base/Exceptions.h"
 #include "imaging/JpegCodec.h"
 #include "imaging/JpegTurn.h"
+#include "imaging/PictureMemory.h"
 #include "platform/Files.h"
 
 namespace {
 
 constexpr int kRowAlignment = 4;  // bytes
+constexpr int kBytesPerPixel = 3;
 
-int GetRowPadding(int width, int bytesPerPixel) { return -(width * bytesPerPixel) & (kRowAlignment - 1); }
+int GetRowPadding(int width) { return -(width * kBytesPerPixel) & (kRowAlignment - 1); }
 
-std::size_t GetRowBytes(int width, int bytesPerPixel) {
-  const int rowBytes = width * bytesPerPixel + GetRowPadding(width, bytesPerPixel);
-  return static_cast<std::size_t>(rowBytes);
+std::size_t GetRowBytes(int width) {
+  return static_cast<std::size_t>(width * kBytesPerPixel + GetRowPadding(width));
+}
+
+std::uint64_t GetBitmapBytes(ImageSize size) {
+  return std::uint64_t{GetRowBytes(size.Width)} * static_cast<std::uint64_t>(size.Height);
 }
 
 /// Room for a bitmap, its pixels not set but the padding of its rows 0.
-platform::LargeMemory MakeBits(ImageSize size, int bytesPerPixel) {
+platform::LargeMemory MakeBits(ImageSize size) {
+  if (GetBitmapBytes(size) > kMaxBitmapBytes) throw CTooLargeException();
   const auto height = static_cast<std::size_t>(size.Height);
-  const std::uint64_t pixels = static_cast<std::uint64_t>(size.Width) * height;
-  if (pixels > kMaxBitmapBytes / static_cast<unsigned>(bytesPerPixel))
-    throw CException("Cannot allocate memory for JPEG\n");
-  const std::size_t rowBytes = GetRowBytes(size.Width, bytesPerPixel);
-  const auto padding = static_cast<std::size_t>(GetRowPadding(size.Width, bytesPerPixel));
+  const std::size_t rowBytes = GetRowBytes(size.Width);
+  const auto padding = static_cast<std::size_t>(GetRowPadding(size.Width));
   try {
     auto bits = platform::AllocateLargeMemory(rowBytes * height);
     if (padding > 0)
@@ -37,9 +40,7 @@ platform::LargeMemory MakeBits(ImageSize size, int bytesPerPixel) {
   }
 }
 
-BitmapHeader MakeHeader(ImageSize size, int bytesPerPixel) {
-  return {size.Width, -size.Height, bytesPerPixel * 8};
-}
+BitmapHeader MakeHeader(ImageSize size) { return {size.Width, -size.Height, kBytesPerPixel * 8}; }
 
 int ChooseReduction(ImageSize natural, ImageSize box) {
   if (box.Width <= 0 && box.Height <= 0) return 1;
@@ -49,10 +50,23 @@ int ChooseReduction(ImageSize natural, ImageSize box) {
   return scale <= 0.5 ? 2 : 1;
 }
 
-std::vector<std::uint8_t> ReadPhoto(const std::string& path) {
+// Where the header ends is found out by trying. Most end soon, but a camera may put megabytes before it.
+constexpr std::size_t kLeastHeaderBytes = std::size_t{1} << 16;
+constexpr std::size_t kMostHeaderBytes = std::size_t{1} << 25;
+
+ImageSize ReadJpegSize(const std::string& path) {
   std::vector<std::uint8_t> bytes;
-  if (platform::ReadWholeFile(path, bytes)) throw CException("Cannot read JPEG header");
-  return bytes;
+  for (std::size_t room = kLeastHeaderBytes; room <= kMostHeaderBytes; room *= 8) {
+    bytes.resize(room);
+    std::size_t got = 0;
+    if (platform::ReadFilePart(path, 0, bytes, got)) break;
+    try {
+      return CJpegDecoder(std::span(bytes).first(got)).GetSize();
+    } catch (const CException&) {
+      if (got < room) break;
+    }
+  }
+  throw CException("Cannot read JPEG header");
 }
 
 }  // namespace
@@ -61,15 +75,17 @@ CJpegImage::CJpegImage() : CImage(ImageType::Jpeg) {}
 
 CJpegImage::CJpegImage(ImageSize size)
     : CImage(ImageType::Jpeg),
-      Bits(MakeBits(size, 3)),
-      Header(MakeHeader(size, 3)),
+      Bits(MakeBits(size)),
+      Header(MakeHeader(size)),
       NaturalSize(size),
       CurrentSize(size) {}
 
 CJpegImage::~CJpegImage() = default;
 
 void CJpegImage::LoadFile(const std::string& path, int boxWidth, int boxHeight) {
-  TakeDecoded(ReadPhoto(path), {boxWidth, boxHeight});
+  CPhotoFile file;
+  if (file.Read(path)) throw CException("Cannot read JPEG header");
+  TakeDecoded(file.GetBytes(), {boxWidth, boxHeight});
   SetPath(path);
 }
 
@@ -81,25 +97,23 @@ void CJpegImage::LoadMemory(std::span<const std::uint8_t> bytes, int boxWidth, i
 void CJpegImage::TakeDecoded(std::span<const std::uint8_t> bytes, ImageSize box) {
   CJpegDecoder decoder(bytes);
   const ImageSize natural = decoder.GetSize();
-  const int bytesPerPixel = decoder.GetBytesPerPixel();
-  if (bytesPerPixel != 3 && bytesPerPixel != 4) throw CException("Unsupported number of channels");
   const int reduction = ChooseReduction(natural, box);
   const ImageSize size{CJpegDecoder::ReducedSide(natural.Width, reduction),
                        CJpegDecoder::ReducedSide(natural.Height, reduction)};
-  auto bits = MakeBits(size, bytesPerPixel);
-  const auto rowStep = static_cast<std::ptrdiff_t>(GetRowBytes(size.Width, bytesPerPixel));
-  decoder.Decode(reduction, {bits.get(), rowStep, size, bytesPerPixel});
+  const CMemoryShare share(GetPictureMemory(), GetBitmapBytes(size) + decoder.GetHeldBytes());
+  auto bits = MakeBits(size);
+  const auto rowStep = static_cast<std::ptrdiff_t>(GetRowBytes(size.Width));
+  decoder.Decode(reduction, {bits.get(), rowStep, size, kBytesPerPixel});
 
   Bits = std::move(bits);
-  Header = MakeHeader(size, bytesPerPixel);
+  Header = MakeHeader(size);
   NaturalSize = natural;
   CurrentSize = size;
   RequestedSize = box;
 }
 
 void CJpegImage::ReadHeader(const std::string& path) {
-  const std::vector<std::uint8_t> bytes = ReadPhoto(path);
-  const ImageSize size = CJpegDecoder(bytes).GetSize();
+  const ImageSize size = ReadJpegSize(path);
   Bits.reset();
   Header = {};
   NaturalSize = size;
@@ -127,22 +141,17 @@ std::vector<std::uint8_t> CJpegImage::SaveToMemory(int quality) const {
 
 BitmapPixels CJpegImage::GetPixels() {
   if (!Bits) return {};
-  const int bytesPerPixel = Header.BitCount / 8;
-  return {Bits.get(),        Header,
-          CurrentSize.Width, CurrentSize.Height,
-          bytesPerPixel - 3, GetRowPadding(CurrentSize.Width, bytesPerPixel)};
+  return {Bits.get(), Header, CurrentSize.Width, CurrentSize.Height, 0, GetRowPadding(CurrentSize.Width)};
 }
 
 PixelBuffer CJpegImage::GetBuffer() {
   if (!Bits) return {};
-  const int bytesPerPixel = Header.BitCount / 8;
-  const auto rowStep = static_cast<std::ptrdiff_t>(GetRowBytes(CurrentSize.Width, bytesPerPixel));
-  return {Bits.get(), rowStep, CurrentSize, bytesPerPixel};
+  const auto rowStep = static_cast<std::ptrdiff_t>(GetRowBytes(CurrentSize.Width));
+  return {Bits.get(), rowStep, CurrentSize, kBytesPerPixel};
 }
 
 PixelSource CJpegImage::GetSource() const {
   if (!Bits) return {};
-  const int bytesPerPixel = Header.BitCount / 8;
-  const auto rowStep = static_cast<std::ptrdiff_t>(GetRowBytes(CurrentSize.Width, bytesPerPixel));
-  return {Bits.get(), rowStep, CurrentSize, bytesPerPixel};
+  const auto rowStep = static_cast<std::ptrdiff_t>(GetRowBytes(CurrentSize.Width));
+  return {Bits.get(), rowStep, CurrentSize, kBytesPerPixel};
 }

@@ -9,7 +9,7 @@
 class CJpegDecoder;
 
 /// A photo decoded from a JPEG, or a bitmap made by resizing. Rows run from the top downwards, each padded
-/// to a multiple of 4 bytes; a pixel is blue, green, red, and for a JPEG with alpha a fourth byte.
+/// to a multiple of 4 bytes; a pixel is blue, green, red.
 ///
 /// A photo is decoded at the smallest of the codec's four sizes that still covers the box asked for;
 /// drawing does the rest.
@@ -23,13 +23,14 @@ class CJpegImage : public CImage {
   ~CJpegImage() override;
 
   /// Reads and decodes a file for a box; 0 by 0 asks for the full picture. Replaces what was held; if it
-  /// raises CException, the image is as before.
+  /// raises CException (CTooLargeException), the image is as before.
   void LoadFile(const std::string& path, int boxWidth, int boxHeight);
 
   /// The same for a file that is in memory already. The path becomes empty.
   void LoadMemory(std::span<const std::uint8_t> bytes, int boxWidth, int boxHeight);
 
-  /// Takes in natural and current size of a file, no pixels. CException "Cannot read JPEG header".
+  /// Takes in natural and current size of a file, whose beginning alone is read, no pixels. CException
+  /// "Cannot read JPEG header".
   void ReadHeader(const std::string& path);
 
   ImageSize GetNaturalSize() const override { return NaturalSize; }

@@ -2,7 +2,26 @@
 
 #include <algorithm>
 #include <new>
+#include <string_view>
 #include <utility>
+
+namespace {
+
+constexpr std::size_t kMostHeaders = std::size_t{1} << 20;
+
+/// Headers that the library reads for itself tell it how the colours are stored.
+void TellLibrary(const JpegHeader& header, jpeg_decompress_struct& info) {
+  using namespace std::string_view_literals;
+  const std::string_view text(reinterpret_cast<const char*>(header.Data.data()), header.Data.size());
+  if (header.Marker == JPEG_APP0 && text.size() >= 14 && text.starts_with("JFIF\0"sv))
+    info.saw_JFIF_marker = TRUE;
+  if (header.Marker == JPEG_APP0 + 14 && text.size() >= 12 && text.starts_with("Adobe"sv)) {
+    info.saw_Adobe_marker = TRUE;
+    info.Adobe_transform = header.Data[11];
+  }
+}
+
+}  // namespace
 
 CJpegSource::CJpegSource(std::span<const std::uint8_t> bytes) {
   Manager.next_input_byte = bytes.data();
@@ -23,6 +42,37 @@ CJpegSource::CJpegSource(std::span<const std::uint8_t> bytes) {
     info->src->next_input_byte += skipped;
     info->src->bytes_in_buffer -= skipped;
   };
+}
+
+void CJpegSource::KeepHeaders(j_decompress_ptr info) {
+  jpeg_set_marker_processor(info, JPEG_COM, TakeHeader);
+  for (int k = 0; k < 16; ++k) jpeg_set_marker_processor(info, JPEG_APP0 + k, TakeHeader);
+}
+
+boolean CJpegSource::TakeHeader(j_decompress_ptr info) {
+  auto& manager = *static_cast<WatchedManager*>(info->src);
+  const std::span rest(manager.next_input_byte, manager.bytes_in_buffer);
+  constexpr std::size_t kLengthBytes = 2;
+  const std::size_t start = std::min(kLengthBytes, rest.size());
+  const std::size_t told = start < kLengthBytes ? 0 : std::size_t{rest[0]} << 8 | rest[1];
+  const std::size_t length = std::clamp(told, start, rest.size());
+  const JpegHeader header{info->unread_marker, rest.subspan(start, length - start)};
+  TellLibrary(header, *info);
+  if (!Keep(manager, header)) ERREXIT1(info, JERR_OUT_OF_MEMORY, 0);
+  manager.next_input_byte += length;
+  manager.bytes_in_buffer -= length;
+  return TRUE;
+}
+
+// No exception may leave through the library.
+bool CJpegSource::Keep(WatchedManager& manager, const JpegHeader& header) noexcept {
+  if (manager.Headers.size() == kMostHeaders) return false;
+  try {
+    manager.Headers.push_back(header);
+    return true;
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
 }
 
 std::span<const std::uint8_t> CJpegSource::GetRest() const {

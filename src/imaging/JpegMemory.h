@@ -9,6 +9,12 @@
 
 /// Bytes in memory as the JPEG library wants files; for code inside the imaging folder.
 
+/// A comment or application data of a file, as it lies there.
+struct JpegHeader {
+  int Marker = 0;
+  std::span<const std::uint8_t> Data;
+};
+
 /// A file to read. Behind its end stands a made-up end of the picture, once and again, so a file that is cut
 /// short goes as far as it does. Must outlive the library's object, and the bytes must outlive both.
 class CJpegSource {
@@ -19,16 +25,24 @@ class CJpegSource {
 
   jpeg_source_mgr* GetManager() { return &Manager; }
 
+  /// Keeps all headers from now on; to be called guarded, before the library reads. The library's own list of
+  /// them is walked to its end for each that is added, which takes minutes for a file that is full of them.
+  void KeepHeaders(j_decompress_ptr info);
+
+  /// In the order of the file.
+  const std::vector<JpegHeader>& GetHeaders() const { return Manager.Headers; }
+
   /// What the library hasn't asked for yet.
   std::span<const std::uint8_t> GetRest() const;
-
-  /// The library has read past the end.
-  bool HasRunOut() const { return Manager.RanOut; }
 
  private:
   struct WatchedManager : jpeg_source_mgr {
     bool RanOut = false;
+    std::vector<JpegHeader> Headers;
   };
+
+  static boolean TakeHeader(j_decompress_ptr info);
+  static bool Keep(WatchedManager& manager, const JpegHeader& header) noexcept;
 
   WatchedManager Manager{};
 };

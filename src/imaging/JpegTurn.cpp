@@ -11,6 +11,7 @@
 #include "imaging/BlockTurn.h"
 #include "imaging/JpegLimits.h"
 #include "imaging/JpegMemory.h"
+#include "imaging/PictureMemory.h"
 #include "platform/Files.h"
 #include "storage/StorageException.h"
 
@@ -45,7 +46,11 @@ void Transpose(JQUANT_TBL& table) {
 class CJpegTurn {
  public:
   CJpegTurn(std::span<const std::uint8_t> bytes, const QuarterTurn& turn)
-      : Turn(turn), Source(bytes), Destination(bytes.size() + bytes.size() / 8 + kLeastRoom) {
+      : Turn(turn),
+        FileBytes(bytes.size()),
+        Source(bytes),
+        Destination(bytes.size() + bytes.size() / 8 + kLeastRoom),
+        Watch(bytes.size()) {
     From.err = &Errors.Manager;
     From.client_data = &Errors;
     To.err = &Errors.Manager;
@@ -61,16 +66,21 @@ class CJpegTurn {
   CJpegTurn(const CJpegTurn&) = delete;
   CJpegTurn& operator=(const CJpegTurn&) = delete;
 
+  /// The picture, up to its end; none if it can't be read or written.
   std::optional<std::vector<std::uint8_t>> Run() {
-    if (!TakeIn()) return {};
-    const std::span<const std::uint8_t> trailer = Source.GetRest();
-    if (!RunGuarded(Errors, [this] { return Write(); })) return {};
-    std::vector<std::uint8_t> turned = Destination.Take();
-    // The arithmetic encoder takes values of any size, even those that no decoder gives back.
-    if (From.arith_code && !CJpegTurn(turned, Turn).TakeIn()) return {};
-    turned.insert(turned.end(), trailer.begin(), trailer.end());
-    return turned;
+    if (!TakeIn() || !Run([this] { return Write(); })) return {};
+    return Destination.Take();
   }
+
+  /// Whether the picture reads without any flaw.
+  bool IsWhole() { return TakeIn() && !Errors.Flawed; }
+
+  /// Values that were made out of damaged data may be such as no decoder gives back, and the arithmetic
+  /// encoder takes them all.
+  bool IsInDoubt() const { return Errors.Flawed || From.arith_code; }
+
+  /// What stands behind the end of the picture.
+  std::span<const std::uint8_t> GetTrailer() const { return Source.GetRest(); }
 
  private:
   static constexpr std::size_t kLeastRoom = 4096;                             // bytes
@@ -78,6 +88,7 @@ class CJpegTurn {
 
   /// Looks at each scan when it begins, while the library reads them all.
   struct ScanWatch : jpeg_progress_mgr {
+    explicit ScanWatch(std::size_t fileBytes) : jpeg_progress_mgr(), Budget(fileBytes) {}
     void Look(j_decompress_ptr info) {
       if (info->input_scan_number == LastScan) return;
       LastScan = info->input_scan_number;
@@ -88,36 +99,46 @@ class CJpegTurn {
   };
 
   bool TakeIn() {
-    return RunGuarded(Errors, [this] { return Read(); });
+    if (!Run([this] { return ReadHeader(); })) return false;
+    if (!IsAffordable(From)) throw CTooLargeException();
+    // As they were, as they are turned, and the new file, whose room grows to twice of what it needs.
+    Share.emplace(GetPictureMemory(), 2 * GetCoefficientBytes(From) + 2 * std::uint64_t{FileBytes});
+    return Run([this] { return ReadPicture(); }) && !Errors.LostHeader;
+  }
+
+  /// False if the library gave up on the file, CTooLargeException if on its size.
+  template <typename Step>
+  bool Run(const Step& step) {
+    if (RunGuarded(Errors, step)) return true;
+    if (Watch.Budget.IsSpent() || Errors.Manager.msg_code == JERR_OUT_OF_MEMORY) throw CTooLargeException();
+    return false;
   }
 
   // All below runs guarded.
 
-  bool Read() {
+  bool ReadHeader() {
     jpeg_create_decompress(&From);
     From.src = Source.GetManager();
-    constexpr unsigned kWholeMarker = 0xFFFF;
-    jpeg_save_markers(&From, JPEG_COM, kWholeMarker);
-    for (int k = 0; k < 16; ++k) jpeg_save_markers(&From, JPEG_APP0 + k, kWholeMarker);
-    if (jpeg_read_header(&From, TRUE) != JPEG_HEADER_OK || !IsAffordable(From)) return false;
-    From.mem->max_memory_to_use = kMaxCoefficientBytes;
+    Source.KeepHeaders(&From);
     From.progress = &Watch;
+    return jpeg_read_header(&From, TRUE) == JPEG_HEADER_OK;
+  }
+
+  bool ReadPicture() {
     Held = jpeg_read_coefficients(&From);
-    // Arithmetic coding doesn't show where its data end too early.
-    return Held && !Errors.LostData && !(From.arith_code && Source.HasRunOut());
+    return Held != nullptr;
   }
 
   bool Write() {
     jpeg_create_compress(&To);
     To.dest = Destination.GetManager();
-    To.mem->max_memory_to_use = kMaxCoefficientBytes;
     jpeg_copy_critical_parameters(&From, &To);
     SetGeometry();
     SetCoding();
     RequestPlanes();
     jpeg_write_coefficients(&To, Turned.data());
-    for (jpeg_saved_marker_ptr marker = From.marker_list; marker; marker = marker->next)
-      jpeg_write_marker(&To, marker->marker, marker->data, marker->data_length);
+    for (const JpegHeader& header : Source.GetHeaders())
+      jpeg_write_marker(&To, header.Marker, header.Data.data(), static_cast<unsigned>(header.Data.size()));
     for (int k = 0; k < To.num_components; ++k) {
       const jpeg_component_info& channel = To.comp_info[k];
       const TurnedPlane target{{AsCommon(&To), Turned[static_cast<std::size_t>(k)]},
@@ -216,10 +237,12 @@ class CJpegTurn {
   }
 
   QuarterTurn Turn;
+  const std::size_t FileBytes;
+  std::optional<CMemoryShare> Share;
   JpegErrors Errors;
   CJpegSource Source;
   CJpegDestination Destination;
-  ScanWatch Watch{};
+  ScanWatch Watch;
   jpeg_decompress_struct From{};
   jpeg_compress_struct To{};
   jvirt_barray_ptr* Held = nullptr;  // of each channel as read
@@ -239,17 +262,28 @@ bool IsDiskTrouble(const std::error_code& error) {
 
 std::optional<std::vector<std::uint8_t>> TurnJpeg(std::span<const std::uint8_t> bytes, int angle) {
   const QuarterTurn turn = GetTurn(angle);
+  std::optional<std::vector<std::uint8_t>> turned;
+  std::span<const std::uint8_t> trailer;
+  bool isInDoubt = false;
   try {
-    return CJpegTurn(bytes, turn).Run();
+    {
+      CJpegTurn work(bytes, turn);
+      turned = work.Run();
+      trailer = work.GetTrailer();
+      isInDoubt = work.IsInDoubt();
+    }
+    if (!turned || (isInDoubt && !CJpegTurn(*turned, turn).IsWhole())) return {};
+    turned->insert(turned->end(), trailer.begin(), trailer.end());
+    return turned;
   } catch (const std::bad_alloc&) {
-    return {};
+    throw CTooLargeException();
   }
 }
 
 bool TransformJpeg(const std::string& sourcePath, const std::string& destinationPath, int angle) {
-  std::vector<std::uint8_t> bytes;
-  if (platform::ReadWholeFile(sourcePath, bytes)) throw CException("Cannot read src file");
-  const auto turned = TurnJpeg(bytes, angle);
+  CPhotoFile file;
+  if (file.Read(sourcePath)) throw CException("Cannot read src file");
+  const auto turned = TurnJpeg(file.GetBytes(), angle);
   if (!turned) return false;
   const std::error_code error =
       platform::WriteFileAtomically(destinationPath, turned->data(), turned->size());

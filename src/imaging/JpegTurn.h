@@ -14,11 +14,14 @@
 /// kept byte for byte in their order, and so is what stands behind the end of the picture; nothing in them
 /// is turned. The file stays progressive, arithmetically coded or divided by restart marks if it was.
 
-/// A turned JPEG file; none if the bytes are no JPEG, cost more than the limits of JpegCodec.h, or hold
-/// damaged picture data, part of which a new file would lack. CError "Angle not supported".
+/// A damaged picture is turned as it shows: what the library makes of it is what the new file holds.
+
+/// A turned JPEG file; none if the bytes give no picture, or hold what can't be made out among their headers,
+/// which a new file would lack. CTooLargeException if it costs more than the limits of JpegCodec.h; CError
+/// "Angle not supported".
 std::optional<std::vector<std::uint8_t>> TurnJpeg(std::span<const std::uint8_t> bytes, int angle);
 
 /// Turns from file to file; both may be the same. The destination is replaced in one step, and flushed, or
-/// left as it was. False if TurnJpeg gives none. CException "Cannot read src file" or "Cannot open
-/// destination file"; CStorageException if the disk is full or fails.
+/// left as it was. False if TurnJpeg gives none, and its exceptions. CException "Cannot read src file" or
+/// "Cannot open destination file"; CStorageException if the disk is full or fails.
 bool TransformJpeg(const std::string& sourcePath, const std::string& destinationPath, int angle);

@@ -3,7 +3,7 @@
 #include "imaging/ExifReader.h"
 #include "imaging/ImageFile.h"
 #include "imaging/JpegImage.h"
-#include "platform/Files.h"
+#include "imaging/PictureMemory.h"
 
 namespace {
 
@@ -21,13 +21,15 @@ std::vector<std::uint8_t> MakeThumbnail(const std::string& path, std::span<const
 PreparedPhoto PreparePhoto(const std::string& path) {
   PreparedPhoto prepared;
   try {
-    std::vector<std::uint8_t> bytes;
-    if (platform::ReadWholeFile(path, bytes)) return prepared;
+    CPhotoFile file;
+    if (file.Read(path)) return prepared;
     CExifReader reader;
-    reader.LoadBytes(bytes);
+    reader.LoadBytes(file.GetBytes());
     prepared.CameraDate = reader.GetDateTime(kDateTimeTag);
-    prepared.Thumbnail = MakeThumbnail(path, bytes);
+    prepared.Thumbnail = MakeThumbnail(path, file.GetBytes());
     prepared.WasRead = true;
+  } catch (const CTooLargeException&) {
+    prepared.WasRead = true;  // it won't be smaller when it is looked at again
   } catch (...) {
     // Out of memory at worst: this photo goes without, the others don't.
   }

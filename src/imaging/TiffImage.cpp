@@ -7,6 +7,7 @@
 
 #include "base/Exceptions.h"
 #include "base/Product.h"
+#include "imaging/PictureMemory.h"
 #include "imaging/TiffMemory.h"
 #include "platform/Files.h"
 
@@ -25,11 +26,12 @@ ImageSize ReadSize(TIFF* tiff) {
   return {static_cast<int>(width), static_cast<int>(height)};
 }
 
-bool IsHoldable(ImageSize size) {
-  const std::uint64_t pixels =
-      static_cast<std::uint64_t>(size.Width) * static_cast<std::uint64_t>(size.Height);
-  return pixels > 0 && pixels <= kMaxBitmapBytes / kBytesPerPixel;
+std::uint64_t GetBitmapBytes(ImageSize size) {
+  return static_cast<std::uint64_t>(size.Width) * static_cast<std::uint64_t>(size.Height) * kBytesPerPixel;
 }
+
+/// For as much again as the held pixels: what the library takes to decode them, or a turned copy.
+std::uint64_t GetWorkingBytes(ImageSize size) { return 2 * GetBitmapBytes(size); }
 
 void SwapRedAndBlue(std::uint32_t& pixel) {
   const std::uint32_t parts[] = {TIFFGetB(pixel), TIFFGetG(pixel), TIFFGetR(pixel), TIFFGetA(pixel)};
@@ -102,13 +104,13 @@ void CTiffImage::Clear() {
   Header = {};
   NaturalSize = {};
   CompressedAsJpeg = false;
-  HasPageNumber = false;
+  HasMorePages = false;
 }
 
 void CTiffImage::LoadFile(const std::string& path, int boxWidth, int boxHeight) {
-  std::vector<std::uint8_t> bytes;
-  if (platform::ReadWholeFile(path, bytes)) bytes.clear();
-  TakeDecoded(bytes, {boxWidth, boxHeight});
+  CPhotoFile file;
+  static_cast<void>(file.Read(path));  // what can't be read holds nothing
+  TakeDecoded(file.GetBytes(), {boxWidth, boxHeight});
   SetPath(path);
 }
 
@@ -124,7 +126,10 @@ void CTiffImage::TakeDecoded(std::span<const std::uint8_t> bytes, ImageSize box)
   const TiffHandle tiff = OpenTiff(input);
   if (!tiff) return;
   const ImageSize size = ReadSize(tiff.get());
-  if (!IsHoldable(size)) return;
+  const std::uint64_t bitmapBytes = GetBitmapBytes(size);
+  if (bitmapBytes == 0) return;
+  if (bitmapBytes > kMaxBitmapBytes) throw CTooLargeException();
+  const CMemoryShare share(GetPictureMemory(), GetWorkingBytes(size));
   const std::size_t count = static_cast<std::size_t>(size.Width) * static_cast<std::size_t>(size.Height);
   std::vector<std::uint32_t> bits;
   try {
@@ -142,7 +147,8 @@ void CTiffImage::TakeDecoded(std::span<const std::uint8_t> bytes, ImageSize box)
   std::uint16_t pages = 0;
   CompressedAsJpeg =
       TIFFGetField(tiff.get(), TIFFTAG_COMPRESSION, &compression) && compression == COMPRESSION_JPEG;
-  HasPageNumber = TIFFGetField(tiff.get(), TIFFTAG_PAGENUMBER, &page, &pages) != 0;
+  HasMorePages =
+      TIFFGetField(tiff.get(), TIFFTAG_PAGENUMBER, &page, &pages) != 0 || TIFFLastDirectory(tiff.get()) == 0;
   Bits = std::move(bits);
   Header = {size.Width, size.Height, kBytesPerPixel * 8};
   NaturalSize = size;
@@ -150,10 +156,8 @@ void CTiffImage::TakeDecoded(std::span<const std::uint8_t> bytes, ImageSize box)
 
 void CTiffImage::ReadHeader(const std::string& path) {
   Clear();
-  std::vector<std::uint8_t> bytes;
-  if (platform::ReadWholeFile(path, bytes)) return;
-  TiffInput input{bytes};
-  if (const TiffHandle tiff = OpenTiff(input)) NaturalSize = ReadSize(tiff.get());
+  TiffFile file{path};
+  if (const TiffHandle tiff = OpenTiff(file)) NaturalSize = ReadSize(tiff.get());
   SetPath(path);
 }
 
@@ -161,11 +165,14 @@ bool CTiffImage::Rotate(int angle) {
   if (Bits.empty()) return false;
   if (angle != 90 && angle != 270) throw CException("Cannot write TIFF data to file\n");
   const std::string path = GetPath();
-  const std::vector<std::uint32_t> turned = TurnPixels(GetSource(), angle == 90);
-  const ImageSize size{NaturalSize.Height, NaturalSize.Width};
-  WriteTiff({reinterpret_cast<const std::uint8_t*>(turned.data()),
-             std::ptrdiff_t{size.Width} * kBytesPerPixel, size, kBytesPerPixel},
-            path);
+  {
+    const CMemoryShare share(GetPictureMemory(), GetWorkingBytes(NaturalSize));
+    const std::vector<std::uint32_t> turned = TurnPixels(GetSource(), angle == 90);
+    const ImageSize size{NaturalSize.Height, NaturalSize.Width};
+    WriteTiff({reinterpret_cast<const std::uint8_t*>(turned.data()),
+               std::ptrdiff_t{size.Width} * kBytesPerPixel, size, kBytesPerPixel},
+              path);
+  }
   LoadFile(path, RequestedSize.Width, RequestedSize.Height);
   return true;
 }

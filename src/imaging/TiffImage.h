@@ -13,8 +13,8 @@ class CTiffImage : public CImage {
   CTiffImage();
   ~CTiffImage() override;
 
-  /// Reads and decodes a file. The box is only remembered. A file that can't be read or decoded, or whose
-  /// pixels would take more than kMaxBitmapBytes, leaves the image empty; no exception.
+  /// Reads and decodes a file. The box is only remembered. A file that can't be read or decoded leaves
+  /// the image empty. CTooLargeException, also if the pixels would take more than kMaxBitmapBytes.
   void LoadFile(const std::string& path, int boxWidth, int boxHeight);
 
   /// The same for a file that is in memory already.
@@ -26,7 +26,7 @@ class CTiffImage : public CImage {
   ImageSize GetNaturalSize() const override { return NaturalSize; }
   ImageSize GetCurrentSize() const override { return NaturalSize; }
   ImageSize GetRequestedSize() const override { return RequestedSize; }
-  bool RotatesWithoutLoss() const override { return !HasPageNumber; }
+  bool RotatesWithoutLoss() const override { return !HasMorePages; }
   /// Writes the file anew from the held pixels, as Save does: red, green and blue are what is kept of it.
   bool Rotate(int angle) override;
   bool IsCompressedAsJpeg() const { return CompressedAsJpeg; }
@@ -48,5 +48,5 @@ class CTiffImage : public CImage {
   ImageSize NaturalSize;
   ImageSize RequestedSize;
   bool CompressedAsJpeg = false;
-  bool HasPageNumber = false;
+  bool HasMorePages = false;
 };

@@ -5,10 +5,20 @@
 #include <new>
 
 #include "imaging/Image.h"
+#include "platform/Files.h"
 
 namespace {
 
 int Silence(TIFF*, void*, const char*, const char*, va_list) { return 1; }
+
+std::uint64_t SizeOf(const TiffInput& input) { return input.Bytes.size(); }
+
+std::uint64_t SizeOf(const TiffOutput& output) { return output.Bytes.size(); }
+
+std::uint64_t SizeOf(const TiffFile& file) {
+  platform::FileStatus status;
+  return platform::GetStatus(file.Path, status) ? 0 : status.Size;
+}
 
 template <typename Memory>
 toff_t Seek(thandle_t handle, toff_t offset, int whence) {
@@ -16,13 +26,13 @@ toff_t Seek(thandle_t handle, toff_t offset, int whence) {
   // The library adds in unsigned numbers; going back is a wrap.
   if (whence == SEEK_SET) memory->Position = offset;
   if (whence == SEEK_CUR) memory->Position += offset;
-  if (whence == SEEK_END) memory->Position = memory->Bytes.size() + offset;
+  if (whence == SEEK_END) memory->Position = SizeOf(*memory) + offset;
   return memory->Position;
 }
 
 template <typename Memory>
 toff_t GetSize(thandle_t handle) {
-  return static_cast<Memory*>(handle)->Bytes.size();
+  return SizeOf(*static_cast<Memory*>(handle));
 }
 
 template <typename Memory>
@@ -34,6 +44,17 @@ tmsize_t Read(thandle_t handle, void* buffer, tmsize_t size) {
   std::memcpy(buffer, memory->Bytes.data() + memory->Position, count);
   memory->Position += count;
   return static_cast<tmsize_t>(count);
+}
+
+template <>
+tmsize_t Read<TiffFile>(thandle_t handle, void* buffer, tmsize_t size) {
+  auto* file = static_cast<TiffFile*>(handle);
+  std::size_t got = 0;
+  if (size <= 0) return 0;
+  const std::span bytes(static_cast<std::uint8_t*>(buffer), static_cast<std::size_t>(size));
+  if (platform::ReadFilePart(file->Path, file->Position, bytes, got)) return -1;
+  file->Position += got;
+  return static_cast<tmsize_t>(got);
 }
 
 tmsize_t RefuseWrite(thandle_t, void*, tmsize_t) { return -1; }
@@ -72,5 +93,7 @@ TiffHandle Open(Memory& memory, const char* mode, TIFFReadWriteProc write) {
 }  // namespace
 
 TiffHandle OpenTiff(TiffInput& input) { return Open(input, "rm", RefuseWrite); }
+
+TiffHandle OpenTiff(TiffFile& file) { return Open(file, "rm", RefuseWrite); }
 
 TiffHandle CreateTiff(TiffOutput& output) { return Open(output, "w", Write); }

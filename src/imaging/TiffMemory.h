@@ -5,9 +5,10 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <string>
 #include <vector>
 
-/// A TIFF in memory as the library wants a file; for code inside the imaging folder. Nothing of it is shown
+/// TIFFs as the library wants files; for code inside the imaging folder. Nothing of it is shown
 /// or kept by the library beyond the handle, so threads need no lock.
 
 struct TiffCloser {
@@ -21,6 +22,12 @@ struct TiffInput {
   std::uint64_t Position = 0;
 };
 
+/// A TIFF of which only parts are read, from its file. Must outlive its handle.
+struct TiffFile {
+  std::string Path;
+  std::uint64_t Position = 0;
+};
+
 /// A TIFF being written. Must outlive its handle.
 struct TiffOutput {
   std::vector<std::uint8_t> Bytes;
@@ -29,5 +36,7 @@ struct TiffOutput {
 
 /// Null if the bytes are no TIFF.
 TiffHandle OpenTiff(TiffInput& input);
+
+TiffHandle OpenTiff(TiffFile& file);
 
 TiffHandle CreateTiff(TiffOutput& output);

@@ -84,6 +84,21 @@ std::error_code LinkThenRemove(const std::string& from, const std::string& to) {
   return ::rename(from.c_str(), to.c_str()) == 0 ? std::error_code() : LastError();
 }
 
+/// `size` is the file's, in bytes.
+std::error_code OpenRegularFile(const std::string& path, Descriptor& descriptor, std::uint64_t& size) {
+  FileStatus status;
+  // Looked at before it is opened, since opening some devices has effects, and again after, since the name
+  // may lead elsewhere by then.
+  if (const auto error = GetStatus(path, status)) return error;
+  if (const auto error = ErrorOfKind(status)) return error;
+  if (const auto error = descriptor.Open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY)) return error;
+  struct stat raw {};
+  if (::fstat(descriptor.Get(), &raw) != 0) return LastError();
+  if (!S_ISREG(raw.st_mode)) return make_error_code(std::errc::not_supported);
+  size = static_cast<std::uint64_t>(raw.st_size);
+  return {};
+}
+
 std::error_code ReadFromDescriptor(const Descriptor& descriptor, std::size_t expected, std::size_t limit,
                                    std::vector<std::uint8_t>& bytes) {
   // One byte more than the status said, so that the end of the file shows without a second round.
@@ -114,26 +129,30 @@ std::error_code GetEntryStatus(const std::string& path, FileStatus& status) {
 
 std::error_code ReadWholeFile(const std::string& path, std::vector<std::uint8_t>& bytes, std::size_t limit) {
   bytes.clear();
-  FileStatus status;
-  // Looked at before it is opened, since opening some devices has effects, and again after, since the name
-  // may lead elsewhere by then.
-  if (const auto error = GetStatus(path, status)) return error;
-  if (const auto error = ErrorOfKind(status)) return error;
   Descriptor descriptor;
-  if (const auto error = descriptor.Open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY)) return error;
-  struct stat raw {};
-  if (::fstat(descriptor.Get(), &raw) != 0) return LastError();
-  if (!S_ISREG(raw.st_mode)) return make_error_code(std::errc::not_supported);
-  if (static_cast<std::uint64_t>(raw.st_size) > limit) return make_error_code(std::errc::file_too_large);
+  std::uint64_t size = 0;
+  if (const auto error = OpenRegularFile(path, descriptor, size)) return error;
+  if (size > limit) return make_error_code(std::errc::file_too_large);
 
   std::error_code error;
   try {
-    error = ReadFromDescriptor(descriptor, static_cast<std::size_t>(raw.st_size), limit, bytes);
+    error = ReadFromDescriptor(descriptor, static_cast<std::size_t>(size), limit, bytes);
   } catch (const std::bad_alloc&) {
     error = make_error_code(std::errc::not_enough_memory);
   }
   if (error) bytes.clear();
   return error;
+}
+
+std::error_code ReadFilePart(const std::string& path, std::uint64_t offset, std::span<std::uint8_t> bytes,
+                             std::size_t& got) {
+  got = 0;
+  Descriptor descriptor;
+  std::uint64_t size = 0;
+  if (const auto error = OpenRegularFile(path, descriptor, size)) return error;
+  if (offset >= size) return {};
+  if (::lseek(descriptor.Get(), static_cast<off_t>(offset), SEEK_SET) < 0) return LastError();
+  return descriptor.Read(bytes.data(), bytes.size(), got);
 }
 
 std::error_code RenameOver(const std::string& from, const std::string& to) {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -37,6 +38,10 @@ std::error_code GetEntryStatus(const std::string& path, FileStatus& status);
 /// file is refused before a byte is read, so a FIFO or a device never blocks.
 std::error_code ReadWholeFile(const std::string& path, std::vector<std::uint8_t>& bytes,
                               std::size_t limit = std::size_t{1} << 30);
+
+/// Reads some bytes of a regular file from `offset` on; `got` is less than asked for only at its end.
+std::error_code ReadFilePart(const std::string& path, std::uint64_t offset, std::span<std::uint8_t> bytes,
+                             std::size_t& got);
 
 /// Puts `bytes` under `path` in one step: a whole new file beside it, flushed, then renamed over the
 /// name. A link is followed, and whatever stood there keeps its permission bits. On an error the old file

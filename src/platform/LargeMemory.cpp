@@ -1,7 +1,9 @@
 #include "platform/LargeMemory.h"
 
 #include <sys/mman.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <limits>
 #include <new>
@@ -31,6 +33,12 @@ LargeMemory AllocateLargeMemory(std::size_t size) {
   // A system without large pages gives plain ones.
   static_cast<void>(::madvise(bytes.get(), whole, MADV_HUGEPAGE));
   return bytes;
+}
+
+std::uint64_t GetPhysicalMemory() {
+  const long pages = ::sysconf(_SC_PHYS_PAGES);
+  const long pageSize = ::sysconf(_SC_PAGE_SIZE);
+  return static_cast<std::uint64_t>(std::max(pages, 0L)) * static_cast<std::uint64_t>(std::max(pageSize, 0L));
 }
 
 }  // namespace platform

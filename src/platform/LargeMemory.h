@@ -18,4 +18,7 @@ using LargeMemory = std::unique_ptr<std::uint8_t[], LargeMemoryRelease>;
 /// decode. Raises std::bad_alloc.
 LargeMemory AllocateLargeMemory(std::size_t size);
 
+/// Bytes of memory that the machine has.
+std::uint64_t GetPhysicalMemory();
+
 }  // namespace platform

@@ -214,4 +214,8 @@ enum class StringId : int {
   FeedbackPage = 20102,
   PromotionsPage = 20103,
   WebsitePage = 20104,
+
+  // Photos that can't be worked on.
+  PhotoTooLarge = 20110,
+  PhotoTooDamagedToTurn = 20111,
 };

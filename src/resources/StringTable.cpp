@@ -250,6 +250,10 @@ constexpr auto kTable = std::to_array<Entry>({
     {StringId::FeedbackPage, "www.vellumar.example/feedback"},
     {StringId::PromotionsPage, "www.vellumar.example/offers"},
     {StringId::WebsitePage, "www.vellumar.example"},
+    {StringId::PhotoTooLarge, "This photo is too large for %1."},
+    {StringId::PhotoTooDamagedToTurn,
+     "This photo can't be turned: its file is damaged, and what can't be read of it would be lost.\n\nThe "
+     "photo has not been changed."},
 });
 
 constexpr bool IsBefore(const Entry& a, const Entry& b) { return a.Id < b.Id; }

@@ -3,6 +3,7 @@
 #include "base/Exceptions.h"
 #include "editing/PictureFixture.h"
 #include "editing/RotatePhoto.h"
+#include "imaging/PictureMemory.h"
 #include "support/FaultSteps.h"
 
 using testing::ElementsAre;
@@ -53,14 +54,17 @@ TEST_F(RotatePhotoTest, AReadOnlyOrMissingPhotoIsAskedAboutFirst) {
   EXPECT_THAT(NamesInFolder(), ElementsAre());
 }
 
-TEST_F(RotatePhotoTest, WhatCannotBeTurnedStaysWithoutAMessage) {
+TEST_F(RotatePhotoTest, WhatCannotBeTurnedStaysAndTheUserIsTold) {
   EXPECT_EQ(PhotoChange::None, RotatePhoto(Photo, nullptr, 90, kNothing)) << "no image is shown";
   const auto shown = Show(0, 0);
   Scratch.Write("photos/boat.jpg", "no picture any more");
   EXPECT_EQ(PhotoChange::ShownImage, RotatePhoto(Photo, shown.get(), 90, kNothing));
   EXPECT_EQ("no picture any more", Now());
+  EXPECT_THAT(Messages.Texts,
+              ElementsAre(testing::StartsWith("This photo can't be turned: its file is damaged")));
+  fs::resize_file(Photo.GetPath(), std::uintmax_t{1} << 40);
+  EXPECT_THROW(RotatePhoto(Photo, shown.get(), 90, kNothing), CTooLargeException);
   EXPECT_THAT(NamesInFolder(), ElementsAre("boat.jpg"));
-  EXPECT_TRUE(Messages.Texts.empty());
 }
 
 /// Holds more than its pixels.

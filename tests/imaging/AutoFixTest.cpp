@@ -209,21 +209,29 @@ TEST(AutoFixTest, SmallPicturesOfAnyContentComeOutAsDescribed) {
   }
 }
 
+/// Pixels of four bytes.
+class CWideImage : public CTiffImage {
+ public:
+  CWideImage(std::vector<std::uint8_t>& bytes, int width, int height)
+      : Pixels{bytes.data(), {width, height, 32}, width, height, 1, 0} {}
+  BitmapPixels GetPixels() override { return Pixels; }
+
+ private:
+  const BitmapPixels Pixels;
+};
+
 TEST(AutoFixTest, AFourthByteIsLeftAlone) {
   std::vector<std::uint8_t> bytes;
   for (unsigned i = 0; i < 48 * 32 * 4; ++i) bytes.push_back(static_cast<std::uint8_t>(i * 7 + i / 300));
-  CJpegImage image;
-  image.LoadMemory(EncodeJpeg({bytes.data(), 48 * 4, {48, 32}, 4}, 100), 0, 0);
-  const BitmapPixels held = image.GetPixels();
-  ASSERT_EQ(1, held.ExtraBytesPerPixel);
-  const std::vector<std::uint8_t> before(held.Bits, held.Bits + 48 * 32 * 4);
+  const std::vector<std::uint8_t> before = bytes;
+  CWideImage image(bytes, 48, 32);
   std::vector<Pixel> pixels(48 * 32);
   for (std::size_t i = 0; i < pixels.size(); ++i) std::copy_n(&before[i * 4], 3, pixels[i].begin());
   const CPlainFix plain(pixels);
   AutoFix(image);
   int wrong = 0;
   for (std::size_t i = 0; i < pixels.size(); ++i) {
-    const std::uint8_t* now = held.Bits + i * 4;
+    const std::uint8_t* now = &bytes[i * 4];
     wrong += !std::ranges::equal(plain.Apply(pixels[i]), std::span(now, 3)) || now[3] != before[i * 4 + 3];
   }
   EXPECT_EQ(0, wrong);

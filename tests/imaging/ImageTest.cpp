@@ -118,15 +118,6 @@ TEST(ImageTest, PixelsLieAsTheHeaderTells) {
   EXPECT_EQ(3, pixels.RowPadding);
   EXPECT_NEAR(PaintSoftly(26, 19)[0], pixels.Bits[19 * 84 + 26 * 3 + 2], 12);
   EXPECT_EQ(0, pixels.Bits[84 - 1]);
-
-  CJpegImage alpha;
-  const std::vector<std::uint8_t> bytes(std::size_t{16} * 16 * 4, 255);
-  alpha.LoadMemory(EncodeJpeg({bytes.data(), 64, {16, 16}, 4}, 90), 0, 0);
-  EXPECT_EQ(32, alpha.GetPixels().Header.BitCount);
-  EXPECT_EQ(1, alpha.GetPixels().ExtraBytesPerPixel);
-  EXPECT_EQ(0, alpha.GetPixels().RowPadding);
-  EXPECT_EQ(24, alpha.MakeFitted(9, 9)->GetPixels().Header.BitCount);
-  EXPECT_FALSE(alpha.SaveToMemory(70).empty());
 }
 
 TEST(ImageTest, ALoadThatFailsLeavesTheImageAsItWas) {
@@ -192,9 +183,33 @@ TEST(ImageTest, AFileThatGivesNoPictureIsNullWithoutAnException) {
   const auto two = MakeJpeg({.Colors = StoredColors::TwoChannels}, PaintSoftly);
   EXPECT_EQ(nullptr, LoadImageFile(scratch.Write("two.jpg", {two.begin(), two.end()}), 0, 0));
   EXPECT_EQ(nullptr, LoadImageFile(scratch.Write("b.tif", "II*"), 0, 0));
+  const auto bare = MakeJpeg({.Colors = StoredColors::Ycck, .AdobeMarker = false}, PaintSoftly);
+  EXPECT_EQ(nullptr, LoadImageFile(scratch.Write("bare.jpg", {bare.begin(), bare.end()}), 0, 0))
+      << "what its four channels mean can't be told";
   EXPECT_EQ((ImageSize{}), ReadImageSize(scratch.File("b.jpg")));
   EXPECT_EQ((ImageSize{}), ReadImageSize(scratch.File("b.tif")));
   EXPECT_EQ((ImageSize{64, 48}), ReadImageSize(scratch.File("two.jpg")));
+}
+
+TEST(ImageTest, TheSizeOfAPhotoIsReadFromItsBeginningHoweverLargeItIs) {
+  const CScratchFolder scratch;
+  constexpr std::uintmax_t kHuge = std::uintmax_t{1} << 40;
+  const std::string path = scratch.Write("a.jpg", Jpeg(64, 48));
+  std::filesystem::resize_file(path, kHuge);
+  EXPECT_EQ((ImageSize{64, 48}), ReadImageSize(path));
+  bool isTooLarge = false;
+  EXPECT_EQ(nullptr, LoadImageFile(path, 0, 0, &isTooLarge));
+  EXPECT_TRUE(isTooLarge);
+
+  // Behind a million bytes of headers.
+  std::string late = Jpeg(64, 48);
+  for (int k = 0; k < 16; ++k) late.insert(2, "\xFF\xE2\xFF\xFF" + std::string(65533, 'x'));
+  EXPECT_EQ((ImageSize{64, 48}), ReadImageSize(scratch.Write("late.jpg", late)));
+  std::filesystem::resize_file(scratch.Write("zeros.jpg", "\xFF\xD8"), kHuge);
+  EXPECT_EQ((ImageSize{}), ReadImageSize(scratch.File("zeros.jpg")));
+  const std::string tiff = scratch.Write("a.tif", Tiff());
+  std::filesystem::resize_file(tiff, kHuge);
+  EXPECT_EQ((ImageSize{5, 3}), ReadImageSize(tiff));
 }
 
 TEST(TiffImageTest, RowsRunUpwardsAndAreDrawnTheRightWayUp) {

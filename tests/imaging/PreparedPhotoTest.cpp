@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "imaging/JpegImage.h"
+#include "imaging/PictureMemory.h"
 #include "imaging/PreparedPhoto.h"
 #include "imaging/TestJpegs.h"
 #include "support/ScratchFolder.h"
@@ -74,4 +75,22 @@ TEST(PreparedPhotoTest, ManyThreadsPrepareTheSame) {
     });
   for (auto& thread : threads) thread.join();
   EXPECT_EQ(std::vector<int>(4), wrong);
+}
+
+TEST(PictureMemoryTest, SharesWaitForEachOtherAndNoneIsLargerThanAll) {
+  CMemoryPool pool(100);
+  EXPECT_THROW(CMemoryShare(pool, 101), CTooLargeException);
+  std::atomic<int> used = 0;
+  std::atomic<bool> tooMuch = false;
+  std::vector<std::jthread> threads;
+  for (const int bytes : {10, 40, 70, 100})
+    threads.emplace_back([&, bytes] {
+      for (int k = 0; k < 200; ++k) {
+        const CMemoryShare share(pool, static_cast<std::uint64_t>(bytes));
+        if ((used += bytes) > 100) tooMuch = true;
+        used -= bytes;
+      }
+    });
+  threads.clear();
+  EXPECT_FALSE(tooMuch);
 }

@@ -46,6 +46,7 @@ CPhotoView::~CPhotoView() = default;
 void CPhotoView::SetPhoto(const std::optional<CAssetRecord>& photo) {
   Photo = photo;
   Image.reset();
+  IsTooLarge = false;
   ShownFlags = {};
   UpdateFlags();
   Reload(false);
@@ -94,7 +95,7 @@ void CPhotoView::Reload(bool force) {
     const CWaitCursor waiting;
     if (!IsJobRunning()) Path = Photo->GetPath();  // a job owns the catalog
     Image.reset();
-    Image = LoadImageFile(Path, view.width(), view.height());
+    Image = LoadImageFile(Path, view.width(), view.height(), &IsTooLarge);
   }
   Fit();
 }
@@ -128,7 +129,8 @@ void CPhotoView::paintEvent(QPaintEvent*) {
   CDevicePainter painter(*this);
   painter.Fill(painter.GetArea(), colours::kPage);
   if (Picture.isNull()) {
-    const StringId text = Photo ? StringId::UnableToDisplayPhoto : StringId::NoPhoto;
+    const StringId reason = IsTooLarge ? StringId::PhotoTooLarge : StringId::UnableToDisplayPhoto;
+    const StringId text = Photo ? reason : StringId::NoPhoto;
     painter.DrawText(painter.GetArea(), Qt::AlignCenter, GetFont(FontId::EmptyPage), colours::kInk,
                      ToQString(LoadExpandedString(text)));
     return;

@@ -71,8 +71,9 @@ class CPhotoView : public QWidget {
   std::optional<CAssetRecord> Photo;
   std::string Path;
   std::unique_ptr<CImage> Image;
-  QImage Picture;  // the image, fitted to the page as it is now
-  QRect Place;     // of the picture, in device pixels
+  bool IsTooLarge = false;  // which is why there is no image
+  QImage Picture;           // the image, fitted to the page as it is now
+  QRect Place;              // of the picture, in device pixels
   Look TheLook;
   std::array<bool, kMarkSlots> ShownFlags{};
 };
