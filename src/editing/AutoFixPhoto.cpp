@@ -59,7 +59,7 @@ PhotoChange AutoFixPhoto(const CAssetRecord& photo, CImage* image, const WorkBeg
     static_cast<void>(RestoreOriginalCopy(photo));
     throw;
   } catch (const CTooLargeException&) {
-    RestoreOriginalCopy(photo);
+    static_cast<void>(RestoreOriginalCopy(photo));
     throw;
   } catch (...) {
     static_cast<void>(RestoreOriginalCopy(photo));

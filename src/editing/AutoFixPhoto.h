@@ -10,6 +10,6 @@ class CImage;
 /// pixels, they are corrected too. Asks and tells the user what CheckPhotoWritable does.
 ///
 /// CException "Cannot make copy of original photo.", "Can't save edited photo", or why the earlier bytes
-/// can't be brought back; CTooLargeException. The photo, and whether it has an original copy, is as before then, but the pixels
-/// of `image` may have been corrected: it is to be loaded again.
+/// can't be brought back; CTooLargeException. The photo, and whether it has an original copy, is as before
+/// then, but the pixels of `image` may have been corrected: it is to be loaded again.
 PhotoChange AutoFixPhoto(const CAssetRecord& photo, CImage* image, const WorkBegins& workBegins);

@@ -93,6 +93,7 @@ class CJpegDecoder::Impl {
     if (started && !TakeInScans() && mayTryAgain && EndOfLastScan > 0 && !Budget.IsSpent()) {
       // The library gave up on what stands between two scans, and its state can't be relied on any more. The
       // scans before the flaw are the picture: it is decoded anew, as if the file ended there.
+      jpeg_destroy_decompress(&Info);  // or the coefficients would be held twice
       Impl(Bytes.first(EndOfLastScan)).Decode(reduction, target, false);
       return;
     }
