@@ -16,11 +16,21 @@ std::optional<std::string>& KnownPicturesFolder() {
   return folder;
 }
 
+/// The documents folder, made if it is only named yet. Where it has no place, as on a disk that is away, the
+/// home folder stands in.
+std::string FindDocumentsFolder() {
+  std::string documents = platform::DocumentsFolder();
+  if (documents.empty()) throw CError("Could not access My Documents folder");
+  platform::FileStatus status;
+  const bool stands = !platform::GetStatus(documents, status) && status.IsFolder;
+  if (stands || !platform::CreateFolder(documents)) return documents;
+  std::string home = platform::HomeFolder();
+  return home.empty() ? documents : home;
+}
+
 /// Makes the pictures folder where the user's documents are, and says so if it wasn't there.
 std::string MakePicturesFolder() {
-  const std::string documents = platform::DocumentsFolder();
-  if (documents.empty()) throw CError("Could not access My Documents folder");
-  std::string folder = JoinPath(documents, LoadText(StringId::PicturesFolderName));
+  std::string folder = JoinPath(FindDocumentsFolder(), LoadText(StringId::PicturesFolderName));
   if (!platform::CreateFolder(folder)) ShowMessageId(StringId::PicturesFolderCreated);
   return folder;
 }
@@ -32,15 +42,6 @@ bool FileExists(const std::string& path, bool allowFolder) {
   const std::error_code error = platform::GetStatus(path, status);
   if (error) return error != std::errc::no_such_file_or_directory && error != std::errc::not_a_directory;
   return allowFolder || !status.IsFolder;
-}
-
-bool IsOtherSpelling(const std::string& stored, const std::string& found) {
-  if (!FileExists(stored, true)) return true;
-  platform::FileStatus first, second;
-  if (platform::GetStatus(stored, first) || platform::GetStatus(found, second)) return false;
-  // Two names of one file are one photo twice, and stay so.
-  const bool hasOneName = first.IsFolder || first.LinkCount == 1;
-  return hasOneName && first.Device == second.Device && first.Inode == second.Inode;
 }
 
 std::string GetProgramFolder() { return WithClosingSlash(platform::ExecutableFolder()); }

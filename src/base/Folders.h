@@ -8,10 +8,6 @@
 /// failure to look is true, for what can't be seen may well stand.
 bool FileExists(const std::string& path, bool allowFolder);
 
-/// Whether `stored`, which differs from `found` in the case of its letters alone, means the same file or
-/// folder: nothing stands under that spelling, or the disk doesn't know case and both lead to one thing.
-bool IsOtherSpelling(const std::string& stored, const std::string& found);
-
 /// The folder of the executable, with its closing "/".
 std::string GetProgramFolder();
 

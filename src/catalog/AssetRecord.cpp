@@ -92,6 +92,7 @@ bool CAssetRecord::SetPath(const std::string& path) {
   props::LocationType.Set(Row, static_cast<std::int32_t>(LocationType::FolderAndName));
   props::Location.Set(Row, parts.Folder);
   props::Filename.Set(Row, parts.Name);
+  Owner->AddToSpellings(path, GetAssetID());
   pause.Commit();
   return true;
 }

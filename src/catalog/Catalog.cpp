@@ -96,6 +96,8 @@ void CCatalog::GetViews() {
 
 void CCatalog::DropViews() {
   Assets = Stamps = People = Strings = Singletons = StampStruct = AssetsByPath = AssetsById = c4_View();
+  KnownFolders.Clear();
+  Spellings.reset();
   Storage.reset();
   Opened = false;
 }

@@ -1,12 +1,15 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "base/Guid.h"
 #include "catalog/AssetRecord.h"
+#include "catalog/KnownFolders.h"
 #include "catalog/Record.h"
+#include "catalog/SpellingIndex.h"
 #include "catalog/StampType.h"
 #include "storage/CommittingStore.h"
 #include "storage/View.h"
@@ -70,12 +73,15 @@ class CCatalog : public CCommittingStore {
 
   // Photos.
   CAssetRecord AddAsset(const std::string& path);
-  /// The photo with this path, else one whose path differs in case alone and has no file any more. Binary
-  /// search.
+  /// The photo with this path, else one whose path is a former spelling of it (IsFormerSpelling). Binary
+  /// search, then a look into an index.
   CAssetRecord FindAssetByPath(const std::string& path);
   CAssetRecord FindAssetById(std::int32_t assetId);
   /// Removes the row and its stamps; the texts that they share stay listed. False if there is no such photo.
   bool DeleteAsset(std::int32_t assetId);
+
+  /// What jobs have seen of the folders that photos are in.
+  CKnownFolders& GetKnownFolders() { return KnownFolders; }
 
   // Shared texts and lists, by category. Texts are compared without regard to case.
   std::int32_t AddString(std::int32_t category, const std::string& text);
@@ -103,6 +109,7 @@ class CCatalog : public CCommittingStore {
 
  private:
   friend class CCatalogUpgrade;
+  friend class CAssetRecord;
   static constexpr std::int32_t kCategoryOfCategories = 0;
 
   void OpenViews();
@@ -116,6 +123,8 @@ class CCatalog : public CCommittingStore {
   std::int32_t Alloc(const c4_IntProp& counter);
   c4_View StringsOf(std::int32_t category, bool byText) const;
   c4_RowRef FindString(std::int32_t key) const;
+  CAssetRecord FindFormerSpelling(const std::string& path);
+  void AddToSpellings(const std::string& path, std::int32_t assetId);
   CAssetRecord MakeRecord(const c4_RowRef& row) {
     return row.IsValid() ? CAssetRecord(this, row) : CAssetRecord();
   }
@@ -125,4 +134,6 @@ class CCatalog : public CCommittingStore {
   c4_View Assets, Stamps, People, Strings, Singletons, StampStruct;
   c4_View AssetsByPath;  // sorted on Location, Filename
   c4_View AssetsById;    // sorted on AssetID
+  CKnownFolders KnownFolders;
+  std::optional<CSpellingIndex> Spellings;  // made when a path is looked for that no photo has
 };

@@ -1,8 +1,8 @@
-#include "base/Folders.h"
+#include "base/PathIdentity.h"
 #include "base/Paths.h"
 #include "catalog/Catalog.h"
 #include "catalog/Properties.h"
-#include "platform/Unicode.h"
+#include "storage/TextOrder.h"
 
 CAssetRecord CCatalog::AddAsset(const std::string& path) {
   const PathParts parts = SplitPath(path);
@@ -11,6 +11,7 @@ CAssetRecord CCatalog::AddAsset(const std::string& path) {
       props::AssetID[AllocAssetID()] + props::Location[parts.Folder] + props::Filename[parts.Name] +
       props::LocationType[static_cast<std::int32_t>(LocationType::FolderAndName)] +
       props::RollID[Successor(GetCurrentRollID())] + props::ID[CGuid::Generate().ToBytes()]);
+  AddToSpellings(path, props::AssetID.Get(row));
   pause.Commit();
   return MakeRecord(row);
 }
@@ -18,18 +19,35 @@ CAssetRecord CCatalog::AddAsset(const std::string& path) {
 CAssetRecord CCatalog::FindAssetByPath(const std::string& path) {
   const PathParts parts = SplitPath(path);
   if (parts.Name.empty()) return {};
-  c4_RowRef otherCase;
-  // The rows that differ in case alone stand together: disks that know case can have many of them.
+  // The rows that differ in the case of ASCII letters alone stand together.
   for (int i = AssetsByPath.Search(props::Location[parts.Folder] + props::Filename[parts.Name]);
        i < AssetsByPath.GetSize(); ++i) {
     const c4_RowRef row = AssetsByPath[i];
     const std::string_view folder = props::Location.Get(row);
     const std::string_view name = props::Filename.Get(row);
     if (folder == parts.Folder && name == parts.Name) return MakeRecord(row);
-    if (!platform::EqualNoCase(folder, parts.Folder) || !platform::EqualNoCase(name, parts.Name)) break;
-    if (!otherCase.IsValid() && IsOtherSpelling(JoinPath(folder, name), path)) otherCase = row;
+    if (!TextsAreEqual(folder, parts.Folder) || !TextsAreEqual(name, parts.Name)) break;
   }
-  return MakeRecord(otherCase);
+  return FindFormerSpelling(path);
+}
+
+CAssetRecord CCatalog::FindFormerSpelling(const std::string& path) {
+  if (!Spellings) {
+    Spellings.emplace();
+    for (int i = 0; i < Assets.GetSize(); ++i) {
+      const CAssetRecord record(this, Assets[i]);
+      Spellings->Add(record.GetPath(), record.GetAssetID());
+    }
+  }
+  for (const std::int32_t assetId : Spellings->Find(path)) {
+    CAssetRecord record = FindAssetById(assetId);
+    if (record.IsValid() && IsFormerSpelling(record.GetPath(), path)) return record;
+  }
+  return {};
+}
+
+void CCatalog::AddToSpellings(const std::string& path, std::int32_t assetId) {
+  if (Spellings) Spellings->Add(path, assetId);
 }
 
 CAssetRecord CCatalog::FindAssetById(std::int32_t assetId) {

@@ -5,7 +5,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "base/Folders.h"
+#include "base/PathIdentity.h"
 #include "base/Paths.h"
 #include "base/Times.h"
 #include "catalog/Catalog.h"
@@ -90,14 +90,14 @@ void CCatalogUpgrade::RenewDatesOf(const CAssetRecord& record) {
 }
 
 void CCatalogUpgrade::RemoveDuplicates() {
-  std::unordered_map<std::string, std::vector<std::string>> kept;  // spellings by lower-cased path
+  std::unordered_map<std::string, std::vector<std::string>> kept;  // spellings by folded path
   std::vector<c4_RowRef> doomed;
   for (int i = 0; i < Catalog.Assets.GetSize(); ++i) {
     const c4_RowRef row = Catalog.Assets[i];
     const std::string path = JoinPath(props::Location.Get(row), props::Filename.Get(row));
-    std::vector<std::string>& spellings = kept[platform::ToLower(path)];
+    std::vector<std::string>& spellings = kept[platform::FoldCase(path)];
     const auto isSamePhoto = [&path](const std::string& other) {
-      return other == path || IsOtherSpelling(other, path) || !FileExists(path, false);
+      return other == path || IsFormerSpelling(other, path) || IsFormerSpelling(path, other);
     };
     if (std::any_of(spellings.begin(), spellings.end(), isSamePhoto)) {
       doomed.push_back(row);

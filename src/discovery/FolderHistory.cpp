@@ -1,8 +1,7 @@
 #include "discovery/FolderHistory.h"
 
-#include "base/Folders.h"
+#include "base/PathIdentity.h"
 #include "catalog/Catalog.h"
-#include "platform/Unicode.h"
 
 namespace {
 
@@ -16,13 +15,14 @@ CFolderHistory::CFolderHistory(CCatalog& owner)
     : CStringHistory(owner, kCategory, kNoLimit, kByAge), Owner(owner) {}
 
 int CFolderHistory::Find(const std::string& folder) const {
-  int otherSpelling = -1;
+  // The paths alone first: they need no look at the disk.
   for (int i = 0; i < Count(); ++i) {
-    const std::string entry = Get(i);
-    if (entry == folder) return i;
-    if (platform::EqualNoCase(entry, folder) && IsOtherSpelling(entry, folder)) otherSpelling = i;
+    if (Get(i) == folder) return i;
   }
-  return otherSpelling;
+  for (int i = 0; i < Count(); ++i) {
+    if (IsSameFolder(Get(i), folder)) return i;
+  }
+  return -1;
 }
 
 int CFolderHistory::Add(const std::string& folder) {
@@ -32,7 +32,7 @@ int CFolderHistory::Add(const std::string& folder) {
     Owner.AddSpelling(category, folder);
     return Count() - 1;
   }
-  if (Get(present) != folder) {
+  if (IsFormerSpelling(Get(present), folder)) {
     Owner.ReplaceString(Owner.GetStringKeyAt(category, present, kByAge), folder, true);
   }
   return present;

@@ -2,13 +2,13 @@
 
 #include "catalog/StringHistory.h"
 
-/// The folders that the user added, the latest first, without limit. Unlike other lists it holds folders
-/// apart whose paths differ in the case of their letters alone, where the disk does; only if one of the
-/// spellings stands on the disk they are one entry. Paths have no closing "/".
+/// The folders that the user added, the latest first, without limit. Unlike other lists it doesn't compare
+/// texts but folders: paths that mean one folder (IsSameFolder) are one entry. Paths have no closing "/".
 class CFolderHistory : public CStringHistory {
  public:
   explicit CFolderHistory(CCatalog& owner);
 
+  /// A folder that is on the list keeps its path, unless that was a former spelling.
   int Add(const std::string& folder) override;
   bool Remove(const std::string& folder) override;
   bool Contains(const std::string& folder) const override;

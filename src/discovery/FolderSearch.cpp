@@ -5,6 +5,7 @@
 #include "base/Exceptions.h"
 #include "base/Folders.h"
 #include "base/Messages.h"
+#include "base/PathIdentity.h"
 #include "base/Paths.h"
 #include "base/Texts.h"
 #include "catalog/Catalog.h"
@@ -134,10 +135,10 @@ void CFolderSearch::UpdateMissingFlags() {
   CQuerySet photos(catalog, SetKind::All);
   try {
     CAutoCommitPause pause(*catalog);
-    const auto isStopped = [this] { return Progress != nullptr && Progress->IsStopped(); };
-    for (int i = 0; i < photos.GetCount() && !isStopped(); ++i) {
+    for (int i = 0; i < photos.GetCount(); ++i) {
       CAssetRecord record = photos.GetAsset(i);
       if (record.GetMissing() == MissingState::FolderRemoved) continue;
+      catalog->GetKnownFolders().Look(record.GetFolder());
       record.SetMissing(FileExists(record.GetPath(), false) ? MissingState::InPlace : MissingState::Gone);
     }
     pause.Commit();
@@ -147,15 +148,31 @@ void CFolderSearch::UpdateMissingFlags() {
   }
 }
 
+std::vector<std::string> CFolderSearch::GetFoldersThatShow(const std::string& folder) {
+  std::vector<std::string> others = {GetMyPicturesFolder()};
+  if (ActiveDisk) others.push_back(GetActiveDiskPhotoFolder());
+  for (int i = 0; i < GetHistory().Count(); ++i) {
+    const std::string entry = GetHistory().Get(i);
+    if (entry != folder && CFolderFilter(entry).Holds(WithClosingSlash(folder))) others.push_back(entry);
+  }
+  return others;
+}
+
 void CFolderSearch::MarkFolderRemoved(const std::string& folder) {
   CCatalog* const catalog = CCatalog::GetInstance();
   CQuerySet photos(catalog, SetKind::All);
   photos.SetFolderFilter(folder);
   photos.Rebuild();
+  std::vector<std::unique_ptr<CFolderFilter>> others;
+  for (const std::string& other : GetFoldersThatShow(folder)) {
+    others.push_back(std::make_unique<CFolderFilter>(other));
+  }
   CAutoCommitPause pause(*catalog);
   for (int i = 0; i < photos.GetCount(); ++i) {
     CAssetRecord record = photos.GetAsset(i);
-    record.SetMissing(MissingState::FolderRemoved);
+    const bool isShown = std::any_of(others.begin(), others.end(),
+                                     [&record](const auto& other) { return other->Matches(record); });
+    if (!isShown) record.SetMissing(MissingState::FolderRemoved);
   }
   pause.Commit();
 }
@@ -170,5 +187,6 @@ std::string CFolderSearch::GetFolderLabel(const std::string& folder) const {
 
 bool IsDiskRoot(const std::string& path) {
   const std::vector<std::string> roots = platform::DiskRoots();
-  return std::find(roots.begin(), roots.end(), path) != roots.end();
+  return std::any_of(roots.begin(), roots.end(),
+                     [&path](const std::string& root) { return IsSameFolder(root, path); });
 }

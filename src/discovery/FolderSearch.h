@@ -3,6 +3,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <vector>
 
 class CSearchProgress;
 class CStorageException;
@@ -31,11 +32,12 @@ class CFolderSearch {
   /// The search at start. Returns the folder that the session opens on; empty means all.
   std::string FirstSearch();
 
-  /// Looks whether each photo's file is in place, until the user stops it. A disk that refuses to be written
-  /// is told to the user.
+  /// Looks whether each photo's file is in place, and where its folder leads to. The user can't stop it: what
+  /// wasn't looked at would be taken for present. A disk that refuses to be written is told to the user.
   void UpdateMissingFlags();
 
-  /// Takes the photos under a folder out of view.
+  /// Takes the photos under a folder of the list out of view, but for those that are shown without it: in the
+  /// standard folders, or in another folder of the list that holds this one.
   void MarkFolderRemoved(const std::string& folder);
 
   /// A folder's name for the eye: short below the photo root, whole elsewhere.
@@ -56,10 +58,11 @@ class CFolderSearch {
   std::string SearchStartingFolder();
   void TellRefusal(const CStorageException& refusal) const;
   bool MayBringIn(int pending, const std::string& folder);
+  std::vector<std::string> GetFoldersThatShow(const std::string& folder);
 
   std::unique_ptr<CStringHistory> History;
   std::set<std::string> SearchedFolders;  // in this session
 };
 
-/// True for "/" and the mount points of the disks.
+/// True for "/" and the mount points of the disks, by whatever path.
 bool IsDiskRoot(const std::string& path);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <thread>
+#include <utility>
 
 #include "base/Paths.h"
 #include "base/Times.h"
@@ -51,36 +52,55 @@ void CFolderWalk::WalkAll() {
 void CFolderWalk::Walk(const std::string& folder) {
   if (IsStopped() || !Enter(folder)) return;
   std::vector<platform::FolderEntry> entries;
-  platform::ListFolder(folder, entries);  // A folder that can't be read is as good as empty.
+  // A folder that can't be read is as good as empty.
+  platform::ListFolder(folder, entries, [this] { return IsStopped(); });
   for (const platform::FolderEntry& entry : entries) {
     if (IsStopped()) return;
-    const std::string path = JoinPath(folder, entry.Name);
     if (entry.Name.starts_with('.')) {
       // What a kill has left of a photo that was being written.
       const bool isFile = entry.IsRegular && !entry.IsLink;
-      if (isFile && platform::IsUnfinishedName(entry.Name)) platform::RemoveIfAbandoned(path);
+      if (isFile && platform::IsUnfinishedName(entry.Name)) {
+        platform::RemoveIfAbandoned(JoinPath(folder, entry.Name));
+      }
       continue;
     }
     if (entry.IsFolder && entry.IsLink) {
-      LinkedFolders.push_back(path);
+      LinkedFolders.push_back(JoinPath(folder, entry.Name));
     } else if (entry.IsFolder) {
-      Walk(path);
+      Walk(JoinPath(folder, entry.Name));
     } else if (entry.IsRegular) {
-      LookAtFile(path, entry.Status);
+      LookAtFile(folder, entry);
     }
   }
 }
 
-void CFolderWalk::LookAtFile(const std::string& path, const platform::FileStatus& status) {
-  if (ImageTypeOfFile(path) == ImageType::None) return;
+void CFolderWalk::LookAtFile(const std::string& folder, const platform::FolderEntry& entry) {
+  if (ImageTypeOfFile(entry.Name) == ImageType::None) return;
   ++Found;
+  std::string path = JoinPath(folder, entry.Name);
   CAssetRecord record = Catalog.FindAssetByPath(path);
+  if (!record.IsValid()) record = FindByOtherPath(path);
   if (record.IsValid()) {
     record.SetMissing(MissingState::InPlace);
     if (record.GetPath() != path) record.SetPath(path);  // the file was renamed to another case
     if (Cache.Has(record.GetAssetID())) return;
   }
-  Pending.push_back({path, status.Created, status.Modified, record.IsValid()});
+  Pending.push_back({path, entry.Status.Created, entry.Status.Modified, record.IsValid()});
+}
+
+CAssetRecord CFolderWalk::FindByOtherPath(std::string& path) {
+  CKnownFolders& folders = Catalog.GetKnownFolders();
+  if (!std::exchange(LookedForMissing, true)) folders.LookForMissing();
+  const PathParts parts = SplitPath(path);
+  folders.Look(parts.Folder);
+  const std::vector<std::string> others = folders.GetOtherPaths(parts.Folder);
+  // A new photo takes the first of them, so that the photos of a folder stay together.
+  for (auto other = others.rbegin(); other != others.rend(); ++other) {
+    path = JoinPath(*other, parts.Name);
+    CAssetRecord record = Catalog.FindAssetByPath(path);
+    if (record.IsValid()) return record;
+  }
+  return {};
 }
 
 bool CFolderWalk::Update() {

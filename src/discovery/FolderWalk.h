@@ -16,7 +16,8 @@ class CThumbnailCache;
 struct PreparedPhoto;
 
 /// One search of one folder: a walk that reads the file system and counts, and an update that brings in what
-/// the walk found. Photos that were missing and are found are back after the walk.
+/// the walk found. Photos that were missing and are found are back after the walk. A folder that the catalog
+/// knows by another path, over a link or a mount, is walked as the folder of that path.
 class CFolderWalk {
  public:
   /// Walks at once. `progress` may be null. CStorageException if the catalog can't be written.
@@ -33,7 +34,8 @@ class CFolderWalk {
   void WalkAll();
   void Walk(const std::string& folder);
   bool Enter(const std::string& folder);
-  void LookAtFile(const std::string& path, const platform::FileStatus& status);
+  void LookAtFile(const std::string& folder, const platform::FolderEntry& entry);
+  CAssetRecord FindByOtherPath(std::string& path);
   CAssetRecord ImportFile(const CFoundFile& found, const PreparedPhoto& prepared);
   bool IsStopped() const;
 
@@ -47,4 +49,5 @@ class CFolderWalk {
   std::vector<CFoundFile> Pending;                                   // by path, byte for byte
   int Found = 0;                                                     // photo files seen
   bool AddedNew = false;
+  bool LookedForMissing = false;
 };

@@ -27,12 +27,14 @@ bool IsLink(int folder, const dirent& entry) {
 
 }  // namespace
 
-std::error_code ListFolder(const std::string& path, std::vector<FolderEntry>& entries) {
+std::error_code ListFolder(const std::string& path, std::vector<FolderEntry>& entries,
+                           const std::function<bool()>& isStopped) {
   entries.clear();
   // opendir asks for a folder and never waits, so a FIFO of that name can't hold it up.
   const std::unique_ptr<DIR, FolderCloser> folder(::opendir(path.c_str()));
   if (!folder) return LastError();
   for (;;) {
+    if (isStopped()) return std::make_error_code(std::errc::operation_canceled);
     errno = 0;
     const dirent* raw = ::readdir(folder.get());
     if (raw == nullptr) return errno == 0 ? std::error_code() : LastError();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -21,6 +22,9 @@ struct FolderEntry {
 
 /// Lists a folder in the order in which the system gives its names, without "." and "..". Nothing in the
 /// folder is opened, so a FIFO or a device can't block. On an error `entries` holds what was read before.
-std::error_code ListFolder(const std::string& path, std::vector<FolderEntry>& entries);
+/// `isStopped` is asked before each entry; its true is std::errc::operation_canceled.
+std::error_code ListFolder(
+    const std::string& path, std::vector<FolderEntry>& entries,
+    const std::function<bool()>& isStopped = [] { return false; });
 
 }  // namespace platform

@@ -30,17 +30,6 @@ std::string FromEnvironment(const char* name) {
   return value != nullptr && *value == '/' ? WithoutSlash(value) : std::string();
 }
 
-std::string HomeFolder() {
-  std::string home = FromEnvironment("HOME");
-  if (!home.empty()) return home;
-  std::array<char, 4096> buffer{};
-  passwd entry{};
-  passwd* found = nullptr;
-  if (::getpwuid_r(::getuid(), &entry, buffer.data(), buffer.size(), &found) != 0 || found == nullptr)
-    return {};
-  return WithoutSlash(found->pw_dir);
-}
-
 std::string BaseFolder(const char* variable, const char* belowHome) {
   std::string folder = FromEnvironment(variable);
   if (!folder.empty()) return folder;
@@ -94,6 +83,17 @@ std::string UserDir(std::string_view key) {
 }
 
 }  // namespace
+
+std::string HomeFolder() {
+  std::string home = FromEnvironment("HOME");
+  if (!home.empty()) return home;
+  std::array<char, 4096> buffer{};
+  passwd entry{};
+  passwd* found = nullptr;
+  if (::getpwuid_r(::getuid(), &entry, buffer.data(), buffer.size(), &found) != 0 || found == nullptr)
+    return {};
+  return WithoutSlash(found->pw_dir);
+}
 
 std::string ExecutableFolder() {
   std::array<char, 4096> path{};

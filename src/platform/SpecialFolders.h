@@ -7,6 +7,9 @@
 /// The environment is read at each call.
 namespace platform {
 
+/// HOME, else the home folder of the user's account.
+std::string HomeFolder();
+
 /// The folder of the running executable, links resolved.
 std::string ExecutableFolder();
 

@@ -65,9 +65,9 @@ void AppendUtf8(std::string& text, char32_t code) {
   }
 }
 
-}  // namespace
-
-std::string ToLower(std::string_view text) {
+/// The text with each of its characters mapped. Both maps of this file are the same for ASCII.
+template <typename Map>
+std::string Mapped(std::string_view text, const Map& map) {
   std::string result;
   result.reserve(text.size());
   if (IsAscii(text)) {
@@ -79,11 +79,21 @@ std::string ToLower(std::string_view text) {
     if (character.Code == kStrayByte) {
       result += text[offset];
     } else {
-      AppendUtf8(result, QChar::toLower(character.Code));
+      AppendUtf8(result, map(character.Code));
     }
     offset += character.Length;
   }
   return result;
+}
+
+}  // namespace
+
+std::string ToLower(std::string_view text) {
+  return Mapped(text, [](char32_t c) { return QChar::toLower(c); });
+}
+
+std::string FoldCase(std::string_view text) {
+  return Mapped(text, [](char32_t c) { return QChar::toCaseFolded(c); });
 }
 
 bool EqualNoCase(std::string_view a, std::string_view b) {
@@ -92,7 +102,7 @@ bool EqualNoCase(std::string_view a, std::string_view b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                       [](char x, char y) { return LowerAscii(x) == LowerAscii(y); });
   }
-  return ToLower(a) == ToLower(b);
+  return FoldCase(a) == FoldCase(b);
 }
 
 std::size_t CountCharacters(std::string_view text) {

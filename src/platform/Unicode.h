@@ -11,7 +11,11 @@ namespace platform {
 /// The whole text in lower case, whatever the user's language.
 std::string ToLower(std::string_view text);
 
-/// True if the two are equal in lower case.
+/// The text by Unicode's simple case folding, for comparison alone: texts that differ in case are equal by
+/// it, also where lower case holds them apart, as it does the two small sigmas.
+std::string FoldCase(std::string_view text);
+
+/// True if the two are equal by FoldCase.
 bool EqualNoCase(std::string_view a, std::string_view b);
 
 /// The number of characters (code points and stray bytes).

@@ -2,9 +2,10 @@
 
 #include <algorithm>
 
-#include "base/Folders.h"
+#include "base/PathIdentity.h"
 #include "base/Paths.h"
 #include "catalog/AssetRecord.h"
+#include "catalog/Catalog.h"
 #include "catalog/Properties.h"
 #include "platform/Unicode.h"
 
@@ -36,20 +37,43 @@ bool MayBeginWith(std::string_view path, std::string_view folder) {
 
 }  // namespace
 
-CFolderFilter::CFolderFilter(const std::string& folder) : Folder(WithClosingSlash(folder)) {}
+CFolderFilter::CFolderFilter(const std::string& folder) : Folder(WithClosingSlash(folder)) { Refresh(); }
 
-bool CFolderFilter::IsBelow(std::string_view folder) const {
+void CFolderFilter::Refresh() {
+  LastFolder.clear();
+  LastAnswer = false;
+  Spellings.clear();
+  OtherPaths.clear();
+  CCatalog* const catalog = CCatalog::GetInstance();
+  if (catalog == nullptr) return;
+  for (const std::string& path : catalog->GetKnownFolders().GetOtherPaths(Folder)) {
+    OtherPaths.push_back(WithClosingSlash(path));
+  }
+}
+
+bool CFolderFilter::Holds(std::string_view folder) const {
   if (folder.starts_with(Folder)) return true;
+  for (const std::string& other : OtherPaths) {
+    if (folder.starts_with(other)) return true;
+  }
   if (!MayBeginWith(folder, Folder)) return false;
-  // Another spelling is this folder too, unless it stands on the disk beside it.
-  const std::string otherSpelling = FirstCharacters(folder, platform::CountCharacters(Folder));
-  return platform::EqualNoCase(otherSpelling, Folder) && IsOtherSpelling(otherSpelling, Folder);
+  return IsSpelling(FirstCharacters(folder, platform::CountCharacters(Folder)));
+}
+
+bool CFolderFilter::IsSpelling(const std::string& path) const {
+  if (!platform::EqualNoCase(path, Folder)) return false;
+  const auto [answer, isNew] = Spellings.emplace(path, false);
+  if (isNew) {
+    const std::string spelling = WithoutClosingSlash(path), folder = WithoutClosingSlash(Folder);
+    answer->second = IsFormerSpelling(spelling, folder) || IsFormerSpelling(folder, spelling);
+  }
+  return answer->second;
 }
 
 bool CFolderFilter::Matches(const CAssetRecord& record) const {
   const std::string_view folder = props::Location.Get(record.GetRow());
   if (folder != LastFolder) {
-    LastAnswer = IsBelow(folder);
+    LastAnswer = Holds(folder);
     LastFolder = folder;
   }
   return LastAnswer;

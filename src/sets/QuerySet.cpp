@@ -1,11 +1,14 @@
 #include "sets/QuerySet.h"
 
+#include <algorithm>
 #include <array>
+#include <map>
 
 #include "base/Texts.h"
 #include "catalog/Catalog.h"
 #include "catalog/Properties.h"
 #include "sets/GroupKey.h"
+#include "storage/TextOrder.h"
 
 namespace {
 
@@ -47,6 +50,23 @@ const std::array<SortColumns, 6>& GetSortColumns() {
   return kColumns;
 }
 
+/// A storage sorts texts without regard to ASCII case, so the photos of folders that differ in case alone
+/// come out mixed. This puts them together again, folder by folder, and else keeps their order. `folders` are
+/// those of the members.
+void HoldFoldersApart(const std::vector<std::string_view>& folders, std::vector<CPhotoSetEntry>& members) {
+  for (std::size_t begin = 0, end = 0; begin < members.size(); begin = end) {
+    bool areMixed = false;
+    for (end = begin + 1; end < members.size() && TextsAreEqual(folders[end], folders[begin]); ++end) {
+      areMixed |= folders[end] != folders[begin];
+    }
+    if (!areMixed) continue;
+    std::map<std::string_view, std::vector<CPhotoSetEntry>> apart;
+    for (std::size_t i = begin; i < end; ++i) apart[folders[i]].push_back(members[i]);
+    auto next = members.begin() + static_cast<std::ptrdiff_t>(begin);
+    for (const auto& [folder, photos] : apart) next = std::copy(photos.begin(), photos.end(), next);
+  }
+}
+
 }  // namespace
 
 CQuerySet::CQuerySet(CCatalog* catalog, SetKind kind)
@@ -74,12 +94,15 @@ void CQuerySet::Rebuild() {
   const CAssetIdSet matches = FindMatches();
   CGroupKeyFinder groupKeys(GetSortKind());
   Members.clear();
+  std::vector<std::string_view> folders;
   Members.reserve(static_cast<std::size_t>(sorted.GetSize()));
   for (int i = 0; i < sorted.GetSize(); ++i) {
     const std::int32_t assetId = props::AssetID.GetAt(sorted, i);
     if (!areAll && !matches.Contains(assetId)) continue;
+    if (GetSortKind() == SortKind::Folder) folders.push_back(props::Location.GetAt(sorted, i));
     Members.push_back({assetId, groupKeys.Find(CAssetRecord(Catalog, sorted[i]))});
   }
+  if (GetSortKind() == SortKind::Folder) HoldFoldersApart(folders, Members);
   Members.shrink_to_fit();
 }
 

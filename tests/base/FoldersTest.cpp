@@ -4,6 +4,7 @@
 #include "base/Exceptions.h"
 #include "base/Folders.h"
 #include "base/Messages.h"
+#include "base/PathIdentity.h"
 #include "base/Paths.h"
 #include "support/EnvironmentVariable.h"
 #include "support/FaultSteps.h"
@@ -74,10 +75,41 @@ TEST_F(PicturesFolder, IsMadeInTheDocumentsFolderAndSaidOnce) {
   EXPECT_EQ(Texts.size(), 1U);
 }
 
+TEST_F(PicturesFolder, IsMadeWithTheDocumentsFolderThatIsOnlyNamed) {
+  Home.Write(".config/user-dirs.dirs", "XDG_DOCUMENTS_DIR=\"$HOME/Papers\"\n");
+  EXPECT_EQ(GetMyPicturesFolder(), Home.GetPath() + "/Papers/My Pictures");
+  ForgetMyPicturesFolder();
+  Home.Write(".config/user-dirs.dirs", "XDG_DOCUMENTS_DIR=\"/nosuchdisk/Papers\"\n");
+  EXPECT_EQ(GetMyPicturesFolder(), Home.GetPath() + "/My Pictures") << "on a disk that is away";
+  EXPECT_TRUE(std::filesystem::is_directory(Home.GetPath() + "/My Pictures"));
+  EXPECT_EQ(Texts.size(), 2U);
+}
+
 TEST_F(PicturesFolder, IsNotAnnouncedWhereItCannotBeMade) {
   const CFailingStep fault(1);
   EXPECT_EQ(GetMyPicturesFolder(), Home.GetPath() + "/My Pictures");
   EXPECT_TRUE(Texts.empty());
+}
+
+TEST(PathIdentity, IsThatOfBytesUnlessTheDiskSaysOtherwise) {
+  const CScratchFolder scratch;
+  const std::string root = scratch.GetPath();
+  const auto isFormer = [&root](const char* former, const char* path) {
+    return IsFormerSpelling(root + former, root + path);
+  };
+  scratch.Write("Été/a.jpg", "");
+  EXPECT_TRUE(isFormer("/ÉTÉ/A.jpg", "/Été/a.jpg"));
+  EXPECT_FALSE(isFormer("/Été/a.jpg", "/ÉTÉ/A.jpg")) << "nothing of that name stands";
+  EXPECT_FALSE(isFormer("/Été/a.jpg", "/Été/a.jpg"));
+  EXPECT_TRUE(IsSameFolder(root + "/ÉTÉ", root + "/Été/"));
+  scratch.Write("ÉTÉ/x", "");
+  EXPECT_FALSE(isFormer("/ÉTÉ/A.jpg", "/Été/a.jpg")) << "both folders stand";
+  EXPECT_FALSE(IsSameFolder(root + "/ÉTÉ", root + "/Été"));
+  std::filesystem::create_hard_link(root + "/Été/a.jpg", root + "/Été/A.jpg");
+  EXPECT_FALSE(isFormer("/Été/A.jpg", "/Été/a.jpg")) << "two names of one file";
+  std::filesystem::create_directory_symlink(root + "/Été", root + "/link");
+  EXPECT_TRUE(IsSameFolder(root + "/link/", root + "/Été"));
+  EXPECT_FALSE(IsSameFolder(root + "/usb/A", root + "/usb/a")) << "a disk that is away";
 }
 
 TEST(Folders, OfTheProgramStandWhereItRuns) {

@@ -28,23 +28,27 @@ TEST_F(AssetTest, ANewPhotoBelongsToTheRollToCome) {
   EXPECT_EQ("noextension", Catalog.FindAssetById(2).GetTitle());
 }
 
-TEST_F(AssetTest, APathIsFoundByItsSpellingAndElseWithoutRegardToCase) {
+TEST_F(AssetTest, APathIsFoundByItsBytesAndElseAsAFormerSpelling) {
   EXPECT_FALSE(Catalog.FindAssetByPath("/photos/a.jpg").IsValid());
-  const std::string folder = Scratch.GetPath() + "/Photos/";
-  Catalog.AddAsset(folder + "b.jpg");
-  Catalog.AddAsset(folder + "A.jpg");
-
-  EXPECT_EQ(2, Catalog.FindAssetByPath(Scratch.GetPath() + "/PHOTOS/a.JPG").GetAssetID());
-  EXPECT_EQ(folder + "A.jpg", Catalog.FindAssetByPath(folder + "a.jpg").GetPath());
+  const std::string folder = Scratch.GetPath() + "/Photos/", renamed = Scratch.GetPath() + "/PHOTOS/";
+  for (const char* name : {"b.jpg", "A.jpg", "ÉTÉ.jpg"}) Catalog.AddAsset(folder + name);
+  EXPECT_FALSE(Catalog.FindAssetByPath(renamed + "a.JPG").IsValid()) << "a disk that is away tells nothing";
+  Scratch.Write("PHOTOS/a.JPG", "");
+  EXPECT_EQ(2, Catalog.FindAssetByPath(renamed + "a.JPG").GetAssetID()) << "folder and file were renamed";
   EXPECT_FALSE(Catalog.FindAssetByPath(folder).IsValid());
-  EXPECT_FALSE(Catalog.FindAssetByPath(folder + "c.jpg").IsValid());
+  EXPECT_FALSE(Catalog.FindAssetByPath(renamed + "c.jpg").IsValid());
 
-  // A file of the stored spelling is another photo than the one asked for.
-  Scratch.Write("Photos/A.jpg", "");
-  EXPECT_FALSE(Catalog.FindAssetByPath(folder + "a.jpg").IsValid());
+  Scratch.Write("Photos/a.jpg", "");
+  EXPECT_FALSE(Catalog.FindAssetByPath(renamed + "a.JPG").IsValid()) << "the former folder stands";
+  EXPECT_EQ(folder + "A.jpg", Catalog.FindAssetByPath(folder + "a.jpg").GetPath());
+  EXPECT_EQ(3, Catalog.FindAssetByPath(Scratch.Write("Photos/été.jpg", "")).GetAssetID());
+  std::filesystem::create_symlink("nowhere", folder + "A.jpg");
+  EXPECT_FALSE(Catalog.FindAssetByPath(folder + "a.jpg").IsValid()) << "the name is taken, if by a link";
   Catalog.AddAsset(folder + "a.jpg");
   EXPECT_EQ(2, Catalog.FindAssetByPath(folder + "A.jpg").GetAssetID());
-  EXPECT_EQ(3, Catalog.FindAssetByPath(folder + "a.jpg").GetAssetID());
+  EXPECT_EQ(4, Catalog.FindAssetByPath(folder + "a.jpg").GetAssetID());
+  Catalog.FindAssetById(1).SetPath(folder + "Ж.jpg");
+  EXPECT_EQ(1, Catalog.FindAssetByPath(Scratch.Write("Photos/ж.jpg", "")).GetAssetID());
 }
 
 TEST_F(AssetTest, NumbersOfDeletedPhotosAreNotGivenOutAgain) {

@@ -85,21 +85,23 @@ TEST_F(UpgradeTest, AVersion4CatalogGetsTheUsersDateANewIdentityAndNoDuplicates)
   const std::string both = Scratch.GetPath() + "/";
   Scratch.Write("Twin.jpg", "");
   Scratch.Write("twin.jpg", "");
+  Scratch.Write("lake.jpg", "");
   MakeOld(4,
           "delete from StampStruct where StampType = 11;"
           "insert into Asset (AssetID, LocationType, Location, Filename) values (1, 1, '/p/', 'a.jpg'),"
           " (2, 1, '/p/', 'b.jpg'), (3, 1, '/P/', 'A.JPG'), (4, 1, '/p/', 'a.jpg'),"
           " (5, 1, '" +
-              both + "', 'Twin.jpg'), (6, 1, '" + both +
-              "', 'twin.jpg');"
-              "insert into Stamp (StampType, SortedString, AssetID, IndexInt) values (2, 'kept', 3, 0);");
+              both + "', 'Twin.jpg'), (6, 1, '" + both + "', 'twin.jpg'), (7, 1, '" + both +
+              "', 'Lake.jpg'), (8, 1, '" + both +
+              "', 'lake.jpg');"
+              "insert into Stamp (StampType, SortedString, AssetID, IndexInt) values (2, 'kept', 4, 0);");
   const std::string before = GuidInFile();
   Open();
   EXPECT_EQ("11|UserDate|1|0|1", SqlOne("select * from StampStruct where StampType = 11"));
   EXPECT_NE(before, GuidInFile());
-  EXPECT_THAT(Sql("select AssetID from Asset order by rowid"), ElementsAre("1", "2", "5", "6"))
-      << "the first row of a path stays; photos that both stand on the disk are two";
-  EXPECT_EQ("3", SqlOne("select AssetID from Stamp")) << "stamps of a removed row stay";
+  EXPECT_THAT(Sql("select AssetID from Asset order by rowid"), ElementsAre("1", "2", "3", "5", "6", "7"))
+      << "the first row of a path, or of a former spelling, stays";
+  EXPECT_EQ("4", SqlOne("select AssetID from Stamp")) << "stamps of a removed row stay";
 }
 
 TEST_F(UpgradeTest, Versions8And9KeepTheirIdentity) {

@@ -2,6 +2,7 @@
 #include "discovery/FolderSearch.h"
 #include "discovery/SearchFixture.h"
 #include "imaging/Image.h"
+#include "sets/QuerySet.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -99,36 +100,93 @@ TEST_F(FolderSearchTest, ManyPhotosAreAskedAboutOnceUnlessTheFolderIsOnTheList) 
 }
 
 TEST_F(FolderSearchTest, APhotoThatIsFoundAgainIsBackWithAllItHad) {
-  const std::string path = AddPhoto("a.jpg");
-  Search.SearchFolder(Pictures(), true);
+  const std::string folder = Scratch.GetPath() + "/Trip";
+  const std::string path = Scratch.Write("Trip/a.jpg", MakeJpeg(160, 120, 200, 100, 50));
+  Search.SearchFolder(folder, true);
   Catalog.FindAssetByPath(path).GetStamps(StampId::Rating).SetNumber(4, 0);
   std::filesystem::rename(path, Scratch.File("hidden"));
+  Search.Progress = &Progress;
+  Progress.Stopped = true;
   Search.UpdateMissingFlags();
+  Search.Progress = nullptr;
   EXPECT_EQ(MissingState::Gone, Catalog.FindAssetByPath(path).GetMissing());
   std::filesystem::rename(Scratch.File("hidden"), path);
   Search.UpdateMissingFlags();
   EXPECT_EQ(MissingState::InPlace, Catalog.FindAssetByPath(path).GetMissing());
 
-  Search.MarkFolderRemoved(Scratch.GetPath() + "/Pict");
+  Search.MarkFolderRemoved(Scratch.GetPath() + "/Tri");
   EXPECT_EQ(MissingState::InPlace, Catalog.FindAssetByPath(path).GetMissing());
-  Search.MarkFolderRemoved(Pictures());
+  Search.MarkFolderRemoved(folder);
   Search.UpdateMissingFlags();
   EXPECT_EQ(MissingState::FolderRemoved, Catalog.FindAssetByPath(path).GetMissing());
-  EXPECT_TRUE(Search.SearchFolder(Pictures(), true));
+  EXPECT_TRUE(Search.SearchFolder(folder, true));
   EXPECT_EQ(MissingState::InPlace, Catalog.FindAssetByPath(path).GetMissing());
   EXPECT_EQ(4, Catalog.FindAssetByPath(path).GetCachedRating());
 
   // Moved photos are new ones; another case of the name is the same photo under its new spelling.
-  std::filesystem::rename(path, Pictures() + "/A.JPG");
+  std::filesystem::rename(path, folder + "/A.JPG");
   Search.UpdateMissingFlags();
-  EXPECT_TRUE(Search.SearchFolder(Pictures(), true));
+  EXPECT_TRUE(Search.SearchFolder(folder, true));
   EXPECT_EQ(1, Catalog.GetAssets().GetSize());
-  EXPECT_EQ(Pictures() + "/A.JPG", Catalog.FindAssetById(1).GetPath());
+  EXPECT_EQ(folder + "/A.JPG", Catalog.FindAssetById(1).GetPath());
   EXPECT_EQ(MissingState::InPlace, Catalog.FindAssetById(1).GetMissing());
-  std::filesystem::create_directory(Pictures() + "/sub");
-  std::filesystem::rename(Pictures() + "/A.JPG", Pictures() + "/sub/A.JPG");
-  EXPECT_TRUE(Search.SearchFolder(Pictures(), true));
-  EXPECT_EQ(1, Catalog.FindAssetByPath(Pictures() + "/sub/A.JPG").GetRollID());
+  std::filesystem::create_directory(folder + "/sub");
+  std::filesystem::rename(folder + "/A.JPG", folder + "/sub/A.JPG");
+  EXPECT_TRUE(Search.SearchFolder(folder, true));
+  EXPECT_EQ(1, Catalog.FindAssetByPath(folder + "/sub/A.JPG").GetRollID());
+}
+
+TEST_F(FolderSearchTest, AFolderThatIsReachedTwiceIsOne) {
+  const std::string data = Scratch.GetPath() + "/data", trip = data + "/trip";
+  std::filesystem::remove(Pictures());
+  std::filesystem::create_directory_symlink(data, Pictures());
+  Scratch.Write("data/trip/a.jpg", "x");
+  Scratch.Write("elsewhere/b.jpg", "x");
+  std::filesystem::create_directory_symlink(Scratch.GetPath() + "/elsewhere", data + "/link");
+  Search.SearchFolder(Pictures(), true);
+  const auto countBelow = [this](const std::string& folder) {
+    CQuerySet set(&Catalog, SetKind::Available);
+    set.SetFolderFilter(folder);
+    set.Rebuild();
+    return set.GetCount();
+  };
+  // From above, by its own name, a folder in it, and what a link in it leads to.
+  for (const std::string& folder : {Scratch.GetPath(), data, trip, Scratch.GetPath() + "/elsewhere"}) {
+    Restart();
+    Search.UpdateMissingFlags();
+    EXPECT_TRUE(Search.SearchFolder(folder, true));
+    EXPECT_EQ(2, Catalog.GetAssets().GetSize()) << folder;
+    EXPECT_EQ(folder == Scratch.GetPath() || folder == data ? 2 : 1, countBelow(folder)) << folder;
+  }
+  Scratch.Write("data/trip/new.jpg", "x");
+  Search.SearchFolder(trip, true);
+  EXPECT_EQ(Pictures() + "/trip/new.jpg", Catalog.FindAssetById(3).GetPath()) << "beside the others";
+
+  CStringHistory& list = Search.GetHistory();
+  list.Add(trip);
+  EXPECT_EQ(0, list.Add(Pictures() + "/trip"));
+  EXPECT_EQ(trip, list.Get(0));
+  EXPECT_TRUE(list.Remove(Pictures() + "/trip"));
+  Search.MarkFolderRemoved(trip);
+  EXPECT_EQ(2, countBelow(Pictures() + "/trip")) << "My Pictures shows them still";
+  std::filesystem::create_directory_symlink("/", Scratch.GetPath() + "/disk");
+  EXPECT_TRUE(IsDiskRoot(Scratch.GetPath() + "/disk"));
+}
+
+TEST_F(FolderSearchTest, ARemovedFolderTakesOnlyThePhotosThatNothingElseShows) {
+  const std::string outer = Scratch.GetPath() + "/outer";
+  for (const char* name : {"outer/a.jpg", "outer/inner/b.jpg", "Pictures/sub/c.jpg"})
+    Scratch.Write(name, "x");
+  Search.SearchFolder(Scratch.GetPath(), true);
+  const auto remove = [this](const std::string& folder) {
+    Search.MarkFolderRemoved(folder);
+    return CQuerySet(&Catalog, SetKind::Available).GetCount();
+  };
+  for (const char* name : {"/outer", "/outer/inner"}) Search.GetHistory().Add(Scratch.GetPath() + name);
+  EXPECT_EQ(3, remove(Pictures() + "/sub"));
+  EXPECT_EQ(3, remove(outer + "/inner")) << "the folder above is on the list";
+  EXPECT_EQ(3, remove(Scratch.GetPath() + "/OUTER")) << "another folder";
+  EXPECT_EQ(1, remove(Scratch.GetPath())) << "My Pictures stays";
 }
 
 TEST_F(FolderSearchTest, LostThumbnailsAreRemadeWithoutANewRoll) {

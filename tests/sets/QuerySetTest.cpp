@@ -57,6 +57,10 @@ TEST_F(QuerySetTest, SortsRunUpwardsWithTiesInTheOrderOfImport) {
   CQuerySet set(&Catalog, SetKind::Available);
   EXPECT_FALSE(set.SetSort(static_cast<SortKind>(6), false));
   EXPECT_EQ(SortKind::None, set.GetSortKind());
+  Add("photos2/early.jpg", Day(2001, 1, 1, 0), 0);
+  Add("Photos2/late.jpg", Day(2004, 1, 1, 0), 0);
+  EXPECT_EQ((Ids{10, 8, 9, 1, 2, 3, 7, 4, 5, 6, 12, 11}), Sorted(SortKind::Folder))
+      << "folders that differ in case are two";
 }
 
 TEST_F(QuerySetTest, GroupsAreRunsOfEqualKeys) {

@@ -90,7 +90,8 @@ class CFilterBar : public QWidget {
   bool SearchFor(const FolderChange& change);
   std::string GetShownFolder() const;
   bool SelectStandardFolder(const std::string& folder);
-  void SelectAddedFolder(const std::string& folder);
+  /// Returns the path that the folder has in the control.
+  std::string SelectAddedFolder(const std::string& folder);
 
   void OnTextChanged();
   void OnRatingPicked();

@@ -2,6 +2,7 @@
 
 #include "base/Exceptions.h"
 #include "base/Folders.h"
+#include "base/PathIdentity.h"
 #include "catalog/Catalog.h"
 #include "discovery/FolderSearch.h"
 #include "sets/PhotoSet.h"
@@ -51,13 +52,14 @@ void CFilterBar::SelectFolder(const std::string& folder) {
   OnFolderPicked(static_cast<FolderItem>(model.GetSelectedId()));
 }
 
-void CFilterBar::SelectAddedFolder(const std::string& folder) {
+std::string CFilterBar::SelectAddedFolder(const std::string& folder) {
   if (!SelectStandardFolder(folder)) {
     Folders.Promote(Folders.Add(folder));
     GetFolderControl().GetModel().SelectId(static_cast<int>(FolderItem::FirstListed));
     GetFolderControl().Refresh();
   }
-  Host.GetPhotoSet().SetFolderFilter(folder);
+  Host.GetPhotoSet().SetFolderFilter(GetShownFolder());
+  return GetShownFolder();
 }
 
 void CFilterBar::OnFolderPicked(FolderItem item) {
@@ -77,13 +79,13 @@ void CFilterBar::OnFolderPicked(FolderItem item) {
 
 void CFilterBar::ApplyFolderPick(FolderItem item, bool rebuild) {
   CCatalog& catalog = Host.GetCatalog();
-  const std::optional<FolderChange> change = AskForChange(item, GetShownFolder());
+  std::optional<FolderChange> change = AskForChange(item, GetShownFolder());
   const std::int32_t rollBefore = catalog.GetCurrentRollID();
   const bool found = change && SearchFor(*change);
   const bool isNewRoll = catalog.GetCurrentRollID() != rollBefore;
   const bool givenUp = !change || (change->Adding && !found);
 
-  if (!givenUp && change->Adding) SelectAddedFolder(change->Chosen);
+  if (!givenUp && change->Adding) change->Chosen = SelectAddedFolder(change->Chosen);
   rebuild |= isNewRoll || found || (change && change->Refilter);
   if (isNewRoll && !givenUp) {
     ShowNewestRoll();

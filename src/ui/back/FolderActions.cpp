@@ -6,7 +6,6 @@
 #include "catalog/Catalog.h"
 #include "catalog/StringHistory.h"
 #include "discovery/FolderSearch.h"
-#include "platform/Unicode.h"
 #include "ui/kit/Job.h"
 
 std::optional<std::string> CFolderActions::BrowseForFolder() {
@@ -52,11 +51,4 @@ std::optional<std::string> CFolderActions::RemoveFromList() {
     oneChange.Commit();
   });
   return removed;
-}
-
-bool IsSameFolder(const std::string& a, const std::string& b) {
-  const std::string first = WithoutClosingSlash(a);
-  const std::string second = WithoutClosingSlash(b);
-  if (first == second) return true;
-  return platform::EqualNoCase(first, second) && IsOtherSpelling(first, second);
 }

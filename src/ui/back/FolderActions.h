@@ -33,7 +33,3 @@ class CFolderActions {
   CStringHistory& List;
   CFolderChooser& Chooser;
 };
-
-/// Whether both paths mean one folder: they are equal, or differ in case alone and only one of the spellings
-/// stands on the disk. A closing "/" makes no difference.
-bool IsSameFolder(const std::string& a, const std::string& b);

@@ -91,6 +91,17 @@ TEST_F(FilterBarFolders, StandardFolderIsSelectedInsteadOfListed) {
   EXPECT_EQ(SelectedFolder(), 101);
   EXPECT_THAT(ListedFolders(), IsEmpty());
   EXPECT_EQ(Set->GetFolderFilter(), Pictures() + "/");
+
+  std::filesystem::create_directory_symlink(Pictures(), Other("ways"));
+  AddFolder(Other("ways"));
+  EXPECT_EQ(SelectedFolder(), 101) << "reached over a link";
+  EXPECT_EQ(GetStoredFolder(), Pictures());
+  AddFolder(Other("Trip"));
+  std::filesystem::create_directory_symlink(Other("Trip"), Other("other way"));
+  AddFolder(Other("other way"));
+  EXPECT_THAT(ListedFolders(), ElementsAre(Other("Trip")));
+  EXPECT_EQ(GetStoredFolder(), Other("Trip"));
+  EXPECT_THAT(Names(), ElementsAre("b.jpg"));
 }
 
 TEST_F(FilterBarFolders, ChoiceResetsTextAndRating) {

@@ -5,7 +5,7 @@
 
 #include "support/ScratchFolder.h"
 #include "ui/WindowTest.h"
-#include "ui/back/FolderActions.h"
+#include "ui/back/FolderChooser.h"
 #include "ui/back/FolderListDialog.h"
 
 namespace {
@@ -97,13 +97,4 @@ TEST(FolderChooser, AddressGivesTheBytesOfThePath) {
   EXPECT_NE(GetPathOfAddress(QUrl::fromLocalFile(parent.mid(7) + QStringLiteral("/b\uFFFDcher"))), folder)
       << "two folders look alike";
   EXPECT_EQ(pathOf("http://example.com/a"), "");
-}
-
-TEST(FolderActions, SameFolderMayBeWrittenWithASlash) {
-  const CScratchFolder scratch;
-  std::filesystem::create_directory(scratch.GetPath() + "/A");
-  EXPECT_TRUE(IsSameFolder(scratch.GetPath() + "/A/", scratch.GetPath() + "/A"));
-  EXPECT_TRUE(IsSameFolder(scratch.GetPath() + "/a", scratch.GetPath() + "/A")) << "an old spelling";
-  std::filesystem::create_directory(scratch.GetPath() + "/a");
-  EXPECT_FALSE(IsSameFolder(scratch.GetPath() + "/a", scratch.GetPath() + "/A")) << "both stand on the disk";
 }
