@@ -1,9 +1,11 @@
 #include "base/PathIdentity.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "base/Paths.h"
 #include "platform/Files.h"
+#include "platform/FolderListing.h"
 #include "platform/Unicode.h"
 
 namespace {
@@ -43,6 +45,23 @@ bool IsFormerSpelling(const std::string& former, const std::string& path) {
     start = end + 1;
   }
   return true;
+}
+
+std::string FindPresentSpelling(const std::string& stored) {
+  platform::FileStatus status;
+  if (stored == "/" || !platform::GetEntryStatus(stored, status)) return stored;
+  const PathParts parts = SplitPath(stored);
+  if (parts.Folder.empty()) return {};
+  const std::string folder = FindPresentSpelling(WithoutClosingSlash(parts.Folder));
+  std::vector<platform::FolderEntry> entries;
+  if (folder.empty() || platform::ListFolder(folder, entries)) return {};
+  std::string present;
+  for (const platform::FolderEntry& entry : entries) {
+    if (!platform::EqualNoCase(entry.Name, parts.Name)) continue;
+    if (!present.empty()) return {};
+    present = JoinPath(folder, entry.Name);
+  }
+  return present;
 }
 
 bool IsSameFolder(const std::string& a, const std::string& b) {

@@ -18,6 +18,10 @@
 /// that doesn't know case both names stay good; there they must be one entry.
 bool IsFormerSpelling(const std::string& former, const std::string& path);
 
+/// The path that a stored one has become: itself if it stands, else the one path that it is a former spelling
+/// of. Empty if there is none, or more than one.
+std::string FindPresentSpelling(const std::string& stored);
+
 /// Whether both paths mean one folder: they are equal, lead to one place, or one is a former spelling of the
 /// other. A closing "/" makes no difference.
 bool IsSameFolder(const std::string& a, const std::string& b);

@@ -113,7 +113,21 @@ std::string CFolderSearch::FirstSearch() {
   }
 }
 
+void CFolderSearch::FollowRenamedFolders() {
+  CCatalog& catalog = *CCatalog::GetInstance();
+  CAutoCommitPause pause(catalog);
+  for (int i = 0; i < GetHistory().Count(); ++i) {
+    const std::string stored = GetHistory().Get(i);
+    const std::string present = FindPresentSpelling(stored);
+    if (present.empty() || present == stored) continue;
+    GetHistory().Add(present);
+    if (catalog.GetCurrentPhotoFolder() == stored) catalog.SetCurrentPhotoFolder(present);
+  }
+  pause.Commit();
+}
+
 std::string CFolderSearch::SearchStartingFolder() {
+  FollowRenamedFolders();
   if (ActiveDisk) {
     int found = 0;
     SearchFolder(GetActiveDiskPhotoFolder(), true, &found);
@@ -137,8 +151,8 @@ void CFolderSearch::UpdateMissingFlags() {
     CAutoCommitPause pause(*catalog);
     for (int i = 0; i < photos.GetCount(); ++i) {
       CAssetRecord record = photos.GetAsset(i);
-      if (record.GetMissing() == MissingState::FolderRemoved) continue;
       catalog->GetKnownFolders().Look(record.GetFolder());
+      if (record.GetMissing() == MissingState::FolderRemoved) continue;
       record.SetMissing(FileExists(record.GetPath(), false) ? MissingState::InPlace : MissingState::Gone);
     }
     pause.Commit();

@@ -57,6 +57,7 @@ class CFolderSearch {
   bool Search(const std::string& folder, int* foundOut, int* pendingOut);
   std::string SearchStartingFolder();
   void TellRefusal(const CStorageException& refusal) const;
+  void FollowRenamedFolders();
   bool MayBringIn(int pending, const std::string& folder);
   std::vector<std::string> GetFoldersThatShow(const std::string& folder);
 

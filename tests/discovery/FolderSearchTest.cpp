@@ -313,7 +313,13 @@ TEST_F(FolderSearchTest, TheFirstSearchOpensOnTheFolderLastLookedAt) {
   EXPECT_EQ(2, Catalog.GetAssets().GetSize());
 
   Restart();
-  std::filesystem::rename(elsewhere, Scratch.GetPath() + "/Moved");
+  std::filesystem::rename(elsewhere, Scratch.GetPath() + "/ELSEwhere");
+  EXPECT_EQ(Scratch.GetPath() + "/ELSEwhere", Search.FirstSearch()) << "renamed to another case";
+  EXPECT_EQ(Scratch.GetPath() + "/ELSEwhere", Search.GetHistory().Get(0));
+  EXPECT_EQ(2, Catalog.GetAssets().GetSize());
+
+  Restart();
+  std::filesystem::rename(Scratch.GetPath() + "/ELSEwhere", Scratch.GetPath() + "/Moved");
   EXPECT_EQ(Pictures(), Search.FirstSearch()) << "a folder that is gone gives way";
 
   Restart();
