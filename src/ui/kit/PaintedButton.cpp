@@ -3,6 +3,7 @@
 #include <QFontMetricsF>
 #include <QMouseEvent>
 #include <QScopeGuard>
+#include <algorithm>
 #include <memory>
 
 #include "ui/kit/Colours.h"
@@ -25,7 +26,8 @@ constexpr int kSkinSide = 17;
 constexpr int kSkinCorner = 8;
 constexpr int kPressedOffset = 2;
 
-// The ends of a picture that is narrowed; what is left out lies between them and the middle.
+// The ends of a picture in a button of another width; what is left out, or repeated, lies between them and
+// the middle.
 constexpr int kPictureEnd = 6;
 
 }  // namespace
@@ -263,19 +265,28 @@ void CPaintedButton::PaintPicture(CDevicePainter& painter) {
   }
   const int state = static_cast<int>(GetState());
   const QRect image(QPoint((state < ImageCount ? state : 0) * ImageSize.width(), 0), ImageSize);
-  if (width() >= ImageSize.width()) {
+  if (width() == ImageSize.width()) {
     painter.DrawPart(Picture, image, {area.topLeft(), QSize(area.width(), painter.Scaled(image.height()))});
     return;
   }
-  const int end = painter.Scaled(kPictureEnd);
-  const int middle = width() - 2 * kPictureEnd;
-  const QRect ends[] = {
-      {image.left(), image.top(), kPictureEnd, image.height()},
-      {image.left() + image.width() - kPictureEnd, image.top(), kPictureEnd, image.height()}};
-  painter.DrawPart(Picture, ends[0], {0, 0, end, area.height()});
-  painter.DrawPart(Picture, {image.left() + (image.width() - middle) / 2, 0, middle, image.height()},
-                   {end, 0, area.width() - 2 * end, area.height()});
-  painter.DrawPart(Picture, ends[1], {area.width() - end, 0, end, area.height()});
+  // Columns of the picture, from `first` on, to the button from `left` to `right`.
+  const auto draw = [&](int first, int columns, int left, int right) {
+    const int begin = painter.Scaled(left);
+    const int end = right == width() ? area.width() : painter.Scaled(right);
+    painter.DrawPart(Picture, {image.left() + first, image.top(), columns, image.height()},
+                     {begin, 0, end - begin, area.height()});
+  };
+  const int middle = std::min(width(), image.width()) - 2 * kPictureEnd;
+  const int lastOfPicture = image.width() - kPictureEnd;
+  const int last = width() - kPictureEnd;
+  const int left = (width() - middle) / 2;
+  draw(0, kPictureEnd, 0, kPictureEnd);
+  if (width() > image.width()) {
+    draw(kPictureEnd, 1, kPictureEnd, left);
+    draw(lastOfPicture - 1, 1, left + middle, last);
+  }
+  draw((image.width() - middle) / 2, middle, left, left + middle);
+  draw(lastOfPicture, kPictureEnd, last, width());
 }
 
 void CPaintedButton::PaintText(CDevicePainter& painter) {

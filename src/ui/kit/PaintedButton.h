@@ -33,7 +33,7 @@ class CPaintedButton : public QAbstractButton {
   void CreateText(const QRect& place, CommandId id, const QString& text, ButtonFlags flags, bool defaultLook);
 
   /// Changes the images, the caption and, unless a string was set for it, the tool tip. With `resize` the
-  /// button takes the size of an image; otherwise a narrower button leaves out columns beside the middle.
+  /// button takes the size of an image; one of another width leaves out or repeats columns beside the middle.
   void SetPicture(PictureId picture, int imageCount, bool resize);
 
   /// Takes the tool tip from another string.

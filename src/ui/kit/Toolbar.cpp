@@ -6,10 +6,22 @@
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/NineParts.h"
+#include "ui/kit/Pictures.h"
+#include "ui/kit/ToolTips.h"
 
 namespace {
 
 constexpr int kImages = 2;
+
+/// Makes the place large enough for a picture and its caption.
+void MakeRoom(ToolbarItem& place, PictureId picture) {
+  place.PictureWidth = std::max(place.PictureWidth, GetPictureSize(picture).width() / kImages);
+  const QString caption = LoadCaptionAndTip(static_cast<StringId>(picture)).Caption;
+  for (std::size_t i = 0; i < kCaptionFonts.size(); ++i) {
+    place.CaptionWidths[i] =
+        std::max(place.CaptionWidths[i], MeasureCaption(caption, kCaptionFonts[i]).width());
+  }
+}
 
 }  // namespace
 
@@ -18,14 +30,18 @@ CToolbar::CToolbar(CCommandTarget& target, QWidget* parent) : QWidget(parent), T
   resize(width(), kToolbarHeight);
 }
 
-CPaintedButton& CToolbar::AddButton(int gap, CommandId id, StringId picture) {
-  const auto number = picture == StringId{} ? static_cast<int>(id) : static_cast<int>(picture);
-  auto& button = Items.emplace_back(Item{std::make_unique<CPaintedButton>(Target, this), gap}).Button;
-  button->SetTipSide(TipSide::Below);
-  button->Create({}, id, ButtonFlags::TipStays, static_cast<PictureId>(number), kImages);
-  button->setVisible(true);
+CPaintedButton& CToolbar::AddButton(int gap, CommandId id, StringId picture, PictureId other) {
+  const auto first =
+      static_cast<PictureId>(picture == StringId{} ? static_cast<int>(id) : static_cast<int>(picture));
+  Item& item = Items.emplace_back(Item{std::make_unique<CPaintedButton>(Target, this), {gap, 0, {}}});
+  MakeRoom(item.Place, first);
+  if (other != PictureId{}) MakeRoom(item.Place, other);
+  CPaintedButton& button = *item.Button;
+  button.SetTipSide(TipSide::Below);
+  button.Create({}, id, ButtonFlags::TipStays, first, kImages);
+  button.setVisible(true);
   LayOut();
-  return *button;
+  return button;
 }
 
 CPaintedButton* CToolbar::GetButton(CommandId id) {
@@ -39,22 +55,16 @@ void CToolbar::SetFullScreenLook(bool on) {
   update();
 }
 
-std::vector<ToolbarItem> CToolbar::MeasureItems() const {
-  std::vector<ToolbarItem> measured;
-  for (const Item& item : Items) {
-    ToolbarItem one{item.Gap, item.Button->GetImageSize().width(), {}};
-    for (std::size_t i = 0; i < kCaptionFonts.size(); ++i) {
-      one.CaptionWidths[i] = MeasureCaption(item.Button->GetText(), kCaptionFonts[i]).width();
-    }
-    measured.push_back(one);
-  }
-  return measured;
+std::vector<ToolbarItem> CToolbar::GetPlaces() const {
+  std::vector<ToolbarItem> places;
+  for (const Item& item : Items) places.push_back(item.Place);
+  return places;
 }
 
-int CToolbar::GetContentWidth() const { return ::GetContentWidth(MeasureItems()); }
+int CToolbar::GetContentWidth() const { return ::GetContentWidth(GetPlaces()); }
 
 void CToolbar::LayOut() {
-  const ToolbarPlan plan = ArrangeToolbar(MeasureItems(), width());
+  const ToolbarPlan plan = ArrangeToolbar(GetPlaces(), width());
   for (std::size_t i = 0; i < Items.size(); ++i) {
     CPaintedButton& button = *Items[i].Button;
     const ToolbarPlace& place = plan.Places[i];

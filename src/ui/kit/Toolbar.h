@@ -16,8 +16,9 @@ class CToolbar : public QWidget {
   CToolbar(CCommandTarget& target, QWidget* parent);
 
   /// Puts a button at the row's end, `gap` pixels behind the one before. Picture and texts have the number
-  /// of `picture`, or without one that of the command. The button is the row's.
-  CPaintedButton& AddButton(int gap, CommandId id, StringId picture = {});
+  /// of `picture`, or without one that of the command. `other` is what may replace the picture later: the
+  /// place of a button has room for either, so that nothing moves under the pointer. The button is the row's.
+  CPaintedButton& AddButton(int gap, CommandId id, StringId picture = {}, PictureId other = {});
 
   /// Null if the row has no such button.
   CPaintedButton* GetButton(CommandId id);
@@ -28,10 +29,6 @@ class CToolbar : public QWidget {
   /// The width of all buttons and the gaps between them, when nothing has to be given up.
   int GetContentWidth() const;
 
-  /// Puts the buttons in their places. The row does so itself when its size changes; it is called after a
-  /// picture has replaced one of another width.
-  void LayOut();
-
  protected:
   /// A quick second click beside a button is none in what the row stands on.
   void mouseDoubleClickEvent(QMouseEvent* event) override;
@@ -41,9 +38,10 @@ class CToolbar : public QWidget {
  private:
   struct Item {
     std::unique_ptr<CPaintedButton> Button;
-    int Gap;
+    ToolbarItem Place;
   };
-  std::vector<ToolbarItem> MeasureItems() const;
+  std::vector<ToolbarItem> GetPlaces() const;
+  void LayOut();
 
   CCommandTarget& Target;
   std::vector<Item> Items;  // from left to right

@@ -18,7 +18,7 @@ inline constexpr std::array kCaptionFonts = {FontId::Note, FontId::Band, FontId:
 
 struct ToolbarItem {
   int Gap = 0;           // in front of the button
-  int PictureWidth = 0;  // of one image
+  int PictureWidth = 0;  // of the widest image that it shows
   std::array<int, kCaptionFonts.size()> CaptionWidths{};
 };
 

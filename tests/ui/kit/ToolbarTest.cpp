@@ -66,7 +66,9 @@ int CountCut(const std::vector<ToolbarItem>& items, const ToolbarPlan& plan) {
 class Toolbar : public testing::Test {
  protected:
   void SetUp() override {
-    for (const Slot& slot : kSlots) Row.AddButton(slot.Gap, slot.Id, static_cast<StringId>(slot.Rest));
+    for (const Slot& slot : kSlots) {
+      Row.AddButton(slot.Gap, slot.Id, static_cast<StringId>(slot.Rest), slot.Widest);
+    }
     Row.resize(1000, kToolbarHeight);
     Row.show();
   }
@@ -140,7 +142,7 @@ TEST(ToolbarLayout, GivesUpInOrder) {
 TEST_F(Toolbar, ButtonsStandInTheMiddleWithCaptionsBelow) {
   const CPaintedButton& first = Get(CommandId::ToggleUpload);
   const CPaintedButton& last = Get(CommandId::ToggleFullScreen);
-  EXPECT_EQ(first.size(), QSize(GetPictureSize(PictureId::UploadPhoto).width() / 2, 26));
+  EXPECT_EQ(first.size(), QSize(GetPictureSize(PictureId::DoNotUploadPhoto).width() / 2, 26));
   EXPECT_EQ(first.y(), 14);
   EXPECT_EQ(last.geometry().right() + 1 - first.x(), Row.GetContentWidth());
   EXPECT_NEAR(first.x(), Row.width() - last.geometry().right() - 1, 1);
@@ -157,21 +159,23 @@ TEST_F(Toolbar, ButtonsStandInTheMiddleWithCaptionsBelow) {
   for (const QWidget* tip : tips) EXPECT_FALSE(tip->isVisible());
 }
 
-TEST_F(Toolbar, ClosesUpAroundAPictureOfAnotherWidth) {
-  const int before = Row.GetContentWidth();
-  CPaintedButton& upload = Get(CommandId::ToggleUpload);
-  const int grown = GetPictureSize(PictureId::DoNotUploadPhoto).width() / 2 - upload.width();
-  upload.SetPicture(PictureId::DoNotUploadPhoto, 2, true);
-  Row.LayOut();
-  EXPECT_EQ(Row.GetContentWidth(), before + grown);
-  EXPECT_EQ(Get(CommandId::ToggleEmail).x(), upload.geometry().right() + 1);
-  EXPECT_EQ(Get(CommandId::RotateRight).x() - Get(CommandId::ToggleEmail).geometry().right() - 1, 10);
-
-  Row.resize(520, kToolbarHeight);
-  EXPECT_LT(upload.width(), upload.GetImageSize().width());
-  EXPECT_LE(Get(CommandId::ToggleFullScreen).geometry().right(), 520);
-  Row.resize(1000, kToolbarHeight);
-  EXPECT_EQ(upload.size(), upload.GetImageSize());
+TEST_F(Toolbar, NothingMovesWhenPicturesChange) {
+  const auto places = [this] {
+    std::vector<QRect> all;
+    for (const Slot& slot : kSlots) all.push_back(Get(slot.Id).geometry());
+    return all;
+  };
+  for (const int width : {1000, 520}) {
+    Row.resize(width, kToolbarHeight);
+    for (const Slot& slot : kSlots) Get(slot.Id).SetPicture(slot.Rest, 2, false);
+    const auto before = places();
+    EXPECT_LE(before.back().right(), width);
+    for (const Slot& slot : kSlots) Get(slot.Id).SetPicture(slot.Widest, 2, false);
+    EXPECT_EQ(places(), before);
+    Row.resize(width + 10, kToolbarHeight);
+    Row.resize(width, kToolbarHeight);
+    EXPECT_EQ(places(), before) << "nor when the row is laid out anew";
+  }
 }
 
 TEST_F(Toolbar, CommandsGoToTheTarget) {
@@ -190,16 +194,19 @@ TEST_F(Toolbar, TopEdgeOnlyAsAPanelOfItsOwn) {
   EXPECT_FALSE(isPage({500, 0}));
 }
 
-TEST_F(Toolbar, NarrowedButtonKeepsItsEndsAndItsMiddle) {
-  CPaintedButton& upload = Get(CommandId::ToggleUpload);
-  const QImage whole = Painted(upload);
-  const int cut = 20;
-  upload.resize(upload.width() - cut, upload.height());
-  const QImage narrow = Painted(upload);
+TEST_F(Toolbar, ButtonOfAnotherWidthKeepsItsEndsAndItsMiddle) {
+  CPaintedButton button(Target, nullptr);
+  button.Create({}, CommandId::ToggleUpload, ButtonFlags::None, PictureId::UploadPhoto, 2);
+  const QImage whole = Painted(button);
   const int height = whole.height();
-  EXPECT_EQ(narrow.copy(0, 0, 6, height), whole.copy(0, 0, 6, height));
-  EXPECT_EQ(narrow.copy(narrow.width() - 6, 0, 6, height), whole.copy(whole.width() - 6, 0, 6, height));
-  EXPECT_EQ(narrow.copy(10, 0, narrow.width() - 20, height),
-            whole.copy(10 + cut / 2, 0, narrow.width() - 20, height))
-      << "the icon isn't squeezed";
+  for (const int change : {-20, 34}) {
+    button.resize(whole.width() + change, height);
+    const QImage other = Painted(button);
+    const int middle = std::min(other.width(), whole.width()) - 20;
+    EXPECT_EQ(other.copy(0, 0, 6, height), whole.copy(0, 0, 6, height));
+    EXPECT_EQ(other.copy(other.width() - 6, 0, 6, height), whole.copy(whole.width() - 6, 0, 6, height));
+    EXPECT_EQ(other.copy((other.width() - middle) / 2, 0, middle, height),
+              whole.copy((whole.width() - middle) / 2, 0, middle, height))
+        << "the icon isn't squeezed";
+  }
 }
