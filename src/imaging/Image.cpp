@@ -40,11 +40,9 @@ void CImage::DrawOver(const PixelBuffer& target) const {
 
 std::unique_ptr<CJpegImage> CImage::MakeFitted(int boxWidth, int boxHeight) const {
   const ImageSize size = GetSource().Size;
+  if (std::min({size.Width, size.Height, boxWidth, boxHeight}) < 1) return nullptr;
   const double scale = FitScaleOf(size, boxWidth, boxHeight, false);
-  const int width = CutToInt(size.Width * scale);
-  const int height = CutToInt(size.Height * scale);
-  if (width < 1 || height < 1) return nullptr;
-  auto fitted = std::make_unique<CJpegImage>(ImageSize{width, height});
+  auto fitted = std::make_unique<CJpegImage>(ScaledSize(scale));
   Draw(fitted->GetBuffer(), 0, 0, scale);
   return fitted;
 }

@@ -85,8 +85,8 @@ class CImage {
   /// Stretches the whole held bitmap over the whole target.
   void DrawOver(const PixelBuffer& target) const;
 
-  /// A bitmap of 24 bits that fits the box, never larger than the held one; null when a side would come
-  /// out 0.
+  /// A bitmap of 24 bits that fits the box, never larger than the held one, of at least 1 by 1; null without
+  /// pixels or a box.
   std::unique_ptr<CJpegImage> MakeFitted(int boxWidth, int boxHeight) const;
 
  protected:

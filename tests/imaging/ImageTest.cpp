@@ -99,7 +99,8 @@ TEST(ImageTest, FittedBitmapsAreCutToWholePixelsAndNeverEnlarged) {
   EXPECT_EQ((ImageSize{140, 105}), FittedSize(*Load(1600, 1200, 140, 105), 140, 105));
   EXPECT_EQ((ImageSize{78, 105}), FittedSize(*Load(1200, 1600, 140, 105), 140, 105));
   EXPECT_EQ((ImageSize{100, 50}), FittedSize(*Load(100, 50, 140, 105), 140, 105));
-  EXPECT_EQ((ImageSize{}), FittedSize(*Load(300, 2, 0, 0), 140, 105));
+  EXPECT_EQ((ImageSize{140, 1}), FittedSize(*Load(300, 2, 0, 0), 140, 105)) << "however narrow";
+  EXPECT_EQ((ImageSize{}), FittedSize(*Load(30, 20, 0, 0), 0, 105));
   EXPECT_EQ((ImageSize{}), FittedSize(CJpegImage(), 140, 105));
 
   const auto fitted = Load(200, 100, 0, 0)->MakeFitted(50, 50);
