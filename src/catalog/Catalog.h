@@ -83,9 +83,9 @@ class CCatalog : public CCommittingStore {
   /// What jobs have seen of the folders that photos are in.
   CKnownFolders& GetKnownFolders() { return KnownFolders; }
 
-  // Shared texts and lists, by category. Texts are compared without regard to case.
+  // Shared texts and lists, by category. Texts are compared by their letters (TextCompare.h).
   std::int32_t AddString(std::int32_t category, const std::string& text);
-  /// Adds the text as it is spelled, though the category may hold it in another case.
+  /// Adds the text as it is spelled, though the category may hold it in another spelling.
   std::int32_t AddSpelling(std::int32_t category, const std::string& text);
   std::int32_t FindStringKey(std::int32_t category, const std::string& text) const;
   /// -1 if there is none of that name.
@@ -121,7 +121,7 @@ class CCatalog : public CCommittingStore {
   void Rewrite(const std::string& temporary);
   static std::int32_t Successor(std::int32_t number);
   std::int32_t Alloc(const c4_IntProp& counter);
-  c4_View StringsOf(std::int32_t category, bool byText) const;
+  std::vector<std::int32_t> ListStringKeys(std::int32_t category, bool byText) const;
   c4_RowRef FindString(std::int32_t key) const;
   CAssetRecord FindFormerSpelling(const std::string& path);
   void AddToSpellings(const std::string& path, std::int32_t assetId);

@@ -1,9 +1,22 @@
+#include <algorithm>
+#include <utility>
+
 #include "catalog/Catalog.h"
 #include "catalog/Properties.h"
+#include "platform/TextCompare.h"
 
 std::int32_t CCatalog::FindStringKey(std::int32_t category, const std::string& text) const {
   const c4_RowRef row = Strings[Strings.Find(props::Category[category] + props::String[text])];
-  return row.IsValid() ? props::Key.Get(row) : -1;
+  if (row.IsValid()) return props::Key.Get(row);
+  // The storage knows the case of ASCII letters alone.
+  const c4_View strings = Strings.Select(props::Category[category]);
+  const std::string wanted = platform::FoldLetters(text);
+  std::string folded;
+  for (int i = 0; i < strings.GetSize(); ++i) {
+    platform::FoldLetters(props::String.GetAt(strings, i), folded);
+    if (folded == wanted) return props::Key.GetAt(strings, i);
+  }
+  return -1;
 }
 
 c4_RowRef CCatalog::FindString(std::int32_t key) const { return Strings[Strings.Find(props::Key[key])]; }
@@ -63,24 +76,33 @@ int CCatalog::CountStrings(std::int32_t category) const {
   return Strings.Select(props::Category[category]).GetSize();
 }
 
-c4_View CCatalog::StringsOf(std::int32_t category, bool byText) const {
+std::vector<std::int32_t> CCatalog::ListStringKeys(std::int32_t category, bool byText) const {
   const c4_View strings = Strings.Select(props::Category[category]);
-  return byText ? strings.SortOn({props::String}) : strings.SortOn({props::Key});
+  std::vector<std::pair<std::string, std::int32_t>> ordered;
+  for (int i = 0; i < strings.GetSize(); ++i) {
+    const std::string_view text = props::String.GetAt(strings, i);
+    ordered.emplace_back(byText ? platform::MakeLetterOrderKey(text) : "", props::Key.GetAt(strings, i));
+  }
+  std::sort(ordered.begin(), ordered.end());
+  std::vector<std::int32_t> keys;
+  for (const auto& [order, key] : ordered) keys.push_back(key);
+  return keys;
 }
 
 std::int32_t CCatalog::GetStringKeyAt(std::int32_t category, int index, bool byText) const {
-  const c4_RowRef row = StringsOf(category, byText)[index];
-  return row.IsValid() ? props::Key.Get(row) : -1;
+  const std::vector<std::int32_t> keys = ListStringKeys(category, byText);
+  return index >= 0 && index < std::ssize(keys) ? keys[static_cast<std::size_t>(index)] : -1;
 }
 
 int CCatalog::GetStringIndex(std::int32_t category, std::int32_t key, bool byText) const {
-  return StringsOf(category, byText).GetIndexOf(FindString(key));
+  const std::vector<std::int32_t> keys = ListStringKeys(category, byText);
+  const auto found = std::find(keys.begin(), keys.end(), key);
+  return found != keys.end() ? static_cast<int>(found - keys.begin()) : -1;
 }
 
 void CCatalog::ListStrings(std::int32_t category, std::vector<std::string>& list, bool byText) const {
   list.clear();
-  const c4_View strings = StringsOf(category, byText);
-  for (int i = 0; i < strings.GetSize(); ++i) list.emplace_back(props::String.Get(strings[i]));
+  for (const std::int32_t key : ListStringKeys(category, byText)) list.push_back(GetString(key));
 }
 
 CPersonRecord CCatalog::AddPerson(const std::string& fullname, const std::string& email) {

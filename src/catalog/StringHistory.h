@@ -6,7 +6,7 @@
 class CCatalog;
 
 /// A list of texts that lives in the catalog, in a category of its own: the folders that the user added,
-/// the texts that the user searched for. Texts are compared without regard to case.
+/// the texts that the user searched for. Texts are compared by their letters.
 class CStringHistory {
  public:
   /// Enters the category, now or, where the disk refuses that, with the first text.

@@ -7,7 +7,7 @@
 #include "base/Times.h"
 #include "catalog/Properties.h"
 #include "platform/LocalTime.h"
-#include "platform/Unicode.h"
+#include "platform/TextCompare.h"
 
 namespace {
 
@@ -52,9 +52,9 @@ std::uint32_t GetCrc32(std::string_view bytes) {
 std::int32_t GetInitial(std::string_view text) {
   // The bytes of the character, high to low: as good a number as its code point, and any byte has one.
   std::uint32_t initial = 0;
-  const std::string_view first = platform::FirstCharacter(text);
-  if (first.size() == 1 && first[0] >= 'a' && first[0] <= 'z') return first[0];
-  for (const char byte : platform::ToLower(first)) {
+  if (text.size() > 1 && text[0] >= 'a' && text[0] <= 'z' && platform::IsAscii(text.substr(1, 1)))
+    return text[0];
+  for (const char byte : platform::GetFirstLetter(text)) {
     initial = (initial << 8) | static_cast<unsigned char>(byte);
   }
   return static_cast<std::int32_t>(initial);

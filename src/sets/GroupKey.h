@@ -34,5 +34,5 @@ std::int32_t GetMonthNumber(std::int32_t time);
 /// CRC-32 with the polynomial of IEEE 802.3, started at all ones, without the final inversion.
 std::uint32_t GetCrc32(std::string_view bytes);
 
-/// The first character of the text in lower case, as a number; 0 for an empty text.
+/// The first letter of the text, whatever its case, as a number; 0 for an empty text.
 std::int32_t GetInitial(std::string_view text);

@@ -8,6 +8,7 @@
 #include "catalog/Catalog.h"
 #include "catalog/Properties.h"
 #include "sets/GroupKey.h"
+#include "sets/TitleOrder.h"
 #include "storage/TextOrder.h"
 
 namespace {
@@ -93,14 +94,18 @@ void CQuerySet::Rebuild() {
   const bool areAll = !HasFilters();
   const CAssetIdSet matches = FindMatches();
   CGroupKeyFinder groupKeys(GetSortKind());
+  std::vector<int> rows;  // none: as they are sorted
+  if (GetSortKind() == SortKind::Title && !AreAsciiTitles(Source))
+    rows = OrderByLetters(sorted, IsDescending());
   Members.clear();
   std::vector<std::string_view> folders;
   Members.reserve(static_cast<std::size_t>(sorted.GetSize()));
   for (int i = 0; i < sorted.GetSize(); ++i) {
-    const std::int32_t assetId = props::AssetID.GetAt(sorted, i);
+    const int row = rows.empty() ? i : rows[static_cast<std::size_t>(i)];
+    const std::int32_t assetId = props::AssetID.GetAt(sorted, row);
     if (!areAll && !matches.Contains(assetId)) continue;
-    if (GetSortKind() == SortKind::Folder) folders.push_back(props::Location.GetAt(sorted, i));
-    Members.push_back({assetId, groupKeys.Find(CAssetRecord(Catalog, sorted[i]))});
+    if (GetSortKind() == SortKind::Folder) folders.push_back(props::Location.GetAt(sorted, row));
+    Members.push_back({assetId, groupKeys.Find(CAssetRecord(Catalog, sorted[row]))});
   }
   if (GetSortKind() == SortKind::Folder) HoldFoldersApart(folders, Members);
   Members.shrink_to_fit();

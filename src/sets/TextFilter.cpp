@@ -5,6 +5,7 @@
 
 #include "catalog/Catalog.h"
 #include "catalog/Properties.h"
+#include "platform/TextCompare.h"
 #include "platform/Unicode.h"
 
 namespace {
@@ -20,19 +21,6 @@ bool IsSearched(StampId type) {
     default:
       return false;
   }
-}
-
-/// Writes the ASCII text in lower case. False, with `lowered` of no use, if it isn't ASCII.
-bool LowerAscii(std::string_view text, std::string& lowered) {
-  lowered.resize(text.size());
-  unsigned char all = 0;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto byte = static_cast<unsigned char>(text[i]);
-    const bool isUpper = byte >= 'A' && byte <= 'Z';
-    all = static_cast<unsigned char>(all | byte);
-    lowered[i] = static_cast<char>(byte | (isUpper ? 'a' - 'A' : 0));
-  }
-  return all < 0x80;
 }
 
 /// std::string_view::find is several times slower on texts of this length.
@@ -54,11 +42,11 @@ bool AreBoundaries(std::string_view text, std::size_t first, std::size_t second)
 }  // namespace
 
 CTextMatcher::CTextMatcher(std::string_view text) {
-  const std::string lowered = platform::ToLower(text);
-  for (std::size_t begin = 0; begin < lowered.size();) {
-    const std::size_t end = std::min(lowered.find(' ', begin), lowered.size());
+  const std::string folded = platform::FoldLetters(text);
+  for (std::size_t begin = 0; begin < folded.size();) {
+    const std::size_t end = std::min(folded.find(' ', begin), folded.size());
     if (end > begin) {
-      std::string token = lowered.substr(begin, end - begin);
+      std::string token = folded.substr(begin, end - begin);
       const bool isWhole = platform::IsValidUtf8(token);
       Tokens.push_back({std::move(token), isWhole});
     }
@@ -66,18 +54,18 @@ CTextMatcher::CTextMatcher(std::string_view text) {
   }
 }
 
-bool CTextMatcher::Occurs(const Token& token, std::string_view lowered) const {
-  for (std::size_t at = Find(lowered, token.Text, 0); at != std::string_view::npos;
-       at = Find(lowered, token.Text, at + 1)) {
-    if (token.IsWhole || AreBoundaries(lowered, at, at + token.Text.size())) return true;
+bool CTextMatcher::Occurs(const Token& token, std::string_view folded) const {
+  for (std::size_t at = Find(folded, token.Text, 0); at != std::string_view::npos;
+       at = Find(folded, token.Text, at + 1)) {
+    if (token.IsWhole || AreBoundaries(folded, at, at + token.Text.size())) return true;
   }
   return false;
 }
 
 bool CTextMatcher::TextHits(std::string_view haystack) const {
-  if (!LowerAscii(haystack, Lowered)) Lowered = platform::ToLower(haystack);
+  platform::FoldLetters(haystack, Folded);
   return std::any_of(Tokens.begin(), Tokens.end(),
-                     [this](const Token& token) { return Occurs(token, Lowered); });
+                     [this](const Token& token) { return Occurs(token, Folded); });
 }
 
 CTextFilter::CTextFilter(std::string text) : Text(std::move(text)), Matcher(Text) {}

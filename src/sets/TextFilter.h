@@ -7,8 +7,8 @@
 #include "sets/AssetIdSet.h"
 #include "sets/PhotoFilter.h"
 
-/// Finds words in texts: any one of the words in any place of the text, whatever the case of its letters, in
-/// any language. Words begin and end between characters.
+/// Finds words in texts: any one of the words in any place of the text. Texts are compared by their letters;
+/// words begin and end between characters.
 class CTextMatcher {
  public:
   /// `text` is cut into words at its spaces.
@@ -18,13 +18,13 @@ class CTextMatcher {
 
  private:
   struct Token {
-    std::string Text;  // in lower case
+    std::string Text;  // folded
     bool IsWhole;      // made of whole characters, so that no hit can begin or end inside one
   };
-  bool Occurs(const Token& token, std::string_view lowered) const;
+  bool Occurs(const Token& token, std::string_view folded) const;
 
   std::vector<Token> Tokens;
-  mutable std::string Lowered;  // room for the text in lower case, kept between calls
+  mutable std::string Folded;  // room for the folded text, kept between calls
 };
 
 /// Passes the photos in whose file name, caption, people, subjects, event or place one of the words occurs.

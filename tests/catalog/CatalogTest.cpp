@@ -124,6 +124,15 @@ TEST_F(CatalogTest, SharedTextsAreCounted) {
   Catalog.ListStrings(places, list, false);
   EXPECT_THAT(list, ElementsAre("Lake", "brook"));
   EXPECT_EQ(-1, Catalog.GetStringKeyAt(places, 2, true));
+
+  const std::int32_t zofie = Catalog.AddString(places, "Žofie");
+  EXPECT_EQ(zofie, Catalog.AddString(places, "žOFIE"));
+  EXPECT_EQ(zofie, Catalog.AddString(places, "z\xcc\x8cofie"));
+  const std::int32_t eger = Catalog.AddString(places, "Éger");
+  Catalog.ListStrings(places, list, true);
+  EXPECT_THAT(list, ElementsAre("brook", "Éger", "Lake", "Žofie"));
+  EXPECT_EQ(eger, Catalog.GetStringKeyAt(places, 1, true));
+  EXPECT_EQ(1, Catalog.GetStringIndex(places, eger, true));
 }
 
 TEST_F(CatalogTest, AHistoryWithALimitOverwritesItsLastEntry) {

@@ -91,6 +91,8 @@ TEST_F(FilterTest, HitsBeginAndEndBetweenCharacters) {
   EXPECT_FALSE(lead.TextHits("\xc3\xbc"));
   EXPECT_TRUE(lead.TextHits("\xc3"));
   EXPECT_TRUE(CTextMatcher("ü").TextHits("\xfc ÜBEL"));
+  EXPECT_TRUE(CTextMatcher("zürich").TextHits("Zu\xcc\x88rich.jpg")) << "as a Mac writes it";
+  EXPECT_TRUE(CTextMatcher("Zu\xcc\x88rich").TextHits("in ZÜRICH"));
   EXPECT_FALSE(
       CTextMatcher("ü").TextHits("b\xfc"
                                  "cher"));

@@ -50,7 +50,7 @@ TEST_F(QuerySetTest, SortsRunUpwardsWithTiesInTheOrderOfImport) {
   // By date, within a moment by rating.
   EXPECT_EQ((Ids{8, 1, 2, 3, 9, 7, 4, 5, 6, 10}), Sorted(SortKind::Month));
   EXPECT_EQ((Ids{10, 8, 9, 1, 2, 3, 7, 4, 5, 6}), Sorted(SortKind::Folder));
-  EXPECT_EQ((Ids{10, 7, 2, 3, 8, 6, 1, 9, 4, 5}), Sorted(SortKind::Title));
+  EXPECT_EQ((Ids{10, 7, 5, 2, 3, 8, 6, 1, 9, 4}), Sorted(SortKind::Title));
   EXPECT_EQ((Ids{1, 2, 3, 4, 5, 6, 8, 7, 9, 10}), Sorted(SortKind::Roll));
   // From four stars down, within a rating from the newest photo back.
   EXPECT_EQ((Ids{4, 5, 3, 7, 1, 9, 6, 10, 2, 8}), Sorted(SortKind::Rating, true));
@@ -77,7 +77,7 @@ TEST_F(QuerySetTest, GroupsAreRunsOfEqualKeys) {
   // The last second of August and the first of September are two groups, so is a month a year later.
   EXPECT_EQ((Ids{8, 1, 2, 4, 10}), startsBy(SortKind::Month, false));
   EXPECT_EQ((Ids{10, 8, 1, 7, 4, 6}), startsBy(SortKind::Folder, false));
-  EXPECT_EQ((Ids{10, 2, 6, 1, 9, 5}), startsBy(SortKind::Title, false));
+  EXPECT_EQ((Ids{10, 5, 2, 6, 1, 9}), startsBy(SortKind::Title, false));
   EXPECT_EQ((Ids{4, 7, 9, 6, 10}), startsBy(SortKind::Rating, true));
   EXPECT_EQ((Ids{1, 4, 8}), startsBy(SortKind::Roll, false));
 
@@ -124,6 +124,19 @@ TEST_F(QuerySetTest, GroupsAreRunsOfEqualKeys) {
   set.SetTextFilter("no such photo");
   set.Rebuild();
   EXPECT_EQ(-1, set.GetNextGroupStart(-1));
+}
+
+TEST_F(QuerySetTest, TitlesAreOrderedAndGroupedByTheSameLetters) {
+  for (const char* name : {"Äpfel", "echo", "Éclair", "A\xCC\x88sop", "äpfel 2"}) {
+    Add("Photos/fr/" + std::string(name) + ".jpg", Day(2004, 1, 1, 0), 0);
+  }
+  const Ids titles{10, 7, 5, 15, 11, 14, 2, 3, 8, 12, 13, 6, 1, 9, 4};
+  EXPECT_EQ(titles, Sorted(SortKind::Title));
+  EXPECT_EQ(Ids(titles.rbegin(), titles.rend()), Sorted(SortKind::Title, true));
+  CQuerySet set(&Catalog, SetKind::Available);
+  set.SetSort(SortKind::Title, false);
+  set.Rebuild();
+  EXPECT_EQ((Ids{10, 5, 2, 12, 13, 6, 1, 9}), StartsOf(set));
 }
 
 TEST_F(QuerySetTest, GroupKeysTellMonthsFoldersAndInitialsApart) {

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "base/Texts.h"
-#include "platform/Unicode.h"
+#include "platform/TextCompare.h"
 #include "ui/back/TokenList.h"
 
 namespace {
@@ -39,10 +39,10 @@ std::vector<FieldChoice> ListChoices(CFieldValue& value, const std::string& text
   if (value.GetKind() == FieldKind::Date) return ListDateKinds(value);
   const CTokenList tokens = TokensOf(value, text);
   std::unordered_set<std::string> present;
-  for (const std::string& token : tokens.GetTokens()) present.insert(platform::ToLower(token));
+  for (const std::string& token : tokens.GetTokens()) present.insert(platform::FoldLetters(token));
   std::vector<FieldChoice> choices;
   for (std::string& choice : value.GetChoices()) {
-    const bool isPresent = present.contains(platform::ToLower(choice));
+    const bool isPresent = present.contains(platform::FoldLetters(choice));
     choices.push_back({std::move(choice), isPresent});
   }
   return choices;

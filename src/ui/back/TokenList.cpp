@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "base/Texts.h"
-#include "platform/Unicode.h"
+#include "platform/TextCompare.h"
 
 namespace {
 
@@ -30,13 +30,13 @@ CTokenList::CTokenList(std::string_view text, std::string separators) : Separato
 
 bool CTokenList::Contains(std::string_view token) const {
   return std::any_of(Tokens.begin(), Tokens.end(),
-                     [&](const std::string& one) { return platform::EqualNoCase(one, token); });
+                     [&](const std::string& one) { return platform::EqualLetters(one, token); });
 }
 
 void CTokenList::Add(std::string token) { Tokens.push_back(std::move(token)); }
 
 void CTokenList::Remove(std::string_view token) {
-  std::erase_if(Tokens, [&](const std::string& one) { return platform::EqualNoCase(one, token); });
+  std::erase_if(Tokens, [&](const std::string& one) { return platform::EqualLetters(one, token); });
 }
 
 std::string CTokenList::GetText() const {

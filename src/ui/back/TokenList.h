@@ -6,7 +6,7 @@
 #include <vector>
 
 /// The text of a field that holds several texts, as a list: "a, b". A token ends at a separator, or at the
-/// end of the text, and has no blanks around it. Tokens are compared without regard to case. Texts are UTF-8.
+/// end of the text, and has no blanks around it. Tokens are compared by their letters. Texts are UTF-8.
 class CTokenList {
  public:
   /// `separators` are ASCII characters, the first of which stands between the tokens of GetText. Empty tokens
