@@ -11,6 +11,7 @@
 
 namespace {
 
+constexpr std::string_view kBlanks = " \t\r\n";
 constexpr std::string_view kForbidden = "\\/:*?\"<>|";
 
 /// Characters that names can't have on other systems are replaced; so is a leading dot, which would hide the
@@ -20,6 +21,11 @@ void ReplaceForbidden(std::string& name) {
     if (kForbidden.find(c) != std::string_view::npos || static_cast<unsigned char>(c) < ' ') c = '_';
   }
   if (name.starts_with('.')) name.front() = '_';
+}
+
+std::string WithoutOuterBlanks(const std::string& text) {
+  const std::string trimmed = text.substr(std::min(text.find_first_not_of(kBlanks), text.size()));
+  return trimmed.substr(0, trimmed.find_last_not_of(kBlanks) + 1);
 }
 
 /// Without the extension, if the text ends with that or another one of photos. Any other dot belongs to the
@@ -38,9 +44,9 @@ CTitleValue::CTitleValue(const CAssetRecord& photo, ChangeNotice onCommitted)
 
 bool CTitleValue::ValidateText(std::string& text) {
   const std::string extension = GetExtension(Photo.GetFilename());
-  std::string title = text;
+  std::string title = WithoutOuterBlanks(text);
   ReplaceForbidden(title);
-  title = WithoutPhotoExtension(title, extension);
+  title = WithoutOuterBlanks(WithoutPhotoExtension(title, extension));
   if (title.empty()) return false;
   text = FindFreeName(Photo, title, extension);
   return true;

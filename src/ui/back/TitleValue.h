@@ -10,8 +10,8 @@ class CTitleValue : public CFieldValue {
  public:
   CTitleValue(const CAssetRecord& photo, ChangeNotice onCommitted);
 
-  /// Makes the text a free name for the photo's file, with its extension, whatever was typed. An empty text
-  /// is refused.
+  /// Makes the text, without blanks at its ends, a free name for the photo's file, with its extension,
+  /// whatever was typed. An empty text is refused.
   bool ValidateText(std::string& text) override;
 
   /// CException with the reason if the file system refuses the name; the old one stays.

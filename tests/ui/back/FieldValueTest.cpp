@@ -191,6 +191,8 @@ TEST_F(FieldValueTest, ATitleBecomesAFreeNameWithThePhotosExtension) {
   EXPECT_EQ(nameFor(".hidden"), "_hidden.JPG");
   EXPECT_EQ(nameFor(".."), "_..JPG");
   EXPECT_EQ(nameFor(""), "refused");
+  EXPECT_EQ(nameFor(" \t "), "refused");
+  EXPECT_EQ(nameFor("  b c .jpg "), "b c.JPG");
   EXPECT_EQ(nameFor("taken"), "taken-3.JPG");
   EXPECT_EQ(nameFor("b.jpg"), "b.JPG");
   EXPECT_EQ(nameFor("b.jpeg"), "b.JPG");
