@@ -4,8 +4,10 @@
 #include "ui/back/FieldChoices.h"
 #include "ui/back/FieldText.h"
 #include "ui/back/PhotoField.h"
+#include "ui/back/TextShortening.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/Job.h"
+#include "ui/kit/OutsideClicks.h"
 #include "ui/kit/PaintedButton.h"
 #include "ui/kit/QtText.h"
 
@@ -13,26 +15,34 @@
 
 namespace {
 
+constexpr FontId kMenuFont = FontId::Label;
+constexpr double kWidestEntry = 300;  // longer texts lose their ends
+constexpr QColor kDisabledInk(113, 117, 125);
+
 /// As an entry shows just these characters.
 QString MakeEntryText(const std::string& text) {
   QString entry = ToQString(text);
   entry.replace(u'\t', u' ').replace(u'\n', u' ');
+  entry = ShortenLine(entry, false, QFontMetricsF(GetFont(kMenuFont)), kWidestEntry);
   return entry.replace(QStringLiteral("&"), QStringLiteral("&&"));
 }
 
 void Dress(QMenu& menu) {
   QPalette palette = menu.palette();
-  for (const auto group : {QPalette::Active, QPalette::Inactive}) {
-    palette.setColor(group, QPalette::Window, Qt::white);
-    palette.setColor(group, QPalette::Base, Qt::white);
-    palette.setColor(group, QPalette::WindowText, colours::kInk);
-    palette.setColor(group, QPalette::Text, colours::kInk);
-    palette.setColor(group, QPalette::ButtonText, colours::kInk);
+  // Of all groups: what stays the desktop's may be dark.
+  for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+    const QColor ink = group == QPalette::Disabled ? kDisabledInk : colours::kInk;
+    for (const auto role : {QPalette::Window, QPalette::Base, QPalette::Button, QPalette::Light}) {
+      palette.setColor(group, role, Qt::white);
+    }
+    for (const auto role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::HighlightedText}) {
+      palette.setColor(group, role, ink);
+    }
     palette.setColor(group, QPalette::Highlight, colours::kSelection);
-    palette.setColor(group, QPalette::HighlightedText, colours::kInk);
   }
   menu.setPalette(palette);
-  menu.setFont(GetFont(FontId::Label));
+  menu.setFont(GetFont(kMenuFont));
   // A long list scrolls rather than fill the screen with columns.
   menu.setStyleSheet(QStringLiteral("QMenu { menu-scrollable: 1; }"));
 }
@@ -50,6 +60,7 @@ void CPhotoField::OpenMenu() {
   if (Value == nullptr || IsJobRunning()) return;
   Menu = std::make_unique<QMenu>(this);
   Dress(*Menu);
+  PassOnOutsideClicks(*Menu, *Button);
   for (const FieldChoice& choice : ListChoices(*Value, GetTextNow())) {
     QAction* entry = Menu->addAction(MakeEntryText(choice.Text));
     entry->setCheckable(true);

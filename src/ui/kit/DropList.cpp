@@ -8,6 +8,7 @@
 
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
+#include "ui/kit/OutsideClicks.h"
 #include "ui/kit/PopupShadow.h"
 
 namespace {
@@ -36,6 +37,7 @@ CDropList::CDropList(QWidget& control, const DropImages& images, bool shortensPa
   setAttribute(Qt::WA_X11NetWmWindowTypeDropDownMenu);
   setAttribute(Qt::WA_OpaquePaintEvent);
   setMouseTracking(true);
+  PassOnOutsideClicks(*this, control);
 }
 
 void CDropList::Open(std::vector<Row> rows, int current, int rowHeight) {
@@ -45,7 +47,6 @@ void CDropList::Open(std::vector<Row> rows, int current, int rowHeight) {
   Opened = true;
   Layout = {static_cast<int>(Rows.size()), rowHeight, GetDropListWidth(MeasureWidest(), Control.width())};
   Place();
-  setAttribute(Qt::WA_NoMouseReplay, false);
   setAccessibleName(Control.accessibleName());
   show();
 }
@@ -100,9 +101,6 @@ bool CDropList::event(QEvent* event) {
 void CDropList::mousePressEvent(QMouseEvent* event) {
   const QPoint point = event->position().toPoint();
   if (QRect(QPoint(), Layout.GetSize()).contains(point)) return SetHotRow(Layout.FindRow(point));
-  // The control would open the list again.
-  const QPoint onControl = Control.mapFromGlobal(event->globalPosition().toPoint());
-  setAttribute(Qt::WA_NoMouseReplay, Control.rect().contains(onControl));
   Pick(-1);
 }
 

@@ -13,8 +13,8 @@ class CDevicePainter;
 
 /// The list that a drop control opens: rows of text, yellow under the pointer. It takes the mouse and the
 /// keyboard while it shows, without taking the focus from the field that has it: a click on a row or Enter
-/// picks, the arrow keys move, Esc and a click elsewhere close it. Whether that click also does what it does
-/// there is the desktop's habit; on the control it never opens the list again.
+/// picks, the arrow keys move, Esc and a click elsewhere close it. That click also does what it does there;
+/// on the control it doesn't open the list again.
 class CDropList : public QWidget {
  public:
   struct Row {
