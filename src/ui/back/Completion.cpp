@@ -4,24 +4,37 @@
 #include <iterator>
 #include <utility>
 
+#include "platform/TextCompare.h"
 #include "platform/Unicode.h"
 
 namespace {
 
-/// The offset behind so many characters.
-std::size_t SkipCharacters(std::string_view text, std::size_t count) {
-  std::size_t offset = 0;
-  while (count-- > 0 && offset < text.size()) offset += platform::CharacterLength(text, offset);
-  return offset;
+std::string_view WithoutBlanks(std::string_view text) {
+  const std::size_t first = std::min(text.find_first_not_of(' '), text.size());
+  return text.substr(first, text.find_last_not_of(' ') + 1 - first);
+}
+
+/// What follows in `text` behind a beginning of those letters, which both cases of a letter, or a letter and
+/// its accent, may have in other bytes.
+std::string_view FindBehind(std::string_view text, const std::string& foldedBeginning) {
+  constexpr std::size_t kLongestCharacter = 4;
+  std::string folded;
+  for (std::size_t end = 0; end < text.size();) {
+    end += platform::CharacterLength(text, end);
+    platform::FoldLetters(text.substr(0, end), folded);
+    if (folded == foldedBeginning) return text.substr(end);
+    if (folded.size() > foldedBeginning.size() + kLongestCharacter) break;
+  }
+  return {};
 }
 
 }  // namespace
 
 CCompletion::CCompletion(std::vector<std::string> choices, std::string separators)
     : Choices(std::move(choices)), Separators(std::move(separators)) {
-  Lowered.reserve(Choices.size());
-  std::transform(Choices.begin(), Choices.end(), std::back_inserter(Lowered),
-                 [](const std::string& choice) { return platform::ToLower(choice); });
+  Folded.reserve(Choices.size());
+  std::transform(Choices.begin(), Choices.end(), std::back_inserter(Folded),
+                 [](const std::string& choice) { return platform::FoldLetters(choice); });
 }
 
 std::string_view CCompletion::FindToken(std::string_view text, std::size_t caret) const {
@@ -36,14 +49,43 @@ std::string_view CCompletion::FindToken(std::string_view text, std::size_t caret
   return token.substr(std::min(token.find_first_not_of(' '), token.size()));
 }
 
-std::string CCompletion::GetRemainder(std::string_view text, std::size_t caret) const {
+std::string CCompletion::Complete(std::string_view text, std::size_t caret) {
   const std::string_view token = FindToken(text, caret);
   if (token.empty()) return {};
-  const std::string lowered = platform::ToLower(token);
-  const auto found = std::find_if(Lowered.begin(), Lowered.end(),
-                                  [&](const std::string& choice) { return choice.starts_with(lowered); });
-  if (found == Lowered.end()) return {};
-  // The two cases of a letter may take different numbers of bytes.
-  const std::string& choice = Choices[static_cast<std::size_t>(found - Lowered.begin())];
-  return choice.substr(SkipCharacters(choice, platform::CountCharacters(token)));
+  const std::string folded = platform::FoldLetters(token);
+  const auto found = std::find_if(Folded.begin(), Folded.end(),
+                                  [&](const std::string& choice) { return choice.starts_with(folded); });
+  if (found == Folded.end()) return {};
+  const auto choice = static_cast<std::size_t>(found - Folded.begin());
+  const std::string_view remainder = FindBehind(Choices[choice], folded);
+  if (remainder.empty()) {
+    Completed.erase(choice);
+  } else {
+    Completed.insert(choice);
+  }
+  return std::string(remainder);
+}
+
+std::string_view CCompletion::GetSpelling(std::string_view token) const {
+  const std::string folded = platform::FoldLetters(token);
+  const auto found = std::find_if(Completed.begin(), Completed.end(),
+                                  [&](std::size_t choice) { return Folded[choice] == folded; });
+  return found == Completed.end() ? token : Choices[*found];
+}
+
+std::string CCompletion::TakeOverSpelling(std::string_view text) const {
+  std::string result;
+  for (std::size_t begin = 0; begin < text.size();) {
+    const std::size_t end =
+        Separators.empty() ? text.size() : std::min(text.find_first_of(Separators, begin), text.size());
+    const std::string_view piece = text.substr(begin, end - begin);
+    const std::string_view token = Separators.empty() ? piece : WithoutBlanks(piece);
+    const std::size_t blanks = static_cast<std::size_t>(token.data() - piece.data());
+    result += piece.substr(0, blanks);
+    result += GetSpelling(token);
+    result += piece.substr(blanks + token.size());
+    if (end < text.size()) result += text[end];
+    begin = end + 1;
+  }
+  return result;
 }

@@ -7,13 +7,13 @@
 #include <QMimeData>
 #include <QPalette>
 #include <QPlainTextEdit>
+#include <QScopedValueRollback>
 #include <QTextDocument>
 
 #include "ui/kit/Colours.h"
 
 namespace {
 
-bool IsDeletion(int key) { return key == Qt::Key_Delete || key == Qt::Key_Backspace; }
 bool IsEnter(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter; }
 
 QString WithoutLineFeeds(QString text) {
@@ -52,11 +52,7 @@ class CWatchedEditor : public Editor, public CFieldBox {
     if (IsEnter(event->key())) return event->ignore();
     const QString typed = event->text();
     if (typed.size() == 1 && HasSelection() && Owner.OnReplacing(typed)) return;
-    const QString before = GetText();
     Editor::keyPressEvent(event);
-    if (!IsDeletion(event->key()) && !typed.isEmpty() && typed.front().isPrint() && GetText() != before) {
-      Owner.OnTyped();
-    }
   }
 
   void inputMethodEvent(QInputMethodEvent* event) override {
@@ -67,7 +63,6 @@ class CWatchedEditor : public Editor, public CFieldBox {
       return event->accept();
     }
     Editor::inputMethodEvent(event);
-    if (!event->commitString().isEmpty() && event->preeditString().isEmpty()) Owner.OnTyped();
   }
 
   void focusOutEvent(QFocusEvent* event) override {
@@ -75,6 +70,8 @@ class CWatchedEditor : public Editor, public CFieldBox {
     if (event->reason() == Qt::PopupFocusReason) return;
     Owner.OnBoxLeft(event->reason() == Qt::ActiveWindowFocusReason);
   }
+
+  CFieldBoxOwner& GetOwner() const { return Owner; }
 
  private:
   CFieldBoxOwner& Owner;
@@ -85,6 +82,10 @@ class CLineBox final : public CWatchedEditor<QLineEdit> {
   CLineBox(CFieldBoxOwner& owner, const QFont& font, QWidget* parent) : CWatchedEditor(owner, font, parent) {
     setFrame(false);
     setTextMargins(-kInnerMargin, 0, -kInnerMargin, 0);
+    connect(this, &QLineEdit::textEdited, this, &CLineBox::NoteEdit);
+    const auto noteStart = [this] { EditStart = hasSelectedText() ? selectionStart() : cursorPosition(); };
+    connect(this, &QLineEdit::cursorPositionChanged, this, noteStart);
+    connect(this, &QLineEdit::selectionChanged, this, noteStart);
   }
 
   QString GetText() const override {
@@ -96,13 +97,32 @@ class CLineBox final : public CWatchedEditor<QLineEdit> {
   bool HasSelection() const override { return hasSelectedText(); }
   void SelectAll() override { selectAll(); }
   void AddSelected(const QString& text) override {
+    const QScopedValueRollback silent(Silent, true);
     const int caret = cursorPosition();
     insert(text);
     setSelection(caret + static_cast<int>(text.size()), -static_cast<int>(text.size()));
   }
 
+ protected:
+  void inputMethodEvent(QInputMethodEvent* event) override {
+    {
+      // It moves the caret before it tells of the edit.
+      const QScopedValueRollback silent(Silent, true);
+      CWatchedEditor::inputMethodEvent(event);
+    }
+    if (!event->commitString().isEmpty() && event->preeditString().isEmpty()) GetOwner().OnPutIn();
+  }
+
  private:
+  /// Whatever deletes leaves the caret where the change began, or before.
+  void NoteEdit() {
+    if (!Silent && cursorPosition() > EditStart) GetOwner().OnPutIn();
+  }
+
   static constexpr int kInnerMargin = 2;  // that the toolkit leaves at each side
+
+  int EditStart = 0;  // where the next change begins
+  bool Silent = false;
 };
 
 class CWrappedBox final : public CWatchedEditor<QPlainTextEdit> {

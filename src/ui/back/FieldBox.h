@@ -11,8 +11,9 @@ class CFieldBoxOwner {
  public:
   virtual ~CFieldBoxOwner() = default;
 
-  /// A key or an input method has put something in; not for what was deleted, pasted or set.
-  virtual void OnTyped() = 0;
+  /// Something was put in before the caret, by a key, an input method or the clipboard; not for what was
+  /// deleted or set. Told by boxes of one line.
+  virtual void OnPutIn() = 0;
   /// A character is about to replace the selection. True if the owner has dealt with it.
   virtual bool OnReplacing(const QString& character) = 0;
   /// The box has lost the focus, other than to a menu of its own; `windowLeft` if the whole window has.

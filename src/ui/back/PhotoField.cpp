@@ -101,7 +101,9 @@ void CPhotoField::SetShownText(const QString& text) { Text->SetText(text); }
 QString CPhotoField::GetShownText() const { return Text->GetText(); }
 
 std::string CPhotoField::GetTextNow() const {
-  return IsEditing() ? Text->GetBox()->GetText().toStdString() : Value->GetText();
+  if (!IsEditing()) return Value->GetText();
+  const std::string typed = Text->GetBox()->GetText().toStdString();
+  return Completion ? Completion->TakeOverSpelling(typed) : typed;
 }
 
 void CPhotoField::SetBoxText(const std::string& text) { Text->GetBox()->SetText(ToQString(text)); }
@@ -158,20 +160,20 @@ void CPhotoField::EndEdit() {
 
 void CPhotoField::CommitEdit() {
   if (!IsEditing() || Value == nullptr) return;
-  const QString typed = Text->GetBox()->GetText();
-  if (typed != Text->GetFirstText()) {
+  if (Text->GetBox()->GetText() != Text->GetFirstText()) {
+    const std::string typed = GetTextNow();
     // Who is told of the change may ask for a commit in turn, which has nothing to do then.
     Text->TakeOverText();
     const QScopedValueRollback updating(Updating, true);
     switch (Value->GetKind()) {
       case FieldKind::Text:
-        TakeText(typed.toStdString());
+        TakeText(typed);
         break;
       case FieldKind::Number:
-        TakeNumber(typed.toStdString());
+        TakeNumber(typed);
         break;
       case FieldKind::Date:
-        TakeDate(typed.toStdString());
+        TakeDate(typed);
         break;
     }
   }
@@ -206,7 +208,7 @@ void CPhotoField::Store() {
   RefreshButton();
 }
 
-void CPhotoField::OnTyped() {
+void CPhotoField::OnPutIn() {
   if (Updating || Value == nullptr || !Value->HasChoices()) return;
   if (!Completion) {
     Completion.emplace(Value->GetChoices(), Value->IsMultiple() ? GetListSeparators() : std::string());
@@ -214,7 +216,7 @@ void CPhotoField::OnTyped() {
   CFieldBox& box = *Text->GetBox();
   const QString text = box.GetText();
   const auto caret = static_cast<std::size_t>(text.left(box.GetCaret()).toUtf8().size());
-  const std::string remainder = Completion->GetRemainder(text.toStdString(), caret);
+  const std::string remainder = Completion->Complete(text.toStdString(), caret);
   if (!remainder.empty()) box.AddSelected(ToQString(remainder));
 }
 

@@ -73,7 +73,7 @@ class CPhotoField : public QWidget, private CFieldListener, private CFieldBoxOwn
 
  private:
   void OnValueChanged() override;
-  void OnTyped() override;
+  void OnPutIn() override;
   bool OnReplacing(const QString& character) override;
   void OnBoxLeft(bool windowLeft) override;
   void OnCommand(CommandId id) override;

@@ -12,12 +12,12 @@ namespace {
 const std::vector<std::string> kChoices = {"Émile", "lake", "Lakeside", "Łódź", "New York", "Straße"};
 
 std::string CompleteList(const std::string& text, std::size_t caret) {
-  return CCompletion(kChoices, ",;").GetRemainder(text, caret);
+  return CCompletion(kChoices, ",;").Complete(text, caret);
 }
 std::string CompleteList(const std::string& text) { return CompleteList(text, text.size()); }
 
 std::string CompleteWhole(const std::string& text) {
-  return CCompletion(kChoices).GetRemainder(text, text.size());
+  return CCompletion(kChoices).Complete(text, text.size());
 }
 
 }  // namespace
@@ -55,8 +55,20 @@ TEST(CompletionTest, LettersOfEveryLanguageAreComparedWithoutCase) {
   EXPECT_EQ(CompleteWhole("łó"), "dź");
   EXPECT_EQ(CompleteWhole("STRA"), "ße");
   // The sign of Kelvin takes three bytes, the small letter one.
-  EXPECT_EQ(CCompletion({"\xE2\x84\xAAnut"}).GetRemainder("kn", 2), "ut");
-  EXPECT_EQ(CCompletion({"knut"}).GetRemainder("\xE2\x84\xAAn", 4), "ut");
+  EXPECT_EQ(CCompletion({"\xE2\x84\xAAnut"}).Complete("kn", 2), "ut");
+  EXPECT_EQ(CCompletion({"knut"}).Complete("\xE2\x84\xAAn", 4), "ut");
+  EXPECT_EQ(CCompletion({"Zu\xCC\x88rich"}).Complete("zü", 3), "rich");
+  EXPECT_EQ(CompleteWhole("e\xCC\x81m"), "ile");
+}
+
+TEST(CompletionTest, ACompletedTokenTakesOverTheSpellingOfItsChoice) {
+  CCompletion completion(kChoices, ",;");
+  EXPECT_EQ(completion.TakeOverSpelling(" LAKE ;new york"), " LAKE ;new york") << "nothing was completed";
+  completion.Complete("la", 2);
+  completion.Complete("la, new", 7);
+  EXPECT_EQ(completion.TakeOverSpelling(" LAKE ;new york,, Newt"), " lake ;New York,, Newt");
+  completion.Complete("LAKE", 4);
+  EXPECT_EQ(completion.TakeOverSpelling("LAKE, new york"), "LAKE, New York") << "typed to its end";
 }
 
 TEST(CompletionTest, InAListTheTokenBeforeTheCaretIsCompleted) {
@@ -73,11 +85,11 @@ TEST(CompletionTest, InAListTheTokenBeforeTheCaretIsCompleted) {
 TEST(CompletionTest, TenThousandChoicesKeepUpWithTyping) {
   std::vector<std::string> choices;
   for (int i = 0; i < 10000; ++i) choices.push_back("Ünterwegs " + std::to_string(i));
-  const CCompletion completion(choices, ",;");
+  CCompletion completion(choices, ",;");
   const auto start = std::chrono::steady_clock::now();
   constexpr int kKeys = 100;
-  for (int i = 0; i < kKeys; ++i) EXPECT_EQ(completion.GetRemainder("a, ünterwegs 999", 17), "");
-  for (int i = 0; i < kKeys; ++i) EXPECT_EQ(completion.GetRemainder("a, ünterwegs 9998", 18), "");
+  for (int i = 0; i < kKeys; ++i) EXPECT_EQ(completion.Complete("a, ünterwegs 999", 17), "");
+  for (int i = 0; i < kKeys; ++i) EXPECT_EQ(completion.Complete("a, ünterwegs 9998", 18), "");
   const std::chrono::duration<double, std::milli> spent = std::chrono::steady_clock::now() - start;
   RecordProperty("MicrosecondsPerKey", static_cast<int>(spent.count() * 1000 / (2 * kKeys)));
 }
