@@ -5,10 +5,13 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QPaintEvent>
 #include <QPalette>
 #include <QPlainTextEdit>
 #include <QScopedValueRollback>
+#include <QTextBlock>
 #include <QTextDocument>
+#include <QTextLayout>
 
 #include "ui/kit/Colours.h"
 
@@ -157,9 +160,28 @@ class CWrappedBox final : public CWatchedEditor<QPlainTextEdit> {
   }
 
  protected:
+  void paintEvent(QPaintEvent* event) override {
+    // Letters of the line above can reach over its lower edge.
+    const QRect lines = viewport()->rect().adjusted(0, FindFirstLine(), 0, 0);
+    QPaintEvent whole(event->rect() & lines);
+    QPlainTextEdit::paintEvent(&whole);
+  }
+
   void insertFromMimeData(const QMimeData* source) override {
     textCursor().insertText(WithoutLineFeeds(source->text()));
     ensureCursorVisible();
+  }
+
+ private:
+  /// Where the first line begins that shows from its top on.
+  int FindFirstLine() const {
+    const QTextBlock block = firstVisibleBlock();
+    const double top = blockBoundingGeometry(block).translated(contentOffset()).top();
+    for (int i = 0; i < block.layout()->lineCount(); ++i) {
+      const double line = top + block.layout()->lineAt(i).y();
+      if (line >= 0) return static_cast<int>(line);
+    }
+    return 0;
   }
 };
 
