@@ -86,14 +86,13 @@ bool ClaimInstance(CSingleInstance& instance) {
   return claimed == CSingleInstance::Claimed::ByThis;
 }
 
-/// The window that stands in front: a message, else the main window, else that of the search.
+/// The window that stands in front: a message, else that of a search, else the main window.
 QWidget* FindFrontWindow(CMainFrame& frame) {
   if (QWidget* box = QApplication::activeModalWidget()) return box;
-  if (frame.isVisible()) return &frame;
   for (QWidget* window : QApplication::topLevelWidgets()) {
-    if (window->isVisible()) return window;
+    if (window->isVisible() && window->windowType() == Qt::Dialog) return window;
   }
-  return nullptr;
+  return frame.isVisible() ? &frame : nullptr;
 }
 
 void BringToFront(CMainFrame& frame, const QByteArray& activationToken) {

@@ -1,11 +1,15 @@
 #include <csignal>
+#include <thread>
 
 #include "app/Main.h"
 #include "app/SessionFixture.h"
+#include "app/SingleInstance.h"
 #include "base/Exceptions.h"
 #include "catalog/Catalog.h"
+#include "platform/SpecialFolders.h"
 #include "support/FileSizeLimit.h"
 #include "ui/frame/MainFrame.h"
+#include "ui/search/WindowedSearchProgress.h"
 
 namespace {
 
@@ -121,6 +125,23 @@ TEST_F(Program, StopSignalDuringTheStartEndsItWithoutAWindow) {
   QTimer::singleShot(0, [] { ::raise(SIGTERM); });
   EXPECT_EQ(Main(""), 1);
   EXPECT_EQ(ReadNumber(CatalogPath(), "select DBVersion from Singletons"), 10);
+}
+
+TEST_F(Program, AnotherStartBringsTheWindowOfASearchToTheFront) {
+  EXPECT_EQ(RunUntilShown([](CMainFrame& frame) {
+              CWindowedSearchProgress progress(false, true, &frame);
+              frame.activateWindow();
+              EXPECT_TRUE(QTest::qWaitForWindowActive(&frame));
+              std::thread second([] {
+                CSingleInstance instance(platform::RuntimeFolder(), "");
+                EXPECT_EQ(instance.Claim(), CSingleInstance::Claimed::ByOneInFront);
+              });
+              EXPECT_TRUE(QTest::qWaitFor([&] { return progress.GetWindow().isActiveWindow(); }, 3000))
+                  << "where Esc stops it";
+              second.join();
+              frame.close();
+            }),
+            1);
 }
 
 TEST_F(Program, MissingPicturesFolderIsMadeAndToldOnce) {

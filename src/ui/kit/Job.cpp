@@ -53,7 +53,11 @@ class CInputBlock : public QObject {
   bool eventFilter(QObject* receiver, QEvent* event) override {
     if (!receiver->isWidgetType()) return false;
     const QWidget* widget = static_cast<const QWidget*>(receiver);
-    if (!IsOpen(widget->window())) return IsInput(event->type());
+    if (!IsOpen(widget->window())) {
+      // After a click into it the keys go on to the window that takes them.
+      if (widget->isWindow() && event->type() == QEvent::WindowActivate) ActivateOpenWindow();
+      return IsInput(event->type());
+    }
     if (widget->isWindow() && event->type() == QEvent::Enter) {
       QApplication::changeOverrideCursor(Qt::ArrowCursor);
     } else if (widget->isWindow() && event->type() == QEvent::Leave) {
@@ -66,6 +70,14 @@ class CInputBlock : public QObject {
   static bool IsOpen(const QWidget* window) {
     return window->objectName() == window_names::kSearchProgress ||
            qobject_cast<const QMessageBox*>(window) != nullptr;
+  }
+
+  static void ActivateOpenWindow() {
+    QWidget* open = QApplication::activeModalWidget();
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+      if (open == nullptr && window->isVisible() && IsOpen(window)) open = window;
+    }
+    if (open != nullptr) open->activateWindow();
   }
 };
 

@@ -49,6 +49,19 @@ TEST(Job, RaisesTheExceptionOfItsWorkInTheCaller) {
   AssertDataThread();
 }
 
+TEST(Job, KeysGoToTheWindowThatTakesThemAfterAClickIntoAnother) {
+  const CFontTable fonts{false};
+  QWidget main;
+  main.show();
+  CSearchProgressWindow progress(false, &main);
+  progress.ShowCentered();
+  std::atomic<bool> done = false;
+  main.activateWindow();
+  QTimer::singleShot(200, [&] { done = true; });
+  RunJob(Until(done));
+  EXPECT_TRUE(progress.isActiveWindow());
+}
+
 TEST(Job, ManyShortOnesEndAsSoonAsTheyAreDone) {
   QElapsedTimer timer;
   timer.start();
