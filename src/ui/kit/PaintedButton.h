@@ -50,6 +50,8 @@ class CPaintedButton : public QAbstractButton {
   /// The caption of a picture button, the text of a text button.
   QString GetText() const { return text(); }
   ButtonState GetState() const { return Press.GetState(); }
+  /// While a command is sent: whether it comes of the button being held, not of a click.
+  bool IsRepeating() const { return Press.IsRepeatRunning(); }
   CommandId GetCommand() const { return Command; }
   /// The size of one image, in pixels of the layout.
   const QSize& GetImageSize() const { return ImageSize; }

@@ -51,7 +51,10 @@ CFilmstrip::CFilmstrip(CFilmstripHost& host, QWidget& parent)
             MoveTo(index);
           },
           [this](int index) { return IsJobRunning() ? QString() : ToQString(Cells.GetLabel(index)); }),
-      Lens(host, *this) {
+      Lens(*this, [this](CommandId id, bool isRepeat) {
+        if (!isRepeat) FinishMove();  // every click counts
+        Host.OnCommand(id);
+      }) {
   setObjectName(QStringLiteral("Strip"));
   setAccessibleName(QStringLiteral("Filmstrip"));
   setAttribute(Qt::WA_OpaquePaintEvent);
@@ -63,12 +66,17 @@ CFilmstrip::CFilmstrip(CFilmstripHost& host, QWidget& parent)
 
 void CFilmstrip::ConnectTimers() {
   SlideTimer.setTimerType(Qt::PreciseTimer);
+  PaceTimer.setTimerType(Qt::PreciseTimer);
+  PaceTimer.setSingleShot(true);
   RestTimer.setTimerType(Qt::PreciseTimer);
   RestTimer.setSingleShot(true);
   RestTimer.setInterval(kRestDelay);
   ShowTimer.setInterval(kShowInterval);
   IdleTimer.setInterval(0);
   connect(&SlideTimer, &QTimer::timeout, this, [this] { StepSlide(); });
+  connect(&PaceTimer, &QTimer::timeout, this, [this] {
+    if (!WaitsForJob()) MoveBy(std::exchange(PendingDelta, 0));
+  });
   connect(&RestTimer, &QTimer::timeout, this, [this] { Announce(); });
   connect(&ShowTimer, &QTimer::timeout, this, [this] { StepSlideShow(); });
   connect(&IdleTimer, &QTimer::timeout, this, [this] { FillOneCell(); });

@@ -42,7 +42,8 @@ class CFilmstrip : public QWidget {
   void Refresh(int position);
 
   /// Slides by so many photos; nothing if that leads out of the set. During a slide it is put off to its
-  /// end, and only the last direction and the longest way in it count: so a held key can't run ahead.
+  /// end, and only the last direction and the longest way in it count: so a held key can't run ahead. A
+  /// hidden strip goes there at once, and puts off what comes in the time of a slide.
   void MoveBy(int delta);
   /// Goes there without a slide and tells the host at once.
   void MoveTo(int index);
@@ -109,6 +110,7 @@ class CFilmstrip : public QWidget {
   /// `begin` is that of a slide that follows another without a rest; else it begins when the cells are there.
   void StartSlide(int delta, std::optional<Clock::time_point> begin);
   void StepSlide();
+  void MoveUnseen(int delta);
   void ArriveAtTarget();
   void DropSlide();
   void TakeRest();
@@ -152,6 +154,7 @@ class CFilmstrip : public QWidget {
   bool Waiting = false;     // for the end of a job
 
   QTimer SlideTimer;
+  QTimer PaceTimer;  // runs for the time that a slide would take if the strip could be seen
   QTimer RestTimer;
   QTimer ShowTimer;
   QTimer IdleTimer;

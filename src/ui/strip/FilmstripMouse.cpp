@@ -37,8 +37,9 @@ void CFilmstrip::mouseDoubleClickEvent(QMouseEvent* event) {
   event->ignore();
   if (event->button() != Qt::LeftButton) return;
   const StripHit hit = HitTestAt(event->position());
-  // Elsewhere two quick clicks are two clicks.
-  if (hit.Cell != Layout.GetLensCell() || hit.InBand) return mousePressEvent(event);
+  // On a mark two quick clicks are two clicks. Another cell slides away under them, so there they are one.
+  if (hit.Mark >= 0) return mousePressEvent(event);
+  if (hit.Cell != Layout.GetLensCell() || hit.InBand) return;
   FinishMove();
   Host.SelectTab(ViewTabId::CurrentPhoto);
 }

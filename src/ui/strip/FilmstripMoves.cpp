@@ -1,6 +1,7 @@
 #include <QApplication>
 #include <QScreen>
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <utility>
 
@@ -24,14 +25,21 @@ constexpr milliseconds kLongestCatchUp{50};  // of a slide that follows another 
 void CFilmstrip::MoveBy(int delta) {
   ClearHighlight();
   if (delta == 0) return;
-  if (Slide) {
+  if (Slide || PaceTimer.isActive()) {
     const bool sameWay = (delta < 0) == (PendingDelta < 0);
     if (!sameWay || std::abs(delta) > std::abs(PendingDelta)) PendingDelta = delta;
     return;
   }
   if (!IsIndex(Current + delta)) return;
+  if (!isVisible()) return MoveUnseen(delta);
   if (!Cache.GetRun().CanShowMove(delta)) return MoveTo(Current + delta);
   StartSlide(delta, std::nullopt);
+}
+
+void CFilmstrip::MoveUnseen(int delta) {
+  MoveTo(Current + delta);  // every photo is told of, for nothing else shows where a held key has come to
+  PaceTimer.start(milliseconds(std::lround(1000 * std::abs(delta) * Layout.GetMetrics().Pitch /
+                                           (kSlideSpeed * Layout.GetMetrics().PixelRatio))));
 }
 
 void CFilmstrip::MovePage(bool backward) {
@@ -78,8 +86,7 @@ void CFilmstrip::StepSlide() {
   if (const Clock::time_point end = Slide->GetEnd(); now >= end) {
     const int next = std::exchange(PendingDelta, 0);
     ArriveAtTarget();
-    // In a hidden strip every photo is told of, for nothing else shows where a held key has come to.
-    if (next == 0 || !isVisible() || !IsIndex(Current + next) || !Cache.GetRun().CanShowMove(next)) {
+    if (next == 0 || !IsIndex(Current + next) || !Cache.GetRun().CanShowMove(next)) {
       TakeRest();
       return MoveBy(next);
     }
@@ -100,6 +107,7 @@ void CFilmstrip::ArriveAtTarget() {
 }
 
 void CFilmstrip::DropSlide() {
+  PaceTimer.stop();
   PendingDelta = 0;
   if (!Slide) return;
   SlideTimer.stop();
@@ -107,16 +115,16 @@ void CFilmstrip::DropSlide() {
 }
 
 void CFilmstrip::FinishMove() {
-  if (!Slide) return;
+  const bool wasSliding = Slide.has_value();
   DropSlide();
-  TakeRest();
+  if (wasSliding) TakeRest();
 }
 
 void CFilmstrip::TakeRest() {
   SlideTimer.stop();
   ShowPosition(GetRestPercent(Current, Set->GetCount()));
   PrepareCells();
-  if (!SlideShowRuns && isVisible()) {
+  if (!SlideShowRuns) {
     PhotoIsDue = true;
     return RestTimer.start();
   }

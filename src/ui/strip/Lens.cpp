@@ -1,6 +1,8 @@
 #include "ui/strip/Lens.h"
 
+#include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "ui/kit/Pictures.h"
 #include "ui/strip/SiblingPainter.h"
@@ -59,16 +61,22 @@ void CLensPiece::paintEvent(QPaintEvent*) {
   painter.DrawPart(picture, {QPoint(), GetPictureSize(picture)}, Area);
 }
 
-CLens::CLens(CCommandTarget& target, QWidget& strip)
+CLens::CLens(QWidget& strip, Press onPress)
     : Strip(strip),
+      OnPress(std::move(onPress)),
       Pieces{CLensPiece(LensPart::Top, strip), CLensPiece(LensPart::Left, strip),
              CLensPiece(LensPart::Right, strip), CLensPiece(LensPart::Bottom, strip)},
-      Buttons{CPaintedButton(target, &Pieces[3]), CPaintedButton(target, &Pieces[3]),
-              CPaintedButton(target, &Pieces[3]), CPaintedButton(target, &Pieces[3])} {
+      Buttons{CPaintedButton(*this, &Pieces[3]), CPaintedButton(*this, &Pieces[3]),
+              CPaintedButton(*this, &Pieces[3]), CPaintedButton(*this, &Pieces[3])} {
   for (std::size_t i = 0; i < kButtons; ++i) {
     Buttons[i].Create({}, kButtonForms[i].Command, ButtonFlags::RepeatWhileHeld, kButtonForms[i].Picture,
                       kButtonImages);
   }
+}
+
+void CLens::OnCommand(CommandId id) {
+  OnPress(id, std::any_of(Buttons.begin(), Buttons.end(),
+                          [](const auto& button) { return button.IsRepeating(); }));
 }
 
 void CLens::Place(const StripLayout& layout) {

@@ -2,6 +2,7 @@
 
 #include <QWidget>
 #include <array>
+#include <functional>
 
 #include "ui/kit/Commands.h"
 #include "ui/kit/PaintedButton.h"
@@ -25,20 +26,25 @@ class CLensPiece : public QWidget {
 
 /// The square frame around the strip's middle cell, with the four buttons in its foot. The pieces are
 /// siblings of the strip and stand above it.
-class CLens {
+class CLens : private CCommandTarget {
  public:
-  /// The commands of the buttons go to `target`, which outlives the lens.
-  CLens(CCommandTarget& target, QWidget& strip);
+  /// A button was clicked or, with `isRepeat`, is being held.
+  using Press = std::function<void(CommandId id, bool isRepeat)>;
+
+  CLens(QWidget& strip, Press onPress);
 
   /// To be called when the strip has moved or has another width.
   void Place(const StripLayout& layout);
   void SetVisible(bool on);
 
  private:
+  void OnCommand(CommandId id) override;
+
   static constexpr int kPieces = 4;
   static constexpr int kButtons = 4;
 
   QWidget& Strip;
+  const Press OnPress;
   std::array<CLensPiece, kPieces> Pieces;
   std::array<CPaintedButton, kButtons> Buttons;
 };

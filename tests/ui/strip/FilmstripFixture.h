@@ -17,7 +17,10 @@
 /// Notes what the strip says.
 class CNotingHost : public CFilmstripHost {
  public:
-  void OnCommand(CommandId id) override { Commands.push_back(id); }
+  void OnCommand(CommandId id) override {
+    Commands.push_back(id);
+    if (OnMove) OnMove();
+  }
   void OnCurrentPhotoChanged(const CAssetRecord* record) override {
     Shown.push_back(record != nullptr ? record->GetAssetID() : -1);
   }
@@ -36,6 +39,7 @@ class CNotingHost : public CFilmstripHost {
     bool ExtendRange;
     friend bool operator==(const Toggle&, const Toggle&) = default;
   };
+  std::function<void()> OnMove;  // what a command does
   std::vector<CommandId> Commands;
   std::vector<std::int32_t> Shown;
   std::vector<Toggle> Toggled;

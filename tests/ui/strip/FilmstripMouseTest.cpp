@@ -97,10 +97,18 @@ TEST_F(CFilmstripMouse, DoubleClickUnderTheLensOpensThePhoto) {
   EXPECT_TRUE(Host.Selected.empty());
   QTest::mouseDClick(&Strip, Qt::LeftButton, Qt::NoModifier, CellPoint(0));
   EXPECT_EQ(Host.Selected, std::vector{ViewTabId::CurrentPhoto});
+  Click(CellPoint(1));
+  QTest::mouseDClick(&Strip, Qt::LeftButton, Qt::NoModifier, CellPoint(1));
+  ASSERT_TRUE(WaitForPhoto());
+  QTest::qWait(2 * kSlideTime);
+  EXPECT_EQ(Strip.GetCurrentIndex(), 11) << "one move";
+  Click(MarkPoint(0, 0));
+  QTest::mouseDClick(&Strip, Qt::LeftButton, Qt::NoModifier, MarkPoint(0, 0));
+  EXPECT_EQ(Host.Toggled.size(), 2U);
 }
 
 TEST_F(CFilmstripMouse, LensStandsAroundTheMiddleCellAndItsButtonsCommand) {
-  Begin(3, 1);
+  Begin(30, 1);
   const QPoint corner = Strip.GetLayout().GetCellFrame(3).topLeft() + Strip.pos();
   EXPECT_EQ(Strip.geometry(), QRect(0, 1, 1000, 128));
   EXPECT_EQ(Find("LensTop").geometry(), QRect(corner - QPoint(4, 4), QSize(153, 4)));
@@ -118,6 +126,17 @@ TEST_F(CFilmstripMouse, LensStandsAroundTheMiddleCellAndItsButtonsCommand) {
   }
   EXPECT_EQ(Host.Commands, (std::vector{CommandId::PreviousGroup, CommandId::PreviousPhoto,
                                         CommandId::NextPhoto, CommandId::NextGroup}));
+
+  Host.OnMove = [this] { Strip.MoveBy(1); };
+  Strip.MoveTo(10);
+  for (int click = 0; click < 8; ++click) QTest::mouseClick(buttons[2], Qt::LeftButton);
+  Strip.FinishMove();
+  EXPECT_EQ(Strip.GetCurrentIndex(), 18) << "no quick click is lost";
+  QTest::mousePress(buttons[2], Qt::LeftButton);
+  QTest::qWait(500 + 3 * kSlideTime);
+  QTest::mouseRelease(buttons[2], Qt::LeftButton);
+  EXPECT_LE(Strip.GetCurrentIndex(), 18 + 4) << "a held one slides";
+  Strip.MoveTo(1);
 
   // Through the lens one sees the cell.
   const QImage image = Painted(Window);
