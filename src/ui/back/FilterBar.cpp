@@ -106,6 +106,7 @@ void CFilterBar::ConnectControls() {
     const bool isAction = model.GetAction() != CDropControlModel::kNone;
     OnFolderPicked(static_cast<FolderItem>(isAction ? model.GetAction() : model.GetSelectedId()));
   };
+  GetFindControl().OnEditBegins = [this] { Host.OnEditBegins(); };
   // A text is chosen by typing it or by picking an earlier one.
   GetFindControl().OnEditEnd = GetFindControl().OnChange = [this] { OnTextChanged(); };
   GetRatingControl().OnChange = [this] { OnRatingPicked(); };

@@ -23,6 +23,8 @@ class CFilterBarHost {
   /// Goes to a photo of the set without a slide.
   virtual void MoveStrip(int index) = 0;
 
+  /// The user is about to type a text to find.
+  virtual void OnEditBegins() = 0;
   /// Gives the focus to the main window, which ends any edit.
   virtual void FocusMainWindow() = 0;
 

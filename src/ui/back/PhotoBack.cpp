@@ -73,6 +73,9 @@ void CPhotoBack::CreateFields() {
   for (std::size_t i = 0; i < kFieldCount; ++i) {
     auto field = std::make_unique<CPhotoField>(kFieldForms[i], this);
     field->SetLabelText(LoadCaptionAndTip(kFieldForms[i].Label).Caption + u' ');
+    field->OnEditBegins = [this] {
+      if (OnEditBegins) OnEditBegins();
+    };
     labelWidth = std::max(labelWidth, field->GetNaturalLabelWidth());
     Fields[i] = std::move(field);
   }

@@ -28,6 +28,8 @@ class CPhotoBack : public QWidget {
   // What the panel tells and asks the main window; each may be empty. It may be given a photo, or none, by
   // what it tells.
 
+  /// The user is about to edit a field, or to choose from its list.
+  std::function<void()> OnEditBegins;
   /// A stamp of the current photo, or its title (13), has been written.
   std::function<void(StampId type)> OnStampChanged;
   /// The current photo's file has another name now. Called before OnStampChanged.

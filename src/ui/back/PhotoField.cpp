@@ -112,8 +112,14 @@ void CPhotoField::SetBoxText(const std::string& text) { Text->GetBox()->SetText(
 
 bool CPhotoField::IsEditing() const { return Text->IsEditing(); }
 
+bool CPhotoField::BeginEdit() {
+  if (Value == nullptr || IsJobRunning()) return false;
+  if (OnEditBegins) OnEditBegins();
+  return Value != nullptr;
+}
+
 void CPhotoField::StartEdit() {
-  if (!Has(Style, FieldStyle::Editable) || Value == nullptr || IsJobRunning()) return;
+  if (!Has(Style, FieldStyle::Editable) || !BeginEdit()) return;
   const bool begins = !IsEditing();
   Text->OpenBox(begins ? MakeEditText() : QString());
   if (!begins) return;

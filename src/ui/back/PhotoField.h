@@ -4,6 +4,7 @@
 #include <QString>
 #include <QWidget>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -42,6 +43,8 @@ class CPhotoField : public QWidget, private CFieldListener, private CFieldBoxOwn
 
   /// Begins to edit the text, in a field that can be edited and has a value.
   void StartEdit();
+  /// Called when an edit or the menu is about to open; it may give the field another value.
+  std::function<void()> OnEditBegins;
   bool IsEditing() const;
   /// Writes what was typed, if it is another text; the box stays open.
   void CommitEdit();
@@ -78,6 +81,8 @@ class CPhotoField : public QWidget, private CFieldListener, private CFieldBoxOwn
   void OnBoxLeft(bool windowLeft) override;
   void OnCommand(CommandId id) override;
 
+  /// Whether an edit or the menu may open now.
+  bool BeginEdit();
   void FinishEdit(bool windowLeft);
   void EndEdit();
   void TakeText(const std::string& text);

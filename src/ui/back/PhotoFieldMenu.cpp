@@ -57,7 +57,7 @@ void CPhotoField::RefreshButton() {
 void CPhotoField::OnCommand(CommandId) { OpenMenu(); }
 
 void CPhotoField::OpenMenu() {
-  if (Value == nullptr || IsJobRunning()) return;
+  if (!BeginEdit()) return;
   Menu = std::make_unique<QMenu>(this);
   Dress(*Menu);
   PassOnOutsideClicks(*Menu, *Button);

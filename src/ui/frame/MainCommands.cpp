@@ -52,9 +52,12 @@ void CMainCommands::EndEdit(CommandId) { Frame.setFocus(); }
 
 void CMainCommands::Cancel(CommandId) {
   if (Frame.GetFilterBar().IsEditing()) return Frame.GetFilterBar().CancelEdit();
-  if (!Frame.GetPhotoBack().IsEditing()) return Frame.ToggleFullScreen(FullScreenChange::Normal);
-  Frame.GetPhotoBack().CancelEdits();
-  Frame.setFocus();
+  if (Frame.GetPhotoBack().IsEditing()) {
+    Frame.GetPhotoBack().CancelEdits();
+    return Frame.setFocus();
+  }
+  Frame.StopSlideShow();
+  Frame.ToggleFullScreen(FullScreenChange::Normal);
 }
 
 void CMainCommands::GoToField(CommandId id) {
@@ -169,8 +172,8 @@ void CMainCommands::MoveToEnd(CommandId id) {
 void CMainCommands::ToggleSlideShow(CommandId) {
   Frame.SelectTab(ViewTabId::CurrentPhoto);
   if (Frame.IsSlideShowRunning()) return Frame.StopSlideShow();
-  Frame.StartSlideShow();
   Frame.setFocus();
+  Frame.StartSlideShow();
 }
 
 void CMainCommands::ToggleFullScreen(CommandId) { Frame.ToggleFullScreen(FullScreenChange::Toggle); }

@@ -107,6 +107,7 @@ bool CMainFrame::Create(const OpenStep& openDataStores, CWindowedSearchProgress&
 
 void CMainFrame::CreateParts() {
   PhotoBack = std::make_unique<CPhotoBack>(this);
+  PhotoBack->OnEditBegins = [this] { OnEditBegins(); };
   PhotoBack->OnStampChanged = [this](StampId type) { OnStampChanged(type); };
   PhotoBack->OnPhotoRenamed = [this] {
     PhotoView->OnPhotoRenamed();
@@ -167,6 +168,14 @@ void CMainFrame::OnCurrentPhotoChanged(const CAssetRecord* record) {
 void CMainFrame::RefreshStrip(StripPosition position) { GetStrip().Refresh(static_cast<int>(position)); }
 
 void CMainFrame::MoveStrip(int index) { GetStrip().MoveTo(index); }
+
+void CMainFrame::OnEditBegins() {
+  // What is typed belongs to the photo under the lens, which stays there.
+  StopSlideShow();
+  GetStrip().AnnounceNow();
+}
+
+bool CMainFrame::IsEditing() const { return PhotoBack->IsEditing() || FilterBar->IsEditing(); }
 
 void CMainFrame::PrepareForSearch() {
   PhotoBack->CommitEdits();
@@ -358,28 +367,30 @@ void CMainFrame::keyPressEvent(QKeyEvent* event) {
   // A key that a field has let pass is none of the window's.
   if (!hasFocus()) return QWidget::keyPressEvent(event);
   const KeyChord chord = ReadKeyChord(*event);
+  const bool isRepeat = InputFilter && InputFilter->IsRepeat(*event);
   if (chord.Key == Qt::Key_Space && (chord.Modifiers & ~Qt::ShiftModifier) == 0) {
-    return OnSpace(chord.Modifiers == Qt::ShiftModifier, event->isAutoRepeat());
+    return OnSpace(chord.Modifiers == Qt::ShiftModifier, isRepeat);
   }
   const Command* command = FindBareKey(chord);
   if (command == nullptr) return QWidget::keyPressEvent(event);
-  OnKey(*command, event->isAutoRepeat());
+  OnKey(*command, isRepeat);
 }
 
-void CMainFrame::OnKey(const Command& command, bool autoRepeat) {
-  if (autoRepeat && command.Held == KeyHeld::Nothing) return;
-  if (!autoRepeat) GetStrip().FinishMove();  // every press counts; what a held key adds is merged
+void CMainFrame::OnKey(const Command& command, bool isRepeat) {
+  if (isRepeat && command.Held == KeyHeld::Nothing) return;
+  if (!isRepeat) GetStrip().FinishMove();  // every press counts; what a held key adds is merged
   OnCommand(command.Id);
 }
 
-void CMainFrame::OnSpace(bool backward, bool autoRepeat) {
-  if (!autoRepeat) SpaceStopsShow = IsSlideShowRunning();
+void CMainFrame::OnSpace(bool backward, bool isRepeat) {
+  if (!isRepeat) SpaceStopsShow = IsSlideShowRunning();
   if (SpaceStopsShow) return StopSlideShow();
-  OnKey(*FindCommand(backward ? CommandId::PreviousPhoto : CommandId::NextPhoto), autoRepeat);
+  OnKey(*FindCommand(backward ? CommandId::PreviousPhoto : CommandId::NextPhoto), isRepeat);
 }
 
 void CMainFrame::wheelEvent(QWheelEvent* event) {
-  WheelTravel += event->angleDelta().y();
+  // It stays with an open editor, also past the end of its text.
+  WheelTravel = IsEditing() ? 0 : WheelTravel + event->angleDelta().y();
   const int steps = WheelTravel / kWheelStep;
   WheelTravel -= steps * kWheelStep;
   if (steps == 0) return;

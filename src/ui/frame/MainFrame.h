@@ -69,6 +69,7 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost 
   CPhotoSet& GetPhotoSet() override { return *PhotoSet; }
   void RefreshStrip(StripPosition position) override;
   void MoveStrip(int index) override;
+  void OnEditBegins() override;
   void FocusMainWindow() override { setFocus(); }
   void PrepareForSearch() override;
 
@@ -87,7 +88,7 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost 
   void DropMouseMoves();
 
   /// A key of that command was pressed, or is being held.
-  void OnKey(const Command& command, bool autoRepeat);
+  void OnKey(const Command& command, bool isRepeat);
 
   void StartSlideShow();
   void StopSlideShow();
@@ -127,7 +128,8 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost 
   void OnStampChanged(StampId type);
   /// Of the current photo, as it was decoded; 0 by 0 without a picture.
   ImageSize GetPictureSize() const;
-  void OnSpace(bool backward, bool autoRepeat);
+  bool IsEditing() const;
+  void OnSpace(bool backward, bool isRepeat);
 
   CCatalog Catalog;
   CThumbnailCache ThumbnailCache;

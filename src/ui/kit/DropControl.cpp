@@ -116,6 +116,7 @@ void CDropControl::CloseList(int row) {
 
 void CDropControl::OpenEdit() {
   if (EditBox) return EditBox->setFocus();
+  if (OnEditBegins) OnEditBegins();
   EditBox = std::make_unique<QLineEdit>(this);
   EditBox->setObjectName(objectName() + QStringLiteral("Edit"));
   EditBox->setAccessibleName(accessibleName());

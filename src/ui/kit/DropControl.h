@@ -48,6 +48,8 @@ class CDropControl : public QWidget {
   std::function<void()> OnChange;
   /// Called when an edit is over, in whatever way.
   std::function<void()> OnEditEnd;
+  /// Called when the edit box is about to open.
+  std::function<void()> OnEditBegins;
 
   /// To be followed by Refresh() where a call changes what the control shows.
   CDropControlModel& GetModel() { return Model; }

@@ -57,6 +57,7 @@ class CNotedHost : public CFilterBarHost {
   CPhotoSet& GetPhotoSet() override { return Set; }
   void RefreshStrip(StripPosition position) override { Refreshed.push_back(position); }
   void MoveStrip(int index) override { MovedTo = index; }
+  void OnEditBegins() override {}
   void FocusMainWindow() override { Window.setFocus(); }
   void PrepareForSearch() override { ++Prepared; }
 

@@ -55,6 +55,13 @@ TEST_F(FullScreen, PhotoFillsTheWindowAndEverythingComesBack) {
     EXPECT_TRUE(frame.IsFullScreen());
     QTest::mouseDClick(&frame.GetPhotoView(), Qt::LeftButton);
     EXPECT_FALSE(frame.IsFullScreen());
+    QCoreApplication::processEvents();
+    const CPaintedButton& button = *frame.GetToolRow().GetButton(CommandId::ToggleFullScreen);
+    QTest::mouseDClick(frame.windowHandle(), Qt::LeftButton, {}, button.mapTo(&frame, QPoint(5, 5)));
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(frame.IsFullScreen()) << "the second click was none on the photo";
+    QTest::mouseDClick(frame.windowHandle(), Qt::LeftButton, {}, {300, 200});
+    EXPECT_FALSE(frame.IsFullScreen());
   });
 }
 

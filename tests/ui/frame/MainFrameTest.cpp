@@ -5,9 +5,13 @@
 #include "catalog/StampList.h"
 #include "imaging/Image.h"
 #include "support/FileSizeLimit.h"
+#include "ui/back/FieldText.h"
+#include "ui/back/FilterBar.h"
 #include "ui/back/PhotoBack.h"
+#include "ui/back/PhotoField.h"
 #include "ui/frame/FrameFixture.h"
 #include "ui/kit/Colours.h"
+#include "ui/kit/DropControl.h"
 #include "ui/kit/Toolbar.h"
 #include "ui/strip/StripWindow.h"
 
@@ -188,6 +192,40 @@ TEST_F(MainFrame, EditsBelongToThePhotoUnderTheLensAndSurviveTheClose) {
     EXPECT_EQ(captionOf(frame, 1), "");
     EXPECT_TRUE(frame.hasFocus());
 
+    // Nothing but the user's own command leads an open field to another photo.
+    QTest::keyClick(&frame, Qt::Key_F5);
+    QTest::keyClick(&frame, Qt::Key_C);
+    EXPECT_FALSE(frame.IsSlideShowRunning());
+    type("on the third");
+    QTest::qWait(2200);
+    QWheelEvent notch({10, 10}, frame.mapToGlobal(QPointF(10, 10)), {}, {0, 120}, Qt::NoButton, {},
+                      Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(QApplication::focusWidget(), &notch);
+    EXPECT_EQ(Position(frame), 2);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    EXPECT_EQ(captionOf(frame, 2), "on the third");
+    frame.StartSlideShow();
+    QTest::mouseClick(&frame.GetFilterBar().GetFindControl(), Qt::LeftButton, {}, {10, 10});
+    EXPECT_FALSE(frame.IsSlideShowRunning());
+    EXPECT_TRUE(frame.GetFilterBar().IsEditing());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    frame.StartSlideShow();
+    QTest::keyClick(&frame, Qt::Key_Escape);
+    EXPECT_FALSE(frame.IsSlideShowRunning());
+
+    // What is clicked on the panel is of the photo that the strip is coming to.
+    GoTo(frame, 1);
+    QTest::keyClick(&frame, Qt::Key_Left);
+    QTest::mousePress(frame.GetPhotoBack().findChild<QWidget*>(QStringLiteral("Rating"))->childAt(10, 10),
+                      Qt::LeftButton);
+    EXPECT_EQ(frame.GetPhotoSet().GetAsset(0).GetCachedRating(), 1);
+    QTest::keyClick(&frame, Qt::Key_Right);
+    QTest::mouseClick(&frame.GetPhotoBack().GetField(FieldRow::Event)->GetTextWindow(), Qt::LeftButton);
+    type("party");
+    QTest::qWait(300);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    EXPECT_EQ(frame.GetPhotoSet().GetAsset(1).GetStamps(StampId::Event).Get(0).GetText(), "party");
+
     QTest::keyClick(&frame, Qt::Key_C);
     type("kept");
     frame.close();
@@ -293,6 +331,48 @@ TEST_F(MainFrame, WheelCollectsSmallTurns) {
     EXPECT_EQ(Position(frame), 2);
     turn(240);
     EXPECT_EQ(Position(frame), 0);
+  });
+}
+
+TEST_F(MainFrame, RepeatsOfAHeldKeyAreNoPressesAndStayWhereThePressWent) {
+  AddPhotos(5);
+  Show([](CMainFrame& frame) {
+    GoTo(frame, 0);
+    quint64 now = 1000;
+    const auto send = [&](QEvent::Type type, Qt::Key key, quint32 scanCode, const char* text) {
+      QKeyEvent event(type, key, {}, scanCode, 0, 0, QString::fromLatin1(text));
+      event.setTimestamp(now);
+      QCoreApplication::sendEvent(QApplication::focusWindow(), &event);
+    };
+    // As X11 repeats a key: by releases and presses of one time that the toolkit doesn't tell as repeats.
+    const auto hold = [&](Qt::Key key, quint32 scanCode, const char* text = "") {
+      now += 500;
+      send(QEvent::KeyPress, key, scanCode, text);
+      for (int repeat = 0; repeat < 3; ++repeat) {
+        now += 30;
+        send(QEvent::KeyRelease, key, scanCode, text);
+        send(QEvent::KeyPress, key, scanCode, text);
+      }
+      now += 30;
+      send(QEvent::KeyRelease, key, scanCode, text);
+    };
+    hold(Qt::Key_M, 58, "m");
+    EXPECT_TRUE(HasFlag(frame, 0, PhotoFlag::ToEmail));
+    hold(Qt::Key_Delete, 119);
+    EXPECT_EQ(frame.GetPhotoSet().GetCount(), 4);
+    hold(Qt::Key_Right, 114);
+    frame.GetStrip().FinishMove();
+    EXPECT_EQ(Position(frame), 1) << "merged";
+
+    hold(Qt::Key_C, 54, "c");
+    hold(Qt::Key_A, 38, "a");
+    hold(Qt::Key_Tab, 23);
+    hold(Qt::Key_Return, 36);
+    EXPECT_EQ(frame.GetPhotoSet().GetAsset(1).GetStamps(StampId::Note).Get(0).GetText(), "aaaa")
+        << "typed are the repeats of what was typed";
+    hold(Qt::Key_C, 54, "c");
+    hold(Qt::Key_Tab, 23);
+    EXPECT_TRUE(frame.GetPhotoBack().GetField(FieldRow::Date)->IsEditing()) << "four fields on";
   });
 }
 

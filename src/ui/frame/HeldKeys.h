@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QPointer>
+#include <QtGlobal>
+#include <unordered_map>
+
+class QKeyEvent;
+class QObject;
+struct Command;
+
+/// Tells the press of a key from its repeats, and keeps the repeats where the press went: a key that opened a
+/// field types nothing into it, and one that ended an edit answers no question.
+class CHeldKeys {
+ public:
+  /// X11 repeats a key as a release and a press of the same time; Qt tells only some of those as repeats.
+  bool IsRepeat(const QKeyEvent& press) const;
+
+  void OnRelease(const QKeyEvent& release);
+
+  /// A press is about to be handled as an accelerator of `command` or, if that is null, to go to `receiver`.
+  /// False for a repeat of a press that was handled otherwise, or that this program hasn't had.
+  bool OnPress(const QKeyEvent& press, QObject* receiver, const Command* command);
+
+ private:
+  struct Press {
+    QPointer<QObject> Receiver;
+    const Command* Accelerator = nullptr;
+  };
+
+  std::unordered_map<quint32, Press> Presses;  // the last one of each key, by scan code
+  quint32 ReleasedKey = 0;
+  quint64 ReleaseTime = 0;  // 0: unknown
+};
