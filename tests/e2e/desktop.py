@@ -131,6 +131,11 @@ class Desktop:
         self.children.append(child)
         return child
 
+    def window_size(self, window):
+        answer = self._run(["xdotool", "getwindowgeometry", "--shell", window]).stdout.decode()
+        fields = dict(line.split("=") for line in answer.split())
+        return int(fields["WIDTH"]), int(fields["HEIGHT"])
+
     def find_window(self):
         found = self._run(["xdotool", "search", "--onlyvisible", "--name", TITLE]).stdout.split()
         return found[0].decode() if found else None
@@ -144,6 +149,12 @@ class Desktop:
 
     def press(self, *keys):
         subprocess.run(["xdotool", "key", *keys], env=self.environment, check=True)
+
+    def hold(self, key, seconds):
+        """Holds a key down; the display repeats it."""
+        subprocess.run(["xdotool", "keydown", key], env=self.environment, check=True)
+        time.sleep(seconds)
+        subprocess.run(["xdotool", "keyup", key], env=self.environment, check=True)
 
     def type(self, text):
         """Types a text of one line."""

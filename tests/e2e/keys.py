@@ -1,13 +1,14 @@
 #!/usr/bin/env python3
 """A session by keyboard and mouse, as a user has it, checked in the catalog after the window is closed.
 
-usage: keys.py PROGRAM
+usage: keys.py PROGRAM [FULL-SCREEN-ENTRIES]
 """
 
+import random
 import sys
 import time
 
-from desktop import NORMAL_EXIT, Desktop, make_photo, need
+from desktop import NORMAL_EXIT, Desktop, is_near, make_photo, need
 
 HUES = [(200, 40, 40), (40, 160, 50), (50, 70, 200), (210, 190, 30), (150, 50, 180), (30, 160, 170), (90, 90, 90)]
 SORT_BY_TITLE = '"Sort"=dword:000000e9'
@@ -15,6 +16,7 @@ NO_TIP = '"DontShowAddFolderTip"=dword:00000001'
 CELL_PITCH = 151
 SCREEN = (1280, 900)
 STRIP_MIDDLE_Y = 900 - 156 + 50
+STRIP_GROUND = (161, 163, 165)
 
 
 def press_and_wait(desktop, hue, *keys):
@@ -60,7 +62,37 @@ def show_slides(desktop):
     desktop.press("space")
 
 
-def main(program):
+def hold_keys(desktop):
+    press_and_wait(desktop, 0, "Home")
+    desktop.hold("m", 1.2)  # is on and off again if a repeat counts
+    desktop.hold("c", 1.2)  # opens the caption, and types nothing
+    desktop.press("Return")
+    press_and_wait(desktop, 5, "End")
+    desktop.hold("Delete", 1.2)
+    desktop.wait_for_photo(HUES[4])
+
+
+def enter_and_leave_full_screen(desktop, window, entries=8):
+    """The window and what it shows agree, however soon the desktop is asked for something else."""
+    desktop.press("Home")
+    (desktop.pictures / "0.jpg").write_bytes(b"no picture")  # nothing is decoded between the keys
+    desktop.press("Right", "Home")
+    chance = random.Random(7)
+    full = False
+    for _ in range(entries):
+        for _ in range(chance.randint(1, 4)):
+            desktop.press("F11")
+            full = not full
+            time.sleep(chance.uniform(0, 0.4))
+        time.sleep(1.5)
+        fills = desktop.window_size(window) == SCREEN
+        has_strip = is_near(desktop.colour_at(0.02, 0.995), STRIP_GROUND, 6)
+        assert (fills, has_strip) == (full, not full), f"full screen {full}: fills it {fills}, strip {has_strip}"
+    if full:
+        desktop.press("F11")
+
+
+def main(program, entries=8):
     need("Xvfb", "openbox", "xdotool", "import", "cjpeg")
     with Desktop(SCREEN) as desktop:
         for number, hue in enumerate(HUES):
@@ -71,19 +103,23 @@ def main(program):
 
         desktop.set_settings(SORT_BY_TITLE, NO_TIP)
         child = desktop.start(program)
-        desktop.wait_for_window(child)
+        window = desktop.wait_for_window(child)
         mark_and_rate(desktop)
         walk_by_mouse(desktop)
         show_slides(desktop)
+        hold_keys(desktop)
+        enter_and_leave_full_screen(desktop, window, entries)
         desktop.press("alt+F4")
         assert child.wait(20) == NORMAL_EXIT, f"the session ended with {child.returncode}"
 
         rows = desktop.query(
             "vellumar.db", "select CachedRating, ToEmail, ToRemotePrint, Tossed from Asset order by Filename"
         )
-        expected = [(3, 0, 0, 0), (0, 1, 0, 0), (2, 1, 0, 0), (4, 1, 0, 0), (1, 1, 1, 0), (0, 0, 0, 0), (0, 0, 0, 1)]
+        expected = [(3, 1, 0, 0), (0, 1, 0, 0), (2, 1, 0, 0), (4, 1, 0, 0), (1, 1, 1, 0), (0, 0, 0, 1), (0, 0, 0, 1)]
         assert rows == expected, f"the catalog holds {rows}"
+        captions = desktop.query("vellumar.db", "select * from Stamp where StampType = 2")
+        assert captions == [], f"captions: {captions}"
 
 
 if __name__ == "__main__":
-    main(sys.argv[1])
+    main(sys.argv[1], *map(int, sys.argv[2:]))

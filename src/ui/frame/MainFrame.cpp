@@ -60,7 +60,10 @@ bool ToggleFlag(CAssetRecord photo, PhotoFlag flag) {
 
 }  // namespace
 
-CMainFrame::CMainFrame() : Commands(*this), Mode(&GetViewMode(ViewModeId::Normal)) {
+CMainFrame::CMainFrame()
+    : FullScreenState(*this, [this] { ToggleFullScreen(FullScreenChange::Normal); }),
+      Commands(*this),
+      Mode(&GetViewMode(ViewModeId::Normal)) {
   setObjectName(window_names::kMainFrame);
   setFocusPolicy(Qt::StrongFocus);
   setAutoFillBackground(true);
@@ -356,10 +359,7 @@ void CMainFrame::changeEvent(QEvent* event) {
   if (event->type() == QEvent::ActivationChange && FullScreenTools) {
     FullScreenTools->OnActivationChanged(isActiveWindow());
   }
-  // The desktop itself may end full-screen mode.
-  if (event->type() == QEvent::WindowStateChange && IsFullScreen() && !isFullScreen()) {
-    ToggleFullScreen(FullScreenChange::Normal);
-  }
+  if (event->type() == QEvent::WindowStateChange) FullScreenState.OnStateChanged();
   QWidget::changeEvent(event);
 }
 

@@ -8,6 +8,7 @@
 #include "imaging/PixelBuffer.h"
 #include "imaging/ThumbnailCache.h"
 #include "ui/back/FilterBarHost.h"
+#include "ui/frame/FullScreenState.h"
 #include "ui/frame/FullScreenTools.h"
 #include "ui/frame/InputFilter.h"
 #include "ui/frame/MainCommands.h"
@@ -81,6 +82,7 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost 
   void ToggleFullScreen(FullScreenChange change);
   bool IsFullScreen() const { return Mode->GetId() == ViewModeId::FullScreen; }
 
+  CFullScreenState& GetFullScreenState() { return FullScreenState; }
   CFullScreenTools& GetFullScreenTools() const { return *FullScreenTools; }
   /// Shows or hides the button row and the pointer; in full-screen mode only.
   void ShowTools(bool show);
@@ -145,6 +147,7 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost 
   std::unique_ptr<CFullScreenTools> FullScreenTools;
   std::unique_ptr<CInputFilter> InputFilter;
 
+  CFullScreenState FullScreenState;
   CMainCommands Commands;
   const CViewMode* Mode;
   bool TipAsked = false;

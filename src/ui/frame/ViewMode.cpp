@@ -72,13 +72,9 @@ class CFullScreenMode : public CViewMode {
   }
 
   // The desktop remembers the window's former place and whether it was maximized.
-  void Enter(CMainFrame& frame) const override {
-    frame.setWindowState(frame.windowState() | Qt::WindowFullScreen);
-  }
+  void Enter(CMainFrame& frame) const override { frame.GetFullScreenState().Request(true); }
 
-  void OnLeave(CMainFrame& frame) const override {
-    frame.setWindowState(frame.windowState() & ~Qt::WindowFullScreen);
-  }
+  void OnLeave(CMainFrame& frame) const override { frame.GetFullScreenState().Request(false); }
 
   void PlaceStrip(CMainFrame&) const override {}
 

@@ -65,13 +65,23 @@ TEST_F(FullScreen, PhotoFillsTheWindowAndEverythingComesBack) {
   });
 }
 
-TEST_F(FullScreen, DesktopMayEndIt) {
+TEST_F(FullScreen, DesktopMayEndItButWhatItTellsOfBeforeIsNoWish) {
   AddPhotos(1);
   Show([](CMainFrame& frame) {
-    frame.ToggleFullScreen(FullScreenChange::FullScreen);
-    QCoreApplication::processEvents();
-    frame.setWindowState(frame.windowState() & ~Qt::WindowFullScreen);
-    QCoreApplication::processEvents();
+    const auto tell = [&](bool full) {  // as the toolkit reads the window's state
+      frame.setWindowState(full ? frame.windowState() | Qt::WindowFullScreen
+                                : frame.windowState() & ~Qt::WindowFullScreen);
+    };
+    for (const bool on : {true, false, true}) {
+      QTest::keyClick(&frame, Qt::Key_F11);
+      tell(!on);
+      EXPECT_EQ(frame.IsFullScreen(), on);
+      EXPECT_TRUE(QTest::qWaitFor([&] { return frame.isFullScreen() == on; }, 5000)) << "asked for again";
+      EXPECT_EQ(frame.IsFullScreen(), on);
+      EXPECT_EQ(frame.GetStripWindow().isVisible(), !on);
+    }
+    QTest::qWait(1000);
+    tell(false);
     EXPECT_FALSE(frame.IsFullScreen());
     EXPECT_TRUE(frame.GetStripWindow().isVisible());
   });
