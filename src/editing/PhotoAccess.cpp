@@ -46,9 +46,12 @@ bool CheckPhotoWritable(const CAssetRecord& photo) {
 bool ForgetThumbnail(const CAssetRecord& photo) {
   CThumbnailCache& cache = *CThumbnailCache::GetInstance();
   try {
-    cache.Remove(photo.GetAssetID());
+    try {
+      cache.Remove(photo.GetAssetID());
+    } catch (const CStorageException&) {
+      if (!cache.RenewIfDamaged()) throw;  // a new one has no thumbnails
+    }
   } catch (const CStorageException& exception) {
-    if (cache.RenewIfDamaged()) return true;  // without any thumbnail
     ShowMessage(exception.GetMessage());
     return false;
   }

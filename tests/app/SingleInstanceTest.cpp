@@ -93,7 +93,8 @@ TEST(SingleInstance, OneHoldsACatalogForAllSessions) {
   const std::string catalog = scratch.Write("data/my.db", "");
   const std::string link = scratch.File("elsewhere/link.db");
   std::filesystem::create_symlink(catalog, link);
-  const std::string away = scratch.File(std::string(120, 'r') + "/x");  // longer than a socket's address
+  const std::string away =
+      scratch.File(std::string(120, 'r').append("/x"));  // longer than a socket's address
   CSingleInstance first(std::filesystem::path(away).parent_path(), catalog);
   int starts = 0;
   first.OnAnotherStart = [&](const QByteArray&) { ++starts; };
