@@ -5,10 +5,17 @@
 #include <algorithm>
 
 #include "platform/Files.h"
+#include "storage/NewStorageFile.h"
 
 namespace {
 
 constexpr int kLockWait = 5000;  // milliseconds
+
+/// Another tool may have switched the file to a log, in which its last pages can stand.
+bool HasLog(const std::string& path) {
+  platform::FileStatus status;
+  return !platform::GetStatus(GetLogPath(path), status) && status.Size > 0;
+}
 
 }  // namespace
 
@@ -48,7 +55,8 @@ void CheckFileSize(sqlite3* connection, const std::string& path) {
   if (const auto error = platform::GetStatus(path, status)) {
     throw CDatabaseError(SQLITE_IOERR, error.message());
   }
-  if (status.Size < std::max(static_cast<std::uint64_t>(size), kSmallestFile)) {
+  const bool isWhole = status.Size >= static_cast<std::uint64_t>(size) || HasLog(path);
+  if (!isWhole || status.Size < kSmallestFile) {
     throw CDatabaseError(SQLITE_CORRUPT, "it is damaged (its end is missing)");
   }
 }

@@ -15,14 +15,17 @@ std::error_code CNewStorageFile::Create() {
 }
 
 std::error_code CNewStorageFile::GiveName() {
-  // A journal without its file would be taken for the new file's own and played back into it.
+  // A journal or a log without its file would be taken for the new file's own and played into it.
   platform::FileStatus taken;
   if (!platform::GetStatus(Target, taken)) return make_error_code(std::errc::file_exists);
   if (const auto error = RemoveIfThere(GetJournalPath(Target))) return error;
+  if (const auto error = RemoveIfThere(GetLogPath(Target))) return error;
   return platform::RenameToNewName(Path, Target);
 }
 
 std::string GetJournalPath(const std::string& path) { return path + "-journal"; }
+
+std::string GetLogPath(const std::string& path) { return path + "-wal"; }
 
 std::error_code RemoveIfThere(const std::string& path) {
   const std::error_code error = platform::RemoveFile(path);

@@ -23,6 +23,8 @@ class CNewStorageFile {
 };
 
 std::string GetJournalPath(const std::string& path);
+/// Of the log that some tools have SQLite write instead of a journal.
+std::string GetLogPath(const std::string& path);
 
 /// Removes a file; none there is no error.
 std::error_code RemoveIfThere(const std::string& path);

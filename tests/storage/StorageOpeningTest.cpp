@@ -88,6 +88,23 @@ class CStorageOpeningTest : public CStorageTest {
     ASSERT_TRUE(std::filesystem::exists(Path + "-journal"));
   }
 
+  /// Leaves a row of many pages in the log of another tool that was killed.
+  void LeaveALog() {
+    const pid_t child = fork();
+    if (child == 0) {
+      sqlite3* connection = nullptr;
+      sqlite3_open(Path.c_str(), &connection);
+      sqlite3_exec(connection,
+                   "PRAGMA journal_mode=WAL; PRAGMA wal_autocheckpoint=0;"
+                   "INSERT INTO Thing(Number, Text, Bytes) VALUES(1, 'logged', zeroblob(90000))",
+                   nullptr, nullptr, nullptr);
+      _exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(std::filesystem::exists(Path + "-wal"));
+  }
+
   void ExpectWhole(const std::string& path, Mode mode) {
     c4_Storage storage(path, mode);
     const c4_View things = storage.GetAs(kDescription);
@@ -215,12 +232,13 @@ TEST_F(CStorageOpeningTest, MissingFileIsMadeOnlyForWriting) {
   EXPECT_THAT(OpenAndFail(Path, Mode::ReadOnly), HasSubstr("No such file"));
   EXPECT_TRUE(ReadFolder(Folder).empty());
   EXPECT_THAT(OpenAndFail(Folder + "/none/x.db", Mode::ReadWrite), HasSubstr("No such file"));
-  // A journal that outlived its file isn't the new file's.
-  MakeStorage();
-  InterruptAChange();
-  std::filesystem::remove(Path);
-  c4_Storage storage(Path, Mode::ReadWrite);
-  EXPECT_EQ(storage.GetAs(kDescription).GetSize(), 0);
+  // A journal or a log that outlived its file isn't the new file's.
+  for (const bool logs : {false, true}) {
+    MakeStorage();
+    logs ? LeaveALog() : InterruptAChange();
+    std::filesystem::remove(Path);
+    EXPECT_EQ(c4_Storage(Path, Mode::ReadWrite).GetAs(kDescription).GetSize(), 0);
+  }
 }
 
 TEST_F(CStorageOpeningTest, LockedFileIsRefusedAfterWaiting) {
@@ -280,6 +298,28 @@ TEST_F(CStorageOpeningTest, FullDiskOrAnotherReaderKeepsNobodyFromLooking) {
   });
   ExpectWhole(Path, Mode::ReadWrite);
   EXPECT_NE(ChangeAndFail(), "");
+}
+
+TEST_F(CStorageOpeningTest, LogOfAnotherToolIsPartOfTheFile) {
+  MakeStorage(1);
+  LeaveALog();
+  EXPECT_EQ(OpenAndFail(Path, Mode::ReadOnly), "");
+  EXPECT_FALSE(CopyStorageFile(Path, Folder + "/copy"));
+  RunSql(Path, "PRAGMA journal_mode=WAL");
+  sqlite3* reader = nullptr;  // keeps the log in use
+  ASSERT_EQ(sqlite3_open(Path.c_str(), &reader), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(reader, "BEGIN; SELECT * FROM Thing", nullptr, nullptr, nullptr), SQLITE_OK);
+  {
+    c4_Storage storage(Path, Mode::ReadWrite);
+    c4_View things = storage.GetAs(kDescription);
+    for (int round = 0; round < 3; ++round) {
+      things.Add(pText["ours"] + pBytes[c4_Bytes(90000, 'b')]);
+      storage.Commit();
+    }
+  }
+  ASSERT_EQ(sqlite3_close(reader), SQLITE_OK);
+  EXPECT_EQ(OpenAndFail(Path, Mode::ReadWrite), "");
+  EXPECT_EQ(RunSql(Path, "SELECT count(*) FROM Thing; PRAGMA journal_mode"), "5\ndelete");
 }
 
 TEST_F(CStorageOpeningTest, FileThatGoesWhileItIsOpenTakesNoChangeAndShowsItsRows) {
