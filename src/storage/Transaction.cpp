@@ -75,14 +75,15 @@ void CTransaction::EndInFile() noexcept {
 void CTransaction::LoadTables() {
   OutOfStep = true;
   Database.CheckAgain();
+  // Read first: what another process changes from now on is loaded before the next change.
+  const std::int64_t version = Database.GetDataVersion();
   for (c4_Table* table : Tables) table->Load();
-  DataVersion = Database.GetDataVersion();
+  DataVersion = version;
   OutOfStep = false;
 }
 
 void CTransaction::TryLoadTables() noexcept {
   try {
-    Database.CheckAgain();
     LoadTables();
   } catch (...) {
     // The tables stay as they are until the next change, which loads them or fails.
