@@ -17,12 +17,14 @@ bool AreOneThing(const platform::FileStatus& a, const platform::FileStatus& b) {
 /// Whether the entry `former` is gone, or is the entry at `path` on a disk that doesn't know case.
 bool HasBecome(const std::string& former, const std::string& path) {
   platform::FileStatus first, second;
+  if (platform::GetEntryStatus(path, second)) return false;
   if (const std::error_code error = platform::GetEntryStatus(former, first)) {
-    return error == std::errc::no_such_file_or_directory;
+    // A disk is mounted, not renamed: where another one was, its photos are others.
+    return error == std::errc::no_such_file_or_directory && !second.IsMountPoint;
   }
   // Two names of one file are one photo twice, and stay so.
   const bool hasOneName = first.IsFolder || first.LinkCount == 1;
-  return hasOneName && !platform::GetEntryStatus(path, second) && AreOneThing(first, second);
+  return hasOneName && AreOneThing(first, second);
 }
 
 }  // namespace
@@ -57,9 +59,10 @@ std::string FindPresentSpelling(const std::string& stored) {
   if (folder.empty() || platform::ListFolder(folder, entries)) return {};
   std::string present;
   for (const platform::FolderEntry& entry : entries) {
-    if (!platform::EqualNoCase(entry.Name, parts.Name)) continue;
+    const std::string path = JoinPath(folder, entry.Name);
+    if (!IsFormerSpelling(JoinPath(folder, parts.Name), path)) continue;
     if (!present.empty()) return {};
-    present = JoinPath(folder, entry.Name);
+    present = path;
   }
   return present;
 }

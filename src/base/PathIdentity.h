@@ -8,7 +8,8 @@
 /// They are one only where the disk says so:
 /// - A folder that two paths lead to, over links or mounts, is one folder: the same by device and inode.
 /// - A path is a former spelling of another if the file or folder was renamed to another case of its letters
-///   (Unicode simple folding, IsFormerSpelling). What can't be looked at, as on a disk that is away, was not.
+///   (Unicode simple folding, IsFormerSpelling). What can't be looked at, as on a disk that is away, was not;
+///   nor has it become a disk that is mounted under another case of its name.
 ///
 /// All operations look at the disk, but for paths that are equal, or differ in more than case and aren't
 /// folders.

@@ -16,6 +16,7 @@ std::error_code ReadStatusAt(int folder, const char* name, FileStatus& status, b
   if (::statx(folder, name, flags, STATX_BASIC_STATS | STATX_BTIME, &raw) != 0) return LastError();
   status.IsFolder = S_ISDIR(raw.stx_mode);
   status.IsRegular = S_ISREG(raw.stx_mode);
+  status.IsMountPoint = (raw.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
   status.Size = raw.stx_size;
   status.Modified = raw.stx_mtime.tv_sec;
   // Some file systems claim a birth time and have a 0 there.

@@ -16,6 +16,7 @@ namespace platform {
 struct FileStatus {
   bool IsFolder = false;
   bool IsRegular = false;
+  bool IsMountPoint = false;  // the root of a disk, or of what else is mounted there
   std::uint64_t Size = 0;     // bytes
   std::int64_t Created = 0;   // seconds since 1970, UTC; the birth time, or Modified where none is kept
   std::int64_t Modified = 0;  // seconds since 1970, UTC

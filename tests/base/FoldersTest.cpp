@@ -102,6 +102,9 @@ TEST(PathIdentity, IsThatOfBytesUnlessTheDiskSaysOtherwise) {
   EXPECT_FALSE(isFormer("/Été/a.jpg", "/ÉTÉ/A.jpg")) << "nothing of that name stands";
   EXPECT_FALSE(isFormer("/Été/a.jpg", "/Été/a.jpg"));
   EXPECT_TRUE(IsSameFolder(root + "/ÉTÉ", root + "/Été/"));
+  EXPECT_EQ(FindPresentSpelling(root + "/ÉTÉ/A.jpg"), root + "/Été/a.jpg");
+  EXPECT_FALSE(IsFormerSpelling("/PROC/version", "/proc/version")) << "a disk of another name";
+  EXPECT_EQ(FindPresentSpelling("/PROC/version"), "");
   scratch.Write("ÉTÉ/x", "");
   EXPECT_FALSE(isFormer("/ÉTÉ/A.jpg", "/Été/a.jpg")) << "both folders stand";
   EXPECT_FALSE(IsSameFolder(root + "/ÉTÉ", root + "/Été"));
