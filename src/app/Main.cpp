@@ -68,7 +68,8 @@ bool ChooseSettings(bool activeDisk) {
   return false;
 }
 
-/// Where another process may be at work; empty where there can be no catalog, which opening it will tell.
+/// The catalog that another process may have open; empty if there can be none, as the user is told when it is
+/// opened.
 std::string FindCatalogToClaim(bool activeDisk) {
   try {
     return FindCatalog(activeDisk);

@@ -11,8 +11,8 @@
 ///   (Unicode simple folding, IsFormerSpelling). What can't be looked at, as on a disk that is away, was not;
 ///   nor has it become a disk that is mounted under another case of its name.
 ///
-/// All operations look at the disk, but for paths that are equal, or differ in more than case and aren't
-/// folders.
+/// The disk isn't asked about paths that are equal, nor about those that differ in more than case, which can
+/// mean one thing only as folders (IsSameFolder).
 
 /// Whether `former`, a path that was stored, has become `path`: they differ in the case of letters alone,
 /// `path` stands, and wherever a name differs the former one is gone from the folder that held it. On a disk

@@ -19,8 +19,8 @@ class CKnownFolders {
   /// Looks again at those that didn't stand: a disk may have come.
   void LookForMissing();
 
-  /// The other paths that lead to this folder, as far as folders were looked at; without closing "/". The
-  /// disk is asked again about those alone that this finds.
+  /// The other paths that lead to this folder, among the folders looked at; without closing "/". What is
+  /// found is checked on the disk again.
   std::vector<std::string> GetOtherPaths(std::string_view folder) const;
 
   void Clear();

@@ -10,7 +10,7 @@ CStringHistory::CStringHistory(CCatalog& owner, const std::string& categoryName,
   try {
     Category = Owner->GetCategory(CategoryName);
   } catch (const CStorageException&) {
-    // The list is empty, which can be looked at.
+    // The list is empty for now. The program goes on without it.
   }
 }
 

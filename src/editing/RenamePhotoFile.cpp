@@ -30,8 +30,7 @@ bool IsThere(const std::string& path) {
 }
 
 /// Whether a name that isn't the file's own leads to that file all the same, on a disk that knows no case:
-/// both names are there, and the folder lists one. Where such disks are mounted the numbers of files aren't
-/// to be relied on.
+/// both names are there, and the folder lists one. Inode numbers can't be relied on there.
 bool LeadsToOwnFile(const std::string& folder, const std::string& name, const std::string& own) {
   if (name == own || !platform::EqualNoCase(name, own)) return false;
   if (!IsThere(folder + name) || !IsThere(folder + own)) return false;

@@ -75,8 +75,8 @@ class CJpegTurn {
   /// Whether the picture reads without any flaw.
   bool IsWhole() { return TakeIn() && !Errors.Flawed; }
 
-  /// Values that were made out of damaged data may be such as no decoder gives back, and the arithmetic
-  /// encoder takes them all.
+  /// Whether what is written must be read again as a check: damaged data can give values that no decoder
+  /// reads back, and the arithmetic encoder refuses none.
   bool IsInDoubt() const { return Errors.Flawed || From.arith_code; }
 
   /// What stands behind the end of the picture.
@@ -101,7 +101,8 @@ class CJpegTurn {
   bool TakeIn() {
     if (!Run([this] { return ReadHeader(); })) return false;
     if (!IsAffordable(From)) throw CTooLargeException();
-    // As they were, as they are turned, and the new file, whose room grows to twice of what it needs.
+    // The coefficients as read and as turned, and the new file, whose buffer can be twice as large as the
+    // file.
     Share.emplace(GetPictureMemory(), 2 * GetCoefficientBytes(From) + 2 * std::uint64_t{FileBytes});
     return Run([this] { return ReadPicture(); }) && !Errors.LostHeader;
   }

@@ -30,7 +30,7 @@ std::uint64_t GetBitmapBytes(ImageSize size) {
   return static_cast<std::uint64_t>(size.Width) * static_cast<std::uint64_t>(size.Height) * kBytesPerPixel;
 }
 
-/// For as much again as the held pixels: what the library takes to decode them, or a turned copy.
+/// The held pixels, and as much again: the library takes that to decode them, and so does a turned copy.
 std::uint64_t GetWorkingBytes(ImageSize size) { return 2 * GetBitmapBytes(size); }
 
 void SwapRedAndBlue(std::uint32_t& pixel) {
