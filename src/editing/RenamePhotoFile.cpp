@@ -51,20 +51,18 @@ std::string FindFreeName(const CAssetRecord& photo, const std::string& title, co
   }
 }
 
-/// Brings file and row together after a rename that didn't come to its end. What the row says counts; the row
-/// follows only a file that can't be moved. False if neither can be done, or isn't sure to last.
+/// Brings file and row together after a rename that didn't come to its end. The row gets the new name last,
+/// so one that has it is right. Else the file goes back to the old name; the row follows only a file that
+/// can't be moved. False if neither can be done, or isn't sure to last.
 bool Settle(CCatalog& catalog, const PhotoRename& rename) {
   CAssetRecord photo = catalog.FindAssetById(rename.AssetId);
-  const std::string stored = photo.GetPath();
-  if (stored != rename.OldPath && stored != rename.NewPath) return true;
-  const std::string& other = stored == rename.NewPath ? rename.OldPath : rename.NewPath;
-  if (IsThere(stored)) return true;
-  if (!IsThere(other)) return false;  // the disk may be away
-  const CAssetRecord owner = catalog.FindAssetByPath(other);
+  if (photo.GetPath() != rename.OldPath || IsThere(rename.OldPath)) return true;
+  if (!IsThere(rename.NewPath)) return false;  // the disk may be away
+  const CAssetRecord owner = catalog.FindAssetByPath(rename.NewPath);
   if (owner.IsValid() && owner.GetAssetID() != rename.AssetId) return true;  // another photo has come there
-  if (!platform::RenameToNewName(other, stored)) return true;
-  if (IsThere(stored)) return false;
-  photo.SetPath(other);
+  if (!platform::RenameToNewName(rename.NewPath, rename.OldPath)) return true;
+  if (IsThere(rename.OldPath)) return false;
+  photo.SetPath(rename.NewPath);
   return true;
 }
 

@@ -170,8 +170,17 @@ TEST_F(RenamePhotoFileTest, AStartBringsTheFileToTheRowOrTheRowToTheFile) {
   ExpectPhotoAt("new.jpg");
   EXPECT_FALSE(HasIntent());
 
-  // Another photo has come to where the file should be.
+  // An intent that outlived its rename moves no other file that has come since.
   platform::SetFaultPlan({});
+  ASSERT_FALSE(intent.Write({1, InFolder("boat.jpg"), InFolder("new.jpg")}));
+  fs::rename(InFolder("new.jpg"), InFolder("kept.jpg"));
+  Scratch.Write("photos/boat.jpg", "another boat");
+  FinishInterruptedRename(Catalog);
+  EXPECT_EQ("another boat", ReadBytes(InFolder("boat.jpg")));
+  fs::remove(InFolder("boat.jpg"));
+  fs::rename(InFolder("kept.jpg"), InFolder("new.jpg"));
+
+  // Another photo has come to where the file should be.
   ASSERT_FALSE(intent.Write({1, InFolder("new.jpg"), InFolder("lake.jpg")}));
   fs::remove(InFolder("new.jpg"));
   Catalog.AddAsset(Scratch.Write("photos/lake.jpg", "the lake"));
