@@ -112,5 +112,5 @@ class CPhotoField : public QWidget, private CFieldListener, private CFieldBoxOwn
 
   std::unique_ptr<CFieldText> Text;
   std::unique_ptr<CPaintedButton> Button;
-  std::unique_ptr<QMenu> Menu;  // while it is open
+  std::unique_ptr<QMenu> Menu;  // the last one that was open
 };

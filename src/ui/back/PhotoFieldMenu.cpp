@@ -85,7 +85,7 @@ QMenu* CPhotoField::GetMenu() const { return Menu && Menu->isVisible() ? Menu.ge
 
 void CPhotoField::OnMenuClosed() {
   if (GetMenu() != nullptr) return;  // the next one is open already
-  Menu.reset();
+  // The menu is kept until the next one opens: the release of the click that closed it comes to its window.
   QTimer::singleShot(kWindowReturns, this, [this] {
     if (!isActiveWindow()) OnBoxLeft(true);
   });

@@ -8,11 +8,19 @@
 
 namespace {
 
-void Post(QWidget& window, QEvent::Type type, QPointF place, Qt::MouseButton button, Qt::MouseButtons buttons,
+void Send(QWidget& window, QEvent::Type type, QPointF place, Qt::MouseButton button, Qt::MouseButtons buttons,
           Qt::KeyboardModifiers modifiers) {
   const QPointF inWindow = window.mapFromGlobal(place);
-  auto event = std::make_unique<QMouseEvent>(type, inWindow, inWindow, place, button, buttons, modifiers);
-  QCoreApplication::postEvent(window.windowHandle(), event.release());
+  QMouseEvent event(type, inWindow, inWindow, place, button, buttons, modifiers);
+  QCoreApplication::sendEvent(window.windowHandle(), &event);
+}
+
+/// Whether a click there goes to the window: no other one lies above it, or blocks it.
+bool TakesClick(const QWidget& window, QPointF place) {
+  if (QApplication::activePopupWidget() != nullptr) return false;
+  const QWidget* blocking = QApplication::activeModalWidget();
+  if (blocking != nullptr && blocking != &window) return false;
+  return QApplication::topLevelAt(place.toPoint()) == &window;
 }
 
 class COutsideClicks final : public QObject {
@@ -21,27 +29,33 @@ class COutsideClicks final : public QObject {
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override {
-    const bool isPress =
-        event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick;
-    if (isPress) PassOn(*static_cast<QMouseEvent*>(event));
-    return QObject::eventFilter(watched, event);
+    if (event->type() != QEvent::MouseButtonPress && event->type() != QEvent::MouseButtonDblClick) {
+      return QObject::eventFilter(watched, event);
+    }
+    const auto& press = *static_cast<QMouseEvent*>(event);
+    if (IsOn(Popup, press)) return false;
+    // A menu would close itself, and its window is gone before the release comes to it.
+    Popup.hide();
+    if (!IsOn(Opener, press)) PassOn(press);
+    return true;
   }
 
  private:
+  static bool IsOn(const QWidget& widget, const QMouseEvent& press) {
+    return widget.rect().contains(widget.mapFromGlobal(press.globalPosition()).toPoint());
+  }
+
   void PassOn(const QMouseEvent& press) const {
-    const QPointF place = press.globalPosition();
-    const auto isOn = [place](const QWidget& widget) {
-      return widget.rect().contains(widget.mapFromGlobal(place).toPoint());
-    };
+    // Later, for the popup is handling an event.
     QWidget* const window = Opener.window();
-    if (isOn(Popup) || isOn(Opener) || !isOn(*window)) return;
-    // The popup closes first.
-    const auto passOn = [window, place, button = press.button(), modifiers = press.modifiers()] {
-      if (QApplication::activePopupWidget() != nullptr || window->windowHandle() == nullptr) return;
-      Post(*window, QEvent::MouseButtonPress, place, button, button, modifiers);
-      if ((QGuiApplication::mouseButtons() & button) != 0) return;
-      // It was let go meanwhile.
-      Post(*window, QEvent::MouseButtonRelease, place, button, Qt::NoButton, modifiers);
+    const auto passOn = [window, place = press.globalPosition(), button = press.button(),
+                         modifiers = press.modifiers()] {
+      if (!TakesClick(*window, place)) return;
+      const bool isDown = (QGuiApplication::mouseButtons() & button) != 0;
+      // Sent, not posted, for the release may be the next event.
+      Send(*window, QEvent::MouseButtonPress, place, button, button, modifiers);
+      // The release has come before.
+      if (!isDown) Send(*window, QEvent::MouseButtonRelease, place, button, Qt::NoButton, modifiers);
     };
     QMetaObject::invokeMethod(window, passOn, Qt::QueuedConnection);
   }
