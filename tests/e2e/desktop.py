@@ -167,7 +167,14 @@ class Desktop:
 
     def wait_for_query(self, statement, rows, what):
         """Waits until the catalog, read while the program runs, holds these rows."""
-        wait_until(lambda: self.query("vellumar.db", statement) == rows, what, 10)
+
+        def holds():
+            try:
+                return self.query("vellumar.db", statement) == rows
+            except sqlite3.OperationalError:  # the program is just writing
+                return False
+
+        wait_until(holds, what, 10)
 
     def colour_at(self, x, y):
         """The colour of one pixel of the screen, told in parts of its width and height."""
