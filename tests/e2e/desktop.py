@@ -162,7 +162,7 @@ class Desktop:
 
     def click(self, x, y, count=1):
         """Clicks at a place of the screen, told in pixels."""
-        command = ["xdotool", "mousemove", "--sync", str(x), str(y), "click", "--repeat", str(count), "1"]
+        command = ["xdotool", "mousemove", str(x), str(y), "click", "--repeat", str(count), "1"]
         subprocess.run(command, env=self.environment, check=True)
 
     def wait_for_query(self, statement, rows, what):

@@ -48,7 +48,7 @@ def walk_by_mouse(desktop):
     desktop.press("4")  # keys work after a click in the strip
     desktop.click(400, 300)
     press_and_wait(desktop, 2, "Left")  # and after one on the photo
-    desktop.click(400, 300, 2)
+    desktop.click(500, 400, 2)
     time.sleep(1)
     press_and_wait(desktop, 3, "Right")  # in full screen
     desktop.press("1")  # the panel isn't there to rate on

@@ -1,13 +1,13 @@
 // Preloaded into a program, this stands between it and the C library: it counts the calls that change files
-// below one folder and lets the n-th of them fail, or kills the program there. It meets the calls of SQLite and
-// Qt like those of the program itself.
+// below one folder and lets the n-th of them fail, or kills the program there. It meets the calls of SQLite
+// and Qt like those of the program itself.
 //
 // SWEEP_ROOT   the folder; nothing is counted elsewhere
 // SWEEP_AT     the call at which it happens, from 1; 0 to count only
-// SWEEP_HOW    kill: right before the call; eio: EIO, and not done; late: EIO, but done; read: EIO for a read;
-//              full: ENOSPC for every call that needs room, from that one on
+// SWEEP_HOW    kill: right before the call; eio: EIO, and not done; late: EIO, but done; read: EIO for a
+//              read; full: ENOSPC for every call that needs room, from that one on
 // SWEEP_COUNT  the file that gets the number of calls at the end
-// SWEEP_WAIT   counting waits for SweepBegin()
+// SWEEP_WAIT   if set, counting waits for SweepBegin()
 
 #include <dlfcn.h>
 #include <fcntl.h>
