@@ -17,8 +17,6 @@
 
 namespace {
 
-constexpr std::uint16_t kDateTimeTag = 306;
-
 std::int32_t ReadCameraDate(const std::string& path) {
   CExifReader reader;
   reader.Load(path);

@@ -25,6 +25,9 @@ struct ExifEntry {
   std::span<const std::uint8_t> Value{};  // inside the segment that the reader holds
 };
 
+/// The entry DateTime of the first directory, by which a photo is dated.
+inline constexpr std::uint16_t kDateTimeTag = 0x0132;
+
 /// Finds the EXIF segment of a JPEG and reads the entries of its directories. It trusts nothing in it:
 /// whatever the bytes are, each call ends within milliseconds and reads only the segment.
 class CExifReader {

@@ -4,22 +4,15 @@
 #include "imaging/JpegImage.h"
 #include "imaging/PictureMemory.h"
 #include "imaging/TiffImage.h"
+#include "platform/Ascii.h"
 
 namespace {
-
-char ToLowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-bool EqualNoCase(std::string_view text, std::string_view lowerCase) {
-  if (text.size() != lowerCase.size()) return false;
-  for (std::size_t i = 0; i < text.size(); ++i)
-    if (ToLowerAscii(text[i]) != lowerCase[i]) return false;
-  return true;
-}
 
 /// What a file is decoded as; more than ImageTypeOfFile, by which photos are searched for.
 ImageType ChooseVariant(const std::string& path) {
   const std::string extension = GetExtension(path);
-  if (EqualNoCase(extension, ".tif") || EqualNoCase(extension, ".tiff")) return ImageType::Tiff;
+  if (platform::EqualNoCaseAscii(extension, ".tif") || platform::EqualNoCaseAscii(extension, ".tiff"))
+    return ImageType::Tiff;
   return ImageTypeFromExtension(extension);
 }
 
@@ -49,7 +42,8 @@ std::unique_ptr<CImage> LoadVariant(ImageType type, bool* isTooLarge, const Load
 }  // namespace
 
 ImageType ImageTypeFromExtension(std::string_view extension) {
-  const bool isJpeg = EqualNoCase(extension, ".jpg") || EqualNoCase(extension, ".jpeg");
+  const bool isJpeg =
+      platform::EqualNoCaseAscii(extension, ".jpg") || platform::EqualNoCaseAscii(extension, ".jpeg");
   return isJpeg ? ImageType::Jpeg : ImageType::None;
 }
 

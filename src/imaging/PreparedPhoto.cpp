@@ -7,8 +7,6 @@
 
 namespace {
 
-constexpr std::uint16_t kDateTimeTag = 0x0132;
-
 std::vector<std::uint8_t> MakeThumbnail(const std::string& path, std::span<const std::uint8_t> bytes) {
   const auto image = LoadImageBytes(path, bytes, kThumbnailBoxWidth, kThumbnailBoxHeight);
   if (!image) return {};

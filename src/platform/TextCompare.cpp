@@ -3,9 +3,8 @@
 #include <QChar>
 #include <QString>
 #include <algorithm>
-#include <cstdint>
-#include <cstring>
 
+#include "platform/Ascii.h"
 #include "platform/Unicode.h"
 
 namespace platform {
@@ -84,18 +83,6 @@ QString WithoutAccents(QString text) {
 }
 
 }  // namespace
-
-bool IsAscii(std::string_view text) {
-  constexpr std::uint64_t kBeyond = 0x8080808080808080;
-  std::size_t at = 0;
-  for (; at + 8 <= text.size(); at += 8) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, text.data() + at, 8);
-    if ((word & kBeyond) != 0) return false;
-  }
-  return std::all_of(text.begin() + static_cast<std::ptrdiff_t>(at), text.end(),
-                     [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
 
 void FoldLetters(std::string_view text, std::string& folded) {
   if (FoldAscii(text, folded)) return;

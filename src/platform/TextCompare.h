@@ -8,8 +8,6 @@
 /// user's language makes no difference. Texts are UTF-8; stray bytes are equal to themselves alone.
 namespace platform {
 
-bool IsAscii(std::string_view text);
-
 /// The form that all texts of the same letters have in common: in small letters and composed.
 std::string FoldLetters(std::string_view text);
 /// The same into `folded`, whose room is used again.

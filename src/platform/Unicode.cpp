@@ -5,6 +5,8 @@
 #include <array>
 #include <iterator>
 
+#include "platform/Ascii.h"
+
 namespace platform {
 namespace {
 
@@ -14,12 +16,6 @@ struct Character {
   char32_t Code = kStrayByte;
   std::size_t Length = 1;  // bytes
 };
-
-bool IsAscii(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
-
-char LowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 /// How many bytes the lead byte announces, with the bits of the code that it holds; 0 for no lead byte.
 std::size_t ReadLeadByte(unsigned char lead, char32_t& bits) {
@@ -71,7 +67,8 @@ std::string Mapped(std::string_view text, const Map& map) {
   std::string result;
   result.reserve(text.size());
   if (IsAscii(text)) {
-    std::transform(text.begin(), text.end(), std::back_inserter(result), LowerAscii);
+    std::transform(text.begin(), text.end(), std::back_inserter(result),
+                   [](char c) { return static_cast<char>(FoldByte(c)); });
     return result;
   }
   for (std::size_t offset = 0; offset < text.size();) {
@@ -98,10 +95,7 @@ std::string FoldCase(std::string_view text) {
 
 bool EqualNoCase(std::string_view a, std::string_view b) {
   if (a == b) return true;
-  if (IsAscii(a) && IsAscii(b)) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return LowerAscii(x) == LowerAscii(y); });
-  }
+  if (IsAscii(a) && IsAscii(b)) return EqualNoCaseAscii(a, b);
   return FoldCase(a) == FoldCase(b);
 }
 

@@ -7,6 +7,7 @@
 #include "catalog/AssetRecord.h"
 #include "catalog/Catalog.h"
 #include "catalog/Properties.h"
+#include "platform/Ascii.h"
 #include "platform/Unicode.h"
 
 namespace {
@@ -20,17 +21,13 @@ std::string FirstCharacters(std::string_view path, std::size_t count) {
 
 bool IsAscii(char byte) { return static_cast<unsigned char>(byte) < 0x80; }
 
-char LowerAscii(char byte) {
-  return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
-}
-
 /// False only if the path begins with no spelling of the folder: they differ in letters that have no other
 /// case. Spares most folders the work of a real comparison.
 bool MayBeginWith(std::string_view path, std::string_view folder) {
   const std::size_t common = std::min(path.size(), folder.size());
   for (std::size_t i = 0; i < common; ++i) {
     if (!IsAscii(path[i]) || !IsAscii(folder[i])) return true;
-    if (LowerAscii(path[i]) != LowerAscii(folder[i])) return false;
+    if (platform::FoldByte(path[i]) != platform::FoldByte(folder[i])) return false;
   }
   return path.size() >= folder.size();
 }

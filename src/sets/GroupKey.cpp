@@ -6,6 +6,7 @@
 
 #include "base/Times.h"
 #include "catalog/Properties.h"
+#include "platform/Ascii.h"
 #include "platform/LocalTime.h"
 #include "platform/TextCompare.h"
 

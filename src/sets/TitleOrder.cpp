@@ -7,6 +7,7 @@
 #include <tuple>
 
 #include "catalog/Properties.h"
+#include "platform/Ascii.h"
 #include "platform/TextCompare.h"
 
 namespace {

@@ -8,9 +8,6 @@
 
 namespace {
 
-/// A candidate of an index costs a check and a place in the order; a row of the sequence only a check.
-constexpr std::size_t kCandidateCost = 16;
-
 constexpr std::size_t kMarksASearch = 8;
 
 std::vector<c4_Slot> ScanAll(const c4_Sequence& sequence, const c4_Row& values) {
@@ -28,10 +25,8 @@ std::vector<c4_Slot> ScanAll(const c4_Sequence& sequence, const c4_Row& values) 
 
 std::vector<c4_Slot> FindMatches(const c4_Sequence& sequence, const c4_Row& values) {
   c4_Table& table = sequence.GetTable();
-  const auto candidates = table.FindCandidates(values);
-  if (!candidates || candidates->size() * kCandidateCost > sequence.GetSize()) {
-    return ScanAll(sequence, values);
-  }
+  const auto candidates = table.FindCandidates(values, sequence.GetSize());
+  if (!candidates) return ScanAll(sequence, values);
   std::vector<c4_Slot> matches;
   for (const auto& [value, slot] : *candidates) {
     if (table.Matches(slot, values) && sequence.Contains(slot)) matches.push_back(slot);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/Ascii.h"
 #include "storage/KeyedSlots.h"
 #include "storage/Table.h"
 #include "storage/TextOrder.h"
@@ -13,8 +14,8 @@ constexpr std::size_t kWordBytes = 8;
 std::string FindCommonPrefix(std::string_view left, std::string_view right) {
   std::string prefix;
   for (std::size_t i = 0; i < std::min(left.size(), right.size()); ++i) {
-    if (FoldByte(left[i]) != FoldByte(right[i])) break;
-    prefix += static_cast<char>(FoldByte(left[i]));
+    if (platform::FoldByte(left[i]) != platform::FoldByte(right[i])) break;
+    prefix += static_cast<char>(platform::FoldByte(left[i]));
   }
   return prefix;
 }
@@ -46,7 +47,7 @@ CSearchGuide::Mark CSearchGuide::MakeTextMark(std::string_view text) const {
   std::size_t at = Prefix.size();
   for (std::uint64_t& word : mark) {
     for (const std::size_t end = at + kWordBytes; at < end; ++at) {
-      word = word << 8 | (at < text.size() ? FoldByte(text[at]) : 0U);
+      word = word << 8 | (at < text.size() ? platform::FoldByte(text[at]) : 0U);
     }
     word ^= Flip;
   }

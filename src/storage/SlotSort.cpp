@@ -5,6 +5,7 @@
 #include <numeric>
 #include <span>
 
+#include "platform/Ascii.h"
 #include "storage/KeyedSlots.h"
 #include "storage/Table.h"
 #include "storage/TextOrder.h"
@@ -27,7 +28,7 @@ std::uint64_t MakeTextKey(std::string_view text, std::size_t depth) {
   const std::size_t count = std::min(text.size() - start, kChunk);
   std::uint64_t key = 0;
   for (std::size_t i = 0; i < kChunk; ++i) {
-    key = (key << 8) | (i < count ? FoldByte(text[start + i]) : 0U);
+    key = (key << 8) | (i < count ? platform::FoldByte(text[start + i]) : 0U);
   }
   return (key << 8) | count;
 }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/Exceptions.h"
+#include "platform/Ascii.h"
 #include "storage/TextOrder.h"
 
 namespace {
@@ -14,7 +15,7 @@ constexpr std::size_t kMaximumColumns = 1000;
 /// Names that SQLite keeps for the number of a row.
 constexpr std::array<std::string_view, 3> kReservedNames = {"rowid", "oid", "_rowid_"};
 
-bool IsLetter(char byte) { return FoldByte(byte) >= 'a' && FoldByte(byte) <= 'z'; }
+bool IsLetter(char byte) { return platform::FoldByte(byte) >= 'a' && platform::FoldByte(byte) <= 'z'; }
 bool IsNameByte(char byte) { return IsLetter(byte) || (byte >= '0' && byte <= '9') || byte == '_'; }
 
 class CDescriptionParser {

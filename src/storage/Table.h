@@ -92,8 +92,9 @@ class c4_Table : public std::enable_shared_from_this<c4_Table> {
   int CompareToValue(std::size_t column, c4_Slot slot, const c4_Row::Value& value) const;
   bool Matches(c4_Slot slot, const c4_Row& values) const;
 
-  /// Rows among which are all that match, ascending, if an index knows; made where it is worth it.
-  std::optional<std::span<const CIntegerIndex::Entry>> FindCandidates(const c4_Row& values);
+  /// Rows among which are all that match, ascending, if an index knows them and looking at them costs less
+  /// than at `rows` rows in order. An index is made where it is worth it.
+  std::optional<std::span<const CIntegerIndex::Entry>> FindCandidates(const c4_Row& values, std::size_t rows);
 
   // Changes.
 

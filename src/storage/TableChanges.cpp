@@ -17,6 +17,8 @@ constexpr std::size_t kFewRows = 8;
 /// Tables this small are searched from end to end, and so few candidates row by row.
 constexpr std::size_t kWorthAnIndex = 256;
 constexpr std::size_t kFewCandidates = 64;
+/// A candidate costs a check and a search for its place; a row in order costs a check alone.
+constexpr std::size_t kCandidateCost = 16;
 
 /// A column is worth an index if this many different values stand among 64 of its rows.
 constexpr std::size_t kSamples = 64;
@@ -164,7 +166,8 @@ void c4_Table::AddProperty(const c4_Property& property) {
   });
 }
 
-std::optional<std::span<const CIntegerIndex::Entry>> c4_Table::FindCandidates(const c4_Row& values) {
+std::optional<std::span<const CIntegerIndex::Entry>> c4_Table::FindCandidates(const c4_Row& values,
+                                                                              std::size_t rows) {
   if (Rows.RowIds.size() < kWorthAnIndex) return std::nullopt;
   std::optional<std::span<const CIntegerIndex::Entry>> best;
   const auto ask = [&](const CColumn& column, std::int32_t value) {
@@ -179,12 +182,12 @@ std::optional<std::span<const CIntegerIndex::Entry>> c4_Table::FindCandidates(co
     }
   };
   askAll();
-  if (best && best->size() <= kFewCandidates) return best;
-  if (CColumn* column = FindColumnToIndex(values)) {
+  CColumn* const column = best && best->size() <= kFewCandidates ? nullptr : FindColumnToIndex(values);
+  if (column != nullptr) {
     MakeIndex(*column);
     askAll();
   }
-  return best;
+  return best && best->size() * kCandidateCost <= rows ? best : std::nullopt;
 }
 
 /// Of the integer columns asked for, the one that tells most rows apart, if any tells enough.

@@ -1,7 +1,10 @@
 #include "storage/TextOrder.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
+
+#include "platform/Ascii.h"
 
 namespace {
 
@@ -24,7 +27,7 @@ std::size_t SkipEqualWords(std::string_view left, std::string_view right, std::s
 int CompareTexts(std::string_view left, std::string_view right) {
   const std::size_t common = std::min(left.size(), right.size());
   for (std::size_t at = SkipEqualWords(left, right, common); at < common; ++at) {
-    const int difference = FoldByte(left[at]) - FoldByte(right[at]);
+    const int difference = platform::FoldByte(left[at]) - platform::FoldByte(right[at]);
     if (difference != 0) return difference;
   }
   if (left.size() == right.size()) return 0;

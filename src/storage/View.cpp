@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr std::size_t kCandidateCost = 16;  // finding a row's position, against looking at one row
-
 constexpr std::size_t kFewRows = 64;
 
 std::size_t ToPosition(int index) { return static_cast<std::size_t>(index); }
@@ -120,8 +118,7 @@ int c4_View::Find(const c4_Row& values, int start) const {
   start = std::max(start, 0);
   if (start >= size) return -1;
   c4_Table& table = Sequence->GetTable();
-  const auto candidates = table.FindCandidates(values);
-  if (candidates && candidates->size() * kCandidateCost <= ToPosition(size)) {
+  if (const auto candidates = table.FindCandidates(values, ToPosition(size))) {
     std::size_t first = std::numeric_limits<std::size_t>::max();
     for (const auto& [value, slot] : *candidates) {
       if (!table.Matches(slot, values)) continue;

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/Ascii.h"
 #include "platform/TextCompare.h"
 
 using platform::EqualLetters;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/kit/Flags.h"
+
 /// How a field looks and behaves; combined with `|`. The numbers are bits.
 enum class FieldStyle : unsigned {
   Editable = 1U << 0U,
@@ -14,19 +16,14 @@ enum class FieldStyle : unsigned {
   HidesValue = 1U << 10U,
 };
 
-constexpr FieldStyle operator|(FieldStyle a, FieldStyle b) {
-  return static_cast<FieldStyle>(static_cast<unsigned>(a) | static_cast<unsigned>(b));
-}
-
-constexpr bool Has(FieldStyle style, FieldStyle bit) {
-  return (static_cast<unsigned>(style) & static_cast<unsigned>(bit)) != 0;
-}
+template <>
+inline constexpr bool kIsFlagSet<FieldStyle> = true;
 
 /// Adds what follows from the rest: an editable text without a white frame is ruled, one that doesn't wrap is
 /// selected as a whole.
 constexpr FieldStyle Normalized(FieldStyle style) {
-  if (Has(style, FieldStyle::Editable) && !Has(style, FieldStyle::WhiteFrame)) {
+  if (HasFlag(style, FieldStyle::Editable) && !HasFlag(style, FieldStyle::WhiteFrame)) {
     style = style | FieldStyle::RuledLines;
   }
-  return Has(style, FieldStyle::Wraps) ? style : style | FieldStyle::SelectAll;
+  return HasFlag(style, FieldStyle::Wraps) ? style : style | FieldStyle::SelectAll;
 }

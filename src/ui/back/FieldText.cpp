@@ -31,7 +31,7 @@ void DrawDots(CDevicePainter& painter, int left, int right, int y) {
 CFieldText::CFieldText(CFieldBoxOwner& owner, FieldStyle style, FontId font, QWidget* parent)
     : QWidget(parent), Owner(owner), Style(style), Font(font) {
   setFocusPolicy(Qt::NoFocus);
-  if (Has(style, FieldStyle::Editable)) setCursor(Qt::IBeamCursor);
+  if (HasFlag(style, FieldStyle::Editable)) setCursor(Qt::IBeamCursor);
 }
 
 void CFieldText::SetText(const QString& text) {
@@ -56,7 +56,8 @@ void CFieldText::BreakText() {
   if (LineCount > 1) {
     Lines = BreakIntoLines(Text, GetFont(Font), width, LineCount);
   } else {
-    Lines = {ShortenLine(Text, Has(Style, FieldStyle::PathOrEllipsis), QFontMetricsF(GetFont(Font)), width)};
+    Lines = {
+        ShortenLine(Text, HasFlag(Style, FieldStyle::PathOrEllipsis), QFontMetricsF(GetFont(Font)), width)};
   }
   const bool isCut = Lines.join(QString()).contains(QChar(0x2026)) && !Text.contains(QChar(0x2026));
   SetToolTip(*this, isCut ? Text : QString());
@@ -65,7 +66,7 @@ void CFieldText::BreakText() {
 
 void CFieldText::OpenBox(const QString& text) {
   if (Box == nullptr) {
-    Box = MakeFieldBox(Owner, Has(Style, FieldStyle::Wraps) && LineCount > 1, GetFont(Font), this);
+    Box = MakeFieldBox(Owner, HasFlag(Style, FieldStyle::Wraps) && LineCount > 1, GetFont(Font), this);
     Box->GetWidget().setAccessibleName(accessibleName());
     PlaceBox();
     Box->GetWidget().show();
@@ -87,7 +88,7 @@ void CFieldText::CloseBox() {
 void CFieldText::RestartEdit(const QString& text) {
   Box->SetText(text);
   FirstText = Box->GetText();
-  if (Has(Style, FieldStyle::SelectAll)) Box->SelectAll();
+  if (HasFlag(Style, FieldStyle::SelectAll)) Box->SelectAll();
 }
 
 void CFieldText::PlaceBox() {
@@ -108,9 +109,9 @@ void CFieldText::resizeEvent(QResizeEvent*) {
 // The mouse.
 
 void CFieldText::mousePressEvent(QMouseEvent* event) {
-  if (event->button() != Qt::LeftButton || !Has(Style, FieldStyle::Editable)) return event->ignore();
+  if (event->button() != Qt::LeftButton || !HasFlag(Style, FieldStyle::Editable)) return event->ignore();
   if (OnClicked) OnClicked();
-  ClickIsPassedOn = Box != nullptr && !Has(Style, FieldStyle::SelectAll);
+  ClickIsPassedOn = Box != nullptr && !HasFlag(Style, FieldStyle::SelectAll);
   if (ClickIsPassedOn) PassOn(*event);
 }
 
@@ -137,7 +138,7 @@ void CFieldText::PassOn(QMouseEvent& event) {
 void CFieldText::paintEvent(QPaintEvent*) {
   CDevicePainter painter(*this);
   if (IsEditing()) return PaintFrame(painter);
-  if (Has(Style, FieldStyle::RuledLines)) PaintRuledLines(painter);
+  if (HasFlag(Style, FieldStyle::RuledLines)) PaintRuledLines(painter);
   PaintText(painter);
 }
 

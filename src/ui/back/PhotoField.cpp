@@ -41,8 +41,8 @@ CPhotoField::CPhotoField(const FieldForm& form, QWidget* parent)
   CCommandTarget& target = *this;
   Text = std::make_unique<CFieldText>(owner, Style, form.ValueFont, this);
   Text->OnClicked = [this] { StartEdit(); };
-  Text->setVisible(!Has(Style, FieldStyle::HidesValue));
-  if (Has(Style, FieldStyle::HasButton)) {
+  Text->setVisible(!HasFlag(Style, FieldStyle::HidesValue));
+  if (HasFlag(Style, FieldStyle::HasButton)) {
     Button = std::make_unique<CPaintedButton>(target, this);
     Button->Create({}, CommandId::OpenFieldList, ButtonFlags::None, PictureId::FieldButton, kButtonImages);
     Button->hide();
@@ -119,7 +119,7 @@ bool CPhotoField::BeginEdit() {
 }
 
 void CPhotoField::StartEdit() {
-  if (!Has(Style, FieldStyle::Editable) || !BeginEdit()) return;
+  if (!HasFlag(Style, FieldStyle::Editable) || !BeginEdit()) return;
   const bool begins = !IsEditing();
   Text->OpenBox(begins ? MakeEditText() : QString());
   if (!begins) return;
@@ -268,7 +268,7 @@ void CPhotoField::Layout() {
 }
 
 void CPhotoField::paintEvent(QPaintEvent*) {
-  if (!Has(Style, FieldStyle::Labelled)) return;
+  if (!HasFlag(Style, FieldStyle::Labelled)) return;
   CDevicePainter painter(*this);
   const int height = CFontTable::GetInstance().GetCellHeight(Form.LabelFont);
   const QRect area(0, painter.Scaled(kFieldPadding), painter.GetArea().width(), painter.Scaled(height));

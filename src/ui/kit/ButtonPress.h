@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/kit/Flags.h"
+
 /// The numbers are the positions of the looks in a button's picture.
 enum class ButtonState : int { Normal = 0, Pressed = 1, Hover = 2, Disabled = 3 };
 
@@ -12,13 +14,8 @@ enum class ButtonFlags : unsigned {
   TipStays = 8,                 // the caption is on view with the button, not only under the pointer
 };
 
-constexpr ButtonFlags operator|(ButtonFlags left, ButtonFlags right) {
-  return static_cast<ButtonFlags>(static_cast<unsigned>(left) | static_cast<unsigned>(right));
-}
-
-constexpr bool HasFlag(ButtonFlags flags, ButtonFlags flag) {
-  return (static_cast<unsigned>(flags) & static_cast<unsigned>(flag)) != 0;
-}
+template <>
+inline constexpr bool kIsFlagSet<ButtonFlags> = true;
 
 /// What the mouse does to a button: its state, when the command fires, when it repeats. It knows neither
 /// window nor clock: after each call its owner runs the two timers as asked, and sends the command if the

@@ -6,6 +6,7 @@
 
 #include "ui/kit/DropControlModel.h"
 #include "ui/kit/DropText.h"
+#include "ui/kit/Flags.h"
 #include "ui/kit/FontTable.h"
 
 class CDropList;
@@ -21,13 +22,8 @@ enum class DropStyle : unsigned {
   SelectsWhole = 32,  // the edit box opens with its text selected, else with the caret where the click was
 };
 
-constexpr DropStyle operator|(DropStyle left, DropStyle right) {
-  return static_cast<DropStyle>(static_cast<unsigned>(left) | static_cast<unsigned>(right));
-}
-
-constexpr bool HasFlag(DropStyle styles, DropStyle style) {
-  return (static_cast<unsigned>(styles) & static_cast<unsigned>(style)) != 0;
-}
+template <>
+inline constexpr bool kIsFlagSet<DropStyle> = true;
 
 /// A box that shows what was chosen and opens a list to choose from; with an edit box it also takes typed
 /// text. A click in the text of such a control opens the edit box, a click anywhere else the list. The edit

@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "ui/kit/Flags.h"
+
 /// How an item of a drop control looks and acts; combined with `|`.
 enum class DropItemFlags : unsigned {
   None = 0,
@@ -11,13 +13,8 @@ enum class DropItemFlags : unsigned {
   Action = 4,      // picking it reports its id; the control stays on the item it stood on
 };
 
-constexpr DropItemFlags operator|(DropItemFlags left, DropItemFlags right) {
-  return static_cast<DropItemFlags>(static_cast<unsigned>(left) | static_cast<unsigned>(right));
-}
-
-constexpr bool HasFlag(DropItemFlags flags, DropItemFlags flag) {
-  return (static_cast<unsigned>(flags) & static_cast<unsigned>(flag)) != 0;
-}
+template <>
+inline constexpr bool kIsFlagSet<DropItemFlags> = true;
 
 /// The numbers are those that the control's pictures are chosen by.
 enum class DropState : int { Rest = 0, ListOpen = 2, EditOpen = 6 };

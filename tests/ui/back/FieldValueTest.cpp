@@ -259,7 +259,7 @@ TEST(FieldStyleTest, WhatFollowsFromTheRestIsAdded) {
   EXPECT_EQ(static_cast<unsigned>(Normalized(field_styles::kList)), 0x381U | 0x24U);
   EXPECT_EQ(static_cast<unsigned>(Normalized(field_styles::kFolder)), 0x82U | 0x20U);
   const FieldStyle framed = FieldStyle::Editable | FieldStyle::WhiteFrame;
-  EXPECT_FALSE(Has(Normalized(framed), FieldStyle::RuledLines));
+  EXPECT_FALSE(HasFlag(Normalized(framed), FieldStyle::RuledLines));
 }
 
 TEST(DateTextTest, TheEditFormHasTheOrderOfTheLocaleAndReadsBack) {
