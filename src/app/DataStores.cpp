@@ -8,10 +8,10 @@
 #include "base/Paths.h"
 #include "base/Texts.h"
 #include "catalog/Catalog.h"
+#include "catalog/ThumbnailCache.h"
 #include "discovery/FolderSearch.h"
 #include "editing/BackupFile.h"
 #include "editing/RenamePhotoFile.h"
-#include "imaging/ThumbnailCache.h"
 #include "platform/Files.h"
 #include "storage/StorageFile.h"
 

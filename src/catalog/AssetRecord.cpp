@@ -6,9 +6,9 @@
 #include "catalog/Catalog.h"
 #include "catalog/Properties.h"
 #include "catalog/StampList.h"
+#include "catalog/ThumbnailCache.h"
 #include "imaging/JpegImage.h"
 #include "imaging/PreparedPhoto.h"
-#include "imaging/ThumbnailCache.h"
 
 namespace {
 

@@ -7,10 +7,10 @@
 #include "base/Paths.h"
 #include "base/Times.h"
 #include "catalog/Catalog.h"
+#include "catalog/ThumbnailCache.h"
 #include "discovery/PrepareAhead.h"
 #include "discovery/SearchProgress.h"
 #include "imaging/ImageFile.h"
-#include "imaging/ThumbnailCache.h"
 #include "platform/Unicode.h"
 
 namespace {

@@ -4,7 +4,7 @@
 
 #include "base/Messages.h"
 #include "catalog/AssetRecord.h"
-#include "imaging/ThumbnailCache.h"
+#include "catalog/ThumbnailCache.h"
 #include "platform/Files.h"
 #include "storage/StorageException.h"
 

@@ -2,7 +2,7 @@
 #include "app/SessionFixture.h"
 #include "base/Exceptions.h"
 #include "catalog/Catalog.h"
-#include "imaging/ThumbnailCache.h"
+#include "catalog/ThumbnailCache.h"
 #include "support/FileSizeLimit.h"
 
 namespace {

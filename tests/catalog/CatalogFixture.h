@@ -8,7 +8,7 @@
 
 #include "catalog/Catalog.h"
 #include "catalog/StampList.h"
-#include "imaging/ThumbnailCache.h"
+#include "catalog/ThumbnailCache.h"
 #include "support/ScratchFolder.h"
 
 /// A catalog and its thumbnail cache in a scratch folder, and a look at the file from outside.

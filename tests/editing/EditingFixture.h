@@ -7,7 +7,7 @@
 #include <algorithm>
 
 #include "catalog/Catalog.h"
-#include "imaging/ThumbnailCache.h"
+#include "catalog/ThumbnailCache.h"
 #include "platform/Faults.h"
 #include "support/FileSizeLimit.h"
 #include "support/ScratchFolder.h"

@@ -1,5 +1,5 @@
+#include "catalog/ThumbnailCache.h"
 #include "imaging/JpegImage.h"
-#include "imaging/ThumbnailCache.h"
 #include "sets/ListPhotoSet.h"
 #include "sets/SetFixture.h"
 #include "support/TestJpeg.h"

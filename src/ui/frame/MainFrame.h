@@ -5,8 +5,8 @@
 #include <memory>
 
 #include "catalog/Catalog.h"
+#include "catalog/ThumbnailCache.h"
 #include "imaging/PixelBuffer.h"
-#include "imaging/ThumbnailCache.h"
 #include "ui/back/FilterBarHost.h"
 #include "ui/frame/FullScreenState.h"
 #include "ui/frame/FullScreenTools.h"

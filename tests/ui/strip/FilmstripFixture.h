@@ -8,7 +8,7 @@
 
 #include "catalog/Catalog.h"
 #include "catalog/StampList.h"
-#include "imaging/ThumbnailCache.h"
+#include "catalog/ThumbnailCache.h"
 #include "sets/QuerySet.h"
 #include "support/ScratchFolder.h"
 #include "ui/WindowTest.h"

@@ -1,4 +1,4 @@
-#include "imaging/ThumbnailCache.h"
+#include "catalog/ThumbnailCache.h"
 
 #include "imaging/JpegImage.h"
 #include "imaging/PreparedPhoto.h"

@@ -3,11 +3,11 @@
 #include <unistd.h>
 
 #include "base/Exceptions.h"
+#include "catalog/ThumbnailCache.h"
 #include "imaging/JpegImage.h"
-#include "imaging/TestJpegs.h"
-#include "imaging/ThumbnailCache.h"
 #include "storage/StorageException.h"
 #include "support/ScratchFolder.h"
+#include "support/TestJpeg.h"
 
 namespace {
 
@@ -15,8 +15,9 @@ class ThumbnailCacheTest : public testing::Test {
  protected:
   void OpenAnew(CThumbnailCache& cache) { cache.Open(Path, Guid); }
 
-  static std::vector<std::uint8_t> Thumbnail(int width) {
-    return MakeJpeg({.Width = width, .Height = 20}, PaintSoftly);
+  static std::vector<std::uint8_t> Thumbnail(unsigned width) {
+    const std::string jpeg = MakeJpeg(width, 20, 200, 100, 50);
+    return {jpeg.begin(), jpeg.end()};
   }
 
   const CScratchFolder Scratch;
@@ -52,7 +53,7 @@ TEST_F(ThumbnailCacheTest, KeepsItsRowsForTheSameCatalogAndDropsThemForAnother) 
 TEST_F(ThumbnailCacheTest, FindsRowsStoredInAnyOrder) {
   CThumbnailCache cache;
   OpenAnew(cache);
-  for (const int id : {30, 10, 20}) cache.StoreBytes(id, Thumbnail(id));
+  for (const int id : {30, 10, 20}) cache.StoreBytes(id, Thumbnail(static_cast<unsigned>(id)));
   EXPECT_EQ(0, cache.FindRow(30));
   EXPECT_EQ(1, cache.FindRow(10));
   EXPECT_EQ(2, cache.FindRow(20));
