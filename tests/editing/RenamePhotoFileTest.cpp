@@ -5,8 +5,8 @@
 #include "editing/EditingFixture.h"
 #include "editing/RenameIntent.h"
 #include "editing/RenamePhotoFile.h"
-#include "storage/FaultyVfs.h"
 #include "support/FaultSteps.h"
+#include "support/FaultyVfs.h"
 
 using testing::ElementsAre;
 using testing::Optional;

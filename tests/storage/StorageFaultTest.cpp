@@ -3,10 +3,10 @@
 #include <cerrno>
 #include <functional>
 
-#include "FaultyVfs.h"
 #include "StorageTestTools.h"
 #include "platform/Faults.h"
 #include "storage/StorageException.h"
+#include "support/FaultyVfs.h"
 
 using testing::HasSubstr;
 

@@ -7,10 +7,10 @@
 #include <functional>
 #include <future>
 
-#include "FaultyVfs.h"
 #include "StorageTestTools.h"
 #include "storage/StorageException.h"
 #include "storage/StorageFile.h"
+#include "support/FaultyVfs.h"
 
 namespace {
 

@@ -8,10 +8,10 @@
 #include <csignal>
 #include <random>
 
-#include "FaultyVfs.h"
 #include "StorageTestTools.h"
 #include "storage/StorageDescription.h"
 #include "storage/StorageException.h"
+#include "support/FaultyVfs.h"
 
 namespace {
 
