@@ -6,14 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "base/Folders.h"
-#include "catalog/Catalog.h"
-#include "catalog/StampList.h"
-#include "catalog/ThumbnailCache.h"
 #include "discovery/FolderSearch.h"
 #include "discovery/SearchProgress.h"
+#include "support/CatalogFixture.h"
 #include "support/FileSizeLimit.h"
-#include "support/ScratchFolder.h"
 #include "support/ScriptedMessages.h"
 #include "support/TestJpeg.h"
 
@@ -41,40 +37,22 @@ class CScriptedProgress : public CSearchProgress {
   std::function<void()> OnTotal;
 };
 
-/// A home with a pictures folder, an open catalog and the search, as a session has them.
-class CSearchFixture : public testing::Test {
+/// The stores of a session, and the search over them.
+class CSearchFixture : public CCatalogFixture {
  protected:
-  CSearchFixture() {
-    ::setenv("HOME", Scratch.GetPath().c_str(), 1);
-    ::setenv("XDG_CONFIG_HOME", Scratch.File("config").c_str(), 1);
-    std::filesystem::create_directory(Scratch.File("Pictures"));
-    ForgetMyPicturesFolder();
-    Search.Reset();
-    OpenStores();
-  }
-
-  void OpenStores() {
-    Catalog.Open(Scratch.File("vellumar.db"));
-    Cache.Open(Scratch.File("vellumar.thumbs"), Catalog.GetDBGUID());
-  }
+  CSearchFixture() { Search.Reset(); }
 
   void Restart() {
-    Cache.Close();
-    Catalog.Close();
+    CloseStores();
     Search.Reset();
     OpenStores();
   }
-
-  std::string Pictures() const { return Scratch.GetPath() + "/Pictures"; }
 
   std::string AddPhoto(const std::string& name, const std::string& dateTime = {}) const {
     return Scratch.Write("Pictures/" + name, MakeJpeg(160, 120, 200, 100, 50, dateTime));
   }
 
-  CScratchFolder Scratch;
   CScriptedMessages Messages;
   CScriptedProgress Progress;
-  CCatalog Catalog;
-  CThumbnailCache Cache;
   CFolderSearch& Search = CFolderSearch::GetInstance();
 };

@@ -1,4 +1,3 @@
-#include "catalog/ThumbnailCache.h"
 #include "imaging/JpegImage.h"
 #include "sets/ListPhotoSet.h"
 #include "sets/SetFixture.h"
@@ -9,7 +8,6 @@ namespace {
 class ListPhotoSetTest : public CSetFixture {
  protected:
   void SetUp() override {
-    Cache.Open(Scratch.File("vellumar.thumbs"), Catalog.GetDBGUID());
     for (const std::int32_t id : {1, 2, 3}) StoreThumbnail(id, static_cast<unsigned>(id) * 10);
     for (const std::int32_t id : {3, 1, 2}) List.Add(id);
     List.Rebuild();
@@ -30,7 +28,6 @@ class ListPhotoSetTest : public CSetFixture {
     return thumbnail != nullptr ? thumbnail->GetNaturalSize().Width : -1;
   }
 
-  CThumbnailCache Cache;
   CListPhotoSet List{true};
 };
 

@@ -1,28 +1,18 @@
 #pragma once
 
-#include <gtest/gtest.h>
-#include <stdlib.h>
-#include <time.h>
-
 #include <ctime>
 #include <string>
 #include <vector>
 
-#include "base/Times.h"
-#include "catalog/Catalog.h"
-#include "catalog/StampList.h"
 #include "sets/QuerySet.h"
-#include "support/ScratchFolder.h"
+#include "support/CatalogFixture.h"
 
 using Ids = std::vector<std::int32_t>;
 
 /// A catalog of some years: nested folders, photos of one moment, months that repeat, three rolls.
-class CSetFixture : public testing::Test {
+class CSetFixture : public CCatalogFixture {
  protected:
-  CSetFixture() : Root(Scratch.GetPath() + "/") {
-    ::setenv("TZ", "Europe/Berlin", 1);
-    ::tzset();
-    Catalog.Open(Scratch.File("vellumar.db"));
+  CSetFixture() {
     CAutoCommitPause pause(Catalog);
     // AssetID, in the order of adding: 1 to 10.
     Add("Photos/2002/sunset.jpg", Day(2002, 8, 31, 23), 3);
@@ -41,15 +31,9 @@ class CSetFixture : public testing::Test {
     Add("aaa.jpg", Day(2003, 12, 31, 23), 0);
     pause.Commit();
   }
-  ~CSetFixture() override {
-    ::unsetenv("TZ");
-    ::tzset();
-  }
 
   void Add(const std::string& name, std::int32_t date, std::int32_t rating) {
-    CAssetRecord record = Catalog.AddAsset(Root + name);
-    record.GetStamps(StampId::Date).SetDate(date, 0, StampId::None);
-    if (rating != 0) record.GetStamps(StampId::Rating).SetNumber(rating, 0);
+    AddRow(Root + name, date, rating);
   }
 
   static std::int32_t Day(int year, int month, int day, int hour) {
@@ -84,7 +68,5 @@ class CSetFixture : public testing::Test {
     return IdsOf(set);
   }
 
-  CScratchFolder Scratch;
-  const std::string Root;
-  CCatalog Catalog;
+  const std::string Root = Scratch.GetPath() + "/";
 };
