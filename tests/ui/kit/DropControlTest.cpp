@@ -1,43 +1,55 @@
+#include <gmock/gmock.h>
+
+#include <QFontMetricsF>
 #include <QLineEdit>
 
 #include "ui/WindowTest.h"
-#include "ui/kit/Colours.h"
 #include "ui/kit/DropControl.h"
-#include "ui/kit/DropControlLayout.h"
 #include "ui/kit/DropList.h"
-#include "ui/kit/ListedHistory.h"
 
 namespace {
 
+using testing::ElementsAre;
+
+constexpr int kNone = CDropControlModel::kNone;
+constexpr auto kLine = DropItemFlags::LineBelow;
+constexpr int kAction = 7;
 constexpr QPoint kOnText(20, 10);
 constexpr QPoint kOnArrow(160, 10);
-constexpr int kAction = 7;
+
+class CListedHistory : public CDropHistory {
+ public:
+  explicit CListedHistory(std::vector<std::string> entries) : Entries(std::move(entries)) {}
+  int Count() const override { return static_cast<int>(Entries.size()); }
+  std::string Get(int index) const override { return Entries[static_cast<std::size_t>(index)]; }
+  int Add(const std::string& text) override {
+    const auto found = std::find(Entries.begin(), Entries.end(), text);
+    const auto index = static_cast<int>(found - Entries.begin());
+    if (index == Count()) Entries.push_back(text);
+    return index;
+  }
+  void Promote(int index) override {
+    std::rotate(Entries.begin(), Entries.begin() + index, Entries.begin() + index + 1);
+  }
+
+  std::vector<std::string> Entries;
+};
 
 /// A window with a text field, a control with a list of four rows, and one that can be typed into.
 class DropControl : public testing::Test {
  protected:
-  DropControl()
-      : Field(&Window),
-        Sort("Sort", DropStyle::None, &Window),
-        Find("Find", DropStyle::EditBox | DropStyle::History | DropStyle::SelectsWhole, &Window) {
+  DropControl() {
     Window.setFocusPolicy(Qt::StrongFocus);
     Window.resize(400, 300);
-    Field.move(10, 10);
     Sort.setGeometry(10, 50, 180, 22);
-    Find.setGeometry(10, 80, 180, 22);
-    for (int id = 0; id < 3; ++id)
-      Sort.GetModel().AddItem(id, std::string(1, static_cast<char>('a' + id)), {});
+    Find.setGeometry(10, 10, 180, 22);
+    for (int id = 0; id < 3; ++id) Sort.GetModel().AddItem(id, "item", {});
     Sort.GetModel().AddItem(kAction, "act", DropItemFlags::Action);
     Sort.GetModel().SelectId(1);
     Sort.OnChange = [this] { ++Changes; };
-    Find.GetModel().AddItem(1, "", DropItemFlags::LineBelow);
     Find.GetModel().AddHistory(100, History, {});
-    Find.GetModel().SelectId(1);
-    Find.SetPrompt("Anything");
-    Find.OnChange = [this] { ++Changes; };
     Find.OnEditEnd = [this] { ++EditEnds; };
     Window.show();
-    Window.activateWindow();
     Window.setFocus();
     EXPECT_TRUE(QTest::qWaitForWindowActive(&Window));
   }
@@ -47,21 +59,12 @@ class DropControl : public testing::Test {
     QTest::mouseClick(Window.windowHandle(), Qt::LeftButton, {}, widget.mapTo(&Window, point));
     QCoreApplication::processEvents();
   }
-
   CDropList& OpenList(CDropControl& control) {
     Click(control, kOnArrow);
     EXPECT_NE(control.GetOpenList(), nullptr);
     return *control.GetOpenList();
   }
-
   static QPoint RowOf(const CDropList& list, int row) { return list.GetLayout().GetRow(row).center(); }
-
-  void PickByMouse(CDropControl& control, int row) {
-    CDropList& list = OpenList(control);
-    QTest::mouseMove(&list, RowOf(list, row));
-    QTest::mouseClick(&list, Qt::LeftButton, {}, RowOf(list, row));
-  }
-
   QLineEdit& OpenEdit() {
     Click(Find, kOnText);
     EXPECT_TRUE(Find.IsEditing());
@@ -70,111 +73,111 @@ class DropControl : public testing::Test {
 
   const CFontTable Fonts{false};
   QWidget Window;
-  QLineEdit Field;
-  CDropControl Sort;
+  QLineEdit Field{&Window};
+  CDropControl Sort{"Sort", DropStyle::None, &Window};
   CListedHistory History{{"lake", "sea"}};
-  CDropControl Find;
+  CDropControl Find{"Find", DropStyle::EditBox | DropStyle::History | DropStyle::SelectsWhole, &Window};
   int Changes = 0;
   int EditEnds = 0;
 };
 
 }  // namespace
 
+TEST(DropControlModel, HistoryHasARowForEachEntryThatIsShown) {
+  CListedHistory history{{"/a", "/b", "/c", "/d"}};
+  CDropControlModel model;
+  model.AddItem(1, "search", DropItemFlags::Action);
+  model.AddItem(100, "all", DropItemFlags::None);
+  model.AddHistory(103, history, DropItemFlags::SecondFont | kLine, "> %s", 3);
+  model.AddItem(3, "more", DropItemFlags::None);
+  std::vector<std::string> shown;
+  for (const auto& row : model.GetRows()) {
+    shown.push_back(std::to_string(row.Id) + row.Shown + (HasFlag(row.Flags, kLine) ? "_" : ""));
+  }
+  EXPECT_THAT(shown, ElementsAre("1search", "100all", "103> /a", "104> /b", "105> /c_", "3more"));
+  EXPECT_TRUE(model.SelectText("/b"));
+  EXPECT_FALSE(model.SelectText("> /a")) << "how it is written";
+  EXPECT_FALSE(model.SelectText("/d")) << "beyond the limit";
+  EXPECT_FALSE(model.SelectId(106));
+  const auto pick = [&model](int row) {
+    model.OpenList();
+    EXPECT_EQ(model.GetSelected(), kNone) << "no row while the list is open";
+    return model.CloseList(row);
+  };
+  EXPECT_TRUE(pick(0));
+  EXPECT_EQ(model.GetAction(), 1);
+  EXPECT_FALSE(pick(kNone)) << "closed without a pick";
+  EXPECT_EQ(model.GetAction(), kNone);
+  EXPECT_EQ(model.GetSelectedId(), 104) << "neither changes the selection";
+  EXPECT_TRUE(pick(4));
+  EXPECT_EQ(history.Entries.front(), "/c");
+  EXPECT_EQ(model.GetSelectedId(), 103);
+  EXPECT_EQ(model.GetShownText(), "> /c");
+}
+
 TEST_F(DropControl, RowIsPickedByMouse) {
   CDropList& list = OpenList(Sort);
-  EXPECT_EQ(list.geometry().topLeft(), Sort.mapToGlobal(QPoint(0, Sort.height())));
-  EXPECT_EQ(Sort.GetModel().GetState(), DropState::ListOpen);
-  QTest::mouseMove(&list, RowOf(list, 2));
-  EXPECT_EQ(list.GetHotRow(), 2);
-  EXPECT_EQ(Painted(list).pixelColor(list.GetLayout().GetRow(2).right() - 3, RowOf(list, 2).y()),
-            colours::kSelection);
-  QTest::mouseClick(&list, Qt::LeftButton, {}, RowOf(list, 2));
+  const QPoint third = RowOf(list, 2);
+  QTest::mouseRelease(&list, Qt::LeftButton, {}, third);
+  EXPECT_NE(Sort.GetOpenList(), nullptr) << "held from the control; the pointer has not been on the row";
+  QTest::mouseMove(&list, third);
+  QTest::mouseRelease(&list, Qt::LeftButton, {}, third);
   EXPECT_EQ(Sort.GetOpenList(), nullptr);
   EXPECT_EQ(Sort.GetModel().GetSelectedId(), 2);
-  EXPECT_EQ(Sort.accessibleDescription(), "c");
-  EXPECT_EQ(Changes, 1);
-
-  PickByMouse(Sort, 3);
+  OpenList(Sort);
+  QTest::mouseClick(&list, Qt::LeftButton, {}, RowOf(list, 3));
   EXPECT_EQ(Sort.GetModel().GetAction(), kAction);
-  EXPECT_EQ(Sort.GetModel().GetSelectedId(), 2);
   EXPECT_EQ(Changes, 2);
 }
 
-TEST_F(DropControl, ButtonHeldFromTheControlToARowPicksIt) {
-  QTest::mousePress(Window.windowHandle(), Qt::LeftButton, {}, Sort.mapTo(&Window, kOnArrow));
-  QTest::mouseRelease(Window.windowHandle(), Qt::LeftButton, {}, Sort.mapTo(&Window, kOnArrow));
-  ASSERT_NE(Sort.GetOpenList(), nullptr) << "a click leaves the list open";
-  CDropList& list = *Sort.GetOpenList();
-  QTest::mouseRelease(&list, Qt::LeftButton, {}, RowOf(list, 0));
-  EXPECT_NE(Sort.GetOpenList(), nullptr) << "the pointer has not been on the row";
-  QTest::mouseMove(&list, RowOf(list, 0));
-  QTest::mouseRelease(&list, Qt::LeftButton, {}, RowOf(list, 0));
-  EXPECT_EQ(Sort.GetModel().GetSelectedId(), 0);
-}
-
-TEST_F(DropControl, RowIsPickedByKeys) {
+TEST_F(DropControl, RowIsPickedByKeysWhileTheFocusStaysInAField) {
+  Field.setFocus();
   CDropList& list = OpenList(Sort);
   QTest::keyClick(&list, Qt::Key_Down);
   EXPECT_EQ(list.GetHotRow(), 2) << "from the current row";
-  QTest::keyClick(&list, Qt::Key_Home);
-  QTest::keyClick(&list, Qt::Key_Up);
-  EXPECT_EQ(list.GetHotRow(), 3);
-  QTest::keyClicks(&list, "abc ");
-  EXPECT_EQ(list.GetHotRow(), 3);
-  QTest::keyClick(&list, Qt::Key_Up);
-  QTest::keyClick(&list, Qt::Key_Return);
+  for (const auto key : {Qt::Key_Home, Qt::Key_Up, Qt::Key_Up, Qt::Key_X, Qt::Key_Return}) {
+    QTest::keyClick(&list, key);
+  }
   EXPECT_EQ(Sort.GetModel().GetSelectedId(), 2);
   EXPECT_EQ(Changes, 1);
+  EXPECT_EQ(Window.focusWidget(), &Field);
 }
 
 TEST_F(DropControl, EscapeAndClicksElsewhereCloseTheListWithoutAPick) {
   QTest::keyClick(&OpenList(Sort), Qt::Key_Escape);
   EXPECT_EQ(Sort.GetOpenList(), nullptr);
   OpenList(Sort);
-  Click(Window, {300, 250});
-  EXPECT_EQ(Sort.GetOpenList(), nullptr);
-  OpenList(Sort);
   Click(Sort, kOnArrow);
   EXPECT_EQ(Sort.GetOpenList(), nullptr) << "the click that closes it opens nothing";
   OpenList(Sort);
-  Sort.GetOpenList()->hide();
+  Click(Find, kOnText);
+  EXPECT_TRUE(Find.IsEditing()) << "a click elsewhere acts where it falls";
+  OpenList(Sort).hide();
   EXPECT_EQ(Sort.GetModel().GetState(), DropState::Rest) << "closed by the system";
+  EXPECT_TRUE(Find.IsEditing()) << "another list ends no edit";
   EXPECT_EQ(Sort.GetModel().GetSelectedId(), 1);
   EXPECT_EQ(Changes, 0);
 }
 
-TEST_F(DropControl, ListLeavesTheFocusInAFieldAndTakesItsKeys) {
-  Field.setFocus();
-  CDropList& list = OpenList(Sort);
-  EXPECT_EQ(Window.focusWidget(), &Field);
-  QTest::keyClick(&list, Qt::Key_X);
-  QTest::keyClick(&list, Qt::Key_Escape);
-  EXPECT_EQ(Window.focusWidget(), &Field);
-  EXPECT_TRUE(Field.text().isEmpty());
-}
-
 TEST_F(DropControl, TypedTextIsTakenOnEveryWayOut) {
-  QLineEdit& box = OpenEdit();
-  EXPECT_TRUE(box.hasFocus());
-  QTest::keyClicks(&box, "tree");
-  EXPECT_EQ(EditEnds, 0);
+  QTest::keyClicks(&OpenEdit(), "sea");
   Find.EndEdit();
-  EXPECT_FALSE(Find.IsEditing());
   EXPECT_TRUE(Window.hasFocus());
-  EXPECT_EQ(Find.GetModel().GetText(), "tree");
-  EXPECT_EQ(History.Entries.front(), "tree");
+  EXPECT_EQ(Find.GetModel().GetText(), "sea");
 
-  QLineEdit& second = OpenEdit();
-  EXPECT_EQ(second.selectedText(), "tree");
-  QTest::keyClicks(&second, "hill");
+  QLineEdit& box = OpenEdit();
+  EXPECT_EQ(box.selectedText(), "sea");
+  QTest::keyClicks(&box, "xyz");
+  Find.RestoreText();
+  EXPECT_EQ(box.selectedText(), "sea");
+  QTest::keyClicks(&box, "hill");
+  EXPECT_EQ(EditEnds, 1);
   Field.setFocus();
   EXPECT_EQ(Find.GetModel().GetText(), "hill");
-  EXPECT_TRUE(Field.hasFocus());
 
   QTest::keyClicks(&OpenEdit(), "dune");
-  OpenList(Find);
-  EXPECT_EQ(History.Entries.front(), "dune") << "the control's own list ends its edit";
-  QTest::keyClick(Find.GetOpenList(), Qt::Key_Escape);
+  QTest::keyClick(&OpenList(Find), Qt::Key_Escape);
+  EXPECT_THAT(History.Entries, ElementsAre("dune", "hill", "sea", "lake")) << "its own list ends an edit";
 
   QTest::keyClicks(&OpenEdit(), "  ");
   QWidget other;
@@ -182,55 +185,32 @@ TEST_F(DropControl, TypedTextIsTakenOnEveryWayOut) {
   other.activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
   EXPECT_FALSE(Find.IsEditing()) << "leaving the program";
-  EXPECT_TRUE(Find.GetModel().GetText().empty()) << "blanks are no text";
+  EXPECT_EQ(Find.GetModel().GetText(), "") << "blanks are no text";
+  EXPECT_EQ(Find.GetModel().GetSelected(), kNone);
+  EXPECT_EQ(History.Entries.size(), 4u);
   EXPECT_EQ(EditEnds, 4);
-  EXPECT_EQ(History.Entries.size(), 5u);
 }
 
-TEST_F(DropControl, OtherListsAndMenusEndNoEdit) {
-  QLineEdit& box = OpenEdit();
-  QTest::keyClicks(&box, "tr");
-  QTest::keyClick(&OpenList(Sort), Qt::Key_Escape);
-  EXPECT_TRUE(Find.IsEditing());
-  EXPECT_EQ(EditEnds, 0);
-  QTest::keyClicks(&box, "ee");
-  Find.EndEdit();
-  EXPECT_EQ(Find.GetModel().GetText(), "tree");
+TEST(DropListLayout, ListOpensBelowElseAboveAndAlwaysOnTheScreen) {
+  const auto place = [](QPoint control, int height) {
+    return PlaceDropList({control, QSize(90, 22)}, {196, height}, {0, 0, 1280, 900}).topLeft();
+  };
+  EXPECT_EQ(place({1180, 689}, 189), QPoint(1084, 711)) << "the last place below";
+  EXPECT_EQ(place({-30, 712}, 189), QPoint(0, 523)) << "above";
+  EXPECT_EQ(place({10, 20}, 1000), QPoint(10, 0)) << "higher than the screen";
+  const DropListLayout layout{3, 17, 100};
+  const int rows[][2] = {{0, -1}, {1, 0}, {17, 0}, {18, 1}, {51, 2}, {52, -1}};
+  for (const auto& [y, row] : rows) EXPECT_EQ(layout.FindRow({50, y}), row) << y;
 }
 
-TEST_F(DropControl, RestoredTextIsTheOneFromBefore) {
-  PickByMouse(Find, 2);
-  EXPECT_EQ(Find.GetModel().GetText(), "sea");
-  EXPECT_EQ(History.Entries.front(), "sea");
-  QLineEdit& box = OpenEdit();
-  QTest::keyClicks(&box, "xyz");
-  Find.RestoreText();
-  EXPECT_EQ(box.text(), "sea");
-  EXPECT_EQ(box.selectedText(), "sea");
-  Find.EndEdit();
-  EXPECT_EQ(Find.GetModel().GetText(), "sea");
-}
-
-TEST_F(DropControl, PromptStandsInForAnEmptyText) {
-  const QRect text = GetDropTextArea(Find.size(), false);
-  const QImage prompt = Painted(Find);
-  EXPECT_TRUE(HoldsInk(prompt, text, Qt::white));
-  QLineEdit& box = OpenEdit();
-  QTest::keyClicks(&box, "lake");
-  Find.EndEdit();
-  EXPECT_NE(Painted(Find).copy(text), prompt.copy(text));
-  QTest::keyClick(&OpenEdit(), Qt::Key_Delete);
-  Find.EndEdit();
-  EXPECT_EQ(Painted(Find).copy(text), prompt.copy(text));
-}
-
-TEST_F(DropControl, InputMethodComposesInTheEditBox) {
-  QLineEdit& box = OpenEdit();
-  QInputMethodEvent composing("ni", {});
-  QCoreApplication::sendEvent(&box, &composing);
-  QInputMethodEvent done;
-  done.setCommitString(QStringLiteral("\u4f60"));
-  QCoreApplication::sendEvent(&box, &done);
-  Find.EndEdit();
-  EXPECT_EQ(Find.GetModel().GetText(), "\u4f60");
+TEST(DropText, PathLosesItsMiddleAndKeepsItsName) {
+  const CFontTable fonts(false);
+  const QFontMetricsF metrics(GetFont(FontId::Panel));
+  const QString path = "/home/anna/A long name/another one below it/Scans";
+  for (const double width : {30.0, 70.0, 150.0}) {
+    const QString shortened = ShortenPath(path, width, metrics);
+    EXPECT_LE(metrics.horizontalAdvance(shortened), width);
+    EXPECT_EQ(shortened.endsWith(QStringLiteral("\u2026/Scans")), width > 30) << qPrintable(shortened);
+    EXPECT_GT(metrics.horizontalAdvance(shortened + u'm'), width - 10) << "no shorter than it must be";
+  }
 }

@@ -1,0 +1,219 @@
+#include <QAccessible>
+
+#include "ui/WindowTest.h"
+#include "ui/kit/Pictures.h"
+#include "ui/kit/RatingControl.h"
+#include "ui/kit/Toolbar.h"
+
+namespace {
+
+constexpr QPoint kInside(5, 5);
+constexpr QPoint kOutside(-5, 5);
+
+class CNotedCommands : public CCommandTarget {
+ public:
+  void OnCommand(CommandId id) override {
+    Commands.push_back(id);
+    if (OnEach) OnEach();
+  }
+
+  std::vector<CommandId> Commands;
+  std::function<void()> OnEach;
+};
+
+void PressAt(QWidget& widget, QPoint at) { QTest::mousePress(&widget, Qt::LeftButton, {}, at); }
+void ReleaseAt(QWidget& widget, QPoint at) { QTest::mouseRelease(&widget, Qt::LeftButton, {}, at); }
+void SendTo(QWidget& widget, QEvent::Type type) {
+  QEvent event(type);
+  QCoreApplication::sendEvent(&widget, &event);
+}
+
+class PaintedButton : public testing::Test {
+ protected:
+  void Make(ButtonFlags flags, PictureId picture = PictureId::NextGroup, int images = 2) {
+    Window.resize(400, 200);
+    Window.show();
+    Button.Create({100, 100}, CommandId::NextGroup, flags, picture, images);
+    Button.show();
+  }
+  bool IsTipShown() { return Window.findChild<QWidget*>("ButtonTip")->isVisible(); }
+
+  const CFontTable Fonts{false};
+  CNotedCommands Target;
+  QWidget Window;
+  CPaintedButton Button{Target, &Window};
+};
+
+}  // namespace
+
+TEST_F(PaintedButton, ClickFiresOnceAndAPressMovedAwayDoesNot) {
+  Make(ButtonFlags::None);
+  const QImage rest = Painted(Button);
+  PressAt(Button, kInside);
+  QTest::mouseMove(&Button, kOutside);
+  EXPECT_EQ(Button.GetState(), ButtonState::Normal);
+  ReleaseAt(Button, kOutside);
+  QTest::mouseClick(&Button, Qt::RightButton);
+  EXPECT_TRUE(Target.Commands.empty());
+  PressAt(Button, kInside);
+  EXPECT_NE(Painted(Button), rest);
+  QTest::mouseMove(&Button, kOutside);
+  QTest::mouseMove(&Button, kInside);
+  EXPECT_TRUE(Target.Commands.empty());
+  ReleaseAt(Button, kInside);
+  EXPECT_EQ(Target.Commands, std::vector{CommandId::NextGroup});
+  EXPECT_EQ(Painted(Button), rest);
+}
+
+TEST_F(PaintedButton, FiresOnEachPressOfADoubleClick) {
+  Make(ButtonFlags::FireOnPress);
+  PressAt(Button, kInside);
+  EXPECT_EQ(Target.Commands.size(), 1U);
+  ReleaseAt(Button, kInside);
+  QTest::mouseDClick(&Button, Qt::LeftButton);
+  EXPECT_EQ(Target.Commands.size(), 2U);
+}
+
+TEST_F(PaintedButton, RepeatsWhileItIsHeld) {
+  Make(ButtonFlags::RepeatWhileHeld);
+  const auto repeats = [this](int milliseconds) {
+    const auto count = Target.Commands.size();
+    return QTest::qWaitFor([&] { return Target.Commands.size() >= count + 2; }, milliseconds);
+  };
+  PressAt(Button, kInside);
+  EXPECT_FALSE(repeats(400)) << "half a second passes first";
+  EXPECT_TRUE(repeats(5000));
+  QTest::mouseMove(&Button, kOutside);
+  EXPECT_FALSE(repeats(120));
+  QTest::mouseMove(&Button, kInside);
+  EXPECT_TRUE(repeats(5000));
+  Button.hide();
+  EXPECT_FALSE(repeats(120));
+}
+
+TEST_F(PaintedButton, WhatTakesTheMouseAwayEndsThePress) {
+  Make(ButtonFlags::RepeatWhileHeld);
+  const QImage rest = Painted(Button);
+  PressAt(Button, kInside);
+  SendTo(Button, QEvent::WindowDeactivate);
+  EXPECT_EQ(Button.GetState(), ButtonState::Normal);
+  PressAt(Button, kInside);
+  Button.setEnabled(false);
+  EXPECT_EQ(Button.GetState(), ButtonState::Disabled);
+  EXPECT_EQ(Painted(Button), rest) << "it has no picture of that";
+  QTest::mouseClick(&Button, Qt::LeftButton);
+  Button.setEnabled(true);
+  EXPECT_EQ(Button.GetState(), ButtonState::Normal);
+  EXPECT_TRUE(Target.Commands.empty());
+}
+
+TEST_F(PaintedButton, StaysPressedWhileItsCommandIsHandled) {
+  Make(ButtonFlags::StayPressedUntilHandled);
+  ButtonState meanwhile{};
+  Target.OnEach = [&] { meanwhile = Button.GetState(); };
+  QTest::mouseClick(&Button, Qt::LeftButton);
+  EXPECT_EQ(meanwhile, ButtonState::Pressed);
+  EXPECT_EQ(Button.GetState(), ButtonState::Normal);
+}
+
+TEST_F(PaintedButton, ItsCommandMayDeleteIt) {
+  for (const auto flags : {ButtonFlags::StayPressedUntilHandled, ButtonFlags::FireOnPress}) {
+    auto button = std::make_unique<CPaintedButton>(Target, &Window);
+    button->Create({}, CommandId::NextGroup, flags, PictureId::NextGroup, 2);
+    Target.OnEach = [&] { button.reset(); };
+    PressAt(*button, kInside);
+    if (button) ReleaseAt(*button, kInside);
+    EXPECT_EQ(button, nullptr);
+  }
+}
+
+TEST_F(PaintedButton, CaptionStaysWithItsButtonOrComesWithThePointer) {
+  Make(ButtonFlags::TipStays, PictureId::EmailPhoto);
+  EXPECT_TRUE(IsTipShown());
+  EXPECT_EQ(Button.toolTip(), "Put photo in Email tab\nShortcut key: M");
+  SendTo(Button, QEvent::Leave);
+  QTest::mouseClick(&Button, Qt::LeftButton);
+  EXPECT_TRUE(IsTipShown());
+  Button.hide();
+  EXPECT_FALSE(IsTipShown());
+  Button.SetTipString(StringId::RatePhoto);
+  Make(ButtonFlags::None, PictureId::DoNotEmailPhoto);
+  EXPECT_EQ(Button.toolTip(), "Rate photo\nShortcut key: 0-4") << "a string of its own stays";
+  EXPECT_FALSE(IsTipShown());
+  QTest::mouseMove(&Button, kInside);
+  EXPECT_TRUE(IsTipShown());
+  EXPECT_EQ(Button.GetState(), ButtonState::Normal) << "the look under the pointer is a third picture";
+  QTest::mouseClick(&Button, Qt::LeftButton);
+  EXPECT_FALSE(IsTipShown()) << "firing hides it";
+  QTest::mouseMove(&Button, kInside + QPoint(1, 1));
+  EXPECT_TRUE(IsTipShown());
+  SendTo(Button, QEvent::Leave);
+  EXPECT_FALSE(IsTipShown());
+}
+
+TEST_F(PaintedButton, AssistiveToolsSeeAButtonAndPressIt) {
+  Make(ButtonFlags::None);
+  QAccessibleInterface* face = QAccessible::queryAccessibleInterface(&Button);
+  ASSERT_NE(face, nullptr);
+  EXPECT_EQ(face->text(QAccessible::Name), "Go to next group") << "without a caption the tip's first line";
+  face->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Target.Commands.size() == 1; }));
+}
+
+TEST(ButtonTip, StandsBesideItsOwnerInsideTheBounds) {
+  const auto place = [](QRect owner, TipSide side) {
+    return PlaceButtonTip({60, 15}, owner, side, {0, 0, 400, 300}).topLeft();
+  };
+  EXPECT_EQ(place({100, 100, 40, 20}, TipSide::Above), QPoint(90, 88));
+  EXPECT_EQ(place({2, 5, 40, 20}, TipSide::Above), QPoint(0, 23)) << "no room above";
+  EXPECT_EQ(place({390, 275, 40, 20}, TipSide::Below), QPoint(340, 263)) << "no room below";
+}
+
+TEST(RatingControl, ClickGivesTheStarsAndOneOnTheLastTakesItAway) {
+  struct Owner : CRatingOwner {
+    int GetRating() const override { return Rating; }
+    void SetRating(int rating) override { Next = rating; }
+    void Commit() override { Rating = Next; }
+    int Rating = 0;
+    int Next = 0;
+  };
+  const CFontTable fonts(false);
+  Owner owner;
+  CRatingControl control(owner, nullptr);
+  const int cases[][3] = {{0, 1, 1}, {0, 4, 4}, {1, 1, 0}, {3, 3, 2}, {3, 4, 4}, {3, 1, 1}, {4, 4, 3}};
+  for (const auto& [before, star, after] : cases) {
+    owner.Rating = before;
+    control.Refresh();
+    EXPECT_EQ(Painted(control).pixelColor(21 * star - 10, 11).saturation() > 100, star <= before);
+    QTest::mousePress(control.childAt(21 * star - 10, 10), Qt::LeftButton);
+    EXPECT_EQ(owner.Rating, after) << "star " << star << " of " << before;
+  }
+}
+
+TEST(Toolbar, GivesUpMarginsThenGapsThenLettersThenTheEndsOfCaptions) {
+  const std::vector<ToolbarItem> items = {{0, 90, {60, 50, 40}}, {10, 90, {70, 60, 50}}};
+  // Width of the row, number of the font, then left edge, width and width of the caption of both buttons.
+  const int cases[][8] = {{300, 0, 55, 90, 60, 155, 90, 70},
+                          {160, 0, 2, 68, 60, 80, 78, 70},
+                          {142, 0, 2, 62, 60, 68, 72, 70},
+                          {141, 1, 2, 58, 50, 70, 68, 60},
+                          {80, 2, 2, 36, 34, 42, 36, 34}};
+  for (const auto& [row, font, left, width, caption, left2, width2, caption2] : cases) {
+    const ToolbarPlan plan = ArrangeToolbar(items, row);
+    std::vector<int> got;
+    for (const auto& place : plan.Places)
+      got.insert(got.end(), {place.Left, place.Width, place.CaptionWidth});
+    EXPECT_EQ(got, (std::vector{left, width, caption, left2, width2, caption2})) << row;
+    EXPECT_EQ(plan.CaptionFont, kCaptionFonts[static_cast<std::size_t>(font)]) << row;
+  }
+}
+
+TEST(Toolbar, PlaceOfAButtonHasRoomForItsOtherPicture) {
+  const CFontTable fonts(false);
+  CNotedCommands target;
+  CToolbar row(target, nullptr);
+  const auto& fix = row.AddButton(0, CommandId::AutoFix, StringId::AutoFix, PictureId::UndoAutoFix);
+  row.resize(1000, kToolbarHeight);
+  EXPECT_GT(GetPictureSize(PictureId::UndoAutoFix).width(), GetPictureSize(PictureId::AutoFix).width());
+  EXPECT_EQ(fix.width(), GetPictureSize(PictureId::UndoAutoFix).width() / 2);
+}
