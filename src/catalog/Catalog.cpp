@@ -7,7 +7,6 @@
 #include "catalog/CatalogUpgrade.h"
 #include "catalog/Properties.h"
 #include "platform/Files.h"
-#include "storage/Stream.h"
 
 namespace {
 
@@ -24,18 +23,6 @@ constexpr const char* kStampStructView =
     "StampStruct[StampType:I,StampName:S,Sortable:I,StampStyle:I,StampFormat:I]";
 
 CCatalog* instance = nullptr;
-
-/// Removes a file, if it is there, when this goes.
-class CRemovedFile {
- public:
-  explicit CRemovedFile(std::string path) : Path(std::move(path)) {}
-  ~CRemovedFile() { platform::RemoveFile(Path); }
-  CRemovedFile(const CRemovedFile&) = delete;
-  CRemovedFile& operator=(const CRemovedFile&) = delete;
-
- private:
-  const std::string Path;
-};
 
 }  // namespace
 
@@ -135,22 +122,10 @@ void CCatalog::AddFirstStrings() {
 void CCatalog::Upgrade() { CCatalogUpgrade(*this).Run(); }
 
 void CCatalog::Defragment() {
-  std::string temporary;
-  if (platform::CreateTemporaryFile("", "vel", temporary)) return;
-  const CRemovedFile removedTemporary(temporary);
-  const CRemovedFile removedOld(Path + ".defragged");  // of an earlier version that was killed
-  Rewrite(temporary);
-  GetViews();
-}
-
-/// The content goes back into the file where it stands, which keeps its rights, and the links to it.
-void CCatalog::Rewrite(const std::string& temporary) {
+  // An earlier version that was killed left this file. It is in nobody's way if it can't be removed.
+  static_cast<void>(platform::RemoveFile(Path + ".defragged"));
   try {
-    c4_FileStream out(temporary, "wb");
-    Storage->SaveTo(out);
-    if (!out.Flush()) return;
-    c4_FileStream in(temporary, "rb");
-    Storage->LoadFrom(in);
+    Storage->Compact();
   } catch (...) {
     // The catalog goes on as it was.
   }

@@ -45,7 +45,7 @@ class CCatalog : public CCommittingStore {
   const std::string& GetPath() const { return Path; }
 
   /// Rewrites the file, in its place, without its free space. If that can't be done the catalog goes on as it
-  /// is; CError if it can't be read again.
+  /// is. Changes that aren't committed are undone.
   void Defragment();
 
   // The singletons.
@@ -118,7 +118,6 @@ class CCatalog : public CCommittingStore {
   void AddFirstRows();
   void AddFirstStrings();
   void Upgrade();
-  void Rewrite(const std::string& temporary);
   static std::int32_t Successor(std::int32_t number);
   std::int32_t Alloc(const c4_IntProp& counter);
   std::vector<std::int32_t> ListStringKeys(std::int32_t category, bool byText) const;

@@ -13,8 +13,8 @@ std::int32_t CCatalog::FindStringKey(std::int32_t category, const std::string& t
   const std::string wanted = platform::FoldLetters(text);
   std::string folded;
   for (int i = 0; i < strings.GetSize(); ++i) {
-    platform::FoldLetters(props::String.GetAt(strings, i), folded);
-    if (folded == wanted) return props::Key.GetAt(strings, i);
+    platform::FoldLetters(strings.GetTextAt(props::String, i), folded);
+    if (folded == wanted) return strings.GetIntegerAt(props::Key, i);
   }
   return -1;
 }
@@ -80,8 +80,9 @@ std::vector<std::int32_t> CCatalog::ListStringKeys(std::int32_t category, bool b
   const c4_View strings = Strings.Select(props::Category[category]);
   std::vector<std::pair<std::string, std::int32_t>> ordered;
   for (int i = 0; i < strings.GetSize(); ++i) {
-    const std::string_view text = props::String.GetAt(strings, i);
-    ordered.emplace_back(byText ? platform::MakeLetterOrderKey(text) : "", props::Key.GetAt(strings, i));
+    const std::string_view text = strings.GetTextAt(props::String, i);
+    ordered.emplace_back(byText ? platform::MakeLetterOrderKey(text) : "",
+                         strings.GetIntegerAt(props::Key, i));
   }
   std::sort(ordered.begin(), ordered.end());
   std::vector<std::int32_t> keys;

@@ -102,9 +102,9 @@ void CQuerySet::Rebuild() {
   Members.reserve(static_cast<std::size_t>(sorted.GetSize()));
   for (int i = 0; i < sorted.GetSize(); ++i) {
     const int row = rows.empty() ? i : rows[static_cast<std::size_t>(i)];
-    const std::int32_t assetId = props::AssetID.GetAt(sorted, row);
+    const std::int32_t assetId = sorted.GetIntegerAt(props::AssetID, row);
     if (!areAll && !matches.Contains(assetId)) continue;
-    if (GetSortKind() == SortKind::Folder) folders.push_back(props::Location.GetAt(sorted, row));
+    if (GetSortKind() == SortKind::Folder) folders.push_back(sorted.GetTextAt(props::Location, row));
     Members.push_back({assetId, groupKeys.Find(CAssetRecord(Catalog, sorted[row]))});
   }
   if (GetSortKind() == SortKind::Folder) HoldFoldersApart(folders, Members);

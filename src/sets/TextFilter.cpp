@@ -76,9 +76,9 @@ void CTextFilter::Refresh() {
   if (catalog == nullptr) return;
   const c4_View stamps = catalog->GetStamps();
   for (int i = 0; i < stamps.GetSize(); ++i) {
-    if (IsSearched(static_cast<StampId>(props::StampType.GetAt(stamps, i))) &&
-        Matcher.TextHits(props::SortedString.GetAt(stamps, i))) {
-      HitAssets.Add(props::AssetID.GetAt(stamps, i));
+    if (IsSearched(static_cast<StampId>(stamps.GetIntegerAt(props::StampType, i))) &&
+        Matcher.TextHits(stamps.GetTextAt(props::SortedString, i))) {
+      HitAssets.Add(stamps.GetIntegerAt(props::AssetID, i));
     }
   }
 }

@@ -19,7 +19,7 @@ struct Title {
 };
 
 bool IsAsciiTitle(const c4_View& photos, int row) {
-  return platform::IsAscii(props::Filename.GetAt(photos, row));
+  return platform::IsAscii(photos.GetTextAt(props::Filename, row));
 }
 
 }  // namespace
@@ -36,8 +36,8 @@ std::vector<int> OrderByLetters(const c4_View& sortedByTitle, bool descending) {
   std::vector<Title> ascii, others, all;
   for (int row = 0; row < sortedByTitle.GetSize(); ++row) {
     (IsAsciiTitle(sortedByTitle, row) ? ascii : others)
-        .push_back({platform::MakeLetterOrderKey(props::Filename.GetAt(sortedByTitle, row)),
-                    props::CachedDate.GetAt(sortedByTitle, row), row});
+        .push_back({platform::MakeLetterOrderKey(sortedByTitle.GetTextAt(props::Filename, row)),
+                    sortedByTitle.GetIntegerAt(props::CachedDate, row), row});
   }
   const auto isBefore = [descending](const Title& left, const Title& right) {
     const Title& low = descending ? right : left;

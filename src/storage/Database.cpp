@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "platform/Files.h"
+#include "storage/DatabaseCopy.h"
 #include "storage/NewStorageFile.h"
 #include "storage/StorageException.h"
 
@@ -19,6 +20,26 @@ std::string MakeAbsolute(const std::string& path) {
 std::string MakeText(const std::string& path, std::string_view done, std::string_view reason) {
   return "The file \"" + path + "\" can't be " + std::string(done) + ": " + std::string(reason) + ".";
 }
+
+/// An empty file in the temporary folder, removed with this object.
+class CScratchFile {
+ public:
+  CScratchFile() {
+    const std::error_code error = platform::CreateTemporaryFile("", "vel", Path);
+    if (error)
+      throw CDatabaseError(SQLITE_CANTOPEN, "no temporary file can be made (" + error.message() + ")");
+  }
+  ~CScratchFile() {
+    // One that can't be removed is only a file in the temporary folder.
+    static_cast<void>(platform::RemoveFile(Path));
+  }
+  CScratchFile(const CScratchFile&) = delete;
+  CScratchFile& operator=(const CScratchFile&) = delete;
+  const std::string& GetPath() const { return Path; }
+
+ private:
+  std::string Path;
+};
 
 }  // namespace
 
@@ -127,6 +148,20 @@ void CDatabase::CheckAgain() {
   if (wasOurs ? Ours : QueryInteger("SELECT count(*) FROM sqlite_schema") > 0) return;
   Ours = wasOurs;
   throw CDatabaseError(SQLITE_CORRUPT, "another program has put something else in its place");
+}
+
+/// SQLite's own VACUUM would renumber the rows. A rename of the compact copy over the file would lose the
+/// file's rights, a link to it, and the locks of others that have it open; SQLite's backup keeps them, and
+/// its journal brings the old content back after a kill.
+void CDatabase::Compact() {
+  const CScratchFile scratch;
+  const std::string target = ToDatabaseName(scratch.GetPath());
+  CStatement vacuum = Prepare("VACUUM INTO ?");
+  vacuum.Bind(1, std::string_view(target));
+  vacuum.Run();
+  const CConnection copy = Connect(scratch.GetPath(), SQLITE_OPEN_READWRITE);
+  MarkAsOurs(copy.get());
+  CopyDatabase(copy.get(), Connection.get());
 }
 
 void CDatabase::ReadMark() { Ours = QueryInteger("PRAGMA application_id") == kApplicationId; }

@@ -22,9 +22,6 @@ class CDatabase {
   bool IsReadOnly() const { return Mode == c4_Storage::Mode::ReadOnly; }
   /// Whether the file was made by this program. Any other SQLite file may serve if it has the views.
   bool IsOurs() const { return Ours; }
-  /// Reads again whether the file is ours.
-  void ReadMark();
-  sqlite3* GetConnection() const { return Connection.get(); }
 
   CStatement Prepare(std::string_view sql) const { return {Connection.get(), sql}; }
   void Execute(const std::string& sql) const;
@@ -38,6 +35,10 @@ class CDatabase {
   /// CDatabaseError if another process has moved the file, cut it short or put something else into it.
   void CheckAgain();
 
+  /// Rewrites the file in its place without its free space, and marks it as ours; there must be no open
+  /// transaction. CDatabaseError.
+  void Compact();
+
   /// "The file "/x/y" can't be <done>: <reason>."
   std::string Describe(std::string_view done, const CThrowable& reason) const;
 
@@ -50,6 +51,7 @@ class CDatabase {
   void ConnectAndCheck(int flags);
   void RecoverFromJournal() const;
   void CheckContent();
+  void ReadMark();
   [[noreturn]] void Fail(const CDatabaseError& error) const;
 
   std::string Path;

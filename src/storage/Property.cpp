@@ -7,7 +7,6 @@
 #include "storage/Row.h"
 #include "storage/Table.h"
 #include "storage/TextOrder.h"
-#include "storage/View.h"
 
 namespace {
 
@@ -60,11 +59,6 @@ std::int32_t c4_IntProp::Get(const c4_RowRef& row) const {
   return row.Table ? row.Table->GetInteger(*this, {row.Slot, row.RowId}) : 0;
 }
 
-std::int32_t c4_IntProp::GetAt(const c4_View& view, int index) const {
-  if (index < 0 || index >= view.GetSize()) return 0;
-  return view.Sequence->GetTable().GetInteger(*this, view.GetIdentity(index));
-}
-
 void c4_IntProp::Set(const c4_RowRef& row, std::int32_t value) const {
   AssertDataThread();
   if (row.Table) row.Table->Set(*this, {row.Slot, row.RowId}, c4_Row::Value(value));
@@ -75,11 +69,6 @@ c4_Row c4_StringProp::operator[](std::string_view value) const { return {*this, 
 std::string_view c4_StringProp::Get(const c4_RowRef& row) const {
   AssertDataThread();
   return row.Table ? row.Table->GetText(*this, {row.Slot, row.RowId}) : std::string_view();
-}
-
-std::string_view c4_StringProp::GetAt(const c4_View& view, int index) const {
-  if (index < 0 || index >= view.GetSize()) return {};
-  return view.Sequence->GetTable().GetText(*this, view.GetIdentity(index));
 }
 
 void c4_StringProp::Set(const c4_RowRef& row, std::string_view value) const {

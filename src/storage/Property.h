@@ -8,7 +8,6 @@
 
 class c4_Row;
 class c4_RowRef;
-class c4_View;
 
 using c4_Bytes = std::vector<std::uint8_t>;
 
@@ -45,8 +44,6 @@ class c4_IntProp : public c4_Property {
   c4_Row operator[](std::int32_t value) const;
   /// 0 for a row that is no longer there or has no such property.
   std::int32_t Get(const c4_RowRef& row) const;
-  /// Of the row at a position of a view; for loops over many rows, where making a row each time would tell.
-  std::int32_t GetAt(const c4_View& view, int index) const;
   void Set(const c4_RowRef& row, std::int32_t value) const;
 };
 
@@ -56,7 +53,6 @@ class c4_StringProp : public c4_Property {
   c4_Row operator[](std::string_view value) const;
   /// Valid until the next change of the storage.
   std::string_view Get(const c4_RowRef& row) const;
-  std::string_view GetAt(const c4_View& view, int index) const;
   void Set(const c4_RowRef& row, std::string_view value) const;
 };
 

@@ -8,7 +8,6 @@
 #include "storage/Database.h"
 #include "storage/StorageDescription.h"
 #include "storage/StorageException.h"
-#include "storage/StorageImage.h"
 #include "storage/Table.h"
 #include "storage/TextOrder.h"
 #include "storage/Transaction.h"
@@ -118,20 +117,9 @@ void c4_Storage::Refresh() {
   Inside->Transaction.Refresh();
 }
 
-void c4_Storage::SaveTo(c4_Stream& stream) {
+void c4_Storage::Compact() {
   AssertDataThread();
-  SaveStorageImage(Inside->Database, stream);
-}
-
-bool c4_Storage::LoadFrom(c4_Stream& stream) {
-  AssertDataThread();
-  CStorageImage image(stream);
-  if (!image.IsValid()) return false;
-  Inside->Transaction.Rollback();
-  Inside->CloseTables();
-  image.CopyInto(Inside->Database);
-  Inside->Database.ReadMark();
-  return true;
+  Inside->Transaction.Compact();
 }
 
 std::optional<std::int32_t> c4_Storage::ReadFirstInteger(const std::string& view,

@@ -6,7 +6,6 @@
 #include <string>
 #include <string_view>
 
-#include "storage/Stream.h"
 #include "storage/View.h"
 
 /// A file of stored views, one SQLite table each, with one column a property and rows in order of rowid.
@@ -50,14 +49,10 @@ class c4_Storage {
   /// Undoes all changes since the last commit, in every view.
   void Rollback();
 
-  /// Writes the whole storage, without free space and without uncommitted changes, into a stream.
-  /// CStorageException if it can't be written; the storage itself stays as it is, open changes included.
-  void SaveTo(c4_Stream& stream);
-
-  /// Replaces everything in the storage, open changes included, by what SaveTo wrote, and commits that.
-  /// False, with the storage as it was, if the stream holds no storage. The views got before are empty
-  /// afterwards. CStorageException if the disk refuses; the storage is then as at its last commit.
-  bool LoadFrom(c4_Stream& stream);
+  /// Rewrites the file without its free space; it stays the same file, with its rights and the links to it.
+  /// Uncommitted changes are undone, the views stay. CStorageException if it can't be done; the file then
+  /// holds what it held.
+  void Compact();
 
   /// The integer in a view's first row, 0 if the file holds none; none if what it holds there is no
   /// integer of 32 bits, which a view reads as 0.

@@ -48,6 +48,17 @@ void CTransaction::Rollback() {
   if (Opened) Undo();
 }
 
+void CTransaction::Compact() {
+  Rollback();
+  OutOfStep = true;
+  try {
+    Database.Compact();
+    LoadTables();
+  } catch (const CDatabaseError& error) {
+    Raise(error);
+  }
+}
+
 void CTransaction::CheckAfterRead() {
   if (Opened && !Database.IsInTransaction()) Undo();
 }

@@ -46,6 +46,8 @@ class CTransaction {
   /// Loads the tables if a failure has left it open what the file holds. CStorageException if it still is.
   void Refresh();
   void Rollback();
+  /// Undoes the open changes and rewrites the file without its free space. CStorageException.
+  void Compact();
 
   /// To be called when a read failed: SQLite may have given up the transaction on its own.
   void CheckAfterRead();

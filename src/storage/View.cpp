@@ -67,6 +67,16 @@ c4_RowRef c4_View::GetAt(int index) const {
   return {Sequence->GetTable().shared_from_this(), row.Slot, row.RowId};
 }
 
+std::int32_t c4_View::GetIntegerAt(const c4_IntProp& property, int index) const {
+  if (index < 0 || index >= GetSize()) return 0;
+  return Sequence->GetTable().GetInteger(property, GetIdentity(index));
+}
+
+std::string_view c4_View::GetTextAt(const c4_StringProp& property, int index) const {
+  if (index < 0 || index >= GetSize()) return {};
+  return Sequence->GetTable().GetText(property, GetIdentity(index));
+}
+
 RowIdentity c4_View::GetIdentity(int index) const {
   return Sequence->GetTable().GetIdentity(Sequence->GetSlotAt(ToPosition(index)));
 }

@@ -29,6 +29,12 @@ class c4_View {
   c4_RowRef GetAt(int index) const;
   c4_RowRef operator[](int index) const { return GetAt(index); }
 
+  /// The value at a position, 0 or empty where there is none. For loops over many rows: makes no row
+  /// reference.
+  std::int32_t GetIntegerAt(const c4_IntProp& property, int index) const;
+  /// Valid until the next change of the storage.
+  std::string_view GetTextAt(const c4_StringProp& property, int index) const;
+
   /// The position of a row in this view, through any depth of derived views; -1 if it isn't in it.
   int GetIndexOf(const c4_RowRef& row) const;
 
@@ -63,8 +69,6 @@ class c4_View {
   c4_View SortOnReverse(const c4_Properties& properties, const c4_Properties& descending) const;
 
  private:
-  friend class c4_IntProp;
-  friend class c4_StringProp;
   friend class c4_Storage;
   explicit c4_View(std::shared_ptr<c4_Sequence> sequence);
 

@@ -11,6 +11,7 @@
 #include "StorageTestTools.h"
 #include "storage/StorageDescription.h"
 #include "storage/StorageException.h"
+#include "support/FaultSteps.h"
 #include "support/FaultyVfs.h"
 
 namespace {
@@ -230,93 +231,78 @@ TEST_F(CStorageKeepTest, OnePropertyNameMayHaveATypeInEachView) {
   EXPECT_EQ(c4_IntProp("ID").Get(person), 0);
 }
 
-class CStorageImageTest : public CStorageTest {
+class CCompactTest : public CStorageTest {
  protected:
-  void Fill(int rows) {
+  CCompactTest() {
+    RunSql(Path, "CREATE TABLE Thing(Number, Text, Bytes)");  // of another program, and without its mark
     c4_Storage storage(Path, Mode::ReadWrite);
     c4_View things = storage.GetAs(kDescription);
-    for (int i = 0; i < rows; ++i) things.Add(pNumber[i] + pBytes[c4_Bytes(500, 'x')]);
+    for (int i = 0; i < 200; ++i) things.Add(pNumber[i] + pBytes[c4_Bytes(500, 'x')]);
     storage.Commit();
-    things.RemoveAt(10, rows - 20);
+    things.RemoveAt(10, 180);
     storage.Commit();
   }
 
-  const std::string Image = Folder + "/image";
+  std::string ReadRows() const { return RunSql(Path, "SELECT rowid,* FROM Thing"); }
 };
 
-TEST_F(CStorageImageTest, SaveAndLoadBringEverythingButFreeSpaceAndOpenChanges) {
-  Fill(2000);
+TEST_F(CCompactTest, RowsAndViewsStayFreeSpaceAndOpenChangesGo) {
+  const std::string rows = ReadRows();
   const auto size = std::filesystem::file_size(Path);
-  {
-    c4_Storage storage(Path, Mode::ReadWrite);
-    storage.GetAs(kDescription).SetSize(3);  // not committed
-    c4_FileStream stream(Image, "wb");
-    storage.SaveTo(stream);
-  }
-  {
-    c4_Storage storage(Folder + "/other", Mode::ReadWrite);
-    const c4_View old = storage.GetAs("Old[X:I]");
-    c4_FileStream stream(Image, "rb");
-    ASSERT_TRUE(storage.LoadFrom(stream));
-    EXPECT_EQ(old.GetSize(), 0);
-    EXPECT_EQ(storage.GetAs(kDescription).GetSize(), 20);
-    storage.Commit();
-  }
-  c4_Storage storage(Folder + "/other", Mode::ReadWrite);
-  EXPECT_EQ(pNumber.Get(storage.GetAs(kDescription)[19]), 1999);
-  EXPECT_EQ(pBytes.Get(storage.GetAs(kDescription)[19]).size(), 500U);
-  EXPECT_LT(std::filesystem::file_size(Folder + "/other"), size / 10);
-}
-
-TEST_F(CStorageImageTest, WhatIsNoStorageIsNotLoaded) {
-  Fill(30);
-  c4_Storage source(Path, Mode::ReadOnly);
-  c4_FileStream saved(Image, "wb");
-  source.SaveTo(saved);
-  const std::string whole = ReadBytes(Image);
-  RunSql(Folder + "/foreign", "CREATE TABLE x(y)");
-  c4_Storage storage(Folder + "/other", Mode::ReadWrite);
+  const std::string link = Folder + "/link.db";
+  std::filesystem::create_hard_link(Path, link);
+  std::filesystem::permissions(Path, std::filesystem::perms::owner_all);
+  c4_Storage storage(Path, Mode::ReadWrite);
   c4_View things = storage.GetAs(kDescription);
-  things.Add(pNumber[77]);
-  for (const std::string& bytes : {std::string(), std::string("junk"), std::string(9000, 'j'),
-                                   whole.substr(0, 700), whole.substr(0, whole.size() - 4096),
-                                   whole.substr(0, whole.size() - 5), ReadBytes(Folder + "/foreign")}) {
-    WriteBytes(Image, bytes);
-    c4_FileStream stream(Image, "rb");
-    EXPECT_FALSE(storage.LoadFrom(stream)) << bytes.size();
-    EXPECT_EQ(pNumber.Get(things[0]), 77);
-  }
+  const c4_RowRef last = things[19];
+  things.SetSize(3);
+  storage.Compact();
+  EXPECT_EQ(things.GetSize(), 20);
+  EXPECT_EQ(pNumber.Get(last), 199);
+  EXPECT_EQ(pBytes.Get(last).size(), 500U);
+  EXPECT_EQ(ReadRows(), rows);
+  EXPECT_LT(std::filesystem::file_size(Path), size / 2);
+  EXPECT_TRUE(std::filesystem::equivalent(Path, link));
+  EXPECT_EQ(std::filesystem::status(Path).permissions(), std::filesystem::perms::owner_all);
+  storage.GetAs("More[Number:I]").Add(pNumber[1]);  // the file is ours now
+  storage.Commit();
+  EXPECT_EQ(RunSql(link, "SELECT Number FROM More"), "1");
 }
 
-TEST_F(CStorageImageTest, FullDiskIsToldAndTheTargetIsAsItWas) {
-  Fill(300);
-  c4_Storage source(Path, Mode::ReadOnly);
-  c4_FileStream full("/dev/full", "wb");
-  EXPECT_THROW(source.SaveTo(full), CStorageException);
-  c4_FileStream saved(Image, "wb");
-  source.SaveTo(saved);
-  const std::string other = Folder + "/other";
+TEST_F(CCompactTest, FaultOrKillAtAnyStepLeavesTheRows) {
+  const std::string rows = ReadRows();
+  const std::string before = ReadBytes(Path);
   CFaultyVfs vfs;
-  c4_Storage storage(other, Mode::ReadWrite);
-  storage.GetAs(kDescription).Add(pNumber[5]);
-  storage.Commit();
-  bool loaded = false;
-  for (int step = 1; !loaded; ++step) {
+  /// Whether the step was reached.
+  const auto compact = [&](int step, bool kill) {
+    c4_Storage storage(Path, Mode::ReadWrite);
+    c4_View things = storage.GetAs(kDescription);
     int count = 0;
     vfs.SetPlan([&](const std::string& name, const std::string& path) {
-      if (name == "read" || name == "deleted" || !path.starts_with(other)) return SQLITE_OK;
-      return ++count == step ? GetFaultOf(name, true) : SQLITE_OK;
+      if (name == "read" || !path.starts_with(Path) || ++count != step) return SQLITE_OK;
+      if (kill) raise(SIGKILL);
+      return GetFaultOf(name, true);
     });
-    c4_FileStream stream(Image, "rb");
     try {
-      loaded = storage.LoadFrom(stream);
+      storage.Compact();
     } catch (const CStorageException&) {
-      vfs.SetPlan(nullptr);
-      ASSERT_EQ(pNumber.Get(storage.GetAs(kDescription)[0]), 5) << step;
     }
+    vfs.SetPlan(nullptr);
+    things.Add(pNumber[1]);
+    EXPECT_EQ(things.GetSize(), 21);
+    EXPECT_EQ(pNumber.Get(things[19]), 199);
+    return count >= step;
+  };
+  for (const bool kill : {false, true}) {
+    bool reached = true;
+    for (int step = 1; reached; ++step) {
+      SCOPED_TRACE(step);
+      WriteBytes(Path, before);
+      reached = kill ? IsKilled([&] { compact(step, true); }) : compact(step, false);
+      ASSERT_EQ(ReadRows(), rows);
+    }
+    EXPECT_LT(std::filesystem::file_size(Path), before.size() / 2);
   }
-  vfs.SetPlan(nullptr);
-  EXPECT_EQ(storage.GetAs(kDescription).GetSize(), 20);
 }
 
 /// A process that commits numbered edits until it is killed, and says after each that it is done.

@@ -30,32 +30,42 @@ class CFailingStep {
   int Steps = 0;
 };
 
+/// Runs `work` in a child process, which ends with its result. Returns what waitpid tells of the child.
+inline int RunInChild(const std::function<int()>& work) {
+  const pid_t child = ::fork();
+  if (child == 0) ::_exit(work());
+  int status = 0;
+  EXPECT_EQ(::waitpid(child, &status, 0), child);
+  return status;
+}
+
+/// Runs `work` in a child. Whether it was killed before it came to its end.
+inline bool IsKilled(const std::function<void()>& work) {
+  const int status = RunInChild([&] {
+    work();
+    return 0;
+  });
+  return WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
+}
+
 /// Runs `work` in a child that is killed right before the given step. False if it came to its end first.
 inline bool RunAndKillAtStep(int step, const std::function<void()>& work) {
-  const pid_t child = ::fork();
-  if (child == 0) {
+  return IsKilled([&] {
     int steps = 0;
     platform::SetFaultPlan([&steps, step](std::string_view, std::string_view) {
       if (++steps == step) ::raise(SIGKILL);
       return std::error_code();
     });
     work();
-    ::_exit(0);
-  }
-  int status = 0;
-  EXPECT_EQ(::waitpid(child, &status, 0), child);
-  return WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
+  });
 }
 
 /// Runs `work` in a child that has no rights of root, and gives its result.
 inline bool RunAsNobody(const std::function<bool()>& work) {
-  const pid_t child = ::fork();
-  if (child == 0) {
+  const int status = RunInChild([&] {
     constexpr unsigned kNobody = 65534;
-    if (::getuid() == 0 && (::setegid(kNobody) != 0 || ::seteuid(kNobody) != 0)) ::_exit(2);
-    ::_exit(work() ? 0 : 1);
-  }
-  int status = 0;
-  EXPECT_EQ(::waitpid(child, &status, 0), child);
+    if (::getuid() == 0 && (::setegid(kNobody) != 0 || ::seteuid(kNobody) != 0)) return 2;
+    return work() ? 0 : 1;
+  });
   return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
