@@ -7,22 +7,18 @@
 #include "editing/PhotoChange.h"
 #include "imaging/ImageFile.h"
 #include "imaging/JpegImage.h"
+#include "support/TestJpeg.h"
 
 /// A fixture whose photo is a picture that can be changed, dark and colourful.
 class CPictureFixture : public CEditingFixture {
  protected:
   CPictureFixture() {
-    CJpegImage image(ImageSize{160, 96});
-    const PixelBuffer buffer = image.GetBuffer();
-    for (int y = 0; y < 96; ++y)
-      for (int x = 0; x < 160; ++x) {
-        std::uint8_t* pixel = buffer.Row(y) + x * 3;
-        pixel[0] = static_cast<std::uint8_t>(30 + x / 2);
-        pixel[1] = static_cast<std::uint8_t>(20 + y);
-        pixel[2] = static_cast<std::uint8_t>((x ^ y) & 63);
-      }
-    image.Save(Photo.GetPath(), 95);
-    Original = ReadBytes(Photo.GetPath());
+    const auto jpeg = MakeJpeg({.Width = 160, .Height = 96, .Quality = 95}, [](int x, int y) {
+      return std::array{static_cast<std::uint8_t>((x ^ y) & 63), static_cast<std::uint8_t>(20 + y),
+                        static_cast<std::uint8_t>(30 + x / 2), std::uint8_t{0}};
+    });
+    Original.assign(jpeg.begin(), jpeg.end());
+    PutBack();
   }
 
   std::unique_ptr<CImage> Show(int boxWidth, int boxHeight) const {

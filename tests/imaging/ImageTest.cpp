@@ -3,10 +3,10 @@
 #include <algorithm>
 
 #include "base/Exceptions.h"
+#include "imaging/ForgedJpegs.h"
 #include "imaging/ImageFile.h"
 #include "imaging/JpegCodec.h"
 #include "imaging/JpegImage.h"
-#include "imaging/TestJpegs.h"
 #include "imaging/TiffImage.h"
 #include "platform/Faults.h"
 #include "support/ScratchFolder.h"

@@ -4,9 +4,9 @@
 #include <random>
 
 #include "base/Exceptions.h"
+#include "imaging/ForgedJpegs.h"
 #include "imaging/JpegCodec.h"
 #include "imaging/PictureMemory.h"
-#include "imaging/TestJpegs.h"
 
 namespace {
 

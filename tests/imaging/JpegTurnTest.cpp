@@ -5,10 +5,10 @@
 #include <random>
 
 #include "base/Exceptions.h"
+#include "imaging/ForgedJpegs.h"
 #include "imaging/JpegCoefficients.h"
 #include "imaging/JpegTurn.h"
 #include "imaging/PictureMemory.h"
-#include "imaging/TestJpegs.h"
 #include "storage/StorageException.h"
 #include "support/FaultSteps.h"
 #include "support/FileSizeLimit.h"

@@ -6,22 +6,16 @@
 #include "imaging/JpegImage.h"
 #include "imaging/PictureMemory.h"
 #include "imaging/PreparedPhoto.h"
-#include "imaging/TestJpegs.h"
 #include "support/ScratchFolder.h"
+#include "support/TestJpeg.h"
 
 namespace {
 
 /// A JPEG with a date behind its start: "2005:01:02 03:04:05".
 std::string MakePhoto(int width, int height) {
-  const auto bytes = MakeJpeg({.Width = width, .Height = height, .Quality = 75}, PaintSoftly);
-  const std::string date("2005:01:02 03:04:05\0", 20);
-  std::string exif(
-      "\xFF\xE1\0\x36"
-      "Exif\0\0II*\0\x08\0\0\0\x01\0\x32\x01\x02\0\x14\0\0\0\x1A\0\0\0\0\0\0\0",
-      36);
-  exif += date;
-  std::string photo(bytes.begin(), bytes.end());
-  return photo.insert(2, exif);
+  const auto bytes =
+      MakeJpeg({.Width = width, .Height = height, .Quality = 75, .DateTime = "2005:01:02 03:04:05"});
+  return {bytes.begin(), bytes.end()};
 }
 
 ImageSize SizeOf(const PreparedPhoto& photo) {

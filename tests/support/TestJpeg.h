@@ -1,48 +1,40 @@
 #pragma once
 
-#include <jpeglib.h>
-
-#include <cstdio>
-#include <cstdlib>
+#include <array>
+#include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
-/// A JPEG of one colour as any camera might write it, with an EXIF DateTime if `dateTime` isn't empty
-/// ("YYYY:MM:DD HH:MM:SS").
-inline std::string MakeJpeg(unsigned width, unsigned height, unsigned red, unsigned green, unsigned blue,
-                            const std::string& dateTime = {}) {
-  jpeg_compress_struct jpeg{};
-  jpeg_error_mgr errors{};
-  jpeg.err = jpeg_std_error(&errors);
-  jpeg_create_compress(&jpeg);
-  unsigned char* bytes = nullptr;
-  unsigned long size = 0;
-  jpeg_mem_dest(&jpeg, &bytes, &size);
-  jpeg.image_width = width;
-  jpeg.image_height = height;
-  jpeg.input_components = 3;
-  jpeg.in_color_space = JCS_RGB;
-  jpeg_set_defaults(&jpeg);
-  jpeg_set_quality(&jpeg, 90, TRUE);
-  jpeg_start_compress(&jpeg, TRUE);
-  if (!dateTime.empty()) {
-    std::string exif("Exif\0\0II*\0\x08\0\0\0", 14);
-    exif += std::string("\x01\0\x32\x01\x02\0\x14\0\0\0\x1a\0\0\0\0\0\0\0", 18);
-    exif += dateTime + '\0';
-    jpeg_write_marker(&jpeg, JPEG_APP0 + 1, reinterpret_cast<const JOCTET*>(exif.data()),
-                      static_cast<unsigned>(exif.size()));
-  }
-  std::vector<JSAMPLE> row;
-  for (unsigned x = 0; x < width; ++x) {
-    for (const unsigned value : {red, green, blue}) row.push_back(static_cast<JSAMPLE>(value));
-  }
-  while (jpeg.next_scanline < height) {
-    JSAMPROW rows = row.data();
-    jpeg_write_scanlines(&jpeg, &rows, 1);
-  }
-  jpeg_finish_compress(&jpeg);
-  std::string result(reinterpret_cast<const char*>(bytes), size);
-  jpeg_destroy_compress(&jpeg);
-  std::free(bytes);
-  return result;
-}
+/// JPEGs as cameras and editors write them, made with the JPEG library directly. An error of the library ends
+/// the test program.
+
+enum class StoredColors { Grey, TwoChannels, YCbCr, Rgb, Cmyk, Ycck };
+
+struct JpegRecipe {
+  int Width = 64;
+  int Height = 48;
+  StoredColors Colors = StoredColors::YCbCr;
+  int HorizontalSampling = 1;  // of the first channel over the others
+  int VerticalSampling = 1;
+  std::vector<std::array<int, 2>> Samplings = {};  // of each channel, if they aren't as above
+  bool Progressive = false;
+  bool Arithmetic = false;
+  bool Jfif = true;
+  bool AdobeMarker = true;  // for the colours that carry one
+  unsigned RestartInterval = 0;
+  int Quality = 100;
+  std::string DateTime = {};  // of an EXIF entry, "YYYY:MM:DD HH:MM:SS"; none if empty
+};
+
+/// Gives the samples of a pixel in the form of the recipe: one, two, red green blue, or four inks.
+using Painter = std::function<std::array<std::uint8_t, 4>(int x, int y)>;
+
+/// A soft picture in three colours, without edges that coding would blur.
+std::array<std::uint8_t, 4> PaintSoftly(int x, int y);
+
+std::vector<std::uint8_t> MakeJpeg(const JpegRecipe& recipe, const Painter& painter = PaintSoftly);
+
+/// A photo of one colour as any camera might write it, with an EXIF date if `dateTime` isn't empty.
+std::string MakeJpeg(unsigned width, unsigned height, unsigned red, unsigned green, unsigned blue,
+                     const std::string& dateTime = {});
