@@ -7,22 +7,22 @@ set(widget_headers <QApplication> <QFontMetricsF> <QKeyEvent> <QMessageBox> <QMo
     <QTimer> <QWidget>)
 set(test_headers <gmock/gmock.h> <gtest/gtest.h>)
 
-# add_precompiled(<kind> [LINKS library...] HEADERS header...) makes precompiled_<kind>.
+# add_precompiled(<kind> LINKS library... HEADERS header...) makes precompiled_<kind>.
 function(add_precompiled kind)
   cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "LINKS;HEADERS")
   set(source ${CMAKE_BINARY_DIR}/precompiled/${kind}.cpp)
   file(CONFIGURE OUTPUT ${source} CONTENT "")
   add_library(precompiled_${kind} OBJECT EXCLUDE_FROM_ALL ${source})
-  target_link_libraries(precompiled_${kind} PRIVATE ${ARG_LINKS} house_options)
+  target_link_libraries(precompiled_${kind} PRIVATE ${ARG_LINKS})
   target_precompile_headers(precompiled_${kind} PRIVATE ${ARG_HEADERS})
 endfunction()
 
-add_precompiled(plain HEADERS ${standard_headers})
-add_precompiled(core LINKS Qt6::Core HEADERS ${standard_headers})
-add_precompiled(widgets LINKS Qt6::Widgets HEADERS ${standard_headers} ${widget_headers})
+add_precompiled(plain LINKS source_options HEADERS ${standard_headers})
+add_precompiled(core LINKS source_options Qt6::Core HEADERS ${standard_headers})
+add_precompiled(widgets LINKS source_options Qt6::Widgets HEADERS ${standard_headers} ${widget_headers})
 if(BUILD_TESTING)
-  add_precompiled(plain_test LINKS GTest::gmock HEADERS ${standard_headers} ${test_headers})
-  add_precompiled(widgets_test LINKS Qt6::Widgets GTest::gmock
+  add_precompiled(plain_test LINKS test_options GTest::gmock HEADERS ${standard_headers} ${test_headers})
+  add_precompiled(widgets_test LINKS test_options Qt6::Widgets GTest::gmock
                   HEADERS ${standard_headers} ${widget_headers} ${test_headers})
 endif()
 
