@@ -2,7 +2,7 @@
 #include "base/Paths.h"
 #include "catalog/Catalog.h"
 #include "catalog/Properties.h"
-#include "storage/TextOrder.h"
+#include "storage/Row.h"
 
 CAssetRecord CCatalog::AddAsset(const std::string& path) {
   const PathParts parts = SplitPath(path);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "storage/Property.h"
+#include "storage/Row.h"
 
 /// The columns of the catalog's views. Their names are the file format.
 namespace props {

@@ -9,7 +9,7 @@
 #include "catalog/Properties.h"
 #include "sets/GroupKey.h"
 #include "sets/TitleOrder.h"
-#include "storage/TextOrder.h"
+#include "storage/Row.h"
 
 namespace {
 

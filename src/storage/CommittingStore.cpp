@@ -2,6 +2,22 @@
 
 #include "base/Exceptions.h"
 
+void CCommittingStore::Commit() {
+  if (Storage) Storage->Commit();
+}
+
+void CCommittingStore::Refresh() {
+  if (Storage) Storage->Refresh();
+}
+
+void CCommittingStore::Rollback() {
+  if (Storage) Storage->Rollback();
+}
+
+void CCommittingStore::CommitIfAuto() {
+  if (AutoCommit) Commit();
+}
+
 CAutoCommitPause::CAutoCommitPause(CCommittingStore& store) : Store(store), Former(store.GetAutoCommit()) {
   Store.SetAutoCommit(false);
 }

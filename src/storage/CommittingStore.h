@@ -14,25 +14,17 @@ class CCommittingStore {
   /// What has changed is on disk, flushed, when this returns. Raises CStorageException when the disk refuses;
   /// the changes are undone then, but for those that held before the last flush failed. Nothing happens while
   /// the store is closed.
-  void Commit() {
-    if (Storage) Storage->Commit();
-  }
+  void Commit();
 
   /// After a failed commit: sees to it that the store shows what holds. CStorageException if that can't be
   /// read.
-  void Refresh() {
-    if (Storage) Storage->Refresh();
-  }
+  void Refresh();
 
   /// Undoes everything since the last commit.
-  void Rollback() {
-    if (Storage) Storage->Rollback();
-  }
+  void Rollback();
 
   /// Ends every operation that changes the store.
-  void CommitIfAuto() {
-    if (AutoCommit) Commit();
-  }
+  void CommitIfAuto();
 
  protected:
   CCommittingStore() = default;

@@ -5,9 +5,8 @@
 #include <filesystem>
 
 #include "platform/Files.h"
-#include "storage/DatabaseCopy.h"
-#include "storage/NewStorageFile.h"
 #include "storage/StorageException.h"
+#include "storage/StorageFile.h"
 
 namespace {
 
@@ -43,8 +42,8 @@ class CScratchFile {
 
 }  // namespace
 
-CDatabase::CDatabase(const std::string& path, c4_Storage::Mode mode)
-    : Path(platform::FollowLinks(MakeAbsolute(path))), Mode(mode) {
+CDatabase::CDatabase(const std::string& path, bool readOnly)
+    : Path(platform::FollowLinks(MakeAbsolute(path))), ReadOnly(readOnly) {
   if (!IsReadOnly()) MakeIfMissing();
   CheckIsFile();
   try {

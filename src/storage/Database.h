@@ -5,21 +5,20 @@
 #include <string>
 #include <string_view>
 
-#include "storage/Connection.h"
-#include "storage/Storage.h"
+#include "storage/Sqlite.h"
 
 /// A connection to one storage file, opened by the rules that c4_Storage promises, and what the file says
 /// of itself. Raises CDatabaseError once it is open.
 class CDatabase {
  public:
   /// Raises CError as the constructor of c4_Storage does.
-  CDatabase(const std::string& path, c4_Storage::Mode mode);
+  CDatabase(const std::string& path, bool readOnly);
   CDatabase(const CDatabase&) = delete;
   CDatabase& operator=(const CDatabase&) = delete;
 
   /// The whole path, folder included; of a link where it leads.
   const std::string& GetPath() const { return Path; }
-  bool IsReadOnly() const { return Mode == c4_Storage::Mode::ReadOnly; }
+  bool IsReadOnly() const { return ReadOnly; }
   /// Whether the file was made by this program. Any other SQLite file may serve if it has the views.
   bool IsOurs() const { return Ours; }
 
@@ -55,7 +54,7 @@ class CDatabase {
   [[noreturn]] void Fail(const CDatabaseError& error) const;
 
   std::string Path;
-  c4_Storage::Mode Mode;
+  bool ReadOnly;
   bool Ours = false;
   CConnection Connection;
   CStatement DataVersion;

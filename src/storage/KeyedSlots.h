@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <span>
 
-#include "storage/Sequence.h"
+#include "storage/Row.h"
 
 /// A slot and the part of its sort key that is being looked at.
 struct KeyedSlot {

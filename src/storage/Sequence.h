@@ -7,31 +7,21 @@
 #include <utility>
 #include <vector>
 
-#include "storage/Property.h"
+#include "storage/Row.h"
+#include "storage/SlotSort.h"
+#include "storage/TableRows.h"
 
-class c4_Row;
-class c4_Table;
-
-/// The number of a row in the memory of its table. Slots grow with the row's number in the file and are
-/// never given to another row while the table is loaded.
-using c4_Slot = std::uint32_t;
-
-struct SortKey {
-  c4_Property Property;
-  bool Descending;
-};
-
-/// An ordered choice of a table's rows, and those derived from it. Each has a total order of slots, so a
-/// row's position is found by binary search, and a change moves the one row concerned: it is taken out of
+/// An ordered choice of a table's rows, and the choices derived from it. Each has a total order of slots, so
+/// a row's position is found by binary search, and a change moves the one row concerned: it is taken out of
 /// every derived sequence whose order or choice depends on the property, and put in again after the change.
 class c4_Sequence {
  public:
-  explicit c4_Sequence(c4_Table& table) : Table(table) {}
+  explicit c4_Sequence(const CTableRows& rows) : Rows(rows) {}
   virtual ~c4_Sequence() = default;
   c4_Sequence(const c4_Sequence&) = delete;
   c4_Sequence& operator=(const c4_Sequence&) = delete;
 
-  c4_Table& GetTable() const { return Table; }
+  const CTableRows& GetRows() const { return Rows; }
 
   virtual std::size_t GetSize() const = 0;
   virtual c4_Slot GetSlotAt(std::size_t position) const = 0;
@@ -64,7 +54,7 @@ class c4_Sequence {
 
  private:
   friend class CDerivedSequence;
-  using Column = std::optional<std::size_t>;
+  using ColumnNumber = std::optional<std::size_t>;
 
   virtual bool DependsOn(std::size_t column) const = 0;
   virtual void Insert(c4_Slot slot) = 0;
@@ -72,10 +62,10 @@ class c4_Sequence {
   virtual void EraseRemoved() = 0;
   virtual void Fill() = 0;
 
-  void TakeOutOfDerived(c4_Slot slot, Column column, bool depends);
-  void PutIntoDerived(c4_Slot slot, Column column, bool depends);
+  void TakeOutOfDerived(c4_Slot slot, ColumnNumber column, bool depends);
+  void PutIntoDerived(c4_Slot slot, ColumnNumber column, bool depends);
 
-  c4_Table& Table;
+  const CTableRows& Rows;
   std::vector<c4_Sequence*> Derived;  // each takes itself off when it goes
 };
 
@@ -102,4 +92,68 @@ class CStoredSequence final : public c4_Sequence {
 
   bool HasOrder = false;       // while no row was removed the position of a row is its slot
   std::vector<c4_Slot> Order;  // ascending
+};
+
+/// A sequence that holds a part of its base's rows, or all, in an order of its own. It keeps the base
+/// alive, and follows it until it goes itself.
+class CDerivedSequence : public c4_Sequence {
+ public:
+  ~CDerivedSequence() override;
+
+  std::size_t GetSize() const override { return Slots.size(); }
+  c4_Slot GetSlotAt(std::size_t position) const override { return Slots[position]; }
+
+ protected:
+  explicit CDerivedSequence(std::shared_ptr<c4_Sequence> base);
+  c4_Sequence& GetBase() const { return *Base; }
+
+  std::vector<c4_Slot> Slots;
+  std::uint64_t Changes = 0;  // of Slots
+
+ private:
+  void Insert(c4_Slot slot) override;
+  void Erase(c4_Slot slot) override;
+  void EraseRemoved() override;
+
+  std::shared_ptr<c4_Sequence> Base;
+};
+
+/// The rows of the base with given values, in the base's order.
+class CSelection final : public CDerivedSequence {
+ public:
+  CSelection(std::shared_ptr<c4_Sequence> base, c4_Row values);
+
+  bool IsBefore(c4_Slot left, c4_Slot right) const override { return GetBase().IsBefore(left, right); }
+  bool Accepts(c4_Slot slot) const override;
+  bool Contains(c4_Slot slot) const override { return Accepts(slot) && GetBase().Contains(slot); }
+  const std::vector<SortKey>* GetSortKeys() const override { return GetBase().GetSortKeys(); }
+
+ private:
+  bool DependsOn(std::size_t column) const override;
+  void Fill() override;
+
+  c4_Row Values;
+};
+
+/// The rows of the base in the order of some properties; equal rows in the base's order.
+class CSorting final : public CDerivedSequence {
+ public:
+  CSorting(std::shared_ptr<c4_Sequence> base, std::vector<SortKey> keys);
+
+  bool IsBefore(c4_Slot left, c4_Slot right) const override;
+  bool Accepts(c4_Slot) const override { return true; }
+  bool Contains(c4_Slot slot) const override { return GetBase().Contains(slot); }
+  const std::vector<SortKey>* GetSortKeys() const override { return &Keys; }
+  std::pair<std::size_t, std::size_t> NarrowSearch(const c4_Row& values) const override;
+
+ private:
+  bool DependsOn(std::size_t column) const override;
+  void Fill() override;
+
+  std::vector<SortKey> Keys;
+
+  // Made once there were enough searches since the last change to be worth it.
+  mutable std::optional<CSearchGuide> Guide;
+  mutable std::uint64_t GuidedChanges = 0;  // the state of Slots that the guide and the count are for
+  mutable std::size_t Searches = 0;
 };

@@ -7,8 +7,6 @@
 
 #include "platform/Ascii.h"
 #include "storage/KeyedSlots.h"
-#include "storage/Table.h"
-#include "storage/TextOrder.h"
 
 namespace {
 
@@ -77,10 +75,10 @@ std::vector<std::uint32_t> RankTexts(const CTextColumn& texts) {
   return ranks;
 }
 
-int CompareColumn(const c4_Table& table, const SortKey& key, c4_Slot left, c4_Slot right) {
-  const auto column = table.FindColumn(key.Property);
+int CompareColumn(const CTableRows& rows, const SortKey& key, c4_Slot left, c4_Slot right) {
+  const auto column = rows.FindColumn(key.Property);
   if (!column) return 0;
-  const int order = table.CompareRows(*column, left, right);
+  const int order = rows.CompareRows(*column, left, right);
   return key.Descending ? -order : order;
 }
 
@@ -88,9 +86,9 @@ int CompareColumn(const c4_Table& table, const SortKey& key, c4_Slot left, c4_Sl
 /// by their ranks, are taken two at a time.
 class CSlotSorter {
  public:
-  CSlotSorter(const c4_Table& table, const std::vector<SortKey>& keys, std::size_t size) : Table(table) {
+  CSlotSorter(const CTableRows& rows, const std::vector<SortKey>& keys, std::size_t size) : Rows(rows) {
     for (const SortKey& key : keys) {
-      if (const auto number = table.FindColumn(key.Property)) Keys.push_back(MakeKey(key, *number, size));
+      if (const auto number = rows.FindColumn(key.Property)) Keys.push_back(MakeKey(key, *number, size));
     }
   }
 
@@ -106,7 +104,7 @@ class CSlotSorter {
   };
 
   Key MakeKey(const SortKey& source, std::size_t number, std::size_t size) const {
-    const CColumn& column = Table.GetColumn(number);
+    const CColumn& column = Rows.GetColumn(number);
     Key key{column, source, {}};
     const bool isText = column.Type == c4_Type::Text;
     if (isText && column.Texts.GetPlaceCount() * kWorthRanks <= size) key.Ranks = RankTexts(column.Texts);
@@ -152,35 +150,96 @@ class CSlotSorter {
   void SortByBytes(Run run, std::size_t index) const {
     std::stable_sort(run.begin(), run.end(), [&](const KeyedSlot& left, const KeyedSlot& right) {
       for (std::size_t key = index; key < Keys.size(); ++key) {
-        const int order = CompareColumn(Table, Keys[key].Source, left.Slot, right.Slot);
+        const int order = CompareColumn(Rows, Keys[key].Source, left.Slot, right.Slot);
         if (order != 0) return order < 0;
       }
       return false;
     });
   }
 
-  const c4_Table& Table;
+  const CTableRows& Rows;
   std::vector<Key> Keys;
 };
 
+constexpr std::size_t kWordBytes = 8;
+
+std::string FindCommonPrefix(std::string_view left, std::string_view right) {
+  std::string prefix;
+  for (std::size_t i = 0; i < std::min(left.size(), right.size()); ++i) {
+    if (platform::FoldByte(left[i]) != platform::FoldByte(right[i])) break;
+    prefix += static_cast<char>(platform::FoldByte(left[i]));
+  }
+  return prefix;
+}
+
 }  // namespace
 
-int CompareByKeys(const c4_Table& table, const std::vector<SortKey>& keys, c4_Slot left, c4_Slot right) {
+int CompareByKeys(const CTableRows& rows, const std::vector<SortKey>& keys, c4_Slot left, c4_Slot right) {
   for (const SortKey& key : keys) {
-    const int order = CompareColumn(table, key, left, right);
+    const int order = CompareColumn(rows, key, left, right);
     if (order != 0) return order;
   }
   return 0;
 }
 
-std::vector<c4_Slot> SortSlots(const c4_Sequence& sequence, const std::vector<SortKey>& keys) {
-  std::vector<KeyedSlot> keyed(sequence.GetSize());
-  for (std::size_t position = 0; position < keyed.size(); ++position) {
-    keyed[position] = {0, sequence.GetSlotAt(position)};
-  }
-  CSlotSorter(sequence.GetTable(), keys, keyed.size()).Sort(keyed);
-  std::vector<c4_Slot> slots;
-  slots.reserve(keyed.size());
-  for (const KeyedSlot& slot : keyed) slots.push_back(slot.Slot);
+std::vector<c4_Slot> SortSlots(const CTableRows& rows, const std::vector<SortKey>& keys,
+                               std::vector<c4_Slot> slots) {
+  std::vector<KeyedSlot> keyed;
+  keyed.reserve(slots.size());
+  for (const c4_Slot slot : slots) keyed.push_back({0, slot});
+  CSlotSorter(rows, keys, keyed.size()).Sort(keyed);
+  for (std::size_t i = 0; i < keyed.size(); ++i) slots[i] = keyed[i].Slot;
   return slots;
+}
+
+CSearchGuide::CSearchGuide(const CTableRows& rows, const SortKey& key, std::span<const c4_Slot> slots)
+    : Size(slots.size()), Flip(key.Descending ? ~std::uint64_t{0} : 0) {
+  const auto number = rows.FindColumn(key.Property);
+  if (!number || slots.empty()) return;
+  const CColumn& column = rows.GetColumn(*number);
+  IsText = column.Type == c4_Type::Text;
+  // What the first and the last of sorted texts have in common all of them have.
+  if (IsText) Prefix = FindCommonPrefix(column.Texts[slots.front()], column.Texts[slots.back()]);
+  if (column.Type == c4_Type::Bytes) return;
+  for (std::size_t position = 0; position < slots.size(); position += kDistance) {
+    const c4_Slot slot = slots[position];
+    Marks.push_back(IsText ? MakeTextMark(column.Texts[slot]) : MakeIntegerMark(column.Integers[slot]));
+  }
+}
+
+CSearchGuide::Mark CSearchGuide::MakeIntegerMark(std::int32_t value) const {
+  return {MakeSortable(value) ^ Flip, 0, 0};
+}
+
+/// The bytes after the common beginning. Different texts may have one mark, but never in the wrong order.
+CSearchGuide::Mark CSearchGuide::MakeTextMark(std::string_view text) const {
+  Mark mark{};
+  std::size_t at = Prefix.size();
+  for (std::uint64_t& word : mark) {
+    for (const std::size_t end = at + kWordBytes; at < end; ++at) {
+      word = word << 8 | (at < text.size() ? platform::FoldByte(text[at]) : 0U);
+    }
+    word ^= Flip;
+  }
+  return mark;
+}
+
+std::optional<CSearchGuide::Mark> CSearchGuide::MakeValueMark(const c4_Row::Value& value) const {
+  if (const auto* integer = std::get_if<std::int32_t>(&value)) return MakeIntegerMark(*integer);
+  const auto* text = std::get_if<std::string>(&value);
+  if (text == nullptr || !TextsAreEqual(std::string_view(*text).substr(0, Prefix.size()), Prefix)) return {};
+  return MakeTextMark(*text);
+}
+
+std::pair<std::size_t, std::size_t> CSearchGuide::Narrow(const c4_Row::Value& value) const {
+  const auto mark = MakeValueMark(value);
+  if (!mark || Marks.empty()) return {0, Size};
+  const auto [first, last] = std::equal_range(Marks.begin(), Marks.end(), *mark);
+  const auto toPosition = [&](auto place) {
+    return static_cast<std::size_t>(place - Marks.begin()) * kDistance;
+  };
+  // The row at the last mark below that of the value is below the value itself, so the one at the first above
+  // is above.
+  return {first == Marks.begin() ? 0 : toPosition(first) - kDistance + 1,
+          last == Marks.end() ? Size : toPosition(last)};
 }

@@ -9,7 +9,6 @@
 #include "storage/StorageDescription.h"
 #include "storage/StorageException.h"
 #include "storage/Table.h"
-#include "storage/TextOrder.h"
 #include "storage/Transaction.h"
 
 namespace {
@@ -26,42 +25,34 @@ c4_Property MakeProperty(const ViewDescription::Column& column) {
   return c4_BytesProp(column.Name);
 }
 
-struct NameOrder {
-  bool operator()(const std::string& left, const std::string& right) const {
-    return CompareTexts(left, right) < 0;
-  }
-};
-
 }  // namespace
 
 class c4_Storage::Impl {
  public:
-  Impl(const std::string& path, Mode mode) : Path(path), Database(path, mode), Transaction(Database) {}
-  ~Impl() { CloseTables(); }
+  Impl(const std::string& path, Mode mode) : Database(path, mode == Mode::ReadOnly), Transaction(Database) {}
+  ~Impl();
   Impl(const Impl&) = delete;
   Impl& operator=(const Impl&) = delete;
 
-  std::shared_ptr<c4_Sequence> GetAs(const ViewDescription& description);
-  void CloseTables();
+  std::shared_ptr<c4_Table> GetAs(const ViewDescription& description);
 
-  const std::string Path;
   CDatabase Database;
   CTransaction Transaction;
 
  private:
   std::shared_ptr<c4_Table> OpenTable(const std::string& name, const std::vector<c4_Property>& properties);
 
-  std::map<std::string, std::shared_ptr<c4_Table>, NameOrder> Tables;
+  std::map<std::string, std::shared_ptr<c4_Table>, TextOrder> Tables;
 };
 
-std::shared_ptr<c4_Sequence> c4_Storage::Impl::GetAs(const ViewDescription& description) {
+std::shared_ptr<c4_Table> c4_Storage::Impl::GetAs(const ViewDescription& description) {
   std::vector<c4_Property> properties;
   for (const auto& column : description.Columns) properties.push_back(MakeProperty(column));
-  const std::shared_ptr<c4_Table> table = OpenTable(description.Name, properties);
+  std::shared_ptr<c4_Table> table = OpenTable(description.Name, properties);
   if (!Database.IsReadOnly() && !table->IsStored()) {
     Transaction.Run([&] { table->Store(); });
   }
-  return {table, &table->GetRoot()};
+  return table;
 }
 
 /// The table with the properties, loaded; not known to the storage unless it could be.
@@ -87,10 +78,9 @@ std::shared_ptr<c4_Table> c4_Storage::Impl::OpenTable(const std::string& name,
   return table;
 }
 
-void c4_Storage::Impl::CloseTables() {
-  Transaction.DetachAll();
+c4_Storage::Impl::~Impl() {
+  // Views may keep the tables alive.
   for (const auto& [name, table] : Tables) table->Close();
-  Tables.clear();
 }
 
 c4_Storage::c4_Storage(const std::string& path, Mode mode) : Inside(std::make_unique<Impl>(path, mode)) {}
@@ -136,5 +126,3 @@ std::optional<std::int32_t> c4_Storage::ReadFirstInteger(const std::string& view
     throw CStorageException(Inside->Database.Describe("read", error), error.IsDamage());
   }
 }
-
-const std::string& c4_Storage::GetPath() const { return Inside->Path; }

@@ -58,8 +58,6 @@ class c4_Storage {
   /// integer of 32 bits, which a view reads as 0.
   std::optional<std::int32_t> ReadFirstInteger(const std::string& view, const c4_IntProp& property);
 
-  const std::string& GetPath() const;
-
  private:
   class Impl;
   std::unique_ptr<Impl> Inside;

@@ -6,7 +6,6 @@
 
 #include "base/Exceptions.h"
 #include "platform/Ascii.h"
-#include "storage/TextOrder.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "storage/Property.h"
+#include "storage/Row.h"
 
 /// A view's name and its properties, as the text "Name[Property:Type,...]" gives them. Type is I, S or B.
 /// Names begin with a letter and go on with letters, digits and "_"; no two properties have one name,

@@ -3,10 +3,26 @@
 #include <sqlite3.h>
 
 #include "platform/Files.h"
-#include "storage/DatabaseCopy.h"
-#include "storage/NewStorageFile.h"
+#include "storage/Sqlite.h"
 
 namespace {
+
+std::string GetJournalPath(const std::string& path) { return path + "-journal"; }
+
+/// Of the log that some tools have SQLite write instead of a journal.
+std::string GetLogPath(const std::string& path) { return path + "-wal"; }
+
+/// Removes a file; none there is no error.
+std::error_code RemoveIfThere(const std::string& path) {
+  const std::error_code error = platform::RemoveFile(path);
+  return error == std::errc::no_such_file_or_directory ? std::error_code() : error;
+}
+
+/// Another tool may have switched the file to a log, in which its last pages can stand.
+bool HasLog(const std::string& path) {
+  platform::FileStatus status;
+  return !platform::GetStatus(GetLogPath(path), status) && status.Size > 0;
+}
 
 std::error_code ToErrorCode(const CDatabaseError& error) {
   switch (error.GetPrimaryCode()) {
@@ -54,6 +70,40 @@ std::error_code CopyContent(const std::string& from, const std::string& to) {
 }
 
 }  // namespace
+
+void CheckFileSize(sqlite3* connection, const std::string& path) {
+  const std::int64_t pages = QueryInteger(connection, "PRAGMA page_count");
+  const std::int64_t size = pages * QueryInteger(connection, "PRAGMA page_size");
+  platform::FileStatus status;
+  if (const auto error = platform::GetStatus(path, status)) {
+    throw CDatabaseError(SQLITE_IOERR, error.message());
+  }
+  const bool isWhole = status.Size >= static_cast<std::uint64_t>(size) || HasLog(path);
+  if (!isWhole || status.Size < kSmallestFile) {
+    throw CDatabaseError(SQLITE_CORRUPT, "it is damaged (its end is missing)");
+  }
+}
+
+CNewStorageFile::~CNewStorageFile() {
+  if (Path.empty()) return;
+  // What made the file useless is the error to report, not a removal that fails as well.
+  static_cast<void>(RemoveIfThere(GetJournalPath(Path)));
+  static_cast<void>(RemoveIfThere(Path));
+}
+
+std::error_code CNewStorageFile::Create() {
+  // Not a name that the search for photos takes for an abandoned file: nothing is locked while SQLite writes.
+  return platform::CreateTemporaryFile(Target, std::string(platform::kUnfinishedPrefix) + "db-", Path);
+}
+
+std::error_code CNewStorageFile::GiveName() {
+  // A journal or a log without its file would be taken for the new file's own and played into it.
+  platform::FileStatus taken;
+  if (!platform::GetStatus(Target, taken)) return make_error_code(std::errc::file_exists);
+  if (const auto error = RemoveIfThere(GetJournalPath(Target))) return error;
+  if (const auto error = RemoveIfThere(GetLogPath(Target))) return error;
+  return platform::RenameToNewName(Path, Target);
+}
 
 std::error_code CopyStorageFile(const std::string& from, const std::string& to) {
   if (const auto error = CheckIsFile(from)) return error;

@@ -3,79 +3,40 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <limits>
+#include <optional>
+#include <utility>
 
 #include "storage/StorageException.h"
-#include "storage/TextOrder.h"
 
 namespace {
 
 /// More rows than this are not reserved on the word of a file; the rest is made as it comes.
 constexpr std::int64_t kMaximumReserve = 1 << 20;
 
-template <typename T>
-int CompareValues(const T& left, const T& right) {
-  if (left < right) return -1;
-  return right < left ? 1 : 0;
-}
-
-template <typename T>
-const T& GetOrDefault(const c4_Row::Value& value) {
-  static const T kDefault{};
-  const T* held = std::get_if<T>(&value);
-  return held != nullptr ? *held : kDefault;
-}
-
-bool IsDefault(const c4_Row::Value& value) {
-  return GetOrDefault<std::int32_t>(value) == 0 && GetOrDefault<std::string>(value).empty() &&
-         GetOrDefault<c4_Bytes>(value).empty();
-}
-
-template <typename T>
-void Trim(std::vector<T>& values) {
-  if (values.capacity() > values.size() + values.size() / 16) values.shrink_to_fit();
-}
-
-void Reserve(TableRows& rows, std::int64_t count) {
-  const auto size = static_cast<std::size_t>(count);
-  rows.RowIds.reserve(size);
-  for (CColumn& column : rows.Columns) {
-    if (column.Type == c4_Type::Integer) column.Integers.reserve(size);
-    if (column.Type == c4_Type::Text) column.Texts.Reserve(size);
-  }
-}
-
-/// Frees what was reserved in vain, and gives columns that the file lacks their empty values.
-void Trim(TableRows& rows) {
-  Trim(rows.RowIds);
-  for (CColumn& column : rows.Columns) {
-    if (column.Type == c4_Type::Integer) column.Integers.resize(rows.RowIds.size());
-    if (column.Type == c4_Type::Text) column.Texts.Resize(rows.RowIds.size());
-    Trim(column.Integers);
-    column.Texts.Trim();
-  }
-}
+/// So few rows are taken out of every sequence one by one; more are swept out of each in one pass.
+constexpr std::size_t kFewRows = 8;
 
 }  // namespace
 
 c4_Table::c4_Table(std::string name, CTransaction& transaction)
-    : Name(std::move(name)), Transaction(&transaction), File(transaction.GetDatabase(), Name), Root(*this) {}
-
-void c4_Table::AddColumn(TableRows& rows, const c4_Property& property) {
-  CColumn& column = rows.Columns.emplace_back(CColumn{property, property.Type(), {}, {}, {}});
-  if (column.Type == c4_Type::Integer) column.Integers.resize(rows.RowIds.size());
-  if (column.Type == c4_Type::Text) column.Texts.Resize(rows.RowIds.size());
-}
+    : Name(std::move(name)),
+      Transaction(&transaction),
+      File(transaction.GetDatabase(), Name),
+      Rows(*this),
+      History(Rows),
+      Root(Rows) {}
 
 void c4_Table::Declare(const std::vector<c4_Property>& properties) {
-  TableRows fresh;
-  for (const CColumn& column : Rows.Columns) AddColumn(fresh, column.Property);
+  CTableRows fresh(*this);
+  for (const c4_Property& property : Rows.GetProperties()) fresh.AddColumn(property);
   for (const c4_Property& property : properties) {
-    if (FindColumn(property)) continue;
-    for (const CColumn& column : fresh.Columns) {
-      if (!TextsAreEqual(column.Property.Name(), property.Name())) continue;
+    if (fresh.FindColumn(property)) continue;
+    for (const c4_Property& present : fresh.GetProperties()) {
+      if (!TextsAreEqual(present.Name(), property.Name())) continue;
       throw CError("The view \"" + Name + "\" has a property \"" + property.Name() + "\" of another type.");
     }
-    AddColumn(fresh, property);
+    fresh.AddColumn(property);
   }
   const bool stored = ReadRows(fresh);
   Adopt(std::move(fresh));
@@ -84,128 +45,93 @@ void c4_Table::Declare(const std::vector<c4_Property>& properties) {
 
 bool c4_Table::HasAll(const std::vector<c4_Property>& properties) const {
   return std::all_of(properties.begin(), properties.end(),
-                     [this](const c4_Property& property) { return FindColumn(property).has_value(); });
+                     [this](const c4_Property& property) { return Rows.FindColumn(property).has_value(); });
 }
 
-void c4_Table::Load() { Declare({}); }
-
-void c4_Table::Adopt(TableRows rows) {
-  Rows = std::move(rows);
-  MapColumns();
-  File.Forget();
-  Past = History();
-  Past.OldSlots = Rows.RowIds.size();
-  Past.Complete = !Transaction->IsOpen();
-  Past.Touched = !Past.Complete;
-  if (!Rows.RowIds.empty()) HighestRowId = std::max(HighestRowId, Rows.RowIds.back());
-  Root.Rebuild();
-}
-
-void c4_Table::MapColumns() {
-  ColumnOfProperty.clear();
-  for (std::size_t i = 0; i < Rows.Columns.size(); ++i) {
-    const auto id = static_cast<std::size_t>(Rows.Columns[i].Property.Id);
-    if (id >= ColumnOfProperty.size()) ColumnOfProperty.resize(id + 1, -1);
-    ColumnOfProperty[id] = static_cast<int>(i);
+/// Fills the columns of `rows`. Whether the file has all of them.
+bool c4_Table::ReadRows(CTableRows& rows) {
+  File.Inspect();
+  bool stored = true;
+  std::vector<std::size_t> columns;  // that are held in memory
+  std::vector<c4_Property> properties;
+  for (std::size_t i = 0; i < rows.GetColumnCount(); ++i) {
+    const CColumn& column = rows.GetColumn(i);
+    const bool there = File.HasColumn(column.Property.Name());
+    stored = stored && there;
+    if (!there || column.Type == c4_Type::Bytes) continue;
+    columns.push_back(i);
+    properties.push_back(column.Property);
   }
+  if (!File.Exists()) return stored;
+  const std::int64_t expected = std::clamp(File.GetHighestRowId(), std::int64_t{0}, kMaximumReserve);
+  rows.Reserve(static_cast<std::size_t>(expected));
+  CStatement statement = File.SelectAll(properties);
+  while (statement.Step()) {
+    if (!rows.AppendRowId(statement.GetInteger(0))) {
+      throw CDatabaseError(SQLITE_CORRUPT, "it is damaged (rows are out of order)");
+    }
+    int position = 1;
+    for (const std::size_t column : columns) {
+      if (rows.GetColumn(column).Type == c4_Type::Integer) {
+        rows.AppendValue(column, statement.GetInteger32(position++));
+      } else {
+        rows.AppendValue(column, statement.GetText(position++));
+      }
+    }
+  }
+  rows.EndLoading();
+  return stored;
 }
 
-void c4_Table::Close() {
-  Transaction = nullptr;
+void c4_Table::Adopt(CTableRows rows) {
+  Rows = std::move(rows);
   File.Forget();
-  Rows = TableRows();
-  Past = History();
-  MapColumns();
+  History = CTableHistory(Rows);
+  CanUndo = !Transaction->IsOpen();
+  if (!CanUndo) History.Touch();
+  if (const std::size_t count = Rows.GetSlotCount(); count > 0) {
+    HighestRowId = std::max(HighestRowId, Rows.GetRowId(static_cast<c4_Slot>(count - 1)));
+  }
   Root.Rebuild();
 }
 
 void c4_Table::Store() {
   if (Stored) return;
   File.Inspect();
-  File.Make(GetProperties());
+  File.Make(Rows.GetProperties());
   Stored = true;
-  Past.Touched = true;
+  History.Touch();
 }
 
-std::vector<c4_Property> c4_Table::GetProperties() const {
-  std::vector<c4_Property> properties;
-  for (const CColumn& column : Rows.Columns) properties.push_back(column.Property);
-  return properties;
-}
-
-/// Fills the columns of `rows`. Whether the file has all of them.
-bool c4_Table::ReadRows(TableRows& rows) {
-  File.Inspect();
-  bool stored = true;
-  std::vector<CColumn*> held;
-  std::vector<c4_Property> properties;
-  for (CColumn& column : rows.Columns) {
-    const bool there = File.HasColumn(column.Property.Name());
-    stored = stored && there;
-    if (!there || column.Type == c4_Type::Bytes) continue;
-    held.push_back(&column);
-    properties.push_back(column.Property);
-  }
-  if (!File.Exists()) return stored;
-  Reserve(rows, std::clamp(File.GetHighestRowId(), std::int64_t{0}, kMaximumReserve));
-  CStatement statement = File.SelectAll(properties);
-  while (statement.Step()) {
-    const std::int64_t rowId = statement.GetInteger(0);
-    if (!rows.RowIds.empty() && rowId <= rows.RowIds.back()) {
-      throw CDatabaseError(SQLITE_CORRUPT, "it is damaged (rows are out of order)");
-    }
-    rows.RowIds.push_back(rowId);
-    int position = 1;
-    for (CColumn* column : held) {
-      if (column->Type == c4_Type::Integer) {
-        column->Integers.push_back(statement.GetInteger32(position++));
-      } else {
-        column->Texts.Append(statement.GetText(position++));
-      }
-    }
-  }
-  Trim(rows);
-  return stored;
-}
-
-std::optional<std::size_t> c4_Table::FindColumn(const c4_Property& property) const {
-  const auto id = static_cast<std::size_t>(property.Id);
-  if (id >= ColumnOfProperty.size() || ColumnOfProperty[id] < 0) return std::nullopt;
-  return static_cast<std::size_t>(ColumnOfProperty[id]);
-}
-
-std::optional<c4_Slot> c4_Table::FindSlot(const RowIdentity& row) const {
-  c4_Slot slot = row.Slot;
-  if (slot >= Rows.RowIds.size() || Rows.RowIds[slot] != row.RowId) {
-    const auto found = std::lower_bound(Rows.RowIds.begin(), Rows.RowIds.end(), row.RowId);
-    if (found == Rows.RowIds.end() || *found != row.RowId) return std::nullopt;
-    slot = static_cast<c4_Slot>(found - Rows.RowIds.begin());
-  }
-  if (!IsLive(slot)) return std::nullopt;
-  return slot;
+void c4_Table::Close() {
+  Transaction = nullptr;
+  File.Forget();
+  Rows = CTableRows(*this);
+  History = CTableHistory(Rows);
+  Root.Rebuild();
 }
 
 std::int32_t c4_Table::GetInteger(const c4_Property& property, const RowIdentity& row) const {
-  const auto column = FindColumn(property);
-  const auto slot = FindSlot(row);
-  return column && slot ? Rows.Columns[*column].Integers[*slot] : 0;
+  const auto column = Rows.FindColumn(property);
+  const auto slot = Rows.FindSlot(row);
+  return column && slot ? Rows.GetColumn(*column).Integers[*slot] : 0;
 }
 
 std::string_view c4_Table::GetText(const c4_Property& property, const RowIdentity& row) const {
-  const auto column = FindColumn(property);
-  const auto slot = FindSlot(row);
-  return column && slot ? Rows.Columns[*column].Texts[*slot] : std::string_view();
+  const auto column = Rows.FindColumn(property);
+  const auto slot = Rows.FindSlot(row);
+  return column && slot ? Rows.GetColumn(*column).Texts[*slot] : std::string_view();
 }
 
 c4_Bytes c4_Table::GetBytes(const c4_Property& property, const RowIdentity& row) const {
-  const auto column = FindColumn(property);
-  const auto slot = FindSlot(row);
-  return column && slot ? ReadBytes(Rows.Columns[*column], *slot) : c4_Bytes();
+  const auto column = Rows.FindColumn(property);
+  const auto slot = Rows.FindSlot(row);
+  return column && slot ? Rows.ReadBytes(*column, *slot) : c4_Bytes();
 }
 
-c4_Bytes c4_Table::ReadBytes(const CColumn& column, c4_Slot slot) const {
+c4_Bytes c4_Table::ReadBytes(const c4_Property& property, std::int64_t rowId) const {
   try {
-    return File.ReadBytes(column.Property, Rows.RowIds[slot]);
+    return File.ReadBytes(property, rowId);
   } catch (const CDatabaseError& error) {
     const std::string text = Transaction->GetDatabase().Describe("read", error);
     Transaction->CheckAfterRead();
@@ -213,36 +139,97 @@ c4_Bytes c4_Table::ReadBytes(const CColumn& column, c4_Slot slot) const {
   }
 }
 
-int c4_Table::CompareRows(std::size_t column, c4_Slot left, c4_Slot right) const {
-  const CColumn& values = Rows.Columns[column];
-  switch (values.Type) {
-    case c4_Type::Integer:
-      return CompareValues(values.Integers[left], values.Integers[right]);
-    case c4_Type::Text:
-      return CompareTexts(values.Texts[left], values.Texts[right]);
-    case c4_Type::Bytes:
-      break;
-  }
-  return CompareValues(ReadBytes(values, left), ReadBytes(values, right));
+void c4_Table::Set(const c4_Property& property, const RowIdentity& row, const c4_Row::Value& value) {
+  const auto column = Rows.FindColumn(property);
+  const auto before = Rows.FindSlot(row);
+  if (!IsOpen() || !column || !before || Rows.GetColumn(*column).Holds(*before, value)) return;
+  Transaction->Run([&] {
+    Store();
+    const auto slot = Rows.FindSlot(row);
+    if (!slot) return;
+    History.RememberValue(Rows, *column, *slot);
+    Root.TakeOut(*slot, column);
+    File.Update(property, row.RowId, value);
+    Rows.Assign(*column, *slot, value);
+    Root.PutIn(*slot, column);
+  });
 }
 
-int c4_Table::CompareToValue(std::size_t column, c4_Slot slot, const c4_Row::Value& value) const {
-  const CColumn& values = Rows.Columns[column];
-  switch (values.Type) {
-    case c4_Type::Integer:
-      return CompareValues(values.Integers[slot], GetOrDefault<std::int32_t>(value));
-    case c4_Type::Text:
-      return CompareTexts(values.Texts[slot], GetOrDefault<std::string>(value));
-    case c4_Type::Bytes:
-      break;
-  }
-  return CompareValues(ReadBytes(values, slot), GetOrDefault<c4_Bytes>(value));
+RowIdentity c4_Table::Add(const c4_Row& row) {
+  RowIdentity added;
+  Transaction->Run([&] {
+    Store();
+    if (HighestRowId == std::numeric_limits<std::int64_t>::max()) {
+      throw CDatabaseError(SQLITE_FULL, "it has no numbers left for rows");
+    }
+    ++HighestRowId;
+    File.Insert(HighestRowId, Rows.GetProperties(), row);
+    History.Touch();
+    const c4_Slot slot = Rows.Append(HighestRowId, row);
+    Root.PutIn(slot, std::nullopt);
+    added = Rows.GetIdentity(slot);
+  });
+  return added;
 }
 
-bool c4_Table::Matches(c4_Slot slot, const c4_Row& values) const {
-  for (const auto& [property, value] : values.GetValues()) {
-    const auto column = FindColumn(property);
-    if (column ? CompareToValue(*column, slot, value) != 0 : !IsDefault(value)) return false;
+void c4_Table::Remove(const std::vector<RowIdentity>& rows) {
+  if (!IsOpen() || rows.empty()) return;
+  Transaction->Run([&] {
+    std::vector<c4_Slot> slots;
+    for (const RowIdentity& row : rows) {
+      if (const auto slot = Rows.FindSlot(row)) slots.push_back(*slot);
+    }
+    if (slots.empty()) return;
+    if (slots.size() == Rows.GetRowCount()) {
+      RemoveAll();
+    } else {
+      RemoveSlots(slots);
+    }
+  });
+}
+
+void c4_Table::RemoveAll() {
+  File.DeleteAll();
+  CTableRows empty(*this);
+  for (const c4_Property& property : Rows.GetProperties()) empty.AddColumn(property);
+  History.RememberAll(std::exchange(Rows, std::move(empty)));
+  Root.Rebuild();
+}
+
+void c4_Table::RemoveSlots(const std::vector<c4_Slot>& slots) {
+  const bool areFew = slots.size() <= kFewRows;
+  for (const c4_Slot slot : slots) {
+    History.RememberRow(Rows, slot);
+    if (areFew) Root.TakeOut(slot, std::nullopt);  // may read the row's bytes from the file
+    File.Delete(Rows.GetRowId(slot));
   }
-  return true;
+  Rows.Remove(slots);
+  if (!areFew) Root.DropRemoved();
+}
+
+void c4_Table::AddProperty(const c4_Property& property) {
+  if (!IsOpen() || Rows.FindColumn(property)) return;
+  Transaction->Run([&] {
+    Declare({property});
+    Store();
+  });
+}
+
+void c4_Table::KeepChanges() {
+  History = CTableHistory(Rows);
+  CanUndo = true;
+}
+
+bool c4_Table::UndoChanges() noexcept {
+  if (!History.IsTouched()) return true;
+  const bool complete = CanUndo;
+  try {
+    History.Undo(Rows);
+    KeepChanges();
+    Stored = false;  // its columns may be among what was undone
+    Root.Rebuild();
+    return complete;
+  } catch (...) {
+    return false;
+  }
 }

@@ -1,9 +1,5 @@
 #include "storage/TableFile.h"
 
-#include <algorithm>
-
-#include "storage/TextOrder.h"
-
 namespace {
 
 std::string Quote(std::string_view name) {
@@ -47,15 +43,11 @@ void BindValue(CStatement& statement, int parameter, const c4_Row::Value& value)
 
 }  // namespace
 
-bool CTableFile::NameOrder::operator()(std::string_view left, std::string_view right) const {
-  return CompareTexts(left, right) < 0;
-}
-
 CTableFile::CTableFile(CDatabase& database, std::string name)
     : Database(database), Name(std::move(name)), QuotedName(Quote(Name)) {}
 
 void CTableFile::Inspect() {
-  std::set<std::string, NameOrder> found;
+  std::set<std::string, TextOrder> found;
   CStatement statement = Database.Prepare(
       "SELECT c.name FROM sqlite_schema AS t, pragma_table_info(t.name) AS c "
       "WHERE t.type='table' AND t.name=? COLLATE NOCASE");
@@ -124,11 +116,8 @@ void CTableFile::Insert(std::int64_t rowId, const std::vector<c4_Property>& prop
   InsertRow.Bind(1, rowId);
   int parameter = 2;
   for (const c4_Property& property : properties) {
-    const auto& values = row.GetValues();
-    const auto value = std::find_if(values.begin(), values.end(),
-                                    [&](const auto& entry) { return entry.first == property; });
-    if (value != values.end()) {
-      BindValue(InsertRow, parameter++, value->second);
+    if (const c4_Row::Value* value = row.FindValue(property)) {
+      BindValue(InsertRow, parameter++, *value);
     } else {
       BindDefault(InsertRow, parameter++, property.Type());
     }

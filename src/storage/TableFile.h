@@ -37,18 +37,14 @@ class CTableFile {
   void Forget();
 
  private:
-  struct NameOrder {
-    using is_transparent = void;
-    bool operator()(std::string_view left, std::string_view right) const;
-  };
-  using Statements = std::map<std::string, CStatement, NameOrder>;
+  using Statements = std::map<std::string, CStatement, TextOrder>;
 
   CStatement& Prepare(Statements& statements, const c4_Property& property, const std::string& sql);
 
   CDatabase& Database;
   std::string Name;
   std::string QuotedName;
-  std::set<std::string, NameOrder> Columns;
+  std::set<std::string, TextOrder> Columns;
   CStatement InsertRow;
   CStatement DeleteRow;
   Statements Updates;

@@ -1,14 +1,14 @@
 #include "storage/Transaction.h"
 
 #include "storage/StorageException.h"
-#include "storage/Table.h"
 
 CTransaction::CTransaction(CDatabase& database)
     : Database(database), DataVersion(database.GetFirstDataVersion()) {}
 
-void CTransaction::Attach(c4_Table& table) {
-  Tables.push_back(&table);
-  if (Opened) table.BeginChanges();
+void CTransaction::Attach(CParticipant& participant) {
+  Participants.push_back(&participant);
+  // Loaded inside the transaction, but before any change of its own.
+  participant.KeepChanges();
 }
 
 void CTransaction::Begin() {
@@ -16,8 +16,8 @@ void CTransaction::Begin() {
   Database.Execute("BEGIN IMMEDIATE");
   Opened = true;
   Database.CheckAgain();
-  if (OutOfStep || Database.GetDataVersion() != DataVersion) LoadTables();
-  for (c4_Table* table : Tables) table->BeginChanges();
+  if (OutOfStep || Database.GetDataVersion() != DataVersion) LoadAll();
+  for (CParticipant* participant : Participants) participant->KeepChanges();
 }
 
 void CTransaction::Commit() {
@@ -28,17 +28,17 @@ void CTransaction::Commit() {
     Undo();
     // The failure may have come after the file was changed for good.
     OutOfStep = true;
-    TryLoadTables();
+    TryLoadAll();
     Raise(error);
   }
   Opened = false;
-  for (c4_Table* table : Tables) table->KeepChanges();
+  for (CParticipant* participant : Participants) participant->KeepChanges();
 }
 
 void CTransaction::Refresh() {
   if (!OutOfStep) return;
   try {
-    LoadTables();
+    LoadAll();
   } catch (const CDatabaseError& error) {
     throw CStorageException(Database.Describe("read", error), error.IsDamage());
   }
@@ -53,7 +53,7 @@ void CTransaction::Compact() {
   OutOfStep = true;
   try {
     Database.Compact();
-    LoadTables();
+    LoadAll();
   } catch (const CDatabaseError& error) {
     Raise(error);
   }
@@ -67,10 +67,10 @@ void CTransaction::Undo() noexcept {
   const bool began = Opened;
   EndInFile();
   if (!began) return;
-  for (c4_Table* table : Tables) {
-    if (!table->UndoChanges()) OutOfStep = true;
+  for (CParticipant* participant : Participants) {
+    if (!participant->UndoChanges()) OutOfStep = true;
   }
-  if (OutOfStep) TryLoadTables();
+  if (OutOfStep) TryLoadAll();
 }
 
 void CTransaction::EndInFile() noexcept {
@@ -83,21 +83,21 @@ void CTransaction::EndInFile() noexcept {
   }
 }
 
-void CTransaction::LoadTables() {
+void CTransaction::LoadAll() {
   OutOfStep = true;
   Database.CheckAgain();
   // Read first: what another process changes from now on is loaded before the next change.
   const std::int64_t version = Database.GetDataVersion();
-  for (c4_Table* table : Tables) table->Load();
+  for (CParticipant* participant : Participants) participant->Load();
   DataVersion = version;
   OutOfStep = false;
 }
 
-void CTransaction::TryLoadTables() noexcept {
+void CTransaction::TryLoadAll() noexcept {
   try {
-    LoadTables();
+    LoadAll();
   } catch (...) {
-    // The tables stay as they are until the next change, which loads them or fails.
+    // They stay as they are until the next change, which loads them or fails.
   }
 }
 

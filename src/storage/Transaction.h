@@ -5,27 +5,39 @@
 
 #include "storage/Database.h"
 
-class c4_Table;
+/// Holds in memory a part of what the file holds, and changes it in transactions.
+class CParticipant {
+ public:
+  /// What is held now is what the file holds.
+  virtual void KeepChanges() = 0;
+  /// Brings back what was held at the last KeepChanges. False if that can't be done from memory; what is held
+  /// is then undefined until Load.
+  virtual bool UndoChanges() noexcept = 0;
+  /// Reads everything from the file. CDatabaseError; what is held is then as it was.
+  virtual void Load() = 0;
+
+ protected:
+  ~CParticipant() = default;
+};
 
 /// The one open transaction of a storage. It begins with the first change after a commit and is undone, in
-/// the file and in every table, unless it is committed. The tables undo their part from memory, so they
-/// show the last commit even while the disk answers nothing.
+/// the file and in every participant, unless it is committed. The participants undo their part from memory,
+/// so they show the last commit even while the disk answers nothing.
 class CTransaction {
  public:
   explicit CTransaction(CDatabase& database);
   CTransaction(const CTransaction&) = delete;
   CTransaction& operator=(const CTransaction&) = delete;
 
-  /// A table that takes part from now on. The caller keeps it alive until DetachAll.
-  void Attach(c4_Table& table);
-  void DetachAll() { Tables.clear(); }
+  /// The participant has just been loaded, and lives as long as this.
+  void Attach(CParticipant& participant);
 
   CDatabase& GetDatabase() const { return Database; }
   bool IsOpen() const { return Opened; }
 
-  /// Runs a change of the file and the tables inside the transaction. If it fails everything since the last
-  /// commit is undone and CStorageException raised. The tables may have been loaded anew when `change`
-  /// begins, since another process may have changed the file meanwhile.
+  /// Runs a change of the file and its participants inside the transaction. If it fails everything since the
+  /// last commit is undone and CStorageException raised. The participants may have been loaded anew when
+  /// `change` begins, since another process may have changed the file meanwhile.
   template <typename Change>
   void Run(const Change& change) {
     try {
@@ -40,10 +52,11 @@ class CTransaction {
     }
   }
 
-  /// CStorageException if it doesn't reach the disk. The tables hold what the file holds then: as a rule the
-  /// last commit, but all of the changes if only the last flush failed.
+  /// CStorageException if it doesn't reach the disk. The participants hold what the file holds then: as a
+  /// rule the last commit, but all of the changes if only the last flush failed.
   void Commit();
-  /// Loads the tables if a failure has left it open what the file holds. CStorageException if it still is.
+  /// Loads the participants if a failure has left it open what the file holds. CStorageException if it still
+  /// is.
   void Refresh();
   void Rollback();
   /// Undoes the open changes and rewrites the file without its free space. CStorageException.
@@ -56,13 +69,13 @@ class CTransaction {
   void Begin();
   void Undo() noexcept;
   void EndInFile() noexcept;
-  void LoadTables();
-  void TryLoadTables() noexcept;
+  void LoadAll();
+  void TryLoadAll() noexcept;
   [[noreturn]] void Raise(const CDatabaseError& error) const;
 
   CDatabase& Database;
-  std::vector<c4_Table*> Tables;
-  std::int64_t DataVersion;  // of the file when the tables were last in step with it
+  std::vector<CParticipant*> Participants;
+  std::int64_t DataVersion;  // of the file when the participants were last in step with it
   bool Opened = false;
-  bool OutOfStep = false;  // the tables may differ from the file: they are loaded before the next change
+  bool OutOfStep = false;  // participants may differ from the file: they are loaded before the next change
 };

@@ -5,7 +5,7 @@
 #include <span>
 
 #include "storage/DataThread.h"
-#include "storage/DerivedSequence.h"
+#include "storage/Sequence.h"
 #include "storage/Table.h"
 
 namespace {
@@ -23,9 +23,9 @@ struct SearchKey {
 
 std::vector<SearchKey> MakeSearchKeys(const c4_Sequence& sequence, const c4_Row& values) {
   std::vector<SearchKey> keys;
-  const c4_Table& table = sequence.GetTable();
+  const CTableRows& rows = sequence.GetRows();
   const auto addKey = [&](const c4_Property& property, bool descending, const c4_Row::Value& value) {
-    if (const auto column = table.FindColumn(property)) keys.push_back({*column, descending, &value});
+    if (const auto column = rows.FindColumn(property)) keys.push_back({*column, descending, &value});
   };
   const std::vector<SortKey>* sortKeys = sequence.GetSortKeys();
   if (sortKeys == nullptr) {
@@ -34,17 +34,16 @@ std::vector<SearchKey> MakeSearchKeys(const c4_Sequence& sequence, const c4_Row&
     return keys;
   }
   for (const SortKey& key : *sortKeys) {
-    const auto entry = std::find_if(values.GetValues().begin(), values.GetValues().end(),
-                                    [&](const auto& other) { return other.first == key.Property; });
-    if (entry == values.GetValues().end()) break;
-    addKey(key.Property, key.Descending, entry->second);
+    const c4_Row::Value* value = values.FindValue(key.Property);
+    if (value == nullptr) break;
+    addKey(key.Property, key.Descending, *value);
   }
   return keys;
 }
 
-bool IsBelow(const c4_Table& table, c4_Slot slot, std::span<const SearchKey> keys) {
+bool IsBelow(const CTableRows& rows, c4_Slot slot, std::span<const SearchKey> keys) {
   for (const SearchKey& key : keys) {
-    const int order = table.CompareToValue(key.Column, slot, *key.Value);
+    const int order = rows.CompareToValue(key.Column, slot, *key.Value);
     if (order != 0) return key.Descending ? order > 0 : order < 0;
   }
   return false;
@@ -54,7 +53,10 @@ bool IsBelow(const c4_Table& table, c4_Slot slot, std::span<const SearchKey> key
 
 c4_View::c4_View() = default;
 
-c4_View::c4_View(std::shared_ptr<c4_Sequence> sequence) : Sequence(std::move(sequence)) {}
+c4_View::c4_View(std::shared_ptr<c4_Table> table) : Table(table), Sequence(table, &table->GetRoot()) {}
+
+c4_View::c4_View(std::shared_ptr<c4_Table> table, std::shared_ptr<c4_Sequence> sequence)
+    : Table(std::move(table)), Sequence(std::move(sequence)) {}
 
 int c4_View::GetSize() const {
   AssertDataThread();
@@ -63,38 +65,35 @@ int c4_View::GetSize() const {
 
 c4_RowRef c4_View::GetAt(int index) const {
   if (index < 0 || index >= GetSize()) return {};
-  const RowIdentity row = GetIdentity(index);
-  return {Sequence->GetTable().shared_from_this(), row.Slot, row.RowId};
+  return {Table, GetIdentity(index)};
 }
 
 std::int32_t c4_View::GetIntegerAt(const c4_IntProp& property, int index) const {
   if (index < 0 || index >= GetSize()) return 0;
-  return Sequence->GetTable().GetInteger(property, GetIdentity(index));
+  return Table->GetInteger(property, GetIdentity(index));
 }
 
 std::string_view c4_View::GetTextAt(const c4_StringProp& property, int index) const {
   if (index < 0 || index >= GetSize()) return {};
-  return Sequence->GetTable().GetText(property, GetIdentity(index));
+  return Table->GetText(property, GetIdentity(index));
 }
 
 RowIdentity c4_View::GetIdentity(int index) const {
-  return Sequence->GetTable().GetIdentity(Sequence->GetSlotAt(ToPosition(index)));
+  return Table->GetRows().GetIdentity(Sequence->GetSlotAt(ToPosition(index)));
 }
 
 int c4_View::GetIndexOf(const c4_RowRef& row) const {
   AssertDataThread();
-  if (!Sequence || row.Table.get() != &Sequence->GetTable()) return -1;
-  const auto slot = row.Table->FindSlot({row.Slot, row.RowId});
+  if (!Sequence || row.Source != Table) return -1;
+  const auto slot = Table->GetRows().FindSlot(row.Row);
   const auto position = slot ? Sequence->GetPositionOf(*slot) : std::nullopt;
   return position ? static_cast<int>(*position) : -1;
 }
 
 c4_RowRef c4_View::Add(const c4_Row& row) {
   AssertDataThread();
-  if (!Sequence || !Sequence->GetTable().IsOpen()) return {};
-  c4_Table& table = Sequence->GetTable();
-  const RowIdentity added = table.Add(row);
-  return {table.shared_from_this(), added.Slot, added.RowId};
+  if (!Table || !Table->IsOpen()) return {};
+  return {Table, Table->Add(row)};
 }
 
 void c4_View::RemoveAt(int index, int count) {
@@ -103,12 +102,9 @@ void c4_View::RemoveAt(int index, int count) {
   const std::int64_t end = std::int64_t{index} + std::max(count, 0);
   const int last = static_cast<int>(std::clamp(end, std::int64_t{first}, std::int64_t{size}));
   if (first == last) return;
-  c4_Table& table = Sequence->GetTable();
   std::vector<RowIdentity> rows;
-  for (int i = first; i < last; ++i) {
-    rows.push_back(table.GetIdentity(Sequence->GetSlotAt(ToPosition(i))));
-  }
-  table.Remove(rows);
+  for (int i = first; i < last; ++i) rows.push_back(GetIdentity(i));
+  Table->Remove(rows);
 }
 
 void c4_View::SetSize(int size) {
@@ -120,46 +116,46 @@ void c4_View::SetSize(int size) {
 
 void c4_View::AddProperty(const c4_Property& property) {
   AssertDataThread();
-  if (Sequence) Sequence->GetTable().AddProperty(property);
+  if (Table) Table->AddProperty(property);
 }
 
 int c4_View::Find(const c4_Row& values, int start) const {
   const int size = GetSize();
   start = std::max(start, 0);
   if (start >= size) return -1;
-  c4_Table& table = Sequence->GetTable();
-  if (const auto candidates = table.FindCandidates(values, ToPosition(size))) {
+  const CTableRows& rows = Table->GetRows();
+  if (const auto candidates = rows.FindCandidates(values, ToPosition(size))) {
     std::size_t first = std::numeric_limits<std::size_t>::max();
     for (const auto& [value, slot] : *candidates) {
-      if (!table.Matches(slot, values)) continue;
+      if (!rows.Matches(slot, values)) continue;
       const auto position = Sequence->GetPositionOf(slot);
       if (position && *position >= ToPosition(start)) first = std::min(first, *position);
     }
     return first == std::numeric_limits<std::size_t>::max() ? -1 : static_cast<int>(first);
   }
   for (int i = start; i < size; ++i) {
-    if (table.Matches(Sequence->GetSlotAt(ToPosition(i)), values)) return i;
+    if (rows.Matches(Sequence->GetSlotAt(ToPosition(i)), values)) return i;
   }
   return -1;
 }
 
 int c4_View::Search(const c4_Row& values) const {
   if (GetSize() == 0) return 0;
-  const c4_Table& table = Sequence->GetTable();
+  const CTableRows& rows = Table->GetRows();
   const std::vector<SearchKey> allKeys = MakeSearchKeys(*Sequence, values);
   std::span<const SearchKey> keys = allKeys;
   auto [first, last] = Sequence->NarrowSearch(values);
   while (first < last) {
     if (keys.size() > 1 && last - first <= kFewRows &&
-        table.CompareRows(keys[0].Column, Sequence->GetSlotAt(first), Sequence->GetSlotAt(last - 1)) == 0) {
+        rows.CompareRows(keys[0].Column, Sequence->GetSlotAt(first), Sequence->GetSlotAt(last - 1)) == 0) {
       // All rows between are equal in the first key, like the photos of one folder: one look at it is enough.
       const c4_Slot slot = Sequence->GetSlotAt(first);
-      if (IsBelow(table, slot, keys.first(1))) return static_cast<int>(last);
-      if (table.CompareToValue(keys[0].Column, slot, *keys[0].Value) != 0) return static_cast<int>(first);
+      if (IsBelow(rows, slot, keys.first(1))) return static_cast<int>(last);
+      if (rows.CompareToValue(keys[0].Column, slot, *keys[0].Value) != 0) return static_cast<int>(first);
       keys = keys.subspan(1);
     }
     const std::size_t middle = first + (last - first) / 2;
-    if (IsBelow(table, Sequence->GetSlotAt(middle), keys)) {
+    if (IsBelow(rows, Sequence->GetSlotAt(middle), keys)) {
       first = middle + 1;
     } else {
       last = middle;
@@ -171,7 +167,7 @@ int c4_View::Search(const c4_Row& values) const {
 c4_View c4_View::Select(const c4_Row& values) const {
   AssertDataThread();
   if (!Sequence) return {};
-  return c4_View(std::make_shared<CSelection>(Sequence, values));
+  return {Table, std::make_shared<CSelection>(Sequence, values)};
 }
 
 c4_View c4_View::SortOn(const c4_Properties& properties) const { return SortOnReverse(properties, {}); }
@@ -184,5 +180,5 @@ c4_View c4_View::SortOnReverse(const c4_Properties& properties, const c4_Propert
     const bool reverse = std::find(descending.begin(), descending.end(), property) != descending.end();
     keys.push_back({property, reverse});
   }
-  return c4_View(std::make_shared<CSorting>(Sequence, std::move(keys)));
+  return {Table, std::make_shared<CSorting>(Sequence, std::move(keys))};
 }

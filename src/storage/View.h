@@ -3,11 +3,10 @@
 #include <memory>
 #include <vector>
 
-#include "storage/Property.h"
 #include "storage/Row.h"
 
 class c4_Sequence;
-struct RowIdentity;
+class c4_Table;
 
 using c4_Properties = std::vector<c4_Property>;
 
@@ -70,10 +69,13 @@ class c4_View {
 
  private:
   friend class c4_Storage;
-  explicit c4_View(std::shared_ptr<c4_Sequence> sequence);
+  explicit c4_View(std::shared_ptr<c4_Table> table);
+  c4_View(std::shared_ptr<c4_Table> table, std::shared_ptr<c4_Sequence> sequence);
 
   /// `index` must be in range.
   RowIdentity GetIdentity(int index) const;
 
-  std::shared_ptr<c4_Sequence> Sequence;  // null for the empty view
+  // Null for the empty view.
+  std::shared_ptr<c4_Table> Table;
+  std::shared_ptr<c4_Sequence> Sequence;  // of rows of the table
 };

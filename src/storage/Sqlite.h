@@ -77,3 +77,28 @@ class CStatementUse {
  private:
   CStatement& Statement;
 };
+
+struct ConnectionCloser {
+  void operator()(sqlite3* connection) const;
+};
+
+using CConnection = std::unique_ptr<sqlite3, ConnectionCloser>;
+
+/// Connects to a file with the settings of all storages: locks are waited for, what is committed is on
+/// disk, a file made by others runs no code of its own. `flags` are those of sqlite3_open_v2.
+/// CDatabaseError.
+CConnection Connect(const std::string& path, int flags);
+
+/// The path as SQLite takes it: never one of the names that have a meaning of their own.
+std::string ToDatabaseName(const std::string& path);
+
+std::int64_t QueryInteger(sqlite3* connection, std::string_view sql);
+
+/// Replaces everything in `to` by what `from` holds, durably. CDatabaseError; `to` is then as it was.
+void CopyDatabase(sqlite3* from, sqlite3* to);
+
+/// What the header of a file of this program holds as its application: "VLMR".
+inline constexpr std::int64_t kApplicationId = 0x564C4D52;
+
+/// Writes that into the file.
+void MarkAsOurs(sqlite3* connection);

@@ -1,4 +1,4 @@
-#include "storage/Statement.h"
+#include "storage/Sqlite.h"
 
 #include <sqlite3.h>
 
@@ -9,6 +9,8 @@
 #include "platform/Files.h"
 
 namespace {
+
+constexpr int kLockWait = 5000;  // milliseconds
 
 std::string DescribeIoError(sqlite3* connection) {
   const int system = connection != nullptr ? sqlite3_system_errno(connection) : 0;
@@ -74,6 +76,13 @@ std::string Describe(int code, sqlite3* connection) {
       return connection != nullptr ? sqlite3_errmsg(connection) : sqlite3_errstr(code);
   }
 }
+
+struct BackupFinisher {
+  void operator()(sqlite3_backup* backup) const {
+    // Reached only after a failure of a step, which is what gets reported.
+    static_cast<void>(sqlite3_backup_finish(backup));
+  }
+};
 
 }  // namespace
 
@@ -169,4 +178,46 @@ std::span<const std::uint8_t> CStatement::GetBytes(int column) const {
   }
   return {static_cast<const std::uint8_t*>(bytes),
           static_cast<std::size_t>(sqlite3_column_bytes(Handle.get(), column))};
+}
+
+void ConnectionCloser::operator()(sqlite3* connection) const {
+  // Fails only while statements stand; they are gone before their connection.
+  static_cast<void>(sqlite3_close(connection));
+}
+
+std::string ToDatabaseName(const std::string& path) { return path.starts_with('/') ? path : "./" + path; }
+
+CConnection Connect(const std::string& path, int flags) {
+  sqlite3* raw = nullptr;
+  const int code = sqlite3_open_v2(ToDatabaseName(path).c_str(), &raw,
+                                   flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
+  CConnection connection(raw);
+  if (code != SQLITE_OK) throw CDatabaseError(code, raw);
+  for (const int setting : {SQLITE_DBCONFIG_TRUSTED_SCHEMA, SQLITE_DBCONFIG_ENABLE_TRIGGER}) {
+    if (const int result = sqlite3_db_config(raw, setting, 0, nullptr)) throw CDatabaseError(result, raw);
+  }
+  if (const int result = sqlite3_busy_timeout(raw, kLockWait)) throw CDatabaseError(result, raw);
+  for (const char* setting : {"PRAGMA synchronous=EXTRA", "PRAGMA temp_store=MEMORY",
+                              "PRAGMA cache_size=-16000", "PRAGMA secure_delete=FAST"}) {
+    CStatement(raw, setting).Run();
+  }
+  return connection;
+}
+
+std::int64_t QueryInteger(sqlite3* connection, std::string_view sql) {
+  CStatement statement(connection, sql);
+  return statement.Step() ? statement.GetInteger(0) : 0;
+}
+
+void CopyDatabase(sqlite3* from, sqlite3* to) {
+  std::unique_ptr<sqlite3_backup, BackupFinisher> backup(sqlite3_backup_init(to, "main", from, "main"));
+  if (!backup) throw CDatabaseError(sqlite3_extended_errcode(to), to);
+  const int stepped = sqlite3_backup_step(backup.get(), -1);
+  const int finished = sqlite3_backup_finish(backup.release());
+  if (stepped != SQLITE_DONE) throw CDatabaseError(stepped, nullptr);
+  if (finished != SQLITE_OK) throw CDatabaseError(finished, to);
+}
+
+void MarkAsOurs(sqlite3* connection) {
+  CStatement(connection, "PRAGMA application_id=" + std::to_string(kApplicationId)).Run();
 }
