@@ -1,0 +1,454 @@
+#include <QMouseEvent>
+#include <thread>
+
+#include "sets/QuerySet.h"
+#include "support/CatalogFixture.h"
+#include "ui/WindowTest.h"
+#include "ui/kit/Job.h"
+#include "ui/kit/PaintedButton.h"
+#include "ui/strip/StripWindow.h"
+
+namespace {
+
+/// Notes what the strip says.
+class CNotingHost : public CFilmstripHost {
+ public:
+  void OnCommand(CommandId id) override {
+    Commands.push_back(id);
+    if (OnMove) OnMove();
+  }
+  void OnCurrentPhotoChanged(const CAssetRecord* record) override {
+    Shown.push_back(record != nullptr ? record->GetAssetID() : -1);
+  }
+  void OnSlideShowStateChanged() override { ++ShowChanges; }
+  void ToggleInTab(const CAssetRecord& photo, ViewTabId tab, bool extendRange) override {
+    Toggled.push_back({photo.GetAssetID(), tab, extendRange});
+    CAssetRecord(photo).SetFlag(tab == ViewTabId::Email ? PhotoFlag::ToEmail : PhotoFlag::ToRemotePrint,
+                                true);
+  }
+  void SelectTab(ViewTabId tab) override { Selected.push_back(tab); }
+  std::string GetFolderLabel(const std::string& folder) const override { return "in " + folder; }
+
+  using Toggle = std::tuple<std::int32_t, ViewTabId, bool>;
+  std::function<void()> OnMove;  // what a command does
+  std::vector<CommandId> Commands;
+  std::vector<std::int32_t> Shown;
+  std::vector<Toggle> Toggled;
+  std::vector<ViewTabId> Selected;
+  int ShowChanges = 0;
+};
+
+/// A strip window 1000 pixels wide, so of seven cells, over a catalog whose photos have thumbnails but no
+/// files: what opened a file would find nothing.
+class Filmstrip : public CCatalogFixture {
+ protected:
+  static constexpr int kVisible = 7;
+  static constexpr int kSlideTime = 151;  // milliseconds for a cell
+  static constexpr int kNewYear2003 = 1041418800;
+
+  Filmstrip() {
+    Window.resize(1000, kStripWindowHeight);
+    Window.show();
+  }
+  ~Filmstrip() override { Strip.SetPhotoSet(nullptr); }
+
+  static QColor HueOf(int photo) { return QColor::fromHsv(photo * 40 % 360, 255, 200); }
+  void StoreThumbnail(std::int32_t id, const QColor& hue) {
+    const std::string jpeg = MakePhoto(140, 105, hue);
+    Cache.StoreBytes(id, std::vector<std::uint8_t>(jpeg.begin(), jpeg.end()));
+  }
+
+  /// The strip with so many photos in the order in which they came, at rest on one of them. Three of them
+  /// were taken in each month; photo i has i % 5 stars.
+  void Begin(int count, int current = 0) {
+    CAutoCommitPause catalogPause(Catalog);
+    CAutoCommitPause cachePause(Cache);
+    for (int i = 0; i < count; ++i) {
+      const int date = kNewYear2003 + (i / 3 * 31 + i % 3) * 86400;
+      StoreThumbnail(AddRow("/nowhere/IMG_" + std::to_string(i) + ".jpg", date, i % 5).GetAssetID(),
+                     HueOf(i));
+    }
+    catalogPause.Commit();
+    cachePause.Commit();
+    Set = std::make_unique<CQuerySet>(&Catalog, SetKind::Available);
+    Strip.SetPhotoSet(Set.get());
+    Strip.MoveTo(current);
+    Settle();
+    Host.Shown.clear();
+  }
+  void Sort(SortKind kind, bool descending = false) {
+    ASSERT_TRUE(Set->SetSort(kind, descending));
+    Set->Rebuild();
+  }
+  /// Lets idle time fill the cache.
+  void Settle() {
+    for (int painted = -1; painted != Strip.GetPaintedCells();) {
+      painted = Strip.GetPaintedCells();
+      for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
+    }
+  }
+  /// Waits until the host has been told of a photo.
+  bool WaitForPhoto(std::size_t count = 1) {
+    return QTest::qWaitFor([&] { return Host.Shown.size() >= count; }, 5000);
+  }
+  std::int32_t IdAt(int index) const { return Set->GetAssetId(index); }
+  /// The middle of a cell, by its distance from that under the lens.
+  QPoint CellPoint(int distance) const {
+    return Strip.GetLayout().GetCellFrame(Strip.GetLayout().GetLensCell() + distance).center();
+  }
+  QPoint MarkPoint(int distance, int mark) const {
+    const int left = Strip.GetLayout().GetCellLeft(Strip.GetLayout().GetLensCell() + distance);
+    return Strip.GetLayout().GetMetrics().MarkTargetAt(left, mark).center();
+  }
+  void Click(QPoint point, Qt::KeyboardModifiers keys = {}) {
+    QTest::mouseClick(&Strip, Qt::LeftButton, keys, point);
+  }
+  static void Point(QWidget& widget, QPoint point, Qt::MouseButtons held = Qt::NoButton) {
+    QMouseEvent move(QEvent::MouseMove, point, widget.mapToGlobal(point), Qt::NoButton, held, Qt::NoModifier);
+    QCoreApplication::sendEvent(&widget, &move);
+  }
+  static void Leave(QWidget& widget) {
+    QEvent leave(QEvent::Leave);
+    QCoreApplication::sendEvent(&widget, &leave);
+  }
+  QWidget& Find(const char* name) { return *Window.findChild<QWidget*>(QLatin1String(name)); }
+
+  const CFontTable Fonts{false};
+  std::unique_ptr<CPhotoSet> Set;
+  CNotingHost Host;
+  CStripWindow Window{Host, nullptr};
+  CFilmstrip& Strip = Window.GetStrip();
+};
+
+}  // namespace
+
+TEST_F(Filmstrip, SlideTakesItsTimeAndTellsOfThePhotoWhenItHasRested) {
+  Begin(30, 10);
+  const QImage before = Painted(Strip);
+  QElapsedTimer clock;
+  clock.start();
+  Strip.MoveBy(1);
+  bool between = false;
+  ASSERT_TRUE(QTest::qWaitFor([&] {
+    if (Strip.GetCurrentIndex() == 11) return true;
+    between = between || Painted(Strip) != before;
+    return false;
+  }));
+  EXPECT_TRUE(between) << "the cells pass by";
+  EXPECT_GE(clock.elapsed(), kSlideTime);
+  EXPECT_TRUE(Host.Shown.empty());
+  ASSERT_TRUE(WaitForPhoto());
+  EXPECT_GE(clock.elapsed(), kSlideTime + 50);
+  EXPECT_EQ(Host.Shown, std::vector{IdAt(11)});
+}
+
+TEST_F(Filmstrip, NoCellIsPaintedOrReadTwice) {
+  Begin(60, 20);
+  const int painted = Strip.GetPaintedCells();
+  const int read = Strip.GetReadThumbnails();
+  EXPECT_EQ(Strip.GetCache().GetRun().GetAfter(), kVisible);
+  int expected = 0;
+  for (const int delta : {-2, 2, 7, -5}) {
+    Host.Shown.clear();
+    Strip.MoveBy(delta);
+    ASSERT_TRUE(WaitForPhoto());
+    Settle();
+    expected += std::abs(delta);
+    EXPECT_EQ(Strip.GetPaintedCells() - painted, expected) << delta;
+    EXPECT_EQ(Strip.GetReadThumbnails() - read, expected) << delta;
+    const QImage image = Painted(Strip);
+    for (int cell = -3; cell <= 3; ++cell) {
+      EXPECT_NEAR(image.pixelColor(CellPoint(cell)).hue(), HueOf(Strip.GetCurrentIndex() + cell).hue(), 5);
+    }
+  }
+}
+
+TEST_F(Filmstrip, HeldKeySlidesOnLoadsNothingAndStopsWhenLetGo) {
+  Begin(100, 50);
+  QTimer key;
+  QObject::connect(&key, &QTimer::timeout, [&] { Strip.MoveBy(1); });
+  Strip.MoveBy(1);
+  key.start(30);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Strip.GetCurrentIndex() >= 53; }));
+  key.stop();
+  EXPECT_TRUE(Host.Shown.empty());
+  const int atRelease = Strip.GetCurrentIndex();
+  ASSERT_TRUE(WaitForPhoto());
+  EXPECT_LE(Strip.GetCurrentIndex(), atRelease + 2) << "the slide under way, and one that was put off";
+  EXPECT_EQ(Host.Shown, std::vector{IdAt(Strip.GetCurrentIndex())});
+}
+
+TEST_F(Filmstrip, OtherDirectionReplacesTheMoveThatWasPutOff) {
+  Begin(30, 10);
+  for (const int delta : {1, 3, -2, -1}) Strip.MoveBy(delta);
+  ASSERT_TRUE(WaitForPhoto());
+  EXPECT_EQ(Host.Shown, std::vector{IdAt(9)});
+  Strip.MoveBy(kVisible + 1);
+  EXPECT_EQ(Host.Shown.back(), IdAt(9 + kVisible + 1)) << "farther than the cache reaches is a jump";
+}
+
+TEST_F(Filmstrip, WhatIsAskedDuringASlideActsOnTheStripAtRest) {
+  Begin(30, 10);
+  Strip.MoveBy(1);
+  Strip.MoveBy(1);
+  ASSERT_NE(Strip.GetCurrentRecord(), nullptr);
+  EXPECT_EQ(Strip.GetCurrentRecord()->GetAssetID(), IdAt(11)) << "the move that was put off is forgotten";
+  ASSERT_TRUE(WaitForPhoto());
+  Strip.MoveBy(2);
+  Strip.MoveTo(5);
+  EXPECT_EQ(Host.Shown, (std::vector{IdAt(11), IdAt(5)})) << "at once, and alone";
+  Strip.MoveBy(1);
+  Strip.AnnounceNow();
+  Strip.AnnounceNow();
+  EXPECT_EQ(Host.Shown, (std::vector{IdAt(11), IdAt(5), IdAt(6)})) << "nothing is due any more";
+  const std::int32_t gone = IdAt(7);
+  const std::int32_t next = IdAt(8);
+  Strip.MoveBy(1);
+  Strip.RemoveCurrent();
+  EXPECT_EQ(Set->IndexOf(gone), -1);
+  Strip.MoveBy(1);
+  Set->RemoveAt(0);
+  Strip.Refresh(CFilmstrip::kKeepPhoto);
+  EXPECT_EQ(Host.Shown.back(), IdAt(7)) << "the photo moved to";
+  EXPECT_EQ(IdAt(6), next);
+}
+
+TEST_F(Filmstrip, NothingLeadsOutOfTheSet) {
+  Begin(4, 2);
+  Strip.MoveBy(2);
+  Strip.MoveBy(-3);
+  Strip.MoveTo(4);
+  Strip.MoveTo(-5);
+  EXPECT_TRUE(Host.Shown.empty());
+  Strip.MovePage(false);
+  ASSERT_TRUE(WaitForPhoto());
+  EXPECT_EQ(Strip.GetCurrentIndex(), 3);
+  Strip.MovePage(true);
+  Strip.MovePage(true);
+  ASSERT_TRUE(WaitForPhoto(2));
+  EXPECT_EQ(Strip.GetCurrentIndex(), 0);
+}
+
+TEST_F(Filmstrip, HiddenStripMovesAtOnceAndThenAtItsPace) {
+  Begin(100, 50);
+  Window.hide();
+  Strip.MoveBy(1);
+  EXPECT_EQ(Host.Shown, std::vector{IdAt(51)}) << "nobody sees a slide";
+  for (int repeats = 0; repeats < 5; ++repeats) Strip.MoveBy(1);
+  EXPECT_EQ(Host.Shown.size(), 1U) << "a held key runs no faster";
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Host.Shown == std::vector{IdAt(51), IdAt(52)}; }, 2000));
+  Strip.MoveBy(1);
+  Strip.FinishMove();
+  Strip.MoveBy(1);
+  EXPECT_EQ(Host.Shown.back(), IdAt(53)) << "a press ends the pause";
+}
+
+TEST_F(Filmstrip, SlideShowStepsTellsAtOnceAndGoesRound) {
+  Begin(4, 2);
+  EXPECT_TRUE(Strip.StartSlideShow());
+  EXPECT_TRUE(Strip.StartSlideShow());
+  QElapsedTimer clock;
+  clock.start();
+  ASSERT_TRUE(WaitForPhoto());
+  EXPECT_LT(clock.elapsed(), 1500);
+  ASSERT_TRUE(WaitForPhoto(2));
+  EXPECT_GE(clock.elapsed(), 1500);
+  EXPECT_EQ(Host.Shown, (std::vector{IdAt(3), IdAt(0)})) << "from the last photo to the first";
+  EXPECT_TRUE(Strip.IsSlideShowRunning());
+  Click(CellPoint(1));
+  EXPECT_FALSE(Strip.IsSlideShowRunning());
+  Strip.StopSlideShow();
+  EXPECT_EQ(Host.ShowChanges, 2);
+}
+
+TEST_F(Filmstrip, RestsWhileAJobOwnsTheData) {
+  Begin(100, 50);
+  Strip.MoveBy(1);
+  int index = -1;
+  RunJob([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    RunOnWindowThread([&] {
+      Strip.repaint();
+      Window.resize(1400, kStripWindowHeight);  // more cells would have to be read
+      index = Strip.GetCurrentIndex();
+    });
+  });
+  EXPECT_EQ(index, 50);
+  EXPECT_TRUE(Host.Shown.empty());
+  ASSERT_TRUE(WaitForPhoto());
+  EXPECT_EQ(Host.Shown, std::vector{IdAt(51)});
+  Settle();
+  EXPECT_EQ(Strip.GetCache().GetRun().GetBefore() + Strip.GetCache().GetRun().GetAfter(), 22);
+}
+
+TEST_F(Filmstrip, RefreshKeepsThePhotoOrGoesWhereItIsTold) {
+  Begin(20, 7);
+  const std::int32_t photo = IdAt(7);
+  Sort(SortKind::Rating, true);
+  Strip.Refresh(CFilmstrip::kKeepPhoto);
+  EXPECT_EQ(Host.Shown, std::vector{photo}) << "told even so, for all around it may have changed";
+  Strip.Refresh(12);
+  EXPECT_EQ(Strip.GetCurrentIndex(), 12);
+  Strip.Refresh(CFilmstrip::kStartOfSet);
+  EXPECT_EQ(Strip.GetCurrentIndex(), 0);
+  Sort(SortKind::Month);
+  Strip.Refresh(CFilmstrip::kStartOfSet);
+  EXPECT_EQ(Strip.GetCurrentIndex(), 19);
+  Sort(SortKind::None);
+  Strip.Refresh(10);
+  Set->RemoveAt(10);
+  Strip.Refresh(CFilmstrip::kKeepPhoto);
+  EXPECT_EQ(Strip.GetCurrentIndex(), 0) << "the photo has left the set";
+}
+
+TEST_F(Filmstrip, RemovingThePhotoGoesToItsNeighbourAndAtLastToNone) {
+  Begin(3, 1);
+  const std::vector<std::int32_t> expected = {IdAt(2), IdAt(0), -1};
+  EXPECT_EQ(Strip.accessibleDescription(), "2 of 3, IMG_1.jpg");
+  Set->RemoveAt(2);
+  Set->SetGuest(expected[0]);
+  for (int i = 0; i < 4; ++i) {
+    EXPECT_EQ(Find("LensTop").isHidden(), i == 3);
+    Strip.RemoveCurrent();
+  }
+  EXPECT_EQ(Host.Shown, expected);
+  EXPECT_EQ(Set->GetGuest(), -1) << "a guest that was removed is none";
+  EXPECT_TRUE(Strip.isHidden());
+}
+
+TEST_F(Filmstrip, EmptySetEndsTheShowAndComesBack) {
+  Begin(5, 2);
+  Strip.StartSlideShow();
+  Set->SetTextFilter("no such text");
+  Set->Rebuild();
+  Strip.Refresh(CFilmstrip::kKeepPhoto);
+  EXPECT_EQ(Host.Shown, std::vector{-1});
+  EXPECT_EQ(Strip.GetCurrentRecord(), nullptr);
+  EXPECT_FALSE(Strip.IsSlideShowRunning() || Strip.StartSlideShow());
+  Set->ClearTextFilter();
+  Set->Rebuild();
+  Strip.Refresh(CFilmstrip::kKeepPhoto);
+  EXPECT_EQ(Host.Shown.back(), IdAt(0));
+  EXPECT_TRUE(Strip.isVisible());
+}
+
+TEST_F(Filmstrip, ChangedPhotoIsPaintedAnewWhenTheStripIsTold) {
+  Begin(5, 2);
+  Sort(SortKind::Rating);
+  Strip.Refresh(CFilmstrip::kKeepPhoto);
+  QImage before = Painted(Strip);
+  StoreThumbnail(IdAt(2), Qt::white);
+  Strip.RedrawCurrentThumbnail();
+  EXPECT_NE(Painted(Strip).copy(0, 0, 1000, 110), before.copy(0, 0, 1000, 110));
+  before = Painted(Strip);
+  Set->GetAsset(3).SetFlag(PhotoFlag::ToEmail, true);
+  Strip.RedrawBand(3, 1);
+  EXPECT_NE(Painted(Strip), before);
+  before = Painted(Strip);
+  Strip.GetCurrentRecord()->GetStamps(StampId::Rating).SetNumber(0, 0);
+  Strip.StampChanged(StampId::Date, IdAt(2));
+  EXPECT_EQ(Painted(Strip), before);
+  Strip.StampChanged(StampId::Rating, IdAt(2));
+  EXPECT_NE(Painted(Strip), before);
+}
+
+TEST_F(Filmstrip, ClickOnACellSlidesItUnderTheLens) {
+  Begin(13, 10);
+  Click(CellPoint(0));
+  Click(QPoint(CellPoint(2).x(), 118));  // its label
+  Click(CellPoint(3));                   // behind the last photo
+  QTest::mouseClick(&Strip, Qt::RightButton, {}, CellPoint(2));
+  Click(CellPoint(-3));
+  ASSERT_TRUE(WaitForPhoto());
+  EXPECT_EQ(Host.Shown, std::vector{IdAt(7)});
+}
+
+TEST_F(Filmstrip, MarksLightUpAndToggleInTheirTabs) {
+  Begin(30, 10);
+  const QImage plain = Painted(Strip);
+  Point(Strip, MarkPoint(1, 0));
+  const QImage first = Painted(Strip);
+  EXPECT_NE(first, plain);
+  Point(Strip, MarkPoint(1, 1));
+  EXPECT_NE(Painted(Strip), first);
+  Leave(Strip);
+  EXPECT_EQ(Painted(Strip), plain);
+  Point(Strip, MarkPoint(1, 0), Qt::LeftButton);
+  EXPECT_EQ(Painted(Strip), plain) << "the button went down elsewhere";
+  Click(MarkPoint(0, 0));
+  Click(MarkPoint(-2, 1), Qt::ShiftModifier);
+  QTest::mouseDClick(&Strip, Qt::LeftButton, {}, MarkPoint(0, 0));
+  using Toggle = CNotingHost::Toggle;
+  const Toggle upload{IdAt(10), ViewTabId::Upload, false};
+  EXPECT_EQ(Host.Toggled, (std::vector{upload, Toggle{IdAt(8), ViewTabId::Email, true}, upload}));
+  EXPECT_NE(Painted(Strip), plain) << "shown at once";
+}
+
+TEST_F(Filmstrip, DoubleClickUnderTheLensOpensThePhoto) {
+  Begin(30, 10);
+  QTest::mouseDClick(&Strip, Qt::LeftButton, {}, QPoint(CellPoint(0).x(), 118));
+  Click(CellPoint(1));
+  QTest::mouseDClick(&Strip, Qt::LeftButton, {}, CellPoint(1));
+  EXPECT_TRUE(Host.Selected.empty());
+  ASSERT_TRUE(WaitForPhoto());
+  EXPECT_EQ(Strip.GetCurrentIndex(), 11) << "one move";
+  QTest::mouseDClick(&Strip, Qt::LeftButton, {}, CellPoint(0));
+  EXPECT_EQ(Host.Selected, std::vector{ViewTabId::CurrentPhoto});
+}
+
+TEST_F(Filmstrip, NoQuickClickOnALensButtonIsLost) {
+  Begin(30, 10);
+  QList<CPaintedButton*> buttons = Find("LensBottom").findChildren<CPaintedButton*>();
+  std::sort(buttons.begin(), buttons.end(), [](auto* left, auto* right) { return left->x() < right->x(); });
+  for (CPaintedButton* button : buttons) QTest::mouseClick(button, Qt::LeftButton);
+  EXPECT_EQ(Host.Commands, (std::vector{CommandId::PreviousGroup, CommandId::PreviousPhoto,
+                                        CommandId::NextPhoto, CommandId::NextGroup}));
+  Host.OnMove = [this] { Strip.MoveBy(1); };
+  for (int click = 0; click < 8; ++click) QTest::mouseClick(buttons[2], Qt::LeftButton);
+  Strip.FinishMove();
+  EXPECT_EQ(Strip.GetCurrentIndex(), 18);
+}
+
+TEST_F(Filmstrip, PressOnABarJumpsAndThePointerShowsTheLabelThere) {
+  Begin(101, 50);
+  Strip.StartSlideShow();
+  QWidget& right = Find("PushBarRight");
+  QWidget& tip = Find("PushBarTip");
+  Point(right, {30, 13});
+  EXPECT_TRUE(tip.isHidden()) << "photos in no order have no labels";
+  QTest::mousePress(&right, Qt::LeftButton, {}, {(right.width() - 12) / 4, 13});
+  EXPECT_FALSE(Strip.IsSlideShowRunning());
+  EXPECT_NEAR(Strip.GetCurrentIndex(), 76, 1);
+  Sort(SortKind::Folder);
+  Strip.Refresh(0);
+  Point(right, {right.width() - 3, 13});
+  EXPECT_FALSE(tip.isHidden());
+  EXPECT_LE(tip.geometry().right(), Window.width()) << "pushed inside";
+  Leave(right);
+  EXPECT_TRUE(tip.isHidden());
+}
+
+TEST_F(Filmstrip, LabelsNameThePlaceInTheOrder) {
+  Begin(2);
+  Catalog.AdvanceRoll();
+  for (int i = 0; i < 24; ++i) AddRow("/roll/R" + std::to_string(100 + i) + ".b.jpg");
+  Catalog.AdvanceRoll();
+  AddRow("/roll/Z.jpg");
+  const auto label = [&](SortKind kind, int index, bool descending = false) {
+    Sort(kind, descending);
+    return GetGroupLabel(*Set, index, [](const std::string& folder) { return "in " + folder; });
+  };
+  EXPECT_EQ(label(SortKind::None, 0), "");
+  EXPECT_EQ(label(SortKind::Month, 26), "Jan 2, 2003");
+  EXPECT_EQ(label(SortKind::Folder, 0), "in /nowhere/");
+  EXPECT_EQ(label(SortKind::Title, 2), "R100.b");
+  EXPECT_EQ(label(SortKind::Rating, 0), "Not rated");
+  EXPECT_EQ(label(SortKind::Rating, 0, true), "1 star");
+  // The rolls' photos have numbers from 0 on.
+  const std::string roll = "Roll " + std::to_string(Set->GetAsset(5).GetRollID() + 1);
+  EXPECT_EQ(label(SortKind::Roll, 2), roll + " - 1 of 24");
+  EXPECT_EQ(label(SortKind::Roll, 25), roll + " - 24 of 24");
+  EXPECT_TRUE(label(SortKind::Roll, 26).ends_with(" - 1 of 1"));
+  Set->RemoveAt(26);
+  EXPECT_EQ(GetGroupLabel(*Set, 4, {}), roll + " - 3 of 24") << "in the last roll, too";
+}
