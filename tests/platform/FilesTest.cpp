@@ -1,10 +1,7 @@
-// Looking at files and folders, links, FIFOs and devices among them.
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
-
-#include <chrono>
 
 #include "platform/FileLock.h"
 #include "platform/Files.h"
@@ -25,36 +22,20 @@ TEST(GetStatus, TellsTheBirthTimeAndNeverTheStatusChange) {
   constexpr std::int64_t kLongAgo = 1000000000;
   const timespec times[2] = {{kLongAgo, 0}, {kLongAgo, 0}};
   ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
-  const std::int64_t now = std::time(nullptr);
-  FileStatus status;
-  ASSERT_FALSE(platform::GetStatus(path, status));
-  EXPECT_TRUE(status.IsRegular);
-  EXPECT_EQ(status.Size, 7U);
-  EXPECT_EQ(status.Modified, kLongAgo);
-  // The file is new; a file system without birth times has the last write in its place.
-  EXPECT_TRUE(status.Created == kLongAgo || status.Created >= now - 60) << status.Created;
-
-  struct stat plain {};
-  ASSERT_EQ(::stat(path.c_str(), &plain), 0);
-  EXPECT_EQ(status.Device, plain.st_dev);
-  EXPECT_EQ(status.Inode, plain.st_ino);
-}
-
-TEST(GetEntryStatus, IsThatOfTheLink) {
-  const CScratchFolder folder;
-  const std::string path = folder.Write("photo.jpg", "1234567");
-  const std::string link = folder.File("link.jpg");
-  const std::string lost = folder.File("lost.jpg");
-  std::filesystem::create_symlink(path, link);
-  std::filesystem::create_symlink(folder.File("gone.jpg"), lost);
-  FileStatus file, status;
-  ASSERT_FALSE(platform::GetEntryStatus(path, file));
+  FileStatus file, entry;
+  ASSERT_FALSE(platform::GetStatus(path, file));
   EXPECT_TRUE(file.IsRegular);
-  ASSERT_FALSE(platform::GetEntryStatus(link, status));
-  EXPECT_FALSE(status.IsRegular);
-  EXPECT_NE(status.Inode, file.Inode);
-  EXPECT_EQ(platform::GetStatus(lost, status), std::errc::no_such_file_or_directory);
-  EXPECT_FALSE(platform::GetEntryStatus(lost, status));
+  EXPECT_EQ(file.Size, 7U);
+  EXPECT_EQ(file.Modified, kLongAgo);
+  // The file is new; a file system without birth times has the last write in its place.
+  EXPECT_TRUE(file.Created == kLongAgo || file.Created >= std::time(nullptr) - 60) << file.Created;
+  const std::string link = folder.File("link.jpg");
+  std::filesystem::create_symlink(path, link);
+  ASSERT_FALSE(platform::GetEntryStatus(link, entry));
+  EXPECT_FALSE(entry.IsRegular);
+  EXPECT_NE(entry.Inode, file.Inode);
+  ASSERT_FALSE(platform::GetStatus(link, entry));
+  EXPECT_EQ(entry.Inode, file.Inode);
 }
 
 TEST(ReadWholeFile, ReadsRegularFilesAloneAndNeverWaits) {
@@ -75,25 +56,9 @@ TEST(ReadWholeFile, ReadsRegularFilesAloneAndNeverWaits) {
   EXPECT_THAT(bytes, testing::ElementsAre('a', 0, 'b'));
   EXPECT_EQ(platform::ReadWholeFile(path, bytes, 2), std::errc::file_too_large);
   EXPECT_TRUE(bytes.empty());
-}
-
-TEST(ReadWholeFile, ReadsMoreThanTheSizeThatTheStatusTells) {
-  std::vector<std::uint8_t> bytes;
   ASSERT_FALSE(platform::ReadWholeFile("/proc/self/maps", bytes));  // its size reads as 0
   EXPECT_GT(bytes.size(), 1000U);
   EXPECT_EQ(platform::ReadWholeFile("/proc/self/maps", bytes, 100), std::errc::file_too_large);
-}
-
-TEST(CreateFolders, MakesWhatIsMissingAndNothingOverAFile) {
-  const CScratchFolder folder;
-  const std::string deep = folder.GetPath() + "/a/b/c";
-  EXPECT_FALSE(platform::CreateFolders(deep + "/"));
-  EXPECT_FALSE(platform::CreateFolders(deep));
-  EXPECT_TRUE(std::filesystem::is_directory(deep));
-  EXPECT_EQ(platform::CreateFolder(deep), std::errc::file_exists);
-  const std::string file = folder.Write("file", "x");
-  EXPECT_EQ(platform::CreateFolders(file), std::errc::not_a_directory);
-  EXPECT_EQ(platform::CreateFolders(file + "/below"), std::errc::not_a_directory);
 }
 
 TEST(ListFolder, KeepsNamesByteForByteAndOpensNothing) {
@@ -102,45 +67,25 @@ TEST(ListFolder, KeepsNamesByteForByteAndOpensNothing) {
   folder.Write(strange, "12");
   folder.File("album.jpg/inner");
   MakeFifo(folder.File("fifo.jpg"));
-  for (const auto& [target, name] : {std::pair{"album.jpg", "to-folder"},
-                                     {strange.c_str(), "to-file.jpg"},
-                                     {"fifo.jpg", "to-fifo.jpg"},
-                                     {"nowhere", "dangling.jpg"},
-                                     {"loop.jpg", "loop.jpg"}}) {
-    ASSERT_EQ(::symlink(target, folder.File(name).c_str()), 0);
-  }
-
+  const std::pair<std::string, std::string> links[] = {{"album.jpg", "to-folder"},
+                                                       {strange, "to-file.jpg"},
+                                                       {"fifo.jpg", "to-fifo.jpg"},
+                                                       {"loop.jpg", "loop.jpg"}};
+  for (const auto& [target, name] : links) std::filesystem::create_symlink(target, folder.File(name));
   std::vector<FolderEntry> entries;
   ASSERT_FALSE(platform::ListFolder(folder.GetPath(), entries));
-  std::vector<std::string> folders;
-  std::vector<std::string> files;
-  std::vector<std::string> others;
+  std::vector<std::string> seen;
   for (const FolderEntry& entry : entries) {
-    (entry.IsFolder ? folders : entry.IsRegular ? files : others).push_back(entry.Name);
+    seen.push_back(entry.Name + (entry.IsFolder ? " folder" : entry.IsRegular ? " file" : ""));
     EXPECT_EQ(entry.Status.Size, entry.IsRegular ? 2U : entry.Status.Size) << entry.Name;
   }
-  EXPECT_THAT(folders, testing::UnorderedElementsAre("album.jpg", "to-folder"));
-  EXPECT_THAT(files, testing::UnorderedElementsAre(strange, "to-file.jpg"));
-  EXPECT_THAT(others, testing::UnorderedElementsAre("fifo.jpg", "to-fifo.jpg", "dangling.jpg", "loop.jpg"));
+  EXPECT_THAT(seen, testing::UnorderedElementsAre("album.jpg folder", "to-folder folder", strange + " file",
+                                                  "to-file.jpg file", "fifo.jpg", "to-fifo.jpg", "loop.jpg"));
   EXPECT_EQ(platform::ListFolder(folder.GetPath(), entries, [&entries] { return entries.size() == 2; }),
             std::errc::operation_canceled);
-}
-
-TEST(ListFolder, TellsWhyAFolderCannotBeListed) {
-  const CScratchFolder folder;
-  std::vector<FolderEntry> entries(1);
-  const std::string fifo = folder.File("fifo");
-  MakeFifo(fifo);
-  EXPECT_EQ(platform::ListFolder(fifo, entries), std::errc::not_a_directory);
+  EXPECT_EQ(platform::ListFolder(folder.GetPath() + "/fifo.jpg", entries), std::errc::not_a_directory);
   EXPECT_TRUE(entries.empty());
   EXPECT_EQ(platform::ListFolder(folder.GetPath() + "/none", entries), std::errc::no_such_file_or_directory);
-
-  ASSERT_EQ(::chmod(folder.GetPath().c_str(), 0700), 0);
-  EXPECT_TRUE(RunAsNobody([&] {
-                std::vector<FolderEntry> none;
-                return platform::ListFolder(folder.GetPath(), none) == std::errc::permission_denied;
-              }) ||
-              ::getuid() != 0);
 }
 
 TEST(FileLock, IsHeldByOneProcessAndGivenBackByItsEnd) {
@@ -160,15 +105,13 @@ TEST(FileLock, IsHeldByOneProcessAndGivenBackByItsEnd) {
   ASSERT_EQ(byte, 'y');
   platform::FileLock lock;
   EXPECT_EQ(lock.TryAcquire(path), std::errc::resource_unavailable_try_again);
-  EXPECT_FALSE(lock.IsHeld());
   ASSERT_EQ(::kill(child, SIGKILL), 0);
   ASSERT_EQ(::waitpid(child, nullptr, 0), child);
   EXPECT_FALSE(lock.TryAcquire(path));
 
-  platform::FileLock moved = std::move(lock);
   platform::FileLock second;
   EXPECT_TRUE(second.TryAcquire(path));
-  moved.Release();
+  lock.Release();
   EXPECT_FALSE(second.TryAcquire(path));
   ::close(ready[0]);
   ::close(ready[1]);

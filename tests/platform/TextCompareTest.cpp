@@ -8,7 +8,6 @@
 #include "platform/TextCompare.h"
 
 using platform::EqualLetters;
-using platform::FoldLetters;
 using platform::GetFirstLetter;
 
 TEST(TextCompare, LettersAreEqualInEitherCaseAndForm) {
@@ -28,7 +27,6 @@ TEST(TextCompare, LettersAreEqualInEitherCaseAndForm) {
   for (const auto& [a, b] : {std::pair("Maße", "Masse"), {"a", "ä"}, {"a\xFE", "a\xFF"}, {"[", "{"}}) {
     EXPECT_FALSE(EqualLetters(a, b)) << a;
   }
-  EXPECT_EQ(FoldLetters(std::string_view("A\0B", 3)), std::string("a\0b", 3));
   EXPECT_TRUE(platform::IsAscii("12345678x"));
   EXPECT_FALSE(platform::IsAscii("12345678\x80"));
   EXPECT_FALSE(platform::IsAscii("1234567\x80"));
