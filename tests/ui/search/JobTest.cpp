@@ -25,25 +25,16 @@ auto Until(const std::atomic<bool>& flag) {
 }  // namespace
 
 TEST(Job, RunsOnAThreadOfItsOwnWithTheDataLent) {
+  const std::thread::id here = std::this_thread::get_id();
   AssertDataThread();  // this thread owns it
-  std::thread::id worker;
   RunJob([&] {
     AssertDataThread();
-    worker = std::this_thread::get_id();
+    EXPECT_NE(std::this_thread::get_id(), here);
     EXPECT_TRUE(IsJobRunning());
+    RunOnWindowThread([&] { EXPECT_EQ(std::this_thread::get_id(), here); });
+    EXPECT_THROW(RunOnWindowThread([] { throw CException("no"); }), CException);
   });
-  AssertDataThread();
-  EXPECT_NE(worker, std::this_thread::get_id());
-  EXPECT_FALSE(IsJobRunning());
-}
-
-TEST(Job, RaisesTheExceptionOfItsWorkInTheCaller) {
-  try {
-    RunJob([] { throw CError("the disk is gone"); });
-    FAIL();
-  } catch (const CError& error) {
-    EXPECT_EQ(error.GetMessage(), "the disk is gone");
-  }
+  EXPECT_THROW(RunJob([] { throw CError("the disk is gone"); }), CError);
   EXPECT_THROW(RunJob([] { throw std::bad_alloc(); }), std::bad_alloc);
   EXPECT_FALSE(IsJobRunning());
   AssertDataThread();
@@ -67,15 +58,6 @@ TEST(Job, ManyShortOnesEndAsSoonAsTheyAreDone) {
   timer.start();
   for (int i = 0; i < 300; ++i) RunJob([] {});
   EXPECT_LT(timer.elapsed(), 10'000) << "an end that doesn't wake the window thread would hang here";
-}
-
-TEST(Job, WindowThreadWorksForItWhileItWaits) {
-  std::thread::id there;
-  RunJob([&] {
-    RunOnWindowThread([&] { there = std::this_thread::get_id(); });
-    EXPECT_THROW(RunOnWindowThread([] { throw CException("no"); }), CException);
-  });
-  EXPECT_EQ(there, std::this_thread::get_id());
 }
 
 TEST(Job, OnlyTheProgressWindowGetsInput) {
