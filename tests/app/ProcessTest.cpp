@@ -68,26 +68,23 @@ TEST_F(Process, SecondStartEndsWhileTheFirstGoesOn) {
 
 TEST_F(Process, RemovableDiskKeepsEverythingOnItself) {
   const std::string program = MakeDisk();
+  const std::string catalog = Scratch.GetPath() + "/disk/Vellumar/vellumar.db";
   AddPhotos(2, "disk/My Pictures");
   AddPhotos(3);  // those of the user's home are not looked at
-  Execute(PicturesFolder() + "/vellumar.db", "create table Singletons (DBVersion integer)");
+  RunSql(PicturesFolder() + "/vellumar.db", "create table Singletons (DBVersion integer)");
   QProcess process;
   Start(process, program, {"--really/activedisk-please"});
-  EXPECT_TRUE(WaitForPhotos(Scratch.GetPath() + "/disk/Vellumar/vellumar.db", 2));
+  EXPECT_TRUE(WaitForPhotos(catalog, 2));
   EXPECT_EQ(End(process), 1);
   EXPECT_TRUE(fs::exists(Scratch.GetPath() + "/disk/Vellumar/vellumar.thumbs"));
-  EXPECT_TRUE(fs::exists(PicturesFolder() + "/vellumar.db"));
   EXPECT_FALSE(fs::exists(GetApplicationDataFolder()));
-}
 
-TEST_F(Process, CapitalsAreNoSwitch) {
-  const std::string program = MakeDisk();
-  AddPhotos(1);
-  QProcess process;
-  Start(process, program, {"/ACTIVEDISK"});
-  EXPECT_TRUE(WaitForPhotos(CatalogPath(), 1));
+  fs::remove(catalog);
+  ASSERT_TRUE(fs::remove(PicturesFolder() + "/vellumar.db"));
+  Start(process, program, {"/ACTIVEDISK"});  // no switch
+  EXPECT_TRUE(WaitForPhotos(CatalogPath(), 3));
   EXPECT_EQ(End(process), 1);
-  EXPECT_FALSE(fs::exists(Scratch.GetPath() + "/disk/Vellumar/vellumar.db"));
+  EXPECT_FALSE(fs::exists(catalog));
 }
 
 TEST_F(Process, WriteProtectedDiskIsToldAndLeftWithoutATrace) {

