@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 
+#include "catalog/PhotoFacts.h"
 #include "catalog/Record.h"
-#include "catalog/StampType.h"
 
 class CImage;
 class CStampList;

@@ -8,9 +8,9 @@
 #include "base/Guid.h"
 #include "catalog/AssetRecord.h"
 #include "catalog/KnownFolders.h"
+#include "catalog/PhotoFacts.h"
 #include "catalog/Record.h"
 #include "catalog/SpellingIndex.h"
-#include "catalog/StampType.h"
 #include "storage/CommittingStore.h"
 #include "storage/View.h"
 

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "catalog/AssetRecord.h"
+#include "catalog/PhotoFacts.h"
 #include "catalog/Record.h"
-#include "catalog/StampType.h"
 #include "storage/View.h"
 
 /// One stamp: a fact about a photo.

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "catalog/AssetRecord.h"
-#include "sets/SortKind.h"
+#include "catalog/PhotoFacts.h"
 
 /// Photos with equal keys are one group. Only equality of keys means anything. The finder remembers the last
 /// month and folder, which neighbours of a sorted set share.

@@ -6,10 +6,10 @@
 #include <vector>
 
 #include "catalog/AssetRecord.h"
+#include "catalog/PhotoFacts.h"
 #include "sets/FolderFilter.h"
 #include "sets/RatingFilter.h"
 #include "sets/RollFilter.h"
-#include "sets/SortKind.h"
 #include "sets/TextFilter.h"
 
 /// A member of a set. Neighbours with equal keys are one group.

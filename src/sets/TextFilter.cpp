@@ -10,19 +10,6 @@
 
 namespace {
 
-bool IsSearched(StampId type) {
-  switch (type) {
-    case StampId::Note:
-    case StampId::Person:
-    case StampId::Thing:
-    case StampId::Event:
-    case StampId::PersonalPlace:
-      return true;
-    default:
-      return false;
-  }
-}
-
 /// std::string_view::find is several times slower on texts of this length.
 std::size_t Find(std::string_view text, std::string_view wanted, std::size_t from) {
   const void* const found = ::memmem(text.data() + from, text.size() - from, wanted.data(), wanted.size());

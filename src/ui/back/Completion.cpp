@@ -6,16 +6,13 @@
 
 #include "platform/TextCompare.h"
 #include "platform/Unicode.h"
+#include "ui/back/TokenList.h"
 
 namespace {
 
-std::string_view WithoutBlanks(std::string_view text) {
-  const std::size_t first = std::min(text.find_first_not_of(' '), text.size());
-  return text.substr(first, text.find_last_not_of(' ') + 1 - first);
-}
-
-/// What follows in `text` behind a beginning of those letters, which both cases of a letter, or a letter and
-/// its accent, may have in other bytes.
+/// What follows in `text` behind the part that folds to `foldedBeginning`. That part may be longer or
+/// shorter: a letter can have another number of bytes in the other case, or with its accent written behind
+/// it.
 std::string_view FindBehind(std::string_view text, const std::string& foldedBeginning) {
   constexpr std::size_t kLongestCharacter = 4;
   std::string folded;
@@ -79,7 +76,7 @@ std::string CCompletion::TakeOverSpelling(std::string_view text) const {
     const std::size_t end =
         Separators.empty() ? text.size() : std::min(text.find_first_of(Separators, begin), text.size());
     const std::string_view piece = text.substr(begin, end - begin);
-    const std::string_view token = Separators.empty() ? piece : WithoutBlanks(piece);
+    const std::string_view token = Separators.empty() ? piece : Trimmed(piece, " ");
     const std::size_t blanks = static_cast<std::size_t>(token.data() - piece.data());
     result += piece.substr(0, blanks);
     result += GetSpelling(token);

@@ -41,6 +41,17 @@ std::string FindField(const std::string& format, char letter) {
   return {};
 }
 
+/// A format of month, day and year with its fields in the order of the locale.
+std::string LocalizeDateFormat(const std::string& format, const std::string& locale) {
+  const std::string separator = platform::GetDateSeparator(locale);
+  std::string result;
+  for (const char* letter = LettersOf(platform::GetDateOrder(locale)); *letter != '\0'; ++letter) {
+    if (!result.empty()) result += separator;
+    result += FindField(format, *letter);
+  }
+  return result;
+}
+
 std::tm MakeLocal(const platform::CalendarDate& date, int hour) {
   std::tm local{};
   local.tm_year = date.Year - kFirstYear;
@@ -57,16 +68,6 @@ bool IsOnDay(std::int32_t time, const platform::CalendarDate& date) {
 }
 
 }  // namespace
-
-std::string LocalizeDateFormat(const std::string& format, const std::string& locale) {
-  const std::string separator = platform::GetDateSeparator(locale);
-  std::string result;
-  for (const char* letter = LettersOf(platform::GetDateOrder(locale)); *letter != '\0'; ++letter) {
-    if (!result.empty()) result += separator;
-    result += FindField(format, *letter);
-  }
-  return result;
-}
 
 std::string FormatEditDate(std::int32_t time, const std::string& locale) {
   return time == 0 ? std::string()

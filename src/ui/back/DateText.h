@@ -14,6 +14,3 @@ std::int32_t ReadEditDate(const std::string& text, const std::string& locale = {
 
 /// Whether the two are of one day of the local calendar.
 bool IsSameDay(std::int32_t a, std::int32_t b);
-
-/// A format of month, day and year with its fields in the order of the locale.
-std::string LocalizeDateFormat(const std::string& format, const std::string& locale);

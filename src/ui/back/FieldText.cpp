@@ -3,11 +3,13 @@
 #include <QApplication>
 #include <QMouseEvent>
 #include <QPlainTextEdit>
+#include <QTextLayout>
+#include <QTextOption>
 
 #include "ui/back/PhotoBackLayout.h"
-#include "ui/back/TextShortening.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
+#include "ui/kit/DropText.h"
 #include "ui/kit/ToolTips.h"
 
 namespace {
@@ -15,6 +17,8 @@ namespace {
 // Of the text in its field.
 constexpr int kTextLeft = 4;
 constexpr int kTextRight = 2;
+
+constexpr QChar kEllipsis(0x2026);
 
 constexpr double kFrameRadius = 2;
 constexpr QColor kFrameShade(49, 53, 67, 40);  // along the inside of its upper edge
@@ -26,7 +30,42 @@ void DrawDots(CDevicePainter& painter, int left, int right, int y) {
   for (int x = left; x + dot <= right; x += 2 * dot) painter.Fill({x, y, dot, dot}, colours::kWindow);
 }
 
+/// Line feeds as the layout of texts knows them.
+QString WithLineSeparators(QString text) {
+  text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+  return text.replace(u'\n', QChar(QChar::LineSeparator));
+}
+
 }  // namespace
+
+QString ShortenLine(const QString& text, bool maybePath, const QFontMetricsF& metrics, double width) {
+  QString line = text;
+  line.replace(u'\n', u' ').replace(u'\r', u' ');
+  return maybePath && line.contains(u'/') ? ShortenPath(line, width, metrics)
+                                          : metrics.elidedText(line, Qt::ElideRight, width);
+}
+
+QStringList BreakIntoLines(const QString& text, const QFont& font, double width, int most) {
+  const QString whole = WithLineSeparators(text);
+  QTextLayout layout(whole, font);
+  QTextOption option;
+  option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  layout.setTextOption(option);
+  layout.beginLayout();
+  QStringList lines;
+  for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+    line.setLineWidth(width);
+    if (lines.size() + 1 == most && line.textStart() + line.textLength() < whole.size()) {
+      // One more character tells that the line was cut, however short it is.
+      QString rest = whole.mid(line.textStart()).section(QChar(QChar::LineSeparator), 0, 0) + kEllipsis;
+      lines += QFontMetricsF(font).elidedText(rest, Qt::ElideRight, width);
+      break;
+    }
+    lines += whole.mid(line.textStart(), line.textLength()).remove(QChar(QChar::LineSeparator));
+  }
+  layout.endLayout();
+  return lines;
+}
 
 CFieldText::CFieldText(CFieldBoxOwner& owner, FieldStyle style, FontId font, QWidget* parent)
     : QWidget(parent), Owner(owner), Style(style), Font(font) {
@@ -59,7 +98,7 @@ void CFieldText::BreakText() {
     Lines = {
         ShortenLine(Text, HasFlag(Style, FieldStyle::PathOrEllipsis), QFontMetricsF(GetFont(Font)), width)};
   }
-  const bool isCut = Lines.join(QString()).contains(QChar(0x2026)) && !Text.contains(QChar(0x2026));
+  const bool isCut = Lines.join(QString()).contains(kEllipsis) && !Text.contains(kEllipsis);
   SetToolTip(*this, isCut ? Text : QString());
   update();
 }

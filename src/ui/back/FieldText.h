@@ -1,15 +1,24 @@
 #pragma once
 
+#include <QFontMetricsF>
 #include <QString>
 #include <QStringList>
 #include <QWidget>
 #include <functional>
 
 #include "ui/back/FieldBox.h"
-#include "ui/back/FieldStyle.h"
-#include "ui/kit/FontTable.h"
+#include "ui/back/FieldForms.h"
 
 class CDevicePainter;
+
+// Texts cut to the room that they have. Widths are pixels of the layout.
+
+/// One line: if `maybePath` is set and it holds a "/" it is shortened as a path, else it loses its end.
+QString ShortenLine(const QString& text, bool maybePath, const QFontMetricsF& metrics, double width);
+
+/// The text broken at words into at most `most` lines; a longer word is broken too. What doesn't fit is left
+/// out at the end of the last line.
+QStringList BreakIntoLines(const QString& text, const QFont& font, double width, int most);
 
 /// The text of a field. While it is edited an edit box stands over it, made for the edit and deleted after
 /// it; what is to become of the box's text is its owner's business.
@@ -26,7 +35,6 @@ class CFieldText : public QWidget {
 
   /// The height is FieldHeight of so many lines.
   void SetLines(int count);
-  int GetLines() const { return LineCount; }
 
   /// Makes the edit box with that text and gives it the focus.
   void OpenBox(const QString& text);

@@ -1,12 +1,17 @@
 #include "ui/back/FieldValue.h"
 
+#include <QCoreApplication>
+#include <QMetaObject>
 #include <utility>
 
-CFieldValue::CFieldValue(FieldNumber field, ChangeNotice onCommitted)
-    : Field(field), OnCommitted(std::move(onCommitted)) {}
+#include "base/Exceptions.h"
+#include "base/Messages.h"
+
+CFieldValue::CFieldValue(StampId fact, ChangeNotice onCommitted)
+    : Fact(fact), OnCommitted(std::move(onCommitted)) {}
 
 void CFieldValue::Commit() {
-  if (OnCommitted) OnCommitted(Field);
+  if (OnCommitted) OnCommitted(Fact);
 }
 
 bool CFieldValue::ValidateText(std::string&) { return true; }
@@ -36,4 +41,16 @@ void CFieldValue::SetDate(std::int32_t) { TellListener(); }
 
 void CFieldValue::TellListener() {
   if (Listener != nullptr) Listener->OnValueChanged();
+}
+
+void StoreValue(CFieldValue& value) {
+  const std::shared_ptr<CFieldValue> keep = value.weak_from_this().lock();
+  try {
+    value.Commit();
+  } catch (const CException& exception) {
+    value.Reload();
+    // Not from here: this may be the middle of a change of the focus or of the photo.
+    const auto tell = [text = exception.GetMessage()] { ShowMessage(text); };
+    QMetaObject::invokeMethod(QCoreApplication::instance(), tell, Qt::QueuedConnection);
+  }
 }

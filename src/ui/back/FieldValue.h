@@ -7,8 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "catalog/StampType.h"
-#include "ui/back/FieldNumber.h"
+#include "catalog/PhotoFacts.h"
 
 enum class FieldKind : int { Text = 0, Number = 1, Date = 2 };
 
@@ -26,7 +25,7 @@ class CFieldListener {
 class CFieldValue : public std::enable_shared_from_this<CFieldValue> {
  public:
   /// Told after each commit.
-  using ChangeNotice = std::function<void(FieldNumber)>;
+  using ChangeNotice = std::function<void(StampId fact)>;
 
   virtual ~CFieldValue() = default;
   CFieldValue(const CFieldValue&) = delete;
@@ -64,17 +63,21 @@ class CFieldValue : public std::enable_shared_from_this<CFieldValue> {
   /// Takes over what is stored.
   virtual void Reload() = 0;
 
-  /// The field that shows this.
-  FieldNumber GetNumberOfField() const { return Field; }
+  StampId GetFact() const { return Fact; }
   /// Not owned; null for none.
   void SetListener(CFieldListener* listener) { Listener = listener; }
 
  protected:
-  CFieldValue(FieldNumber field, ChangeNotice onCommitted);
+  CFieldValue(StampId fact, ChangeNotice onCommitted);
   void TellListener();
 
  private:
-  const FieldNumber Field;
+  const StampId Fact;
   const ChangeNotice OnCommitted;
   CFieldListener* Listener = nullptr;
 };
+
+/// Commits a value. If that fails, the value is read from the catalog again and the user is told as soon as
+/// events are handled; nothing is raised. A shared value lives until this returns, though who is told of the
+/// commit may give the caller another one meanwhile.
+void StoreValue(CFieldValue& value);

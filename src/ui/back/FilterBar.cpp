@@ -1,19 +1,25 @@
 #include "ui/back/FilterBar.h"
 
 #include <QFontMetricsF>
-#include <QPainterPath>
 #include <QPointer>
+#include <QScopeGuard>
 #include <QScopedValueRollback>
 #include <QTimer>
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <utility>
 
+#include "base/Exceptions.h"
+#include "base/Folders.h"
+#include "base/PathIdentity.h"
 #include "base/Settings.h"
 #include "base/Texts.h"
 #include "catalog/Catalog.h"
 #include "discovery/FolderSearch.h"
 #include "sets/PhotoSet.h"
 #include "ui/back/FilterBarHost.h"
+#include "ui/back/PhotoBack.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/DropControl.h"
@@ -21,6 +27,7 @@
 #include "ui/kit/Job.h"
 #include "ui/kit/QtText.h"
 #include "ui/kit/WaitCursor.h"
+#include "ui/search/WindowedSearchProgress.h"
 
 namespace {
 
@@ -33,18 +40,30 @@ constexpr QColor kUpperLine(201, 203, 206);
 constexpr QColor kLineBelow(248, 249, 249);
 constexpr double kPanelRadius = 5;
 
+/// One row of the bar.
 struct ControlKind {
   StringId Label;
   const char* Name;
   DropStyle Style;
 };
-constexpr ControlKind kControls[kFilterRows] = {
+constexpr ControlKind kControls[] = {
     {StringId::FilterShow, "FolderControl",
      DropStyle::ShortensPaths | DropStyle::Images | DropStyle::History},
     {StringId::FilterFind, "FindControl", DropStyle::EditBox | DropStyle::History | DropStyle::SelectsWhole},
     {StringId::FilterRated, "RatedControl", DropStyle::Images},
     {StringId::FilterSortBy, "SortControl", DropStyle::Images},
 };
+
+// Where the rows stand, in pixels of the layout. The bar is as wide as the panel, since its colour runs
+// across that; the rows keep to its left.
+constexpr int kBarLeft = 10;
+constexpr int kBarRight = 255;
+constexpr int kAroundRows = 16;
+constexpr int kAboveRows = kAroundRows / 2;
+constexpr int kBetweenRows = 1;
+constexpr int kLabelOffset = 2;
+constexpr int kBetweenLabelAndControl = 10;
+constexpr int kBesideControls = 8;
 
 QString LoadLabel(StringId id) { return ToQString(LoadExpandedString(id)) + u' '; }
 
@@ -71,8 +90,7 @@ CFilterBar::CFilterBar(CFilterBarHost& host, QWidget* panel, std::unique_ptr<CFo
       Texts(host.GetCatalog(), kTextHistory, kRememberedTexts, false),
       FolderEntries(Folders),
       TextEntries(Texts),
-      FolderActions(Folders, *Chooser),
-      Layout(LayOutFilterBar(GetLabelWidth(), CDropControl::GetHeight())) {
+      FolderActions(Folders, *Chooser) {
   setObjectName(QStringLiteral("FilterBar"));
   CreateControls();
   ConnectControls();
@@ -87,12 +105,18 @@ CFilterBar::CFilterBar(CFilterBarHost& host, QWidget* panel, std::unique_ptr<CFo
 CFilterBar::~CFilterBar() = default;
 
 void CFilterBar::CreateControls() {
-  for (std::size_t i = 0; i < Controls.size(); ++i) {
-    const ControlKind& kind = kControls[i];
-    Labels[i] = LoadLabel(kind.Label);
-    Controls[i] = std::make_unique<CDropControl>(Labels[i].trimmed(), kind.Style, this);
-    Controls[i]->setObjectName(QLatin1String(kind.Name));
-    Controls[i]->setGeometry(Layout.Controls[i]);
+  const int height = CDropControl::GetHeight();
+  const int labelWidth = GetLabelWidth();
+  const int left = kBarLeft + labelWidth + kBetweenLabelAndControl;
+  int top = kAboveRows;
+  for (const ControlKind& kind : kControls) {
+    const QString label = LoadLabel(kind.Label);
+    Labels.push_back({label, QRect(kBarLeft, top + kLabelOffset, labelWidth, height - kLabelOffset)});
+    auto control = std::make_unique<CDropControl>(label.trimmed(), kind.Style, this);
+    control->setObjectName(QLatin1String(kind.Name));
+    control->setGeometry(left, top, kBarRight - kBesideControls - left, height);
+    Controls.push_back(std::move(control));
+    top += height + kBetweenRows;
   }
   FillFolderControl(GetFolderControl(), FolderEntries, CFolderSearch::GetInstance().ActiveDisk);
   FillFindControl(GetFindControl(), TextEntries);
@@ -122,7 +146,151 @@ void CFilterBar::SetFirstSort() {
   Host.GetPhotoSet().SetSort(isFirstRoll ? SortKind::Month : SortKind::Roll, false);
 }
 
-int CFilterBar::GetHeight() { return GetFilterBarHeight(CDropControl::GetHeight()); }
+int CFilterBar::GetHeight() {
+  return kAroundRows + static_cast<int>(std::size(kControls)) * CDropControl::GetHeight();
+}
+
+// What a pick in the folder control does.
+
+std::string CFilterBar::GetShownFolder() const {
+  const CDropControlModel& model = GetFolderControl().GetModel();
+  switch (static_cast<FolderItem>(model.GetSelectedId())) {
+    case FolderItem::AllFolders:
+      return {};
+    case FolderItem::MyPictures:
+      return GetMyPicturesFolder();
+    case FolderItem::ActiveDisk:
+      return GetActiveDiskPhotoFolder();
+    default:
+      return model.GetText();
+  }
+}
+
+bool CFilterBar::SelectStandardFolder(const std::string& folder) {
+  const bool activeDisk = CFolderSearch::GetInstance().ActiveDisk;
+  FolderItem item{};
+  if (folder.empty()) {
+    item = FolderItem::AllFolders;
+  } else if (IsSameFolder(folder, GetMyPicturesFolder())) {
+    item = FolderItem::MyPictures;
+  } else if (activeDisk && IsSameFolder(folder, GetActiveDiskPhotoFolder())) {
+    item = FolderItem::ActiveDisk;
+  } else {
+    return false;
+  }
+  GetFolderControl().GetModel().SelectId(static_cast<int>(item));
+  GetFolderControl().Refresh();
+  return true;
+}
+
+void CFilterBar::SelectFolder(const std::string& folder) {
+  CDropControlModel& model = GetFolderControl().GetModel();
+  if (!SelectStandardFolder(folder) && !model.SelectText(folder)) return;
+  GetFolderControl().Refresh();
+  OnFolderPicked(static_cast<FolderItem>(model.GetSelectedId()));
+}
+
+std::string CFilterBar::SelectAddedFolder(const std::string& folder) {
+  if (!SelectStandardFolder(folder)) {
+    Folders.Promote(Folders.Add(folder));
+    GetFolderControl().GetModel().SelectId(static_cast<int>(FolderItem::FirstListed));
+    GetFolderControl().Refresh();
+  }
+  Host.GetPhotoSet().SetFolderFilter(GetShownFolder());
+  return GetShownFolder();
+}
+
+void CFilterBar::OnFolderPicked(FolderItem item) {
+  FirstFolderShown = true;
+  Host.PrepareForSearch();
+  // Where the pick comes to nothing, the strip must still show what the controls say.
+  const bool wasNarrowed = HasTextOrRatingFilter();
+  ClearTextFilter();
+  ClearRatingFilter();
+  try {
+    ApplyFolderPick(item, wasNarrowed);
+  } catch (const CException&) {
+    RebuildSet(StripPosition::KeepPhoto);
+    throw;
+  }
+}
+
+void CFilterBar::ApplyFolderPick(FolderItem item, bool rebuild) {
+  CCatalog& catalog = Host.GetCatalog();
+  std::optional<FolderChange> change = AskForChange(item, GetShownFolder());
+  const std::int32_t rollBefore = catalog.GetCurrentRollID();
+  const bool found = change && SearchFor(*change);
+  const bool isNewRoll = catalog.GetCurrentRollID() != rollBefore;
+  const bool givenUp = !change || (change->Adding && !found);
+
+  if (!givenUp && change->Adding) change->Chosen = SelectAddedFolder(change->Chosen);
+  rebuild |= isNewRoll || found || (change && change->Refilter);
+  if (isNewRoll && !givenUp) {
+    ShowNewestRoll();
+  } else if (rebuild) {
+    RebuildSet(StripPosition::KeepPhoto);
+  }
+  if (!givenUp) catalog.SetCurrentPhotoFolder(change->Chosen);
+}
+
+std::optional<CFilterBar::FolderChange> CFilterBar::AskForChange(FolderItem item, const std::string& shown) {
+  switch (item) {
+    case FolderItem::SearchAgain:
+      return FolderChange{.Chosen = shown, .Search = true};
+    case FolderItem::AddFolder: {
+      const std::optional<std::string> folder = FolderActions.BrowseForFolder();
+      if (!folder) return std::nullopt;
+      return FolderChange{.Chosen = *folder, .Search = true, .Adding = true};
+    }
+    case FolderItem::MoreFolders:
+      return ChooseFolder(shown);
+    case FolderItem::RemoveFolder:
+      return RemoveFolder(shown);
+    default:
+      Host.GetPhotoSet().SetFolderFilter(shown);
+      return FolderChange{.Chosen = shown, .Refilter = true};
+  }
+}
+
+std::optional<CFilterBar::FolderChange> CFilterBar::ChooseFolder(const std::string& shown) {
+  const std::optional<std::string> folder = FolderActions.ChooseFromList();
+  if (!folder) return std::nullopt;
+  const bool isOther = !folder->empty() && *folder != shown;
+  return FolderChange{.Chosen = *folder, .Search = isOther, .Adding = isOther};
+}
+
+std::optional<CFilterBar::FolderChange> CFilterBar::RemoveFolder(const std::string& shown) {
+  const std::optional<std::string> removed = FolderActions.RemoveFromList();
+  if (!removed) return std::nullopt;
+  if (*removed != shown) {
+    // The item in view may have moved up in the list, and some of its photos may have gone.
+    if (!SelectStandardFolder(shown)) GetFolderControl().GetModel().SelectText(shown);
+    GetFolderControl().Refresh();
+    return FolderChange{.Chosen = shown, .Refilter = true, .SearchNothing = true};
+  }
+  // There is no going back to the folder, so the pictures folder is in view even if its search is stopped.
+  SelectAddedFolder(GetMyPicturesFolder());
+  return FolderChange{.Chosen = GetMyPicturesFolder(), .Search = true, .Refilter = true};
+}
+
+bool CFilterBar::SearchFor(const FolderChange& change) {
+  if (change.SearchNothing) return false;
+  const bool showAtStart = change.Search && (change.Chosen.empty() || IsDiskRoot(change.Chosen));
+  CWindowedSearchProgress progress(false, showAtStart, window());
+  CFolderSearch& search = CFolderSearch::GetInstance();
+  search.Progress = &progress;
+  const auto restore = qScopeGuard([&search] { search.Progress = nullptr; });
+  bool found = false;
+  RunJob(
+      [&] {
+        found = change.Chosen.empty() ? search.SearchAllFolders(change.Search)
+                                      : search.SearchFolder(change.Chosen, change.Search);
+      },
+      [&progress] { progress.Stop(); });
+  return found;
+}
+
+// The other controls.
 
 void CFilterBar::RebuildSet(StripPosition position) {
   const CWaitCursor waiting;
@@ -213,25 +381,14 @@ void CFilterBar::CommitEdit() {
 
 void CFilterBar::paintEvent(QPaintEvent*) {
   CDevicePainter painter(*this);
-  QPainter& shape = painter.GetPainter();
-  const QRect area = painter.GetArea();
   // The lower end of the panel, whose lit edges run down here.
   const double radius = kPanelRadius * painter.GetPixelRatio();
-  QPainterPath panel;
-  panel.addRoundedRect(QRectF(area).adjusted(0, -2 * radius, 0, 0), radius, radius);
-  shape.setRenderHint(QPainter::Antialiasing);
-  shape.fillPath(panel, kGround);
-  shape.setClipPath(panel);
-  shape.setPen(QColor(255, 255, 255, 205));
-  shape.drawPath(panel.translated(0.5, 0.5));
-  shape.setPen(QColor(49, 53, 67, 51));
-  shape.drawPath(panel.translated(-0.5, -0.5));
-  shape.setClipping(false);
+  DrawPanel(painter.GetPainter(), QRectF(painter.GetArea()).adjusted(0, -2 * radius, 0, 0), radius, kGround);
 
   painter.Fill(painter.Scaled(QRect(1, 0, width() - 2, 1)), kUpperLine);
   painter.Fill(painter.Scaled(QRect(1, 1, width() - 2, 1)), kLineBelow);
-  for (std::size_t i = 0; i < Labels.size(); ++i) {
-    painter.DrawText(painter.Scaled(Layout.Labels[i]), Qt::AlignLeft | Qt::AlignTop | Qt::TextSingleLine,
-                     GetFont(FontId::PanelItalic), colours::kInk, Labels[i]);
+  for (const Label& label : Labels) {
+    painter.DrawText(painter.Scaled(label.Place), Qt::AlignLeft | Qt::AlignTop | Qt::TextSingleLine,
+                     GetFont(FontId::PanelItalic), colours::kInk, label.Text);
   }
 }

@@ -1,16 +1,17 @@
 #pragma once
 
+#include <QRect>
+#include <QString>
 #include <QWidget>
-#include <array>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "catalog/StringHistory.h"
 #include "discovery/FolderHistory.h"
 #include "ui/back/FilterBarItems.h"
-#include "ui/back/FilterBarLayout.h"
 #include "ui/back/FolderActions.h"
 #include "ui/back/FolderChooser.h"
 
@@ -106,9 +107,12 @@ class CFilterBar : public QWidget {
   CCatalogDropHistory TextEntries;
   CFolderActions FolderActions;
 
-  std::array<QString, kFilterRows> Labels;
-  std::array<std::unique_ptr<CDropControl>, kFilterRows> Controls;
-  const FilterBarLayout Layout;
+  struct Label {
+    QString Text;
+    QRect Place;
+  };
+  std::vector<Label> Labels;                            // from the top
+  std::vector<std::unique_ptr<CDropControl>> Controls;  // likewise
   bool FirstFolderShown = false;
   bool DropsEdit = false;  // the end of the edit changes nothing
 };

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <optional>
 
+#include "catalog/PhotoFacts.h"
 #include "catalog/StringHistory.h"
-#include "sets/SortKind.h"
 #include "ui/kit/DropControlModel.h"
 
 class CDropControl;

@@ -7,16 +7,16 @@
 #include <algorithm>
 
 #include "base/Texts.h"
-#include "ui/back/FormatLine.h"
+#include "platform/Files.h"
 #include "ui/back/PhotoBackLayout.h"
 #include "ui/back/PhotoField.h"
 #include "ui/back/PhotoFieldSet.h"
-#include "ui/back/RatingField.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/FontTable.h"
 #include "ui/kit/Job.h"
 #include "ui/kit/QtText.h"
+#include "ui/kit/RatingControl.h"
 #include "ui/kit/ToolTips.h"
 
 namespace {
@@ -24,7 +24,31 @@ namespace {
 constexpr double kCornerRadius = 5;
 constexpr int kStarsLeft = 2;  // from the end of the label
 
-/// A panel lit from the top left.
+constexpr std::uint64_t kBytesPerUnit = 1024;
+constexpr std::uint64_t kMostKilobytes = 1000;
+
+std::string MakeFileSize(std::uint64_t bytes) {
+  const std::uint64_t kilobytes = bytes / kBytesPerUnit;
+  return kilobytes < kMostKilobytes
+             ? FormatString(StringId::SizeInKilobytes, kilobytes)
+             : FormatString(StringId::SizeInMegabytes, static_cast<double>(kilobytes) / kBytesPerUnit);
+}
+
+/// "2560 x 1600 (617 KB)"; 0 bytes if there is no file.
+std::string MakeFormatLine(ImageSize size, const std::string& path) {
+  platform::FileStatus status;
+  const std::uint64_t bytes = platform::GetStatus(path, status) ? 0 : status.Size;
+  return FormatString(StringId::PictureSize, size.Width, size.Height) + " (" + MakeFileSize(bytes) + ")";
+}
+
+PhotoBackMetrics GetMetrics() {
+  const CFontTable& fonts = CFontTable::GetInstance();
+  return {fonts.GetCellHeight(FontId::Label), fonts.GetCellHeight(FontId::Caption),
+          CRatingControl::kSize.height()};
+}
+
+}  // namespace
+
 void DrawPanel(QPainter& painter, const QRectF& area, double radius, const QColor& colour) {
   painter.setRenderHint(QPainter::Antialiasing);
   QPainterPath panel;
@@ -38,13 +62,37 @@ void DrawPanel(QPainter& painter, const QRectF& area, double radius, const QColo
   painter.setClipping(false);
 }
 
-PhotoBackMetrics GetMetrics() {
-  const CFontTable& fonts = CFontTable::GetInstance();
-  return {fonts.GetCellHeight(FontId::Label), fonts.GetCellHeight(FontId::Caption),
-          CRatingControl::kSize.height()};
-}
+/// The stars, over the value that keeps the rating.
+class CPhotoBack::CRatingField : public CRatingOwner, private CFieldListener {
+ public:
+  explicit CRatingField(QWidget* parent) : Control(*this, parent) {}
+  ~CRatingField() override { SetValue(nullptr); }
 
-}  // namespace
+  /// Not owned; null for none.
+  void SetValue(CFieldValue* value) {
+    if (Value != nullptr) Value->SetListener(nullptr);
+    Value = value;
+    if (Value != nullptr) Value->SetListener(this);
+    Control.Refresh();
+  }
+
+  int GetRating() const override { return Value != nullptr ? Value->GetNumber() : 0; }
+  void SetRating(int rating) override {
+    if (Value != nullptr) Value->SetNumber(rating);
+  }
+  void Commit() override {
+    if (Value != nullptr) StoreValue(*Value);
+    Control.Refresh();
+  }
+
+  CRatingControl& GetControl() { return Control; }
+
+ private:
+  void OnValueChanged() override { Control.Refresh(); }
+
+  CRatingControl Control;
+  CFieldValue* Value = nullptr;
+};
 
 CPhotoBack::CPhotoBack(QWidget* parent) : QWidget(parent) {
   setObjectName(QStringLiteral("PhotoBack"));
@@ -88,10 +136,10 @@ void CPhotoBack::SetFilterBar(QWidget* bar, int height) {
   Layout();
 }
 
-CPhotoField* CPhotoBack::GetField(int number) const {
-  if (number == static_cast<int>(FieldNumber::None)) return nullptr;
+CPhotoField* CPhotoBack::GetField(StampId fact) const {
+  if (fact == StampId::None) return nullptr;
   for (std::size_t i = 0; i < kFieldCount; ++i) {
-    if (static_cast<int>(kFieldForms[i].Number) == number) return Fields[i].get();
+    if (kFieldForms[i].Fact == fact) return Fields[i].get();
   }
   return nullptr;
 }
@@ -122,12 +170,13 @@ void CPhotoBack::GiveValues() {
     for (const auto& field : Fields) field->SetValue(nullptr);
     return;
   }
-  Current = std::make_unique<CPhotoFieldSet>(*Photo, [this](FieldNumber field) { OnCommitted(field); });
-  for (const auto& value : Current->GetValues()) {
-    if (value->GetNumberOfField() == FieldNumber::Rating) {
-      Rating->SetValue(value.get());
-    } else if (CPhotoField* field = GetField(static_cast<int>(value->GetNumberOfField()))) {
-      field->SetValue(value.get());
+  Current = std::make_unique<CPhotoFieldSet>(*Photo, [this](StampId fact) { OnCommitted(fact); });
+  for (std::size_t i = 0; i < kFieldCount; ++i) {
+    const StampId fact = kFieldForms[i].Fact;
+    if (fact == StampId::Rating) {
+      Rating->SetValue(&Current->Get(fact));
+    } else if (fact != StampId::None) {
+      Fields[i]->SetValue(&Current->Get(fact));
     }
   }
 }
@@ -141,12 +190,12 @@ void CPhotoBack::ShowFields(bool shown) {
 void CPhotoBack::UpdateFormat() {
   if (!Photo) return;
   const ImageSize size = GetPictureSize ? GetPictureSize() : ImageSize();
-  GetField(FieldRow::Format)->SetShownText(ToQString(ReadFormatLine(size, Photo->GetPath())));
+  GetFormatField().SetShownText(ToQString(MakeFormatLine(size, Photo->GetPath())));
 }
 
-void CPhotoBack::OnCommitted(FieldNumber field) {
-  if (field == FieldNumber::Title && OnPhotoRenamed) OnPhotoRenamed();
-  if (OnStampChanged) OnStampChanged(static_cast<StampId>(field));
+void CPhotoBack::OnCommitted(StampId fact) {
+  if (fact == StampId::Title && OnPhotoRenamed) OnPhotoRenamed();
+  if (OnStampChanged) OnStampChanged(fact);
 }
 
 void CPhotoBack::SetRating(int value) {
@@ -156,8 +205,8 @@ void CPhotoBack::SetRating(int value) {
 
 // The edits.
 
-void CPhotoBack::FocusField(int number) {
-  CPhotoField* field = GetField(number);
+void CPhotoBack::FocusField(StampId fact) {
+  CPhotoField* field = GetField(fact);
   if (field == nullptr || !Photo || !isVisible()) return;
   field->StartEdit();
   if (!field->IsEditing()) window()->setFocus();
@@ -183,12 +232,14 @@ bool CPhotoBack::IsEditing() const {
 }
 
 void CPhotoBack::FocusNextField(bool forward) {
-  const auto current = std::find_if(kEditableRows.begin(), kEditableRows.end(),
-                                    [this](FieldRow row) { return GetField(row)->IsEditing(); });
-  if (current == kEditableRows.end()) return;
-  const std::size_t count = kEditableRows.size();
-  const auto position = static_cast<std::size_t>(current - kEditableRows.begin());
-  GetField(kEditableRows[(position + (forward ? 1 : count - 1)) % count])->StartEdit();
+  const auto current =
+      std::find_if(Fields.begin(), Fields.end(), [](const auto& field) { return field->IsEditing(); });
+  if (current == Fields.end()) return;
+  auto row = static_cast<std::size_t>(current - Fields.begin());
+  do {
+    row = (row + (forward ? 1 : kFieldCount - 1)) % kFieldCount;
+  } while (!HasFlag(kFieldForms[row].Style, FieldStyle::Editable));
+  Fields[row]->StartEdit();
 }
 
 // The window.
@@ -203,12 +254,11 @@ void CPhotoBack::hideEvent(QHideEvent*) {
 
 void CPhotoBack::Layout() {
   const PhotoBackLayout layout = LayOutPhotoBack(size(), FilterBarHeight, GetMetrics());
-  GetField(FieldRow::Title)->SetLines(layout.Room.TitleLines);
-  GetField(FieldRow::Caption)->SetLines(layout.Room.CaptionLines);
+  GetField(StampId::Title)->SetLines(layout.Room.TitleLines);
+  GetField(StampId::Note)->SetLines(layout.Room.CaptionLines);
   for (std::size_t i = 0; i < kFieldCount; ++i) Fields[i]->setGeometry(layout.Fields[i]);
-  const QRect rating = layout.Fields[static_cast<std::size_t>(FieldRow::Rating)];
-  Rating->GetControl().move(rating.left() + GetField(FieldRow::Rating)->GetLabelWidth() + kStarsLeft,
-                            rating.top());
+  const CPhotoField& rating = *GetField(StampId::Rating);
+  Rating->GetControl().move(rating.x() + rating.GetLabelWidth() + kStarsLeft, rating.y());
   if (FilterBar != nullptr) {
     FilterBar->setGeometry(0, height() - FilterBarHeight, width(), FilterBarHeight);
   }

@@ -10,12 +10,13 @@
 #include "catalog/AssetRecord.h"
 #include "imaging/PixelBuffer.h"
 #include "ui/back/FieldForms.h"
-#include "ui/kit/RatingControl.h"
 
-class CFieldValue;
 class CPhotoField;
 class CPhotoFieldSet;
-class CRatingField;
+class QPainter;
+
+/// Paints a panel of that colour with rounded corners, lit from the top left. All in pixels of the screen.
+void DrawPanel(QPainter& painter, const QRectF& area, double radius, const QColor& colour);
 
 /// The panel on which the user reads and edits what is known about the current photo, above the filter bar.
 /// It holds no annotation of its own: a value is in the catalog as soon as its field has been left, by
@@ -25,13 +26,12 @@ class CPhotoBack : public QWidget {
   explicit CPhotoBack(QWidget* parent = nullptr);
   ~CPhotoBack() override;
 
-  // What the panel tells and asks the main window; each may be empty. It may be given a photo, or none, by
-  // what it tells.
+  // What the panel tells and asks the main window; each may be empty. Who is told may call SetPhoto.
 
   /// The user is about to edit a field, or to choose from its list.
   std::function<void()> OnEditBegins;
-  /// A stamp of the current photo, or its title (13), has been written.
-  std::function<void(StampId type)> OnStampChanged;
+  /// That fact about the current photo has been written.
+  std::function<void(StampId fact)> OnStampChanged;
   /// The current photo's file has another name now. Called before OnStampChanged.
   std::function<void()> OnPhotoRenamed;
   /// The size in pixels of the current photo's picture as it was decoded, 0 by 0 without one.
@@ -46,13 +46,14 @@ class CPhotoBack : public QWidget {
   /// Renews the "Format" field, once the current photo's picture is there and after a change of its file.
   void UpdateFormat();
 
-  /// Null for any number that isn't a FieldNumber with a field.
-  CPhotoField* GetField(int number) const;
-  CPhotoField* GetField(FieldRow row) const { return Fields[static_cast<std::size_t>(row)].get(); }
+  /// Null for a fact that has no field.
+  CPhotoField* GetField(StampId fact) const;
+  /// The row with the sizes of picture and file.
+  CPhotoField& GetFormatField() const { return *Fields.back(); }
 
   /// Begins to edit that field, if there is a photo. From a field that can't be edited the focus goes to the
   /// main window.
-  void FocusField(int number);
+  void FocusField(StampId fact);
 
   /// Writes what is being edited; the edit goes on.
   void CommitEdits();
@@ -72,17 +73,19 @@ class CPhotoBack : public QWidget {
   void hideEvent(QHideEvent* event) override;
 
  private:
+  class CRatingField;
+
   void CreateFields();
   void WatchProgram();
   void ShowFields(bool shown);
   void Layout();
   void GiveValues();
-  void OnCommitted(FieldNumber field);
+  void OnCommitted(StampId fact);
   void CloseEdits();
 
   std::optional<CAssetRecord> Photo;
-  std::unique_ptr<CPhotoFieldSet> Current;                       // goes after the fields, which show it
-  std::array<std::unique_ptr<CPhotoField>, kFieldCount> Fields;  // by FieldRow
+  std::unique_ptr<CPhotoFieldSet> Current;                       // outlives the fields, which show it
+  std::array<std::unique_ptr<CPhotoField>, kFieldCount> Fields;  // as kFieldForms
   std::unique_ptr<CRatingField> Rating;
   QWidget* FilterBar = nullptr;  // a child
   int FilterBarHeight = 0;

@@ -4,12 +4,11 @@
 
 namespace {
 
-// The area of the fields and of the filter bar in the panel.
+// The area of the fields in the panel.
 constexpr int kAreaLeft = 11;
-constexpr int kAreaRight = 255;  // of both
+constexpr int kAreaRight = 255;
 constexpr int kAreaTop = 11;
 constexpr int kAboveFilterBar = 10;
-constexpr int kFilterBarLeft = 10;
 constexpr int kSideMargin = 10;
 constexpr int kRowLeft = 2;
 
@@ -18,13 +17,28 @@ constexpr int kMostExtraLines = 7;
 constexpr int kLargestGap = 20;
 constexpr int kBelowRating = 5;
 
+constexpr int kSmallRows = std::ranges::count_if(kFieldForms, &FieldForm::IsSmall);
+constexpr int kTextRows = static_cast<int>(kFieldCount) - 1 - kSmallRows;  // all but that of the stars
+constexpr int kGaps = std::ranges::count_if(kFieldForms, &FieldForm::GapBelow);
+
 constexpr int kButtonRight = 1;  // from the field's right edge; the picture leaves another pixel free
 constexpr int kBeforeButton = 2;
 
-/// The smallest number of lines that `extra` lines more can be given to.
+/// Shares out lines besides the first of each: the first to the caption, the second to the title.
 void GiveLines(int extra, FieldRoom& room) {
   if (extra >= 2) room.TitleLines = 2;
   if (extra >= 1) room.CaptionLines = extra >= 3 ? 3 : 2;
+}
+
+int CountLines(StampId fact, const FieldRoom& room) {
+  switch (fact) {
+    case StampId::Title:
+      return room.TitleLines;
+    case StampId::Note:
+      return room.CaptionLines;
+    default:
+      return 1;
+  }
 }
 
 }  // namespace
@@ -33,45 +47,32 @@ FieldRoom DivideRoom(int height, const PhotoBackMetrics& metrics) {
   const int row = FieldHeight(1, metrics.ValueLine);
   const int folderRow = FieldHeight(1, metrics.FolderLine);
   FieldRoom room;
-  const int left = height - (metrics.RatingRow + 2 * (folderRow + 3 * row));
+  const int left = height - (metrics.RatingRow + kSmallRows * folderRow + kTextRows * row);
   if (left < 2 * kOuterMargin) {
     room.OuterMargin = left / 2;
     return room;
   }
   GiveLines(std::min((left - 2 * kOuterMargin) / row, kMostExtraLines), room);
-  const int used =
-      metrics.RatingRow + 2 * kOuterMargin + 2 * folderRow + (room.TitleLines + room.CaptionLines + 4) * row;
-  room.GroupGap = std::min((height - used) / 2, kLargestGap);
+  const int extraLines = room.TitleLines - 1 + room.CaptionLines - 1;
+  room.GroupGap = std::min((left - 2 * kOuterMargin - extraLines * row) / kGaps, kLargestGap);
   return room;
 }
 
 PhotoBackLayout LayOutPhotoBack(QSize panel, int filterBarHeight, const PhotoBackMetrics& metrics) {
   PhotoBackLayout layout;
-  const int barTop = panel.height() - filterBarHeight;
-  layout.FilterBar = QRect(kFilterBarLeft, barTop, kAreaRight - kFilterBarLeft, filterBarHeight);
-
-  const int areaHeight = barTop - kAboveFilterBar - kAreaTop;
-  layout.Room = DivideRoom(areaHeight, metrics);
+  layout.Room = DivideRoom(panel.height() - filterBarHeight - kAboveFilterBar - kAreaTop, metrics);
 
   const int left = kAreaLeft + kSideMargin + kRowLeft;
   const int width = kAreaRight - kAreaLeft - 2 * kSideMargin;
   int y = kAreaTop + layout.Room.OuterMargin;
-  const auto place = [&](FieldRow row, int lines, int lineHeight) {
-    const int height = FieldHeight(lines, lineHeight);
-    layout.Fields[static_cast<std::size_t>(row)] = QRect(left, y, width, height);
-    y += height;
-  };
-  place(FieldRow::Rating, 1, metrics.ValueLine);
-  y += kBelowRating + metrics.RatingRow - FieldHeight(1, metrics.ValueLine);
-  place(FieldRow::Title, layout.Room.TitleLines, metrics.ValueLine);
-  y += layout.Room.GroupGap;
-  place(FieldRow::Caption, layout.Room.CaptionLines, metrics.ValueLine);
-  for (const FieldRow row : {FieldRow::Subjects, FieldRow::Event, FieldRow::Place, FieldRow::Date}) {
-    place(row, 1, metrics.ValueLine);
+  for (std::size_t i = 0; i < kFieldCount; ++i) {
+    const FieldForm& form = kFieldForms[i];
+    const int lines = CountLines(form.Fact, layout.Room);
+    const int height = FieldHeight(lines, form.IsSmall() ? metrics.FolderLine : metrics.ValueLine);
+    layout.Fields[i] = QRect(left, y, width, height);
+    y += form.Fact == StampId::Rating ? metrics.RatingRow + kBelowRating : height;
+    if (form.GapBelow) y += layout.Room.GroupGap;
   }
-  y += layout.Room.GroupGap;
-  place(FieldRow::Folder, 1, metrics.FolderLine);
-  place(FieldRow::Format, 1, metrics.FolderLine);
   return layout;
 }
 

@@ -32,8 +32,7 @@ FieldRoom DivideRoom(int height, const PhotoBackMetrics& metrics);
 
 struct PhotoBackLayout {
   FieldRoom Room;
-  std::array<QRect, kFieldCount> Fields;  // by FieldRow
-  QRect FilterBar;
+  std::array<QRect, kFieldCount> Fields;  // as kFieldForms
 };
 PhotoBackLayout LayOutPhotoBack(QSize panel, int filterBarHeight, const PhotoBackMetrics& metrics);
 

@@ -4,18 +4,20 @@
 #include <QFontMetricsF>
 #include <QPointer>
 #include <QScopedValueRollback>
+#include <QTimer>
 #include <charconv>
 #include <cmath>
 
 #include "base/Texts.h"
 #include "ui/back/DateText.h"
+#include "ui/back/FieldMenu.h"
 #include "ui/back/FieldText.h"
 #include "ui/back/PhotoBackLayout.h"
-#include "ui/back/StoreValue.h"
 #include "ui/back/TokenList.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/Job.h"
+#include "ui/kit/OutsideClicks.h"
 #include "ui/kit/PaintedButton.h"
 #include "ui/kit/QtText.h"
 
@@ -235,6 +237,49 @@ bool CPhotoField::OnReplacing(const QString& character) {
   return true;
 }
 
+// The list button and its menu.
+
+void CPhotoField::RefreshButton() {
+  if (Button == nullptr) return;
+  Button->setVisible(Value != nullptr && (Value->GetKind() == FieldKind::Date || Value->HasChoices()));
+}
+
+void CPhotoField::OnCommand(CommandId) { OpenMenu(); }
+
+void CPhotoField::OpenMenu() {
+  if (!BeginEdit()) return;
+  Menu = MakeFieldMenu(
+      ListChoices(*Value, GetTextNow()), [this](const FieldChoice& choice) { Choose(choice); }, this);
+  PassOnOutsideClicks(*Menu, *Button);
+  // Its choice comes after it has been hidden.
+  connect(Menu.get(), &QMenu::aboutToHide, this, &CPhotoField::OnMenuClosed, Qt::QueuedConnection);
+  const QPoint corner = Button->mapToGlobal(QPoint(Button->width(), Button->height()));
+  Menu->popup(corner - QPoint(Menu->sizeHint().width(), 0));
+}
+
+QMenu* CPhotoField::GetMenu() const { return Menu && Menu->isVisible() ? Menu.get() : nullptr; }
+
+void CPhotoField::OnMenuClosed() {
+  if (GetMenu() != nullptr) return;  // the next one is open already
+  // The menu is kept until the next one opens: the release of the click that closed it comes to its window.
+  QTimer::singleShot(kWindowReturns, this, [this] {
+    if (!isActiveWindow()) OnBoxLeft(true);
+  });
+}
+
+void CPhotoField::Choose(const FieldChoice& choice) {
+  if (Value == nullptr) return;
+  const bool isDate = choice.Source != StampId::None;
+  const std::string text = isDate ? std::string() : ApplyChoice(*Value, GetTextNow(), choice.Text);
+  if (!isDate && IsEditing()) return SetBoxText(text);
+  {
+    const QScopedValueRollback updating(Updating, true);
+    isDate ? ChooseDate(*Value, choice.Source) : Value->SetText(text);
+    Store();
+  }
+  ShowText();
+}
+
 // Label and layout.
 
 void CPhotoField::SetLabelText(const QString& text) {
@@ -247,7 +292,8 @@ void CPhotoField::SetLabelText(const QString& text) {
 }
 
 int CPhotoField::GetNaturalLabelWidth() const {
-  return static_cast<int>(std::ceil(QFontMetricsF(GetFont(Form.LabelFont)).horizontalAdvance(LabelText)));
+  return static_cast<int>(
+      std::ceil(QFontMetricsF(GetFont(Form.GetLabelFont())).horizontalAdvance(LabelText)));
 }
 
 void CPhotoField::SetLabelWidth(int width) {
@@ -270,8 +316,8 @@ void CPhotoField::Layout() {
 void CPhotoField::paintEvent(QPaintEvent*) {
   if (!HasFlag(Style, FieldStyle::Labelled)) return;
   CDevicePainter painter(*this);
-  const int height = CFontTable::GetInstance().GetCellHeight(Form.LabelFont);
+  const int height = CFontTable::GetInstance().GetCellHeight(Form.GetLabelFont());
   const QRect area(0, painter.Scaled(kFieldPadding), painter.GetArea().width(), painter.Scaled(height));
   painter.DrawText(area, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextDontClip,
-                   GetFont(Form.LabelFont), colours::kInk, LabelText);
+                   GetFont(Form.GetLabelFont()), colours::kInk, LabelText);
 }

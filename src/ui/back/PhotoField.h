@@ -17,6 +17,7 @@
 
 class CFieldText;
 class CPaintedButton;
+struct FieldChoice;
 
 /// After a menu that was the active window, the desktop makes the menu's window active again: within that
 /// time.
@@ -98,8 +99,7 @@ class CPhotoField : public QWidget, private CFieldListener, private CFieldBoxOwn
   void RefreshButton();
   void OpenMenu();
   void OnMenuClosed();
-  void Choose(const std::string& text);
-  void ChooseDateFrom(StampId source);
+  void Choose(const FieldChoice& choice);
   void Layout();
 
   const FieldForm Form;

@@ -6,17 +6,10 @@
 #include "base/Texts.h"
 #include "platform/TextCompare.h"
 
-namespace {
-
-constexpr std::string_view kBlanks = " \t\r\n";
-
-std::string_view Trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
+std::string_view Trimmed(std::string_view text, std::string_view blanks) {
+  const std::size_t first = std::min(text.find_first_not_of(blanks), text.size());
+  return text.substr(first, text.find_last_not_of(blanks) + 1 - first);  // npos + 1 is 0
 }
-
-}  // namespace
 
 CTokenList::CTokenList(std::string_view text, std::string separators) : Separators(std::move(separators)) {
   while (!text.empty()) {

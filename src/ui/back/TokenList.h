@@ -5,6 +5,9 @@
 #include <string_view>
 #include <vector>
 
+/// Without `blanks` at both ends; a text of nothing else gives its empty end.
+std::string_view Trimmed(std::string_view text, std::string_view blanks = " \t\r\n");
+
 /// The text of a field that holds several texts, as a list: "a, b". A token ends at a separator, or at the
 /// end of the text, and has no blanks around it. Tokens are compared by their letters. Texts are UTF-8.
 class CTokenList {

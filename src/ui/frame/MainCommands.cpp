@@ -30,9 +30,8 @@
 
 namespace {
 
-constexpr int kManyPhotos = 20;          // who has as many needs no tip
-constexpr int kFirstFieldCommand = 220;  // the command of a field is this and the field's number
-constexpr int kQuarterRight = 90;        // degrees clockwise
+constexpr int kManyPhotos = 20;    // who has as many needs no tip
+constexpr int kQuarterRight = 90;  // degrees clockwise
 constexpr int kQuarterLeft = 270;
 
 }  // namespace
@@ -62,7 +61,7 @@ void CMainCommands::Cancel(CommandId) {
 
 void CMainCommands::GoToField(CommandId id) {
   if (Frame.GetPhotoBack().isVisible()) {
-    Frame.GetPhotoBack().FocusField(static_cast<int>(id) - kFirstFieldCommand);
+    Frame.GetPhotoBack().FocusField(FieldOfCommand(id));
   }
 }
 
@@ -75,9 +74,9 @@ void CMainCommands::MoveByField(CommandId id) {
 void CMainCommands::Rename(CommandId) {
   const CAssetRecord* photo = Frame.GetStrip().GetCurrentRecord();
   if (!Frame.GetPhotoBack().isVisible() || photo == nullptr || IsReadOnly(*photo)) return;
-  const CPhotoField* title = Frame.GetPhotoBack().GetField(FieldRow::Title);
+  const CPhotoField* title = Frame.GetPhotoBack().GetField(StampId::Title);
   if (title->IsEditing()) return Frame.setFocus();
-  Frame.GetPhotoBack().FocusField(static_cast<int>(FieldNumber::Title));
+  Frame.GetPhotoBack().FocusField(StampId::Title);
 }
 
 void CMainCommands::Rate(CommandId id) {

@@ -19,25 +19,6 @@ using std::chrono::milliseconds;
 constexpr milliseconds kRestDelay{50};  // before a photo that rests is told of
 constexpr milliseconds kShowInterval{2000};
 
-// The fields of a photo that are no stamps.
-constexpr StampId kFolderField{12};
-constexpr StampId kTitleField{13};
-
-bool IsSortedBy(SortKind kind, StampId type) {
-  switch (kind) {
-    case SortKind::Month:
-      return type == StampId::Date;
-    case SortKind::Rating:
-      return type == StampId::Rating;
-    case SortKind::Folder:
-      return type == kFolderField;
-    case SortKind::Title:
-      return type == kTitleField;
-    default:
-      return false;
-  }
-}
-
 }  // namespace
 
 CFilmstrip::CFilmstrip(CFilmstripHost& host, QWidget& parent)
@@ -245,7 +226,7 @@ void CFilmstrip::RedrawBand(int index, int icon) {
 }
 
 void CFilmstrip::StampChanged(StampId type, std::int32_t assetId) {
-  if (Set == nullptr || !IsSortedBy(Set->GetSortKind(), type)) return;
+  if (Set == nullptr || !DependsOn(Set->GetSortKind(), type)) return;
   if (const int index = Set->IndexOf(assetId); index >= 0) RedrawBand(index, kBandAndMarks);
 }
 

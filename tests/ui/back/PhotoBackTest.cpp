@@ -5,286 +5,322 @@
 
 #include "base/Times.h"
 #include "platform/Faults.h"
+#include "support/FileSizeLimit.h"
 #include "ui/back/DateText.h"
-#include "ui/back/PhotoBackFixture.h"
+#include "ui/back/PanelFixture.h"
+#include "ui/back/PhotoFieldSet.h"
+#include "ui/kit/Job.h"
 
-// What the panel shows of a photo, and how its fields are edited.
+namespace {
 
-class PhotoBackTest : public CPhotoBackFixture {};
+using PhotoBack = CPanelFixture;
+using Facts = std::vector<StampId>;
 
-TEST_F(PhotoBackTest, FieldsShowWhatIsKnownAndHideWithoutAPhoto) {
-  CAssetRecord photo = AddPhoto("Boats.jpg", kSomeDay);
-  Set(photo, StampId::Thing, {"boats", "lake"});
-  Set(photo, StampId::Event, {"Holiday"});
-  Set(photo, StampId::Note, {"Evening"});
-  photo.GetStamps(StampId::Rating).SetNumber(3, 0);
+constexpr std::int32_t kSomeDay = 1060430400;  // August 9, 2003
+
+}  // namespace
+
+TEST_F(PhotoBack, ShowsWhatIsKnownAndNothingWithoutAPhoto) {
+  PictureSize = {};
+  const CAssetRecord photo = AddPhoto("Boats.jpg", kSomeDay);
+  Stamp(photo, StampId::Thing, {"boats", "lake"});
   Show(photo);
-  EXPECT_EQ(Shown(FieldRow::Title), "Boats");
-  EXPECT_EQ(Shown(FieldRow::Caption), "Evening");
-  EXPECT_EQ(Shown(FieldRow::Subjects), "boats, lake");
-  EXPECT_EQ(Shown(FieldRow::Event), "Holiday");
-  EXPECT_EQ(Shown(FieldRow::Place), "");
-  EXPECT_EQ(Shown(FieldRow::Date), "Sat, Aug 9, 2003");
-  EXPECT_EQ(Shown(FieldRow::Folder), "Pictures");
-  EXPECT_EQ(Shown(FieldRow::Format), "32 x 24 (0 KB)");
-  EXPECT_TRUE(Field(FieldRow::Event).GetButton()->isVisible());
-  EXPECT_FALSE(Field(FieldRow::Place).GetButton()->isVisible()) << "no place was ever given";
-  EXPECT_TRUE(Field(FieldRow::Date).GetButton()->isVisible());
-  EXPECT_FALSE(Field(FieldRow::Rating).GetTextWindow().isVisible());
+  EXPECT_EQ(Shown(StampId::Title), "Boats");
+  EXPECT_EQ(Shown(StampId::Thing), "boats, lake");
+  EXPECT_EQ(Shown(StampId::Date), "Sat, Aug 9, 2003");
+  EXPECT_EQ(Shown(StampId::Folder), "Pictures");
+  EXPECT_TRUE(Field(StampId::Thing).GetButton()->isVisible());
+  EXPECT_FALSE(Field(StampId::Event).GetButton()->isVisible()) << "no event was ever given";
+  EXPECT_TRUE(Field(StampId::Date).GetButton()->isVisible());
+  EXPECT_EQ(Back->GetField(StampId::None), nullptr);
 
-  EXPECT_EQ(Back->GetField(4), &Field(FieldRow::Subjects));
-  EXPECT_EQ(Back->GetField(13), &Field(FieldRow::Title));
-  for (const int number : {-1, 0, 3, 7, 11, 14}) EXPECT_EQ(Back->GetField(number), nullptr) << number;
+  const auto format = [&](ImageSize size, std::uintmax_t bytes) {
+    PictureSize = size;
+    std::filesystem::resize_file(photo.GetPath(), bytes);
+    Back->UpdateFormat();
+    return Back->GetFormatField().GetShownText().toStdString();
+  };
+  EXPECT_EQ(format({}, 0), "0 x 0 (0 KB)");
+  EXPECT_EQ(format({2560, 1600}, 999 * 1024 + 1023), "2560 x 1600 (999 KB)");
+  EXPECT_EQ(format({1, 2}, 1000 * 1024), "1 x 2 (0.98 MB)");
 
   Back->SetPhoto(std::nullopt);
-  EXPECT_FALSE(Field(FieldRow::Title).isVisible());
+  EXPECT_FALSE(Field(StampId::Title).isVisible());
   EXPECT_FALSE(Stars()[0]->isVisible());
-  Back->FocusField(2);
+  Back->FocusField(StampId::Note);
   Back->SetRating(2);
   EXPECT_FALSE(Back->IsEditing());
   EXPECT_TRUE(Changed.empty());
+
+  CPhotoFieldSet values(photo, {});
+  Catalog.DeleteAsset(photo.GetAssetID());
+  values.Get(StampId::Thing).SetText("x");
+  values.Get(StampId::Thing).Commit();
+  EXPECT_EQ(values.Get(StampId::Thing).GetText(), "") << "of a photo that is gone";
 }
 
-TEST_F(PhotoBackTest, AnEmptiedCaptionIsRemovedAndLineFeedsSurvive) {
+TEST_F(PhotoBack, ATextIsStoredByWhateverWayItsFieldIsLeft) {
   const CAssetRecord photo = AddPhoto("a.jpg");
-  Set(photo, StampId::Note, {"two\r\nlines"});
+  const CAssetRecord other = AddPhoto("b.jpg");
+  Stamp(other, StampId::Event, {"Wedding"});
   Show(photo);
-  Edit(FieldRow::Caption);
+  QWidget neighbour;  // of another window
+  const auto click = [](QWidget& widget, QPoint place) {
+    QTest::mouseClick(&widget, Qt::LeftButton, {}, place);
+  };
+  const std::pair<const char*, std::function<void()>> ways[] = {
+      {"focus to the window", [&] { Window.setFocus(); }},
+      {"next field", [&] { Back->FocusNextField(true); }},
+      {"click beside",
+       [&] {
+         click(Window, {1, 1});
+       }},
+      {"click on the panel",
+       [&] {
+         click(*Back, {5, 400});
+       }},
+      {"click on a star",
+       [&] {
+         click(*Stars()[0], {9, 9});
+       }},
+      {"another field",
+       [&] {
+         click(Field(StampId::PersonalPlace).GetTextWindow(), {20, 10});
+       }},
+      {"another photo", [&] { Back->SetPhoto(other); }},
+      {"no photo", [&] { Back->SetPhoto(std::nullopt); }},
+      {"the panel is hidden", [&] { Back->hide(); }},
+      {"another window", [&] { Activate(neighbour); }}};
+  for (const auto& [name, leave] : ways) {
+    Back->SetPhoto(photo);
+    Back->show();
+    Edit(StampId::Note);
+    const std::string before = Texts(photo, StampId::Note);
+    Field(StampId::Note).GetTextWindow().GetBox()->SetText(QString::fromLatin1(name));
+    EXPECT_EQ(Texts(photo, StampId::Note), before) << "not before it is left";
+    leave();
+    EXPECT_EQ(Texts(photo, StampId::Note), name);
+    EXPECT_EQ(Texts(other, StampId::Note), "");
+    if (Back->IsEditing()) Window.setFocus();
+  }
+  neighbour.hide();
+  Window.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&Window));
+  EXPECT_EQ(QApplication::focusWidget(), &Window) << "not in the field again";
+
+  Edit(StampId::Event, QStringLiteral("Party"));
+  Back->SetPhoto(other);
+  EXPECT_EQ(Texts(photo, StampId::Event), "Party");
+  EXPECT_EQ(BoxText(), "Wedding") << "the edit goes on with the next photo";
+  Type(QStringLiteral("forgotten"));
+  Changed.clear();
+  Back->CancelEdits();
   Window.setFocus();
-  EXPECT_EQ(Texts(photo, StampId::Note), "two\r\nlines") << "what isn't changed isn't written";
-  Edit(FieldRow::Caption);
-  Type(QString::fromUtf8("\u00a0!"));
-  Window.setFocus();
-  EXPECT_EQ(Texts(photo, StampId::Note), "two\nlines\u00a0!");
-  Edit(FieldRow::Caption);
-  QTest::keyClick(&Box(), Qt::Key_Return);
-  EXPECT_EQ(Field(FieldRow::Caption).GetTextWindow().GetBox()->GetText().count(u'\n'), 1)
-      << "Enter is the window's";
-  Window.setFocus();
-  Enter(FieldRow::Caption, {});
-  EXPECT_EQ(photo.GetStamps(StampId::Note).Count(), 0);
-  EXPECT_EQ(Changed, (std::vector<int>{2, 2}));
+  EXPECT_EQ(Texts(other, StampId::Event), "Wedding");
+  EXPECT_TRUE(Changed.empty());
 }
 
-TEST_F(PhotoBackTest, TabGoesRoundThroughTheFieldsThatCanBeEdited) {
-  Show(AddPhoto("a.jpg"));
-  Back->FocusNextField(true);
-  EXPECT_FALSE(Back->IsEditing()) << "nothing was being edited";
-  Back->FocusField(13);
-  const FieldRow order[] = {FieldRow::Title, FieldRow::Caption, FieldRow::Subjects, FieldRow::Event,
-                            FieldRow::Place, FieldRow::Date,    FieldRow::Title};
-  for (const FieldRow row : order) {
-    EXPECT_TRUE(Field(row).IsEditing()) << static_cast<int>(row);
-    EXPECT_TRUE(Field(row).isAncestorOf(&Box()));
+TEST_F(PhotoBack, TabGoesRoundAndCaptionsKeepTheirLines) {
+  const CAssetRecord photo = AddPhoto("a.jpg");
+  Stamp(photo, StampId::Note, {"two\r\nlines"});
+  Stamp(photo, StampId::Event, {"one two"});
+  Show(photo);
+  Back->FocusField(StampId::Title);
+  for (const StampId fact : {StampId::Title, StampId::Note, StampId::Thing, StampId::Event,
+                             StampId::PersonalPlace, StampId::Date}) {
+    EXPECT_TRUE(Field(fact).isAncestorOf(&Box())) << static_cast<int>(fact);
     Back->FocusNextField(true);
   }
+  EXPECT_TRUE(Field(StampId::Title).IsEditing());
   Back->FocusNextField(false);
-  Back->FocusNextField(false);
-  EXPECT_TRUE(Field(FieldRow::Date).IsEditing());
-  Back->FocusField(12);
+  EXPECT_TRUE(Field(StampId::Date).IsEditing());
+  Back->FocusField(StampId::Folder);
   EXPECT_EQ(QApplication::focusWidget(), &Window) << "the folder can't be edited";
-  EXPECT_FALSE(Back->IsEditing());
+  EXPECT_EQ(Texts(photo, StampId::Note), "two\r\nlines") << "what isn't changed isn't written";
+
+  QTest::mouseClick(&Field(StampId::Event).GetTextWindow(), Qt::LeftButton, {}, {5, 10});
+  EXPECT_EQ(qobject_cast<QLineEdit*>(&Box())->selectedText(), "one two");
+  QTest::mouseClick(&Field(StampId::Note).GetTextWindow(), Qt::LeftButton, {}, {5, 10});
+  Type(QString::fromUtf8("\u00a0"));        // where the click was
+  QTest::keyClick(&Box(), Qt::Key_Return);  // is the window's
+  Window.setFocus();
+  EXPECT_EQ(Texts(photo, StampId::Note), "\u00a0two\nlines");
+  Enter(StampId::Note, {});
+  EXPECT_EQ(photo.GetStamps(StampId::Note).Count(), 0);
+  EXPECT_EQ(Changed, (Facts{StampId::Note, StampId::Note}));
 }
 
-TEST_F(PhotoBackTest, TypingCompletesAndDeletingDoesNot) {
-  Set(AddPhoto("b.jpg"), StampId::Thing, {"boats", "Émile", "lake"});
+TEST_F(PhotoBack, TypingCompletesAndDeletingDoesNot) {
+  Stamp(AddPhoto("b.jpg"), StampId::Thing, {"boats", "Émile", "lake"});
   const CAssetRecord photo = AddPhoto("a.jpg");
   Show(photo);
-  Edit(FieldRow::Subjects);
-  Type(QStringLiteral("boa"));
+  Edit(StampId::Thing, QStringLiteral("boa"));
   EXPECT_EQ(BoxText(), "boats");
   QTest::keyClick(&Box(), Qt::Key_Backspace);
   EXPECT_EQ(BoxText(), "boa") << "the tail goes and stays away";
-  QTest::keyClick(&Box(), Qt::Key_Backspace);
-  EXPECT_EQ(BoxText(), "bo");
-  Type(QStringLiteral("a"));
-  QTest::keyClick(&Box(), Qt::Key_Delete);
-  EXPECT_EQ(BoxText(), "boa");
-  Type(QStringLiteral("t"));
-  EXPECT_EQ(BoxText(), "boats");
-
   // A separator takes the completed tail; without a selection it is a character like others.
-  Type(QStringLiteral(";"));
-  EXPECT_EQ(BoxText(), "boats; ");
-  Type(QString::fromUtf8("é"));
+  Type(QString::fromUtf8("t;é"));
   EXPECT_EQ(BoxText(), QString::fromUtf8("boats; émile"));
-  Type(QStringLiteral(","));
-  EXPECT_EQ(BoxText(), QString::fromUtf8("boats, Émile, ")) << "in the spelling of the choice";
-  Type(QStringLiteral("x"));
-  EXPECT_EQ(BoxText(), QString::fromUtf8("boats, Émile, x"));
-  Type(QStringLiteral(";y"));
-  EXPECT_EQ(BoxText(), QString::fromUtf8("boats, Émile, x;y"));
+  Type(QStringLiteral(",x;y"));
+  EXPECT_EQ(BoxText(), QString::fromUtf8("boats, Émile, x;y")) << "in the spelling of the choice";
   Window.setFocus();
   EXPECT_EQ(Texts(photo, StampId::Thing), "boats|Émile|x|y");
 
-  // What is pasted is completed, what is cut isn't.
-  Edit(FieldRow::Subjects);
-  QGuiApplication::clipboard()->setText(QString::fromUtf8("LA"));
+  Edit(StampId::Thing);
+  QGuiApplication::clipboard()->setText(QStringLiteral("LA"));
   QTest::keyClick(&Box(), Qt::Key_V, Qt::ControlModifier);
-  EXPECT_EQ(BoxText(), QString::fromUtf8("LAke"));
-  QTest::keyClick(&Box(), Qt::Key_X, Qt::ControlModifier);
-  EXPECT_EQ(BoxText(), QString::fromUtf8("LA"));
-  Type(QStringLiteral("k"));
-  Window.setFocus();
-  EXPECT_EQ(Texts(photo, StampId::Thing), "lake");
-}
-
-TEST_F(PhotoBackTest, AnInputMethodsTextIsCompletedWhenItIsThere) {
-  Set(AddPhoto("b.jpg"), StampId::PersonalPlace, {"東京タワー"});
-  Show(AddPhoto("a.jpg"));
-  Edit(FieldRow::Place);
-  QInputMethodEvent composing(QStringLiteral("tou"), {});
-  QCoreApplication::sendEvent(&Box(), &composing);
-  EXPECT_EQ(BoxText(), "");
-  QInputMethodEvent done(QString(), {});
-  done.setCommitString(QString::fromUtf8("東京"));
-  QCoreApplication::sendEvent(&Box(), &done);
-  EXPECT_EQ(BoxText(), QString::fromUtf8("東京タワー"));
-}
-
-TEST_F(PhotoBackTest, ASeparatorOfAnInputMethodTakesTheCompletedTail) {
-  Set(AddPhoto("b.jpg"), StampId::Thing, {"boats"});
-  Show(AddPhoto("a.jpg"));
-  Edit(FieldRow::Subjects);
-  const auto commit = [&](const char* text) {
-    QInputMethodEvent event(QString(), {});
-    event.setCommitString(QString::fromUtf8(text));
+  EXPECT_EQ(BoxText(), "LAke") << "what is pasted";
+  Enter(StampId::Thing, {});
+  Edit(StampId::Thing);
+  const auto compose = [&](const char* text, const char* committed) {
+    QInputMethodEvent event(QString::fromUtf8(text), {});
+    event.setCommitString(QString::fromUtf8(committed));
     QCoreApplication::sendEvent(&Box(), &event);
+    return BoxText();
   };
-  commit("bo");
-  EXPECT_EQ(BoxText(), "boats");
-  commit(",");
-  EXPECT_EQ(BoxText(), "boats, ");
-  commit("b");
-  EXPECT_EQ(BoxText(), "boats, boats");
-  commit("x");
-  EXPECT_EQ(BoxText(), "boats, bx") << "other characters replace it";
-  commit(";");
-  EXPECT_EQ(BoxText(), "boats, bx;");
+  EXPECT_EQ(compose("bo", ""), "") << "an input method hasn't come to an end";
+  EXPECT_EQ(compose("", "bo"), "boats");
+  EXPECT_EQ(compose("", ","), "boats, ");
+  EXPECT_EQ(compose("", "b"), "boats, boats");
+  EXPECT_EQ(compose("", "x"), "boats, bx");
 }
 
-TEST_F(PhotoBackTest, TheListAddsAndRemovesTokens) {
-  Set(AddPhoto("b.jpg"), StampId::Thing, {"boats", "R&D", std::string(500, 'w')});
+TEST_F(PhotoBack, TheListAddsAndRemovesTexts) {
+  Stamp(AddPhoto("b.jpg"), StampId::Thing, {"boats", "R&D", std::string(500, 'w')});
   const CAssetRecord photo = AddPhoto("a.jpg");
   Show(photo);
-  Pick(OpenMenu(FieldRow::Subjects), "R&&D");
+  Pick(StampId::Thing, "R&&D");
   EXPECT_EQ(Texts(photo, StampId::Thing), "R&D") << "at once";
-  QMenu* menu = OpenMenu(FieldRow::Subjects);
+  // While the field is edited the list changes the text that is edited, and ends no edit.
+  Edit(StampId::Thing, QStringLiteral("r&d,sun"));
+  QMenu* menu = OpenMenu(StampId::Thing);
   EXPECT_LT(menu->width(), 400) << "whatever is in it";
-  EXPECT_EQ(menu->palette().color(QPalette::Disabled, QPalette::Window), Qt::white);
   EXPECT_TRUE(Entry(menu, "R&&D")->isChecked());
   EXPECT_FALSE(Entry(menu, "boats")->isChecked());
-  Pick(menu, "R&&D");
-  EXPECT_EQ(Texts(photo, StampId::Thing), "");
-
-  // While the field is edited the list changes the text that is edited, and ends no edit.
-  Edit(FieldRow::Subjects);
-  Type(QStringLiteral("sun"));
-  Pick(OpenMenu(FieldRow::Subjects), "boats");
-  EXPECT_TRUE(Field(FieldRow::Subjects).IsEditing());
-  EXPECT_EQ(BoxText(), "sun, boats");
-  EXPECT_EQ(Texts(photo, StampId::Thing), "");
+  CloseMenu(menu);
+  Pick(StampId::Thing, "boats");
+  EXPECT_EQ(BoxText(), "r&d, sun, boats");
+  Pick(StampId::Thing, "R&&D");
+  EXPECT_EQ(Texts(photo, StampId::Thing), "R&D");
   Window.setFocus();
   EXPECT_EQ(Texts(photo, StampId::Thing), "sun|boats");
+  Enter(StampId::Thing, QStringLiteral("Boats; ,wind"));
+  EXPECT_EQ(Shown(StampId::Thing), "boats, wind");
+  EXPECT_EQ(Entry(OpenMenu(StampId::Thing), "sun"), nullptr) << "no photo has it any more";
 }
 
-TEST_F(PhotoBackTest, TypedDatesAreInForceUntilAnotherKindIsChosen) {
+TEST_F(PhotoBack, TypedDatesAreInForceUntilAnotherKindIsChosen) {
   const CAssetRecord photo = AddPhoto("a.jpg", kSomeDay);
   Show(photo);
-  const auto stored = [&] { return FormatLocalTime(photo.GetCachedDate(), "%Y-%m-%d"); };
-  Enter(FieldRow::Date, QStringLiteral("2004-02-30"));
-  EXPECT_EQ(stored(), "2003-08-09");
-  EXPECT_EQ(Shown(FieldRow::Date), "Sat, Aug 9, 2003");
-  Enter(FieldRow::Date, QStringLiteral("soon"));
-  Enter(FieldRow::Date, QStringLiteral("2003-08-09"));
-  EXPECT_EQ(photo.GetCachedDate(), kSomeDay) << "the same day";
+  const auto kinds = [&] {
+    QMenu* menu = OpenMenu(StampId::Date);
+    QString text;
+    for (const QAction* kind : menu->actions()) {
+      text += kind->text() + (kind->isChecked() ? " on; " : kind->isEnabled() ? " off; " : " disabled; ");
+    }
+    CloseMenu(menu);
+    return text;
+  };
+  for (const char* typed : {"2004-02-30", "soon", "2003-08-09"}) {
+    Enter(StampId::Date, QString::fromLatin1(typed));
+    EXPECT_EQ(photo.GetCachedDate(), kSomeDay) << "no date, or the same day";
+    EXPECT_EQ(Shown(StampId::Date), "Sat, Aug 9, 2003");
+  }
   EXPECT_TRUE(Changed.empty());
-  EXPECT_FALSE(Entry(OpenMenu(FieldRow::Date), "Edited date")->isEnabled());
-  CloseMenu(Field(FieldRow::Date).GetMenu());
-
-  Enter(FieldRow::Date, QStringLiteral("2004-02-29"));
-  EXPECT_EQ(stored(), "2004-02-29");
-  EXPECT_EQ(Shown(FieldRow::Date), "Sun, Feb 29, 2004");
-  QMenu* menu = OpenMenu(FieldRow::Date);
-  EXPECT_TRUE(Entry(menu, "Edited date")->isChecked());
-  EXPECT_FALSE(Entry(menu, "Camera date")->isEnabled());
-  CloseMenu(menu);
-
-  // In an open edit, too, the kind that is chosen counts at once.
-  Edit(FieldRow::Date);
-  Pick(OpenMenu(FieldRow::Date), "File date");
-  EXPECT_EQ(stored(), "2003-08-09");
+  EXPECT_EQ(kinds(), "Camera date disabled; File date on; Edited date disabled; ");
+  Enter(StampId::Date, QStringLiteral("2004-02-29"));
+  EXPECT_EQ(Shown(StampId::Date), "Sun, Feb 29, 2004");
+  EXPECT_EQ(kinds(), "Camera date disabled; File date off; Edited date on; ");
+  Edit(StampId::Date);
+  Pick(StampId::Date, "File date");
+  EXPECT_EQ(FormatLocalTime(photo.GetCachedDate(), "%Y-%m-%d"), "2003-08-09") << "at once";
   EXPECT_EQ(BoxText().toStdString(), FormatEditDate(kSomeDay));
   Window.setFocus();
-  EXPECT_EQ(stored(), "2003-08-09");
-  EXPECT_EQ(Changed, (std::vector<int>{6, 6}));
+  EXPECT_EQ(Changed, (Facts{StampId::Date, StampId::Date}));
 }
 
-TEST_F(PhotoBackTest, TheTitleRenamesTheFile) {
-  AddPhoto("sea.jpg");
+TEST_F(PhotoBack, WhatCannotBeStoredIsToldAndTheStoredValueShows) {
   const CAssetRecord photo = AddPhoto("a.jpg");
+  Stamp(photo, StampId::Thing, {"lake"});
   Show(photo);
   int renamed = 0;
   Back->OnPhotoRenamed = [&] { ++renamed; };
-  Enter(FieldRow::Title, QStringLiteral("sea"));
-  EXPECT_EQ(photo.GetFilename(), "sea-2.jpg");
-  EXPECT_EQ(Shown(FieldRow::Title), "sea-2");
-  Enter(FieldRow::Title, QStringLiteral("a:b"));
-  EXPECT_EQ(photo.GetFilename(), "a_b.jpg");
-  Enter(FieldRow::Title, QString());
-  EXPECT_EQ(photo.GetFilename(), "a_b.jpg");
-  EXPECT_EQ(Shown(FieldRow::Title), "a_b");
   platform::SetFaultPlan([](std::string_view operation, std::string_view) {
     return operation == "rename" ? make_error_code(std::errc::io_error) : std::error_code();
   });
-  Enter(FieldRow::Title, QStringLiteral("refused"));
+  Enter(StampId::Title, QStringLiteral("refused"));
   platform::SetFaultPlan({});
-  EXPECT_EQ(Shown(FieldRow::Title), "a_b");
-  QCoreApplication::processEvents();
-  ASSERT_EQ(Messages.Shown.size(), 1U);
+  EXPECT_EQ(Shown(StampId::Title), "a");
   EXPECT_TRUE(std::filesystem::exists(photo.GetPath()));
-  EXPECT_EQ(renamed, 2);
-  EXPECT_EQ(Changed, (std::vector<int>{13, 13}));
+  Edit(StampId::Thing, QStringLiteral("boats, sunset, wind"));
+  {
+    const CFileSizeLimit full(1);
+    Window.setFocus();
+    Back->SetRating(3);
+  }
+  EXPECT_EQ(Shown(StampId::Thing), "lake");
+  EXPECT_EQ(Texts(photo, StampId::Thing), "lake");
+  EXPECT_EQ(photo.GetCachedRating(), 0);
+  EXPECT_TRUE(Messages.Shown.empty()) << "not in the middle of it";
+  QCoreApplication::processEvents();
+  EXPECT_EQ(Messages.Shown.size(), 3U);
+  EXPECT_TRUE(Changed.empty());
+  Enter(StampId::Thing, QStringLiteral("there is room again"));
+  EXPECT_EQ(Texts(photo, StampId::Thing), "there is room again");
+  Enter(StampId::Title, QString());
+  EXPECT_EQ(Shown(StampId::Title), "a");
+  EXPECT_EQ(renamed, 0);
 }
 
-TEST_F(PhotoBackTest, TheFormatIsThatOfThePictureTheWindowHolds) {
-  PictureSize = {};
+TEST_F(PhotoBack, WhoIsToldOfACommitMayGiveAPhoto) {
   const CAssetRecord photo = AddPhoto("a.jpg");
+  AddPhoto("b.jpg");
   Show(photo);
-  EXPECT_EQ(Shown(FieldRow::Format), "0 x 0 (0 KB)") << "the file isn't read";
-  PictureSize = {640, 480};
-  Back->UpdateFormat();
-  EXPECT_EQ(Shown(FieldRow::Format), "640 x 480 (0 KB)");
-  std::filesystem::resize_file(photo.GetPath(), 4096);
-  Back->SetPhoto(photo);
-  EXPECT_EQ(Shown(FieldRow::Format), "640 x 480 (4 KB)");
-}
-
-TEST_F(PhotoBackTest, RatingGoesThroughStarsAndOperation) {
-  const CAssetRecord photo = AddPhoto("a.jpg");
-  Show(photo);
-  Back->SetRating(2);
+  Back->OnStampChanged = [&](StampId fact) {
+    Changed.push_back(fact);
+    Back->SetPhoto(photo);
+  };
+  Enter(StampId::Title, QStringLiteral("b"));
+  EXPECT_EQ(photo.GetFilename(), "b-2.jpg") << "renamed once";
+  Enter(StampId::Thing, QStringLiteral("boats"));
+  Pick(StampId::Thing, "boats");
+  EXPECT_EQ(Texts(photo, StampId::Thing), "");
+  QTest::mouseClick(Stars()[1], Qt::LeftButton);
   EXPECT_EQ(photo.GetCachedRating(), 2);
-  const auto stars = Stars();
-  ASSERT_EQ(stars.size(), 4);
-  Click(*stars[3], {10, 10});
-  EXPECT_EQ(photo.GetCachedRating(), 4);
-  Click(*stars[3], {10, 10});
-  EXPECT_EQ(photo.GetCachedRating(), 3);
-  Back->SetRating(0);
-  EXPECT_EQ(photo.GetStamps(StampId::Rating).Count(), 0);
-  EXPECT_EQ(Changed, (std::vector<int>{1, 1, 1, 1}));
+  EXPECT_EQ(Changed, (Facts{StampId::Title, StampId::Thing, StampId::Thing, StampId::Rating}));
 }
 
-TEST_F(PhotoBackTest, AClickPlacesTheCaretOnlyInFieldsThatWrap) {
+TEST_F(PhotoBack, LeavingTheProgramEndsAnEditAlsoThroughAMenu) {
   const CAssetRecord photo = AddPhoto("a.jpg");
-  Set(photo, StampId::Note, {"one two"});
-  Set(photo, StampId::Event, {"one two"});
+  Stamp(AddPhoto("b.jpg"), StampId::Thing, {"lake"});
   Show(photo);
-  Click(Field(FieldRow::Caption).GetTextWindow(), {5, 10});
-  EXPECT_EQ(Field(FieldRow::Caption).GetTextWindow().GetBox()->GetCaret(), 0);
-  Click(Field(FieldRow::Event).GetTextWindow(), {5, 10});
-  EXPECT_EQ(qobject_cast<QLineEdit*>(&Box())->selectedText(), "one two");
-  Click(Field(FieldRow::Folder).GetTextWindow(), {5, 10});
-  EXPECT_EQ(QApplication::focusWidget(), &Window);
+  const auto isOver = [&] { return !Back->IsEditing(); };
+  Edit(StampId::Thing, QStringLiteral("boats"));
+  QMenu* list = OpenMenu(StampId::Thing);
+  EXPECT_TRUE(Back->IsEditing());
+  qGuiApp->applicationStateChanged(Qt::ApplicationInactive);
+  qGuiApp->applicationStateChanged(Qt::ApplicationActive);
+  EXPECT_FALSE(QTest::qWaitFor(isOver, 350)) << "it came back at once";
+  qGuiApp->applicationStateChanged(Qt::ApplicationInactive);
+  EXPECT_TRUE(QTest::qWaitFor(isOver));
+  EXPECT_EQ(Texts(photo, StampId::Thing), "boats");
+  CloseMenu(list);
+}
+
+TEST_F(PhotoBack, DuringAJobTheCatalogIsLeftAlone) {
+  const CAssetRecord photo = AddPhoto("a.jpg");
+  Show(photo);
+  Edit(StampId::Note, QStringLiteral("waiting"));
+  RunJob([&] {
+    RunOnWindowThread([&] {
+      Window.setFocus();
+      Field(StampId::Event).StartEdit();
+      EXPECT_FALSE(Field(StampId::Event).IsEditing());
+      Back->grab();
+    });
+    EXPECT_EQ(Texts(photo, StampId::Note), "");
+  });
+  QCoreApplication::processEvents();
+  EXPECT_EQ(Texts(photo, StampId::Note), "waiting");
+  EXPECT_FALSE(Back->IsEditing());
 }

@@ -220,7 +220,7 @@ TEST_F(MainFrame, EditsBelongToThePhotoUnderTheLensAndSurviveTheClose) {
                       Qt::LeftButton);
     EXPECT_EQ(frame.GetPhotoSet().GetAsset(0).GetCachedRating(), 1);
     QTest::keyClick(&frame, Qt::Key_Right);
-    QTest::mouseClick(&frame.GetPhotoBack().GetField(FieldRow::Event)->GetTextWindow(), Qt::LeftButton);
+    QTest::mouseClick(&frame.GetPhotoBack().GetField(StampId::Event)->GetTextWindow(), Qt::LeftButton);
     type("party");
     QTest::qWait(300);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
@@ -372,7 +372,7 @@ TEST_F(MainFrame, RepeatsOfAHeldKeyAreNoPressesAndStayWhereThePressWent) {
         << "typed are the repeats of what was typed";
     hold(Qt::Key_C, 54, "c");
     hold(Qt::Key_Tab, 23);
-    EXPECT_TRUE(frame.GetPhotoBack().GetField(FieldRow::Date)->IsEditing()) << "four fields on";
+    EXPECT_TRUE(frame.GetPhotoBack().GetField(StampId::Date)->IsEditing()) << "four fields on";
   });
 }
 

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <QMenu>
+#include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "catalog/StampType.h"
+#include "catalog/PhotoFacts.h"
 #include "ui/back/FieldValue.h"
 
 /// An entry of a field's menu.
@@ -23,3 +26,8 @@ std::string ApplyChoice(const CFieldValue& value, const std::string& text, const
 
 /// Makes the photo's date from that source the date in force; not committed. Does nothing if there is none.
 void ChooseDate(CFieldValue& value, StampId source);
+
+/// A menu of these entries; `onChosen` is called with the one that the user picks.
+std::unique_ptr<QMenu> MakeFieldMenu(const std::vector<FieldChoice>& choices,
+                                     std::function<void(const FieldChoice& choice)> onChosen,
+                                     QWidget* parent);

@@ -4,8 +4,8 @@
 #include <span>
 #include <string>
 
-/// The types of stamps. The numbers are stored, and double as the categories of shared texts. Number 8
-/// existed in old catalogs; the upgrade removes its rows.
+/// What is known about a photo. The numbers are stored: they are the types of stamps, and double as the
+/// categories of shared texts. Number 8 existed in old catalogs; the upgrade removes its rows.
 enum class StampId : std::int32_t {
   None = 0,  // as a date's source: none named
   Rating = 1,
@@ -19,6 +19,9 @@ enum class StampId : std::int32_t {
   CameraDate = 9,
   PersonalPlace = 10,
   UserDate = 11,
+  // No stamps: the path of the photo's file gives them.
+  Folder = 12,
+  Title = 13,
 };
 
 /// How a stamp's value is stored in SortedString and IndexInt.
@@ -32,6 +35,16 @@ enum class StampFormat : std::int32_t {
   DateWithSource = 5,  // as Date; the StampId of the source, or 0
 };
 
+/// What the photos of a set are sorted and grouped by.
+enum class SortKind : int {
+  None = 0,  // the order in which they came in; no groups
+  Month = 1,
+  Folder = 2,
+  Title = 3,
+  Rating = 4,
+  Roll = 5,
+};
+
 /// A row of StampStruct.
 struct CStampType {
   std::int32_t Type = -1;
@@ -41,8 +54,15 @@ struct CStampType {
   StampFormat Format = StampFormat::Invalid;
 
   bool IsKnown() const { return Type != -1; }
+  bool HasListOfChoices() const;
   friend bool operator==(const CStampType&, const CStampType&) = default;
 };
 
 /// The stamp types of every catalog, in the order of their rows.
 std::span<const CStampType> GetStampTypeTable();
+
+/// Whether the text filter looks into stamps of that type.
+bool IsSearched(StampId type);
+
+/// Whether a photo's place or group in that order depends on the fact.
+bool DependsOn(SortKind order, StampId fact);

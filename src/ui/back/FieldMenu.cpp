@@ -1,0 +1,117 @@
+#include "ui/back/FieldMenu.h"
+
+#include <unordered_set>
+#include <utility>
+
+#include "base/Texts.h"
+#include "platform/TextCompare.h"
+#include "ui/back/FieldText.h"
+#include "ui/back/TokenList.h"
+#include "ui/kit/Colours.h"
+#include "ui/kit/QtText.h"
+
+namespace {
+
+constexpr FontId kMenuFont = FontId::Label;
+constexpr double kWidestEntry = 300;  // longer texts lose their ends
+constexpr QColor kDisabledInk(113, 117, 125);
+
+struct DateKind {
+  StringId Text;
+  StampId Source;
+};
+constexpr DateKind kDateKinds[] = {{StringId::CameraDate, StampId::CameraDate},
+                                   {StringId::FileDate, StampId::FileCreateDate},
+                                   {StringId::EditedDate, StampId::UserDate}};
+
+std::vector<FieldChoice> ListDateKinds(const CFieldValue& value) {
+  std::vector<FieldChoice> choices;
+  for (const DateKind& kind : kDateKinds) {
+    choices.push_back({LoadText(kind.Text), value.GetNumber() == static_cast<std::int32_t>(kind.Source),
+                       value.GetDateFrom(kind.Source).has_value(), kind.Source});
+  }
+  return choices;
+}
+
+CTokenList TokensOf(const CFieldValue& value, const std::string& text) {
+  if (value.IsMultiple()) return {text, GetListSeparators()};
+  CTokenList whole({}, GetListSeparators());
+  whole.Add(text);
+  return whole;
+}
+
+/// In one line, with "&" as a character of the text.
+QString MakeEntryText(const std::string& text) {
+  QString entry = ToQString(text);
+  entry.replace(u'\t', u' ').replace(u'\n', u' ');
+  entry = ShortenLine(entry, false, QFontMetricsF(GetFont(kMenuFont)), kWidestEntry);
+  return entry.replace(QStringLiteral("&"), QStringLiteral("&&"));
+}
+
+void Dress(QMenu& menu) {
+  QPalette palette = menu.palette();
+  // All groups: a colour of the desktop's theme may be too dark to read.
+  for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+    const QColor ink = group == QPalette::Disabled ? kDisabledInk : colours::kInk;
+    for (const auto role : {QPalette::Window, QPalette::Base, QPalette::Button, QPalette::Light}) {
+      palette.setColor(group, role, Qt::white);
+    }
+    for (const auto role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::HighlightedText}) {
+      palette.setColor(group, role, ink);
+    }
+    palette.setColor(group, QPalette::Highlight, colours::kSelection);
+  }
+  menu.setPalette(palette);
+  menu.setFont(GetFont(kMenuFont));
+  // A long list scrolls rather than fill the screen with columns.
+  menu.setStyleSheet(QStringLiteral("QMenu { menu-scrollable: 1; }"));
+}
+
+}  // namespace
+
+std::vector<FieldChoice> ListChoices(CFieldValue& value, const std::string& text) {
+  if (value.GetKind() == FieldKind::Date) return ListDateKinds(value);
+  const CTokenList tokens = TokensOf(value, text);
+  std::unordered_set<std::string> present;
+  for (const std::string& token : tokens.GetTokens()) present.insert(platform::FoldLetters(token));
+  std::vector<FieldChoice> choices;
+  for (std::string& choice : value.GetChoices()) {
+    const bool isPresent = present.contains(platform::FoldLetters(choice));
+    choices.push_back({std::move(choice), isPresent});
+  }
+  return choices;
+}
+
+std::string ApplyChoice(const CFieldValue& value, const std::string& text, const std::string& choice) {
+  if (!value.IsMultiple()) return choice;
+  CTokenList tokens(text, GetListSeparators());
+  if (tokens.Contains(choice)) {
+    tokens.Remove(choice);
+  } else {
+    tokens.Add(choice);
+  }
+  return tokens.GetText();
+}
+
+void ChooseDate(CFieldValue& value, StampId source) {
+  const auto time = value.GetDateFrom(source);
+  if (!time) return;
+  value.SetDate(*time);
+  value.SetNumber(static_cast<std::int32_t>(source));
+}
+
+std::unique_ptr<QMenu> MakeFieldMenu(const std::vector<FieldChoice>& choices,
+                                     std::function<void(const FieldChoice& choice)> onChosen,
+                                     QWidget* parent) {
+  auto menu = std::make_unique<QMenu>(parent);
+  Dress(*menu);
+  for (const FieldChoice& choice : choices) {
+    QAction* entry = menu->addAction(MakeEntryText(choice.Text));
+    entry->setCheckable(true);
+    entry->setChecked(choice.Checked);
+    entry->setEnabled(choice.Enabled);
+    QObject::connect(entry, &QAction::triggered, parent, [onChosen, choice] { onChosen(choice); });
+  }
+  return menu;
+}

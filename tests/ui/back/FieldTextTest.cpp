@@ -1,0 +1,138 @@
+#include <ctime>
+#include <filesystem>
+
+#include "base/Times.h"
+#include "ui/back/Completion.h"
+#include "ui/back/DateText.h"
+#include "ui/back/PanelFixture.h"
+#include "ui/back/PhotoBackLayout.h"
+#include "ui/back/PhotoFieldSet.h"
+#include "ui/back/TokenList.h"
+
+using FieldText = CPanelFixture;
+
+TEST(TokenList, TokensLoseTheirBlanksAndAreComparedByTheirLetters) {
+  CTokenList list("  Anna ;Émile,, Carla van der Meer , ;", GetListSeparators());
+  EXPECT_EQ(list.GetText(), "Anna, Émile, Carla van der Meer");
+  EXPECT_TRUE(list.Contains("émile"));
+  EXPECT_FALSE(list.Contains("mile"));
+  list.Remove("ANNA");
+  list.Add("Ben");
+  EXPECT_EQ(list.GetText(), "Émile, Carla van der Meer, Ben");
+  EXPECT_EQ(CTokenList(" , ;", ",;").GetText(), "");
+}
+
+TEST(Completion, TheTokenBeforeTheCaretBecomesTheFirstChoiceThatBeginsSo) {
+  const std::vector<std::string> choices = {"Émile", "lake", "Lakeside", "New York", "\xE2\x84\xAAnut"};
+  const struct {
+    std::string Text;
+    std::size_t Caret;
+    std::string Remainder;
+  } rows[] = {{"new", 3, " York"},
+              {"la", 2, "ke"},
+              {"lakes", 5, "ide"},
+              {"york", 4, ""},
+              {"émi", 4, "le"},
+              {"kn", 2, "ut"},
+              {"e\xCC\x81m", 4, "ile"},
+              {"lake", 4, ""},
+              {"a;  new", 7, " York"},
+              {"new, a", 3, " York"},
+              {"newt", 3, ""},
+              {"a, ", 3, ""},
+              {",", 0, ""},
+              {"new", 9, ""}};
+  for (const auto& [text, caret, remainder] : rows) {
+    EXPECT_EQ(CCompletion(choices, ",;").Complete(text, caret), remainder) << text;
+  }
+  EXPECT_EQ(CCompletion(choices).Complete("a, new", 6), "") << "one text, no list";
+
+  CCompletion completion(choices, ",;");
+  EXPECT_EQ(completion.TakeOverSpelling(" LAKE ;new york"), " LAKE ;new york") << "nothing was completed";
+  completion.Complete("la", 2);
+  completion.Complete("la, new", 7);
+  EXPECT_EQ(completion.TakeOverSpelling(" LAKE ;new york,, Newt"), " lake ;New York,, Newt");
+  completion.Complete("LAKE", 4);
+  EXPECT_EQ(completion.TakeOverSpelling("LAKE, new york"), "LAKE, New York") << "typed to its end";
+}
+
+TEST_F(FieldText, ATitleBecomesAFreeNameWithThePhotosExtension) {
+  const CAssetRecord photo = AddPhoto("img.JPG");
+  CPhotoFieldSet values(photo, {});
+  for (const char* taken : {"taken.JPG", "taken-2.JPG", "IMG.JPG", "fixed.JPG.orig", "folder.JPG/x"}) {
+    Scratch.Write(std::string("Pictures/") + taken, "other");
+  }
+  std::filesystem::create_symlink(InHome("gone.JPG"), InHome("Pictures/lost.JPG"));
+  const std::pair<const char*, const char*> rows[] = {{"b", "b.JPG"},
+                                                      {"a:b", "a_b.JPG"},
+                                                      {"\\/:*?\"<>|x", "_________x.JPG"},
+                                                      {"a\nb", "a_b.JPG"},
+                                                      {".hidden", "_hidden.JPG"},
+                                                      {" \t ", "refused"},
+                                                      {" b c .jpg ", "b c.JPG"},
+                                                      {"b.png", "b.png.JPG"},
+                                                      {"St. Moritz", "St. Moritz.JPG"},
+                                                      {"img", "img.JPG"},
+                                                      {"IMG", "IMG-2.JPG"},
+                                                      {"taken", "taken-3.JPG"},
+                                                      {"lost", "lost-2.JPG"},
+                                                      {"folder", "folder-2.JPG"},
+                                                      {"fixed", "fixed-2.JPG"}};
+  for (const auto& [typed, name] : rows) {
+    std::string text = typed;
+    EXPECT_EQ(values.Get(StampId::Title).ValidateText(text) ? text : "refused", name) << typed;
+  }
+  std::string longest(400, 'x');
+  EXPECT_TRUE(values.Get(StampId::Title).ValidateText(longest));
+  EXPECT_LE(longest.size(), 250U) << "with room for .orig";
+}
+
+TEST(DateText, ATypedDayStaysThatDayInEveryLocaleAndTimeZone) {
+  const std::pair<const char*, const char*> forms[] = {{"en_US", "8/19/03"},
+                                                       {"en_GB", "19/8/03"},
+                                                       {"de_DE", "19.8.03"},
+                                                       {"ja_JP", "03/8/19"},
+                                                       {"C", "8/19/03"}};
+  // In Dublin summer time is the standard time and winter a step back from it.
+  for (const char* zone : {"UTC", "Europe/Dublin", "America/Sao_Paulo", "Asia/Kolkata"}) {
+    const CEnvironmentVariable timeZone("TZ", zone);
+    for (const char* typed : {"1/15/2004", "7/15/2004", "10/17/2004"}) {
+      const std::int32_t time = ReadEditDate(typed, "en_US");
+      EXPECT_EQ(FormatLocalTime(time, "%#m/%#d/%Y"), typed) << zone;
+      EXPECT_TRUE(IsSameDay(time, time + 3600));
+      EXPECT_FALSE(IsSameDay(time, time + 24 * 3600));
+    }
+    const std::int32_t day = ReadEditDate("8/19/2003", "en_US");
+    for (const auto& [locale, form] : forms) {
+      EXPECT_EQ(FormatEditDate(day, locale), form);
+      EXPECT_EQ(ReadEditDate(form, locale), day);
+    }
+  }
+  for (const char* typed : {"1/2/1969", "1/20/2038", "1/1/9999"}) EXPECT_EQ(ReadEditDate(typed, "en_US"), 0);
+}
+
+TEST_F(FieldText, LinesAndRowsKeepToTheirRoom) {
+  const QFont& font = GetFont(FontId::Label);
+  const QString text =
+      QStringLiteral("Light\r\nover the lake, ") + QString(60, u'w') + QStringLiteral(" end");
+  const QStringList all = BreakIntoLines(text, font, 160, 20);
+  EXPECT_EQ(all[0], "Light");
+  EXPECT_EQ(all.join(QString()).size(), text.size() - 2);
+  const QStringList three = BreakIntoLines(text, font, 160, 3);
+  EXPECT_EQ(three[0], all[0]);
+  EXPECT_TRUE(three[2].endsWith(QChar(0x2026)));
+  for (const QString& line : three) EXPECT_LE(QFontMetricsF(font).horizontalAdvance(line.trimmed()), 160.5);
+  const QString path = QStringLiteral("/home/anna/Pictures/Holidays/Lakes in August");
+  const QFontMetricsF metrics(font);
+  EXPECT_TRUE(ShortenLine(path, true, metrics, 150).endsWith(QStringLiteral("/Lakes in August")));
+  EXPECT_TRUE(ShortenLine(path, false, metrics, 150).startsWith(QStringLiteral("/home/anna")));
+
+  // The fields alone take 21 + 2 * (20 + 3 * 21) = 187.
+  const std::pair<int, FieldRoom> rooms[] = {{187 + 19, {1, 1, 9, 0}},        {187 + 40, {1, 1, 10, 10}},
+                                             {187 + 41, {1, 2, 10, 0}},       {187 + 20 + 42, {2, 2, 10, 0}},
+                                             {187 + 20 + 94, {2, 3, 10, 15}}, {187 + 300, {2, 3, 10, 20}}};
+  for (const auto& [height, room] : rooms) EXPECT_EQ(DivideRoom(height, {15, 14, 21}), room) << height;
+  // The smallest main window on a small screen.
+  const PhotoBackLayout small = LayOutPhotoBack({267, 355}, 104, {13, 12, 21});
+  EXPECT_LT(small.Fields.back().bottom(), 355 - 104);
+}
