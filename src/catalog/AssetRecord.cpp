@@ -101,37 +101,23 @@ void CAssetRecord::SetCachedRating(std::int32_t value) { props::CachedRating.Set
 
 void CAssetRecord::SetCachedDate(std::int32_t seconds) { props::CachedDate.Set(Row, seconds); }
 
-bool CAssetRecord::StampNewPhoto(std::int32_t created, std::int32_t written) {
-  return StampNewPhoto(created, written, PreparePhoto(GetPath()));
-}
-
-bool CAssetRecord::StampNewPhoto(std::int32_t created, std::int32_t written, const PreparedPhoto& prepared) {
+bool CAssetRecord::StampNewPhoto(std::int32_t created, std::int32_t written, std::int32_t cameraDate) {
   if (!IsValid() || GetPath().empty()) return false;
   const std::int32_t fileDate = EarlierOf(created, written);
   CAutoCommitPause pause(*Owner);
-  GetStamps(StampId::FileCreateDate).SetDate(fileDate, 0, StampId::None);
-  if (prepared.CameraDate != 0) {
-    GetStamps(StampId::CameraDate).SetDate(prepared.CameraDate, 0, StampId::None);
-    GetStamps(StampId::Date).SetDate(prepared.CameraDate, 0, StampId::CameraDate);
+  bool stamped = GetStamps(StampId::FileCreateDate).SetDate(fileDate, 0, StampId::None);
+  if (cameraDate != 0) {
+    stamped = stamped && GetStamps(StampId::CameraDate).SetDate(cameraDate, 0, StampId::None) &&
+              GetStamps(StampId::Date).SetDate(cameraDate, 0, StampId::CameraDate);
   } else {
-    GetStamps(StampId::Date).SetDate(fileDate, 0, StampId::FileCreateDate);
+    stamped = stamped && GetStamps(StampId::Date).SetDate(fileDate, 0, StampId::FileCreateDate);
   }
-  StoreThumbnail(prepared);
-  pause.Commit();
-  return true;
+  if (stamped) pause.Commit();
+  return stamped;
 }
 
-void CAssetRecord::MakeThumbnail() { StoreThumbnail(PreparePhoto(GetPath())); }
-
-void CAssetRecord::StoreThumbnail(const PreparedPhoto& prepared) {
-  if (!IsValid()) return;
-  CThumbnailCache& cache = *CThumbnailCache::GetInstance();
-  if (prepared.WasRead) {
-    cache.StoreBytes(GetAssetID(), prepared.Thumbnail);
-  } else {
-    // The next search tries again. What stands under the number can be of a photo that was taken back.
-    cache.Remove(GetAssetID());
-  }
+void CAssetRecord::MakeThumbnail() {
+  if (IsValid()) CThumbnailCache::GetInstance()->StorePrepared(GetAssetID(), PreparePhoto(GetPath()));
 }
 
 std::unique_ptr<CImage> CAssetRecord::LoadThumbnail() const {

@@ -3,13 +3,38 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "catalog/PhotoFacts.h"
-#include "catalog/Record.h"
+#include "storage/Row.h"
 
+class CCatalog;
 class CImage;
 class CStampList;
-struct PreparedPhoto;
+
+/// A reference to one row of the catalog, by identity: rows that come and go around it don't shift it. Base
+/// of the records; a small value, copied freely. It becomes invalid when its row is removed.
+class CRecord {
+ public:
+  CRecord() = default;
+  CRecord(CCatalog* owner, c4_RowRef row) : Owner(owner), Row(std::move(row)) {}
+  virtual ~CRecord() = default;
+  CRecord(const CRecord&) = default;
+  CRecord& operator=(const CRecord&) = default;
+
+  virtual bool IsValid() const { return Owner != nullptr && Row.IsValid(); }
+  const c4_RowRef& GetRow() const { return Row; }
+
+ protected:
+  CCatalog* Owner = nullptr;
+  c4_RowRef Row;
+};
+
+/// A row of People.
+class CPersonRecord : public CRecord {
+ public:
+  using CRecord::CRecord;
+};
 
 enum class PhotoFlag { Tossed = 0, ToEmail = 1, ToRemotePrint = 2 };
 
@@ -50,16 +75,13 @@ class CAssetRecord : public CRecord {
   /// Says that the photo's file has another path now. The file itself is not touched.
   bool SetPath(const std::string& path);
 
-  /// The first stamps of a new photo: its dates, from its camera or its file, and its thumbnail. `created`
-  /// and `written` are the file's times in seconds since 1970, 0 for unknown. False for an invalid record or
-  /// one without a path. The first form reads the file, the second takes what was read ahead.
-  bool StampNewPhoto(std::int32_t created, std::int32_t written);
-  bool StampNewPhoto(std::int32_t created, std::int32_t written, const PreparedPhoto& prepared);
+  /// The first stamps of a new photo: its dates, from its camera or its file. All are seconds since 1970, 0
+  /// for unknown; `created` and `written` are the file's times. False for an invalid record or one without a
+  /// path.
+  bool StampNewPhoto(std::int32_t created, std::int32_t written, std::int32_t cameraDate);
 
-  /// Decodes the photo and stores its thumbnail; an empty one if it can't be decoded, none if the file can't
-  /// be read now. The second form takes what was read ahead.
+  /// Decodes the photo and stores its thumbnail; see CThumbnailCache::StorePrepared.
   void MakeThumbnail();
-  void StoreThumbnail(const PreparedPhoto& prepared);
 
   /// The stored thumbnail, or null. Opens no photo file and raises nothing.
   std::unique_ptr<CImage> LoadThumbnail() const;

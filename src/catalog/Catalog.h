@@ -3,14 +3,13 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "base/Guid.h"
 #include "catalog/AssetRecord.h"
 #include "catalog/KnownFolders.h"
 #include "catalog/PhotoFacts.h"
-#include "catalog/Record.h"
-#include "catalog/SpellingIndex.h"
 #include "storage/CommittingStore.h"
 #include "storage/View.h"
 
@@ -108,7 +107,6 @@ class CCatalog : public CCommittingStore {
   CPersonRecord GetPerson(std::int32_t personId);
 
  private:
-  friend class CCatalogUpgrade;
   friend class CAssetRecord;
   static constexpr std::int32_t kCategoryOfCategories = 0;
 
@@ -134,5 +132,7 @@ class CCatalog : public CCommittingStore {
   c4_View AssetsByPath;  // sorted on Location, Filename
   c4_View AssetsById;    // sorted on AssetID
   CKnownFolders KnownFolders;
-  std::optional<CSpellingIndex> Spellings;  // made when a path is looked for that no photo has
+  // Photos by the hash of their path without case; made when a path is looked for that no photo has. Entries
+  // are only ever added: a photo may have gone, or have another path by now.
+  std::optional<std::unordered_multimap<std::size_t, std::int32_t>> IdsBySpelling;
 };

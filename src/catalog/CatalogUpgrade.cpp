@@ -23,36 +23,10 @@ std::int32_t ReadCameraDate(const std::string& path) {
   return reader.GetDateTime(kDateTimeTag);
 }
 
-}  // namespace
-
-void CCatalogUpgrade::Run() {
-  const std::int32_t version = Catalog.GetDBVersion();
-  if (version >= kCatalogVersion) return;
-  CAutoCommitPause pause(Catalog);
-  if (version < 1) {
-    DropUncountedStrings();
-    CompleteAssets();
-  }
-  if (version < 2) RenewDates();
-  // Versions 2 to 4 came with nothing that the first rows don't bring.
-  if (version < 8) Catalog.RenewDBGUID();
-  if (version < 9) RemoveDuplicates();
-  Catalog.SetDBVersion(kCatalogVersion);
-  pause.Commit();
-  Catalog.Defragment();
-}
-
-void CCatalogUpgrade::DropUncountedStrings() {
-  // Texts without counts are of no use.
-  c4_View& strings = Catalog.Strings;
-  if (props::RefCount.Get(strings[0]) != 0) return;
-  strings.SetSize(0);
-  Catalog.AddFirstStrings();
-}
-
-void CCatalogUpgrade::CompleteAssets() {
-  for (int i = 0; i < Catalog.Assets.GetSize(); ++i) {
-    CAssetRecord record(&Catalog, Catalog.Assets[i]);
+void CompleteAssets(CCatalog& catalog) {
+  const c4_View assets = catalog.GetAssets();
+  for (int i = 0; i < assets.GetSize(); ++i) {
+    CAssetRecord record(&catalog, assets[i]);
     const c4_RowRef& row = record.GetRow();
     if (props::ID.Get(row).empty()) props::ID.Set(row, CGuid::Generate().ToBytes());
     if (record.GetCachedDate() == 0 && record.GetCachedRating() == 0) {
@@ -63,13 +37,9 @@ void CCatalogUpgrade::CompleteAssets() {
   }
 }
 
-void CCatalogUpgrade::RenewDates() {
-  for (int i = 0; i < Catalog.Assets.GetSize(); ++i) RenewDatesOf({&Catalog, Catalog.Assets[i]});
-}
-
-void CCatalogUpgrade::RenewDatesOf(const CAssetRecord& record) {
-  c4_View obsolete = Catalog.Stamps.Select(props::AssetID[record.GetAssetID()] +
-                                           props::StampType[static_cast<std::int32_t>(StampId::Obsolete)]);
+void RenewDatesOf(const CAssetRecord& record, const c4_View& stamps) {
+  c4_View obsolete = stamps.Select(props::AssetID[record.GetAssetID()] +
+                                   props::StampType[static_cast<std::int32_t>(StampId::Obsolete)]);
   obsolete.RemoveAt(0);
 
   CStampList fileDates = record.GetStamps(StampId::FileCreateDate);
@@ -87,11 +57,11 @@ void CCatalogUpgrade::RenewDatesOf(const CAssetRecord& record) {
   }
 }
 
-void CCatalogUpgrade::RemoveDuplicates() {
+void RemoveDuplicates(c4_View assets) {
   std::unordered_map<std::string, std::vector<std::string>> kept;  // spellings by folded path
   std::vector<c4_RowRef> doomed;
-  for (int i = 0; i < Catalog.Assets.GetSize(); ++i) {
-    const c4_RowRef row = Catalog.Assets[i];
+  for (int i = 0; i < assets.GetSize(); ++i) {
+    const c4_RowRef row = assets[i];
     const std::string path = JoinPath(props::Location.Get(row), props::Filename.Get(row));
     std::vector<std::string>& spellings = kept[platform::FoldCase(path)];
     const auto isSamePhoto = [&path](const std::string& other) {
@@ -103,5 +73,17 @@ void CCatalogUpgrade::RemoveDuplicates() {
       spellings.push_back(path);
     }
   }
-  for (const c4_RowRef& row : doomed) Catalog.Assets.RemoveAt(Catalog.Assets.GetIndexOf(row));
+  for (const c4_RowRef& row : doomed) assets.RemoveAt(assets.GetIndexOf(row));
+}
+
+}  // namespace
+
+void UpgradePhotos(CCatalog& catalog, std::int32_t version) {
+  const c4_View assets = catalog.GetAssets();
+  if (version < 1) CompleteAssets(catalog);
+  if (version < 2) {
+    for (int i = 0; i < assets.GetSize(); ++i) RenewDatesOf({&catalog, assets[i]}, catalog.GetStamps());
+  }
+  // Versions 2 to 4 came with nothing that the first rows don't bring.
+  if (version < 9) RemoveDuplicates(assets);
 }

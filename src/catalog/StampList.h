@@ -7,7 +7,6 @@
 
 #include "catalog/AssetRecord.h"
 #include "catalog/PhotoFacts.h"
-#include "catalog/Record.h"
 #include "storage/View.h"
 
 /// One stamp: a fact about a photo.

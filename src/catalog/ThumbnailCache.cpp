@@ -143,6 +143,15 @@ void CThumbnailCache::StoreBytes(std::int32_t assetId, std::span<const std::uint
   });
 }
 
+void CThumbnailCache::StorePrepared(std::int32_t assetId, const PreparedPhoto& photo) {
+  if (photo.WasRead) {
+    StoreBytes(assetId, photo.Thumbnail);
+  } else {
+    // A search that was undone can have left the thumbnail of another photo under this number.
+    Remove(assetId);
+  }
+}
+
 void CThumbnailCache::Remove(std::int32_t assetId) {
   Run([&] { Cache.RemoveAt(FindRow(assetId)); });
 }

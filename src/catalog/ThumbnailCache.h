@@ -10,6 +10,7 @@
 #include "storage/View.h"
 
 class CJpegImage;
+struct PreparedPhoto;
 
 /// The thumbnails of the catalog's photos, one JPEG each, in a file of their own that can be lost: what is
 /// missing is remade by the next search. It is paired with one catalog by GUID and emptied when it is opened
@@ -40,6 +41,10 @@ class CThumbnailCache : public CCommittingStore {
   /// Stores a whole JPEG, or an empty block for a photo that gives no picture; replaces the one of that
   /// photo. Commits if auto commit is on.
   void StoreBytes(std::int32_t assetId, std::span<const std::uint8_t> bytes);
+
+  /// Stores what reading a photo gave: an empty thumbnail for a file that gives no picture, none for one that
+  /// couldn't be read, so that the next search tries again.
+  void StorePrepared(std::int32_t assetId, const PreparedPhoto& photo);
 
   /// Forgets the photo's thumbnail. Commits if auto commit is on.
   void Remove(std::int32_t assetId);

@@ -1,14 +1,11 @@
 #include "discovery/FolderWalk.h"
 
 #include <algorithm>
-#include <thread>
 #include <utility>
 
 #include "base/Paths.h"
-#include "base/Times.h"
 #include "catalog/Catalog.h"
 #include "catalog/ThumbnailCache.h"
-#include "discovery/PrepareAhead.h"
 #include "discovery/SearchProgress.h"
 #include "imaging/ImageFile.h"
 #include "platform/Unicode.h"
@@ -78,14 +75,16 @@ void CFolderWalk::LookAtFile(const std::string& folder, const platform::FolderEn
   if (ImageTypeOfFile(entry.Name) == ImageType::None) return;
   ++Found;
   std::string path = JoinPath(folder, entry.Name);
+  std::optional<std::int32_t> known;
   CAssetRecord record = Catalog.FindAssetByPath(path);
   if (!record.IsValid()) record = FindByOtherPath(path);
   if (record.IsValid()) {
     record.SetMissing(MissingState::InPlace);
     if (record.GetPath() != path) record.SetPath(path);  // the file was renamed to another case
-    if (Cache.Has(record.GetAssetID())) return;
+    known = record.GetAssetID();
+    if (Cache.Has(*known)) return;
   }
-  Pending.push_back({path, entry.Status.Created, entry.Status.Modified, record.IsValid()});
+  Pending.push_back({path, entry.Status.Created, entry.Status.Modified, known});
 }
 
 CAssetRecord CFolderWalk::FindByOtherPath(std::string& path) {
@@ -103,35 +102,4 @@ CAssetRecord CFolderWalk::FindByOtherPath(std::string& path) {
   return {};
 }
 
-bool CFolderWalk::Update() {
-  if (Progress != nullptr) Progress->SetTotal(GetPendingCount());
-  CAutoCommitPause catalogPause(Catalog);
-  CAutoCommitPause cachePause(Cache);
-  AddedNew = false;
-  CPrepareAhead prepareAhead(Pending, std::thread::hardware_concurrency());
-  for (int index = 0; index < GetPendingCount() && !IsStopped(); ++index) {
-    const CFoundFile& found = Pending[static_cast<std::size_t>(index)];
-    const PreparedPhoto prepared = prepareAhead.TakeNext();
-    ImportFile(found, prepared);
-    if (Progress != nullptr) Progress->Progress({index, found.Path, prepared.Thumbnail, true});
-  }
-  if (AddedNew) Catalog.AdvanceRoll();
-  // The thumbnails go first. A stop between the two leaves thumbnails of numbers that the catalog has yet to
-  // give out, and each of those is overwritten as its number is given; the other way round would leave
-  // photos that are in the catalog although the search is reported as failed.
-  cachePause.Commit();
-  catalogPause.Commit();
-  return !IsStopped();
-}
-
-CAssetRecord CFolderWalk::ImportFile(const CFoundFile& found, const PreparedPhoto& prepared) {
-  if (found.Known) {
-    CAssetRecord record = Catalog.FindAssetByPath(found.Path);
-    record.StoreThumbnail(prepared);
-    return record;
-  }
-  CAssetRecord record = Catalog.AddAsset(found.Path);
-  record.StampNewPhoto(TimeFromFile(found.Created), TimeFromFile(found.Written), prepared);
-  AddedNew = true;
-  return record;
-}
+bool CFolderWalk::Update() { return CPhotoImport(Catalog, Cache, Progress).Run(Pending); }

@@ -11,9 +11,9 @@ constexpr std::size_t kResultsPerThread = 8;
 
 }  // namespace
 
-CPrepareAhead::CPrepareAhead(std::span<const CFoundFile> files, unsigned threadCount)
-    : Files(files), Ring(kResultsPerThread * std::max(threadCount, 1U)) {
-  const std::size_t threads = std::min<std::size_t>(std::max(threadCount, 1U), files.size());
+CPrepareAhead::CPrepareAhead(std::vector<std::string> paths, unsigned threadCount)
+    : Paths(std::move(paths)), Ring(kResultsPerThread * std::max(threadCount, 1U)) {
+  const std::size_t threads = std::min<std::size_t>(std::max(threadCount, 1U), Paths.size());
   try {
     for (std::size_t i = 0; i < threads; ++i) Threads.emplace_back([this] { Work(); });
   } catch (const std::system_error&) {
@@ -31,7 +31,7 @@ CPrepareAhead::~CPrepareAhead() {
 }
 
 PreparedPhoto CPrepareAhead::TakeNext() {
-  if (Threads.empty()) return PreparePhoto(Files[NextToTake++].Path);
+  if (Threads.empty()) return PreparePhoto(Paths[NextToTake++]);
   std::unique_lock lock(Mutex);
   std::optional<PreparedPhoto>& slot = Ring[NextToTake % Ring.size()];
   ResultReady.wait(lock, [&slot] { return slot.has_value(); });
@@ -47,12 +47,12 @@ void CPrepareAhead::Work() {
   std::unique_lock lock(Mutex);
   for (;;) {
     RoomMade.wait(lock, [this] {
-      return Stopping || NextToStart == Files.size() || NextToStart < NextToTake + Ring.size();
+      return Stopping || NextToStart == Paths.size() || NextToStart < NextToTake + Ring.size();
     });
-    if (Stopping || NextToStart == Files.size()) return;
+    if (Stopping || NextToStart == Paths.size()) return;
     const std::size_t index = NextToStart++;
     lock.unlock();
-    PreparedPhoto photo = PreparePhoto(Files[index].Path);
+    PreparedPhoto photo = PreparePhoto(Paths[index]);
     lock.lock();
     Ring[index % Ring.size()] = std::move(photo);
     ResultReady.notify_one();

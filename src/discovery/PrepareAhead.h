@@ -4,11 +4,10 @@
 #include <cstddef>
 #include <mutex>
 #include <optional>
-#include <span>
+#include <string>
 #include <thread>
 #include <vector>
 
-#include "discovery/FoundFile.h"
 #include "imaging/PreparedPhoto.h"
 
 /// Reads and decodes the files of a list on all cores, some way ahead of the import that takes the results
@@ -16,8 +15,7 @@
 /// touch neither catalog nor cache.
 class CPrepareAhead {
  public:
-  /// `files` must outlive the object.
-  CPrepareAhead(std::span<const CFoundFile> files, unsigned threadCount);
+  CPrepareAhead(std::vector<std::string> paths, unsigned threadCount);
   /// Stops after the files that are being decoded.
   ~CPrepareAhead();
   CPrepareAhead(const CPrepareAhead&) = delete;
@@ -29,7 +27,7 @@ class CPrepareAhead {
  private:
   void Work();
 
-  const std::span<const CFoundFile> Files;
+  const std::vector<std::string> Paths;
   std::mutex Mutex;
   std::condition_variable ResultReady, RoomMade;
   std::size_t NextToStart = 0;

@@ -3,8 +3,10 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <utility>
 
-class CStorageException;
+#include "base/Messages.h"
+#include "storage/StorageException.h"
 
 /// One photo that a search has just dealt with. The references last for the call alone.
 struct PhotoProgress {
@@ -33,7 +35,10 @@ class CSearchProgress {
   virtual bool IsStopped() const = 0;
 
   /// Tells the user that the disk refused a write. Once: what the disk refuses next has the same cause.
-  void TellRefusal(const CStorageException& refusal);
+  void TellRefusal(const CStorageException& refusal) {
+    if (std::exchange(RefusalTold, true)) return;
+    ShowMessage(refusal.GetMessage(), false, MessageParent::ProgressWindow);
+  }
 
  private:
   bool RefusalTold = false;

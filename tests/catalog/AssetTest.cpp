@@ -19,16 +19,25 @@ TEST_F(AssetTest, ANewPhotoBelongsToTheRollToCome) {
   EXPECT_EQ(Catalog.FindAssetById(2).GetTitle(), "noextension");
 }
 
-TEST_F(AssetTest, AFileThatCannotBeReadGetsItsFileDateAndAnEmptyThumbnail) {
-  CAssetRecord record = Catalog.AddAsset(Scratch.Write("rubbish.jpg", "no picture"));
-  EXPECT_TRUE(record.StampNewPhoto(1000000000, 900000000));
-  EXPECT_EQ(record.GetCachedDate(), 900000000);
-  StampId source = StampId::None;
-  record.GetStamps(StampId::Date).Get(0).GetDate(&source);
-  EXPECT_EQ(source, StampId::FileCreateDate);
-  EXPECT_EQ(record.GetStamps(StampId::CameraDate).Count(), 0);
-  EXPECT_TRUE(Cache.Has(record.GetAssetID()));
-  EXPECT_EQ(record.LoadThumbnail(), nullptr);
+TEST_F(AssetTest, ANewPhotosDateIsThatOfItsCameraElseTheEarlierOneOfItsFile) {
+  struct {
+    std::int32_t Created, Written, Camera, Date;
+    StampId Source;
+  } const rows[] = {
+      {1000000000, 884000000, 0, 884000000, StampId::FileCreateDate},
+      {0, 884000000, 0, 884000000, StampId::FileCreateDate},
+      {884000000, 1000000000, 800000000, 800000000, StampId::CameraDate},
+  };
+  for (const auto& row : rows) {
+    CAssetRecord record = AddRow("/photos/a.jpg");
+    EXPECT_TRUE(record.StampNewPhoto(row.Created, row.Written, row.Camera));
+    StampId source = StampId::None;
+    record.GetStamps(StampId::Date).Get(0).GetDate(&source);
+    EXPECT_EQ(source, row.Source);
+    EXPECT_EQ(record.GetCachedDate(), row.Date);
+    EXPECT_EQ(record.GetStamps(StampId::FileCreateDate).Get(0).GetDate(), 884000000);
+    EXPECT_EQ(record.GetStamps(StampId::CameraDate).Count(), row.Camera != 0 ? 1 : 0);
+  }
 }
 
 TEST_F(AssetTest, APathIsFoundByItsBytesAndElseAsAFormerSpelling) {
@@ -89,7 +98,7 @@ TEST_F(AssetTest, FlagsAndPathsAreWrittenThroughAnyView) {
   CAssetRecord none;
   none.SetFlag(PhotoFlag::Tossed, true);
   EXPECT_FALSE(none.SetPath("/photos/x.jpg"));
-  EXPECT_FALSE(none.StampNewPhoto(1, 1));
+  EXPECT_FALSE(none.StampNewPhoto(1, 1, 1));
   EXPECT_EQ(none.LoadThumbnail(), nullptr);
 }
 

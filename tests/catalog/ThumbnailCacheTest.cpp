@@ -12,10 +12,7 @@ class ThumbnailCacheTest : public CCatalogFixture {
   void OpenAnew() { Cache.Open(CachePath, Catalog.GetDBGUID()); }
 
   /// Stores a thumbnail that is known by its width.
-  void Store(std::int32_t id, unsigned width) {
-    const std::string jpeg = MakeJpeg(width, 20, 200, 100, 50);
-    Cache.StoreBytes(id, std::vector<std::uint8_t>(jpeg.begin(), jpeg.end()));
-  }
+  void Store(std::int32_t id, int width) { Cache.StoreBytes(id, MakeJpeg({.Width = width, .Height = 20})); }
   /// 0 if there is none.
   int WidthOf(std::int32_t id) const {
     const std::unique_ptr<CJpegImage> image = Cache.Load(id);

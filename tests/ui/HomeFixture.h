@@ -81,7 +81,8 @@ class CStoresFixture : public CHomeFixture {
   /// A photo in the pictures folder that is in the catalog.
   CAssetRecord AddPhoto(const std::string& name, std::int32_t written = 0) {
     CAssetRecord photo = Catalog.AddAsset(WritePhoto("Pictures/" + name));
-    photo.StampNewPhoto(written, written);
+    photo.StampNewPhoto(written, written, 0);
+    photo.MakeThumbnail();
     return photo;
   }
 
