@@ -34,13 +34,7 @@ std::optional<std::int64_t> GetMonthBegin(int year, int month) {
   return platform::FromLocalTime(first, platform::DaylightSaving::AsInForce);
 }
 
-}  // namespace
-
-std::int32_t GetMonthNumber(std::int32_t time) {
-  const std::tm local = LocalTime(time);
-  return local.tm_year * kMonthsPerYear + local.tm_mon;
-}
-
+/// CRC-32 with the polynomial of IEEE 802.3, started at all ones, without the final inversion.
 std::uint32_t GetCrc32(std::string_view bytes) {
   static constexpr std::array<std::uint32_t, 256> kTable = MakeCrcTable();
   std::uint32_t crc = 0xffffffff;
@@ -50,16 +44,19 @@ std::uint32_t GetCrc32(std::string_view bytes) {
   return crc;
 }
 
+/// The first letter of the text, whatever its case, as a number; 0 for an empty text.
 std::int32_t GetInitial(std::string_view text) {
-  // The bytes of the character, high to low: as good a number as its code point, and any byte has one.
-  std::uint32_t initial = 0;
   if (text.size() > 1 && text[0] >= 'a' && text[0] <= 'z' && platform::IsAscii(text.substr(1, 1)))
     return text[0];
+  // The bytes of the character, high to low, so that stray bytes have a number too.
+  std::uint32_t initial = 0;
   for (const char byte : platform::GetFirstLetter(text)) {
     initial = (initial << 8) | static_cast<unsigned char>(byte);
   }
   return static_cast<std::int32_t>(initial);
 }
+
+}  // namespace
 
 std::int32_t CGroupKeyFinder::FindMonth(std::int32_t time) {
   if (time >= MonthBegin && time < MonthEnd) return MonthNumber;

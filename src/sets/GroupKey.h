@@ -27,12 +27,3 @@ class CGroupKeyFinder {
   std::string LastFolder;
   std::int32_t FolderKey = static_cast<std::int32_t>(0xffffffff);  // of the empty text
 };
-
-/// Months since January 1900 of a time, in local time.
-std::int32_t GetMonthNumber(std::int32_t time);
-
-/// CRC-32 with the polynomial of IEEE 802.3, started at all ones, without the final inversion.
-std::uint32_t GetCrc32(std::string_view bytes);
-
-/// The first letter of the text, whatever its case, as a number; 0 for an empty text.
-std::int32_t GetInitial(std::string_view text);

@@ -8,8 +8,7 @@
 #include "catalog/AssetRecord.h"
 #include "catalog/PhotoFacts.h"
 #include "sets/FolderFilter.h"
-#include "sets/RatingFilter.h"
-#include "sets/RollFilter.h"
+#include "sets/PhotoFilter.h"
 #include "sets/TextFilter.h"
 
 /// A member of a set. Neighbours with equal keys are one group.

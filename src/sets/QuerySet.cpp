@@ -2,13 +2,16 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <map>
+#include <tuple>
 
 #include "base/Texts.h"
 #include "catalog/Catalog.h"
 #include "catalog/Properties.h"
+#include "platform/Ascii.h"
+#include "platform/TextCompare.h"
 #include "sets/GroupKey.h"
-#include "sets/TitleOrder.h"
 #include "storage/Row.h"
 
 namespace {
@@ -66,6 +69,49 @@ void HoldFoldersApart(const std::vector<std::string_view>& folders, std::vector<
     auto next = members.begin() + static_cast<std::ptrdiff_t>(begin);
     for (const auto& [folder, photos] : apart) next = std::copy(photos.begin(), photos.end(), next);
   }
+}
+
+struct Title {
+  std::string OrderKey;
+  std::int32_t Date;
+  int Row;
+};
+
+bool IsAsciiTitle(const c4_View& photos, int row) {
+  return platform::IsAscii(photos.GetTextAt(props::Filename, row));
+}
+
+/// Whether the storage sorts all titles as people do.
+bool AreAsciiTitles(const c4_View& photos) {
+  for (int row = 0; row < photos.GetSize(); ++row) {
+    if (!IsAsciiTitle(photos, row)) return false;
+  }
+  return true;
+}
+
+/// The rows of a view that the storage has sorted by title and date, in the order in which people look for
+/// titles. All titles of one first letter stand together.
+std::vector<int> OrderByLetters(const c4_View& sortedByTitle, bool descending) {
+  // ASCII titles stand in order, which is most of them nearly everywhere.
+  std::vector<Title> ascii, others, all;
+  for (int row = 0; row < sortedByTitle.GetSize(); ++row) {
+    (IsAsciiTitle(sortedByTitle, row) ? ascii : others)
+        .push_back({platform::MakeLetterOrderKey(sortedByTitle.GetTextAt(props::Filename, row)),
+                    sortedByTitle.GetIntegerAt(props::CachedDate, row), row});
+  }
+  const auto isBefore = [descending](const Title& left, const Title& right) {
+    const Title& low = descending ? right : left;
+    const Title& high = descending ? left : right;
+    return std::tie(low.OrderKey, low.Date) < std::tie(high.OrderKey, high.Date);
+  };
+  std::stable_sort(others.begin(), others.end(), isBefore);
+  std::merge(std::make_move_iterator(ascii.begin()), std::make_move_iterator(ascii.end()),
+             std::make_move_iterator(others.begin()), std::make_move_iterator(others.end()),
+             std::back_inserter(all), isBefore);
+  std::vector<int> rows;
+  rows.reserve(all.size());
+  for (const Title& title : all) rows.push_back(title.Row);
+  return rows;
 }
 
 }  // namespace

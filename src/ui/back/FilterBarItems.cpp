@@ -1,7 +1,7 @@
 #include "ui/back/FilterBarItems.h"
 
 #include "base/Texts.h"
-#include "sets/RatingFilter.h"
+#include "sets/PhotoFilter.h"
 #include "ui/kit/DropControl.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "sets/RatingFilter.h"
+#include "sets/PhotoFilter.h"
 
 #include <algorithm>
 #include <array>
@@ -49,4 +49,9 @@ CRatingFilter::CRatingFilter(RatingFilterCode code) {
 bool CRatingFilter::Matches(const CAssetRecord& record) const {
   const std::int32_t rating = record.GetCachedRating();
   return rating >= Minimum && rating <= Maximum;
+}
+
+bool CRollFilter::Matches(const CAssetRecord& record) const {
+  const std::int32_t roll = record.GetRollID();
+  return (First == -1 || roll >= First) && (Last == -1 || roll <= Last);
 }
