@@ -1,44 +1,27 @@
-// A disk that fails at the n-th step of a change, for every n.
+// A disk that fails, or a process that is killed, at the n-th step of a change, for every n.
 
 #include <cerrno>
+#include <csignal>
 #include <functional>
 
-#include "StorageTestTools.h"
-#include "platform/Faults.h"
-#include "storage/StorageException.h"
+#include "StorageFixture.h"
+#include "support/FaultSteps.h"
 #include "support/FaultyVfs.h"
 
 using testing::HasSubstr;
+using testing::StartsWith;
 
 namespace {
 
-const c4_IntProp pNumber("Number");
-const c4_StringProp pText("Text");
-const c4_BytesProp pBytes("Bytes");
-
-constexpr const char* kDescription = "Thing[Number:I,Text:S,Bytes:B]";
-
-/// A view with others derived from it, and all that they show as one text.
+/// A view with others derived from it.
 struct Opened {
   explicit Opened(const std::string& path)
-      : Storage(path, c4_Storage::Mode::ReadWrite),
+      : Storage(path, Mode::ReadWrite),
         Things(Storage.GetAs(kDescription)),
         ByText(Things.SortOn({pText})),
         Ones(ByText.Select(pNumber[1])) {}
 
-  std::string Show() const {
-    std::string text;
-    for (const c4_View& view : {Things, ByText, Ones}) {
-      for (int i = 0; i < view.GetSize(); ++i) {
-        const c4_Bytes bytes = pBytes.Get(view[i]);
-        text += std::to_string(pNumber.Get(view[i])) + std::string(pText.Get(view[i])) + ":" +
-                std::to_string(bytes.size()) + std::string(bytes.begin(), bytes.begin() + !bytes.empty()) +
-                " ";
-      }
-      text += "/ ";
-    }
-    return text;
-  }
+  std::string ShowAll() const { return Show(Things) + "/" + Show(ByText) + "/" + Show(Ones); }
 
   c4_Storage Storage;
   c4_View Things;
@@ -46,215 +29,155 @@ struct Opened {
   c4_View Ones;
 };
 
+/// Changes of every kind; `size` makes them larger than SQLite's memory for pages.
+void Change(Opened& opened, std::size_t size) {
+  opened.Things.Add(pNumber[1] + pText["new"] + pBytes[c4_Bytes(size, 'n')]);
+  pText.Set(opened.Things[1], "AAA");
+  pBytes.Set(opened.Things[0], c4_Bytes(size, 'm'));
+  pNumber.Set(opened.ByText[0], 1);
+  opened.Ones.RemoveAt(1);
+  opened.Things.SetSize(6);
+  opened.Storage.Commit();
+}
+
+enum class FaultKind { Once, FromThenOn, Kill };
+
 class CStorageFaultTest : public CStorageTest {
  protected:
-  void MakeFirstRows() {
+  using Work = std::function<void(Opened&)>;
+
+  CStorageFaultTest() {
     Opened opened(Path);
     for (const int number : {3, 1, 2, 1, 5}) {
       const c4_Bytes bytes(3000, static_cast<std::uint8_t>('a' + number));
       opened.Things.Add(pNumber[number] + pText["text" + std::to_string(number)] + pBytes[bytes]);
     }
     opened.Storage.Commit();
-    Before = opened.Show();
+    Before = opened.ShowAll();
   }
 
-  /// Changes of every kind; `size` makes them larger than SQLite's memory for pages.
-  static void Change(Opened& opened, std::size_t size) {
-    opened.Things.Add(pNumber[1] + pText["new"] + pBytes[c4_Bytes(size, 'n')]);
-    pText.Set(opened.Things[1], "AAA");
-    pBytes.Set(opened.Things[0], c4_Bytes(size, 'm'));
-    pNumber.Set(opened.ByText[0], 1);
-    opened.Ones.RemoveAt(1);
-    opened.Things.SetSize(6);
-    opened.Storage.Commit();
-  }
-
-  /// Whether the change went through with a fault at the n-th step that `suffers` picks.
-  bool ChangeWithFault(Opened& opened, int step, bool full, bool lasting, std::size_t size) {
+  /// Does the work with a fault at the n-th step that writes. Whether that step was reached.
+  bool WorkWithFault(const Work& work, int step, FaultKind kind, bool full) {
+    Opened opened(Path);
     int count = 0;
     Vfs.SetPlan([&](const std::string& name, const std::string&) {
-      if (name == "read" || name == "deleted") return SQLITE_OK;
-      ++count;
-      return count == step || (lasting && count > step) ? GetFaultOf(name, full) : SQLITE_OK;
+      if (name == "deleted" && kind != FaultKind::Kill) return SQLITE_OK;
+      if (name != "read") ++count;
+      const bool suffers = kind == FaultKind::FromThenOn ? count >= step : name != "read" && count == step;
+      if (suffers && kind == FaultKind::Kill) raise(SIGKILL);
+      return suffers ? GetFaultOf(name, full) : SQLITE_OK;
     });
-    bool done = true;
-    try {
-      Change(opened, size);
-    } catch (const CStorageException& exception) {
-      done = false;
-      EXPECT_THAT(exception.GetMessage(), HasSubstr(Path));
+    if (const std::string failure = FailureOf([&] { work(opened); }); !failure.empty()) {
+      EXPECT_THAT(failure, AllOf(StartsWith("refused"), HasSubstr(Path)));
+      // What is held in memory is shown even while the disk answers nothing.
+      EXPECT_EQ(pText.Get(opened.Things[1]), "text1");
+      EXPECT_EQ(pNumber.Get(opened.ByText[4]), 5);
+      Vfs.SetPlan(nullptr);
+      EXPECT_EQ(opened.ShowAll(), Before);
+      EXPECT_EQ(Opened(Path).ShowAll(), Before);
+      work(opened);
     }
     Vfs.SetPlan(nullptr);
-    Reached = count >= step;
-    return done;
+    return count >= step;
   }
 
-  void RunAllSteps(bool full, bool lasting, std::size_t size, int stride) {
-    MakeFirstRows();
+  void RunAllSteps(const Work& work, FaultKind kind, bool full, int stride = 1) {
     const std::string bytes = ReadBytes(Path);
-    Reached = true;
-    for (int step = 1; Reached; step += stride) {
-      SCOPED_TRACE("step " + std::to_string(step));
+    Opened whole(Path);
+    work(whole);
+    const std::string after = whole.ShowAll();
+    bool isDone = false;
+    bool reached = true;
+    for (int step = 1; reached && !HasFailure(); step += stride) {
+      SCOPED_TRACE("kind " + std::to_string(static_cast<int>(kind)) + ", step " + std::to_string(step));
+      std::filesystem::remove(Path + "-journal");
       WriteBytes(Path, bytes);
-      std::string after;
-      {
-        Opened opened(Path);
-        if (!ChangeWithFault(opened, step, full, lasting, size)) {
-          ASSERT_EQ(opened.Show(), Before);
-          ASSERT_EQ(RunSql(Path, "PRAGMA integrity_check"), "ok");
-          Change(opened, size);
-        }
-        after = opened.Show();
-        ASSERT_NE(after, Before);
-      }
-      ASSERT_EQ(Opened(Path).Show(), after);
-      ASSERT_EQ(ReadFolder(Folder).size(), 1U) << "something was left beside the file";
+      const auto run = [&] { return WorkWithFault(work, step, kind, full); };
+      reached = kind == FaultKind::Kill ? IsKilled(run) : run();
+      // What is done when the process is killed at a step is done at all later ones.
+      const std::string shown = Opened(Path).ShowAll();
+      isDone = isDone || shown == after;
+      EXPECT_EQ(shown, isDone ? after : Before);
+      EXPECT_THAT(Sql("PRAGMA integrity_check"), testing::ElementsAre("ok"));
+      EXPECT_TRUE(kind == FaultKind::Kill || ReadFolder().size() == 1)
+          << "something was left beside the file";
     }
-  }
-
-  static std::string FailureOf(const std::function<void()>& change) {
-    try {
-      change();
-      return "none";
-    } catch (const CStorageException& exception) {
-      return exception.GetMessage();
-    }
+    EXPECT_TRUE(isDone);
+    WriteBytes(Path, bytes);
   }
 
   CFaultyVfs Vfs;
   std::string Before;
-  bool Reached = false;
 };
 
-TEST_F(CStorageFaultTest, FullDiskAtAnyStepLeavesTheLastCommit) { RunAllSteps(true, false, 4000, 1); }
-
-TEST_F(CStorageFaultTest, DiskFullFromAnyStepOnLeavesTheLastCommit) { RunAllSteps(true, true, 4000, 1); }
-
-TEST_F(CStorageFaultTest, ErrorAtAnyStepLeavesTheLastCommit) { RunAllSteps(false, false, 4000, 1); }
-
-TEST_F(CStorageFaultTest, ErrorsFromAnyStepOnLeaveTheLastCommit) { RunAllSteps(false, true, 4000, 1); }
-
-TEST_F(CStorageFaultTest, ErrorInATransactionLargerThanThePageCacheLeavesTheLastCommit) {
-  RunAllSteps(false, false, 10'000'000, 2999);
+TEST_F(CStorageFaultTest, FaultOrKillAtAnyStepLeavesTheLastCommitOrTheWholeWork) {
+  const Work change = [](Opened& opened) { Change(opened, 4000); };
+  const Work compact = [](Opened& opened) { opened.Storage.Compact(); };
+  for (const Work& work : {change, compact}) {
+    for (const FaultKind kind : {FaultKind::Once, FaultKind::FromThenOn, FaultKind::Kill}) {
+      RunAllSteps(work, kind, true);
+      if (kind != FaultKind::Kill) RunAllSteps(work, kind, false);
+    }
+  }
+  RunAllSteps([](Opened& opened) { Change(opened, 10'000'000); }, FaultKind::Once, false, 2999);
 }
 
 TEST_F(CStorageFaultTest, CommitWhoseLastFlushFailedIsTheSameInMemoryAndInTheFile) {
-  MakeFirstRows();
   Opened opened(Path);
   Vfs.SetPlan([](const std::string& step, const std::string&) {
     return step == "deleted" ? GetFaultOf(step, false) : SQLITE_OK;
   });
   EXPECT_THROW(Change(opened, 100), CStorageException);
   Vfs.SetPlan(nullptr);
-  EXPECT_EQ(Opened(Path).Show(), opened.Show());
+  EXPECT_EQ(Opened(Path).ShowAll(), opened.ShowAll());
   opened.Things.Add(pNumber[8]);
   opened.Storage.Commit();
-  EXPECT_EQ(Opened(Path).Show(), opened.Show());
-}
-
-TEST_F(CStorageFaultTest, DiskThatIsGoneForAWhileGivesTheRowsBack) {
-  MakeFirstRows();
-  Opened opened(Path);
-  const c4_RowRef row = opened.Things[1];
-  Vfs.SetPlan([](const std::string& step, const std::string&) { return GetFaultOf(step, false); });
-  EXPECT_THROW(pText.Set(row, "x"), CStorageException);
-  EXPECT_EQ(pText.Get(row), "text1");
-  EXPECT_EQ(pNumber.Get(opened.ByText[4]), 5);
-  EXPECT_THROW(opened.Things.Add(pNumber[1]), CStorageException);
-  Vfs.SetPlan(nullptr);
-  EXPECT_EQ(opened.Show(), Before);
-  pText.Set(row, "x");
-  opened.Storage.Commit();
-  EXPECT_EQ(pText.Get(Opened(Path).Things[1]), "x");
-}
-
-TEST_F(CStorageFaultTest, FileThatAnotherProgramDestroysIsToldAtEachChange) {
-  MakeFirstRows();
-  const std::string bytes = ReadBytes(Path);
-  for (const std::size_t left : {std::size_t{0}, std::size_t{100}, std::size_t{4096}, bytes.size() - 1}) {
-    WriteBytes(Path, bytes);
-    Opened opened(Path);
-    std::filesystem::resize_file(Path, left);
-    for (int i = 0; i < 2; ++i) EXPECT_THROW(pText.Set(opened.Things[1], "x"), CStorageException) << left;
-    EXPECT_EQ(pText.Get(opened.Things[1]), "text1") << "what is held in memory stays";
-    EXPECT_EQ(ReadBytes(Path), bytes.substr(0, left)) << "its bytes stay";
-  }
-  WriteBytes(Path, bytes);
-  Opened opened(Path);
-  std::filesystem::rename(Path, Path + ".away");
-  EXPECT_THAT(FailureOf([&] { pText.Set(opened.Things[1], "x"); }), HasSubstr("moved, removed"));
+  EXPECT_EQ(Opened(Path).ShowAll(), opened.ShowAll());
 }
 
 TEST_F(CStorageFaultTest, JournalThatCannotBeMadeIsToldWithItsCause) {
-  MakeFirstRows();
-  Opened opened(Path);
+  const Opened opened(Path);
   Vfs.SetPlan([](const std::string& step, const std::string& path) {
     errno = ENOENT;  // of the library's last try, to open what isn't there for reading
     return step == "open" && path.ends_with("-journal") ? SQLITE_CANTOPEN : SQLITE_OK;
   });
-  std::errc cause = std::errc::no_space_on_device;
-  platform::SetFaultPlan([&cause](std::string_view, std::string_view) { return make_error_code(cause); });
+  const CFailingStep full(1, true);
   EXPECT_THAT(FailureOf([&] { pText.Set(opened.Things[1], "x"); }), HasSubstr("the disk is full"));
-  cause = std::errc::read_only_file_system;
-  EXPECT_THAT(FailureOf([&] { pText.Set(opened.Things[1], "x"); }), HasSubstr("Read-only file system"));
-  platform::SetFaultPlan({});
 }
 
 TEST_F(CStorageFaultTest, BytesThatCannotBeReadRaiseAndUndo) {
-  MakeFirstRows();
-  {
-    Opened opened(Path);
-    pBytes.Set(opened.Things[4], c4_Bytes(50'000, 'z'));
-    opened.Storage.Commit();
-  }
+  Change(*std::make_unique<Opened>(Path), 50'000);
+  const std::string before = Opened(Path).ShowAll();
   Opened opened(Path);  // long bytes aren't among the pages that it has read
-  pText.Set(opened.Things[0], "changed");
+  pText.Set(opened.Things[1], "changed");
   Vfs.SetPlan([](const std::string& step, const std::string&) {
     return step == "read" ? SQLITE_IOERR_READ : SQLITE_OK;
   });
-  EXPECT_THROW(pBytes.Get(opened.Things[4]), CStorageException);
+  EXPECT_THROW(pBytes.Get(opened.Things[0]), CStorageException);
   Vfs.SetPlan(nullptr);
   // SQLite has given the transaction up, so the views must have done so too.
-  EXPECT_EQ(pText.Get(opened.Things[0]), "text3");
-  EXPECT_EQ(pBytes.Get(opened.Things[4]).size(), 50'000U);
-  pText.Set(opened.Things[0], "changed again");
+  EXPECT_EQ(opened.ShowAll(), before);
+  pText.Set(opened.Things[1], "changed again");
   opened.Storage.Commit();
-  EXPECT_EQ(pText.Get(Opened(Path).Things[0]), "changed again");
+  EXPECT_EQ(pText.Get(Opened(Path).Things[1]), "changed again");
 }
 
 TEST_F(CStorageFaultTest, NewFileIsWholeOrAbsent) {
-  for (const bool full : {true, false}) {
-    bool made = false;
-    for (int step = 1; !made; ++step) {
-      SCOPED_TRACE(step);
-      int count = 0;
-      Vfs.SetPlan([&](const std::string& name, const std::string&) {
-        return ++count == step ? GetFaultOf(name, full) : SQLITE_OK;
-      });
-      try {
-        c4_Storage storage(Path, c4_Storage::Mode::ReadWrite);
-        made = true;
-      } catch (const CError& error) {
-        EXPECT_THAT(error.GetMessage(), HasSubstr(Path));
-      }
-      Vfs.SetPlan(nullptr);
-      const auto files = ReadFolder(Folder);
-      for (const auto& [name, bytes] : files) ASSERT_THAT(name, testing::StartsWith("test.db"));
-      if (files.empty()) continue;
-      ASSERT_FALSE(files.at("test.db").empty());
-      c4_Storage(Path, c4_Storage::Mode::ReadWrite).GetAs(kDescription);
-      std::filesystem::remove(Path);
-    }
+  const auto open = [&] { c4_Storage(Path, Mode::ReadWrite).GetAs(kDescription); };
+  std::string failure = "none yet";
+  for (int step = 1; !failure.empty(); ++step) {
+    SCOPED_TRACE(step);
+    std::filesystem::remove(Path);
+    int count = 0;
+    Vfs.SetPlan([&](const std::string& name, const std::string&) {
+      return ++count == step ? GetFaultOf(name, true) : SQLITE_OK;
+    });
+    failure = FailureOf([&] { c4_Storage(Path, Mode::ReadWrite); });
+    EXPECT_THAT(failure, AnyOf("", AllOf(StartsWith("error"), HasSubstr(Path))));
+    Vfs.SetPlan(nullptr);
+    for (const auto& [name, bytes] : ReadFolder()) ASSERT_THAT(name, StartsWith("test.db"));
+    if (std::filesystem::exists(Path)) open();
   }
-}
-
-TEST_F(CStorageFaultTest, NewFileThatCannotBeNamedLeavesNothing) {
-  platform::SetFaultPlan([](std::string_view operation, std::string_view) {
-    return operation == "rename" ? make_error_code(std::errc::no_space_on_device) : std::error_code();
-  });
-  EXPECT_THROW(c4_Storage(Path, c4_Storage::Mode::ReadWrite), CError);
-  platform::SetFaultPlan(nullptr);
-  EXPECT_TRUE(ReadFolder(Folder).empty());
 }
 
 }  // namespace
