@@ -4,7 +4,7 @@
 #include <span>
 
 #include "resources/StringIds.h"
-#include "ui/frame/KeyChord.h"
+#include "ui/frame/Keys.h"
 #include "ui/kit/Commands.h"
 
 class CMainCommands;

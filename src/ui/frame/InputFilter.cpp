@@ -6,13 +6,11 @@
 #include <QWindow>
 #include <utility>
 
-#include "ui/back/PhotoBack.h"
 #include "ui/frame/CommandTable.h"
-#include "ui/frame/MainFrame.h"
 #include "ui/kit/InputEvents.h"
-#include "ui/strip/Filmstrip.h"
 
-CInputFilter::CInputFilter(CMainFrame& frame) : Frame(frame) {
+CInputFilter::CInputFilter(QWidget& window, QWidget& panel, InputHandlers handlers)
+    : Window(window), Panel(panel), Handlers(std::move(handlers)) {
   QCoreApplication::instance()->installEventFilter(this);
 }
 
@@ -25,35 +23,35 @@ bool CInputFilter::eventFilter(QObject* watched, QEvent* event) {
       !AdmitKey(static_cast<QWindow&>(*watched), static_cast<QKeyEvent&>(*event))) {
     return true;
   }
-  if (Blocked && IsInput(event->type()) && IsOfFrame(watched)) return true;
+  if (Blocked && IsInput(event->type()) && IsOfWindow(watched)) return true;
   switch (event->type()) {
     case QEvent::MouseMove:
       // The window of the system gets every move, its widgets only those that they ask for.
-      if (watched == Frame.windowHandle()) {
-        Frame.GetFullScreenTools().OnPointerMoved(
-            static_cast<QMouseEvent*>(event)->globalPosition().toPoint());
+      if (watched == Window.windowHandle()) {
+        Handlers.OnPointerMoved(static_cast<QMouseEvent*>(event)->globalPosition().toPoint());
       }
       return false;
     case QEvent::MouseButtonDblClick:
     case QEvent::MouseButtonPress:
       if (!AdmitClick(*watched, *event)) return true;
-      if (watched->isWidgetType() && Frame.GetPhotoBack().isAncestorOf(static_cast<QWidget*>(watched))) {
-        Frame.GetStrip().AnnounceNow();
+      if (watched->isWidgetType() && Panel.isAncestorOf(static_cast<QWidget*>(watched))) {
+        Handlers.OnPanelClicked();
       }
       return false;
     case QEvent::KeyPress:
-      return watched->isWidgetType() && IsOfFrame(watched) && RunAccelerator(*static_cast<QKeyEvent*>(event));
+      return watched->isWidgetType() && IsOfWindow(watched) &&
+             RunAccelerator(*static_cast<QKeyEvent*>(event));
     default:
       return false;
   }
 }
 
-bool CInputFilter::IsOfFrame(const QObject* object) const {
-  if (object == Frame.windowHandle()) return true;
-  return object->isWidgetType() && static_cast<const QWidget*>(object)->window() == &Frame;
+bool CInputFilter::IsOfWindow(const QObject* object) const {
+  if (object == Window.windowHandle()) return true;
+  return object->isWidgetType() && static_cast<const QWidget*>(object)->window() == &Window;
 }
 
-bool CInputFilter::AdmitKey(QWindow& window, const QKeyEvent& event) {
+bool CInputFilter::AdmitKey(QWindow& receiving, const QKeyEvent& event) {
   if (event.type() == QEvent::KeyRelease) {
     Keys.OnRelease(event);
     return true;
@@ -61,14 +59,14 @@ bool CInputFilter::AdmitKey(QWindow& window, const QKeyEvent& event) {
   QObject* receiver = QApplication::activePopupWidget();
   const Command* command = nullptr;
   if (receiver == nullptr) {
-    receiver = window.focusObject();
-    if (&window == Frame.windowHandle()) command = FindAccelerator(ReadKeyChord(event));
+    receiver = receiving.focusObject();
+    if (&receiving == Window.windowHandle()) command = FindAccelerator(ReadKeyChord(event));
   }
   return Keys.OnPress(event, receiver, command);
 }
 
 bool CInputFilter::AdmitClick(const QObject& watched, const QEvent& event) {
-  if (&watched == Frame.windowHandle()) ClickArrives = true;
+  if (&watched == Window.windowHandle()) ClickArrives = true;
   if (!watched.isWidgetType() || !std::exchange(ClickArrives, false)) return true;
   if (event.type() == QEvent::MouseButtonPress) ClickedPart = &watched;
   return ClickedPart == &watched;
@@ -77,6 +75,6 @@ bool CInputFilter::AdmitClick(const QObject& watched, const QEvent& event) {
 bool CInputFilter::RunAccelerator(const QKeyEvent& event) {
   const Command* command = FindAccelerator(ReadKeyChord(event));
   if (command == nullptr) return false;
-  Frame.OnKey(*command, Keys.IsRepeat(event));
+  Handlers.OnAccelerator(*command, Keys.IsRepeat(event));
   return true;
 }

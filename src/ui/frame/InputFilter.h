@@ -1,23 +1,34 @@
 #pragma once
 
 #include <QObject>
+#include <QPoint>
+#include <functional>
 
-#include "ui/frame/HeldKeys.h"
+#include "ui/frame/Keys.h"
 
 class QKeyEvent;
+class QWidget;
 class QWindow;
-class CMainFrame;
+struct Command;
+
+/// Whom the filter tells of input.
+struct InputHandlers {
+  std::function<void(const Command& command, bool isRepeat)> OnAccelerator;
+  std::function<void(QPoint place)> OnPointerMoved;  // to that place on the screen
+  std::function<void()> OnPanelClicked;              // before the panel has the click
+};
 
 /// Sees every key and pointer event of the main window before any part of it does: it finds the commands'
 /// accelerators, reports the moves of the pointer in full-screen mode, whatever lies below it, and swallows
 /// all input while it is blocked. Dialogs, menus and lists, windows of their own, are left alone, but for the
 /// repeats of a key that was pressed elsewhere.
 ///
-/// What is clicked on the panel acts on the photo that the strip is about to rest on, as what a key does; and
-/// a double click is one where both clicks are on the same part.
+/// A click on the panel is told before the panel has it, since it acts on the photo that the strip is about
+/// to rest on. A double click counts as one only if both clicks are on the same part.
 class CInputFilter : public QObject {
  public:
-  explicit CInputFilter(CMainFrame& frame);
+  /// `window` is the main window, `panel` the photo back in it.
+  CInputFilter(QWidget& window, QWidget& panel, InputHandlers handlers);
   ~CInputFilter() override;
 
   void SetBlocked(bool on) { Blocked = on; }
@@ -29,13 +40,15 @@ class CInputFilter : public QObject {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  bool IsOfFrame(const QObject* object) const;
-  bool AdmitKey(QWindow& window, const QKeyEvent& event);
+  bool IsOfWindow(const QObject* object) const;
+  bool AdmitKey(QWindow& receiving, const QKeyEvent& event);
   /// False for a double click on what has come under the pointer by the first click.
   bool AdmitClick(const QObject& watched, const QEvent& event);
   bool RunAccelerator(const QKeyEvent& event);
 
-  CMainFrame& Frame;
+  QWidget& Window;
+  QWidget& Panel;
+  const InputHandlers Handlers;
   CHeldKeys Keys;
   bool Blocked = false;
   bool ClickArrives = false;             // at the window; its widgets haven't had it

@@ -1,6 +1,8 @@
 #include "ui/frame/MainCommands.h"
 
 #include <QApplication>
+#include <QCheckBox>
+#include <QMessageBox>
 #include <QWidget>
 #include <memory>
 #include <optional>
@@ -9,6 +11,8 @@
 #include "base/Exceptions.h"
 #include "base/Folders.h"
 #include "base/Messages.h"
+#include "base/Settings.h"
+#include "base/Texts.h"
 #include "catalog/Catalog.h"
 #include "discovery/FolderHistory.h"
 #include "discovery/FolderSearch.h"
@@ -20,68 +24,76 @@
 #include "ui/back/FilterBar.h"
 #include "ui/back/PhotoBack.h"
 #include "ui/back/PhotoField.h"
-#include "ui/frame/CommandTable.h"
-#include "ui/frame/MainFrame.h"
-#include "ui/frame/TipAtStart.h"
+#include "ui/frame/MainParts.h"
+#include "ui/frame/PhotoMarks.h"
+#include "ui/kit/QtText.h"
 #include "ui/kit/WaitCursor.h"
 #include "ui/pages/PhotoView.h"
 #include "ui/pages/ViewTabBar.h"
-#include "ui/strip/Filmstrip.h"
+#include "ui/strip/StripWindow.h"
 
 namespace {
 
-constexpr int kManyPhotos = 20;    // who has as many needs no tip
+constexpr int kManyPhotos = 20;  // who has as many needs no tip
+constexpr const char* kDoNotShowTipSetting = "DontShowAddFolderTip";
 constexpr int kQuarterRight = 90;  // degrees clockwise
 constexpr int kQuarterLeft = 270;
 
-}  // namespace
-
-void CMainCommands::Run(CommandId id) {
-  const Command* command = FindCommand(id);
-  if (command == nullptr || command->Run == nullptr) return;
-  // All that isn't a move acts on the photo that the strip is about to rest on.
-  if (command->Held != KeyHeld::MovesStrip) Frame.GetStrip().AnnounceNow();
-  (this->*command->Run)(id);
-  // What is typed into an open field next belongs to the photo moved to.
-  if (command->Held == KeyHeld::MovesStrip && Frame.GetPhotoBack().IsEditing())
-    Frame.GetStrip().AnnounceNow();
+/// Tells how to add folders, unless the user has asked not to be told again.
+void ShowAddFolderTip(QWidget* parent) {
+  CSettingsRef settings;
+  if (settings.GetBool(kDoNotShowTipSetting)) return;
+  QMessageBox box(parent);
+  box.setObjectName(QStringLiteral("AddFolderTip"));
+  box.setTextFormat(Qt::PlainText);
+  box.setWindowTitle(ToQString(LoadExpandedString(StringId::AddFolderTipTitle)));
+  box.setText(ToQString(LoadExpandedString(StringId::AddFolderTip)));
+  box.addButton(QMessageBox::Ok);
+  auto* doNotShow = new QCheckBox(ToQString(LoadExpandedString(StringId::DoNotShowAgain)));
+  box.setCheckBox(doNotShow);
+  box.exec();
+  settings.SetBool(kDoNotShowTipSetting, doNotShow->isChecked());
 }
 
-void CMainCommands::EndEdit(CommandId) { Frame.setFocus(); }
+}  // namespace
+
+CFilmstrip& CMainCommands::GetStrip() const { return Parts.StripWindow->GetStrip(); }
+
+void CMainCommands::EndEdit(CommandId) { Parts.Window->setFocus(); }
 
 void CMainCommands::Cancel(CommandId) {
-  if (Frame.GetFilterBar().IsEditing()) return Frame.GetFilterBar().CancelEdit();
-  if (Frame.GetPhotoBack().IsEditing()) {
-    Frame.GetPhotoBack().CancelEdits();
-    return Frame.setFocus();
+  if (Parts.FilterBar->IsEditing()) return Parts.FilterBar->CancelEdit();
+  if (Parts.PhotoBack->IsEditing()) {
+    Parts.PhotoBack->CancelEdits();
+    return Parts.Window->setFocus();
   }
-  Frame.StopSlideShow();
-  Frame.ToggleFullScreen(FullScreenChange::Normal);
+  GetStrip().StopSlideShow();
+  Actions.ToggleFullScreen(FullScreenChange::Normal);
 }
 
 void CMainCommands::GoToField(CommandId id) {
-  if (Frame.GetPhotoBack().isVisible()) {
-    Frame.GetPhotoBack().FocusField(FieldOfCommand(id));
+  if (Parts.PhotoBack->isVisible()) {
+    Parts.PhotoBack->FocusField(FieldOfCommand(id));
   }
 }
 
 void CMainCommands::MoveByField(CommandId id) {
-  if (Frame.IsFullScreen()) return;
-  if (Frame.GetFilterBar().IsEditing()) return Frame.GetFilterBar().CommitEdit();
-  Frame.GetPhotoBack().FocusNextField(id == CommandId::NextField);
+  if (!Parts.PhotoBack->isVisible()) return;
+  if (Parts.FilterBar->IsEditing()) return Parts.FilterBar->CommitEdit();
+  Parts.PhotoBack->FocusNextField(id == CommandId::NextField);
 }
 
 void CMainCommands::Rename(CommandId) {
-  const CAssetRecord* photo = Frame.GetStrip().GetCurrentRecord();
-  if (!Frame.GetPhotoBack().isVisible() || photo == nullptr || IsReadOnly(*photo)) return;
-  const CPhotoField* title = Frame.GetPhotoBack().GetField(StampId::Title);
-  if (title->IsEditing()) return Frame.setFocus();
-  Frame.GetPhotoBack().FocusField(StampId::Title);
+  const CAssetRecord* photo = GetStrip().GetCurrentRecord();
+  if (!Parts.PhotoBack->isVisible() || photo == nullptr || IsReadOnly(*photo)) return;
+  const CPhotoField* title = Parts.PhotoBack->GetField(StampId::Title);
+  if (title->IsEditing()) return Parts.Window->setFocus();
+  Parts.PhotoBack->FocusField(StampId::Title);
 }
 
 void CMainCommands::Rate(CommandId id) {
-  if (!Frame.GetPhotoBack().isVisible()) return;
-  Frame.GetPhotoBack().SetRating(static_cast<int>(id) - static_cast<int>(CommandId::Rate0));
+  if (!Parts.PhotoBack->isVisible()) return;
+  Parts.PhotoBack->SetRating(static_cast<int>(id) - static_cast<int>(CommandId::Rate0));
 }
 
 void CMainCommands::EditText(CommandId id) {
@@ -96,27 +108,31 @@ void CMainCommands::EditText(CommandId id) {
 }
 
 void CMainCommands::ToggleInTab(CommandId id) {
-  const CAssetRecord* photo = Frame.GetStrip().GetCurrentRecord();
+  const CAssetRecord* photo = GetStrip().GetCurrentRecord();
   if (photo == nullptr) return;
   const bool extendRange = QApplication::keyboardModifiers().testFlag(Qt::ShiftModifier);
-  Frame.ToggleInTab(CAssetRecord(*photo), id == CommandId::ToggleEmail ? ViewTabId::Email : ViewTabId::Upload,
-                    extendRange);
+  Actions.ToggleInTab(CAssetRecord(*photo),
+                      id == CommandId::ToggleEmail ? ViewTabId::Email : ViewTabId::Upload, extendRange);
 }
 
 void CMainCommands::DeletePhoto(CommandId) {
-  const CAssetRecord* photo = Frame.GetStrip().GetCurrentRecord();
-  if (Frame.GetTabBar().GetSelectedTab() != ViewTabId::CurrentPhoto || photo == nullptr ||
-      IsReadOnly(*photo)) {
+  const CAssetRecord* photo = GetStrip().GetCurrentRecord();
+  if (Parts.TabBar->GetSelectedTab() != ViewTabId::CurrentPhoto || photo == nullptr || IsReadOnly(*photo)) {
     return;
   }
-  Frame.DeleteCurrentPhoto();
+  const CAssetRecord tossed = *photo;
+  const CWaitCursor waiting;
+  GetStrip().StopSlideShow();
+  Parts.Window->setFocus();
+  TossPhoto(*CCatalog::GetInstance(), tossed);
+  GetStrip().RemoveCurrent();
 }
 
 void CMainCommands::ChangePhoto(const PhotoEdit& edit) {
-  const CAssetRecord* current = Frame.GetStrip().GetCurrentRecord();
+  const CAssetRecord* current = GetStrip().GetCurrentRecord();
   if (current == nullptr) return;
   const CAssetRecord photo = *current;
-  CPhotoView& view = Frame.GetPhotoView();
+  CPhotoView& view = *Parts.PhotoView;
   // While a question is open the view may load the photo again, for another size.
   std::unique_ptr<CImage> image = view.TakeImage();
   PhotoChange change = PhotoChange::FileAlone;
@@ -130,7 +146,7 @@ void CMainCommands::ChangePhoto(const PhotoEdit& edit) {
   if (change == PhotoChange::None) return;
   const CWaitCursor waiting;
   if (change == PhotoChange::FileAlone) view.Reload(true);
-  Frame.OnPhotoChanged();
+  Actions.OnPhotoChanged();
 }
 
 void CMainCommands::Rotate(CommandId id) {
@@ -143,45 +159,47 @@ void CMainCommands::Rotate(CommandId id) {
 void CMainCommands::AutoFix(CommandId) { ChangePhoto(&AutoFixPhoto); }
 
 void CMainCommands::MoveByOne(CommandId id) {
-  Frame.StopSlideShow();
-  Frame.GetStrip().MoveBy(id == CommandId::NextPhoto ? 1 : -1);
+  GetStrip().StopSlideShow();
+  GetStrip().MoveBy(id == CommandId::NextPhoto ? 1 : -1);
 }
 
 void CMainCommands::MoveByPage(CommandId id) {
-  Frame.StopSlideShow();
+  GetStrip().StopSlideShow();
   const CWaitCursor waiting;
-  Frame.GetStrip().MovePage(id == CommandId::PreviousPage);
+  GetStrip().MovePage(id == CommandId::PreviousPage);
 }
 
 void CMainCommands::MoveByGroup(CommandId id) {
-  CFilmstrip& strip = Frame.GetStrip();
-  Frame.StopSlideShow();
+  CFilmstrip& strip = GetStrip();
+  GetStrip().StopSlideShow();
   strip.FinishMove();
-  const CPhotoSet& set = Frame.GetPhotoSet();
+  const CPhotoSet& set = *Parts.PhotoSet;
   const int current = strip.GetCurrentIndex();
   strip.MoveTo(id == CommandId::NextGroup ? set.GetNextGroupStart(current)
                                           : set.GetPreviousGroupStart(current));
 }
 
 void CMainCommands::MoveToEnd(CommandId id) {
-  Frame.StopSlideShow();
-  Frame.GetStrip().MoveTo(id == CommandId::FirstPhoto ? 0 : Frame.GetPhotoSet().GetCount() - 1);
+  GetStrip().StopSlideShow();
+  GetStrip().MoveTo(id == CommandId::FirstPhoto ? 0 : Parts.PhotoSet->GetCount() - 1);
 }
 
 void CMainCommands::ToggleSlideShow(CommandId) {
-  Frame.SelectTab(ViewTabId::CurrentPhoto);
-  if (Frame.IsSlideShowRunning()) return Frame.StopSlideShow();
-  Frame.setFocus();
-  Frame.StartSlideShow();
+  if (Parts.TabBar->GetSelectedTab() != ViewTabId::CurrentPhoto) {
+    Parts.TabBar->SelectTab(ViewTabId::CurrentPhoto);
+  }
+  if (GetStrip().IsSlideShowRunning()) return GetStrip().StopSlideShow();
+  Parts.Window->setFocus();
+  GetStrip().StartSlideShow();
 }
 
-void CMainCommands::ToggleFullScreen(CommandId) { Frame.ToggleFullScreen(FullScreenChange::Toggle); }
+void CMainCommands::ToggleFullScreen(CommandId) { Actions.ToggleFullScreen(FullScreenChange::Toggle); }
 
 void CMainCommands::NextTab(CommandId) {
-  if (!Frame.IsFullScreen()) Frame.GetTabBar().SelectNextTab();
+  if (Parts.TabBar->isVisible()) Parts.TabBar->SelectNextTab();
 }
 
-void CMainCommands::CloseWindow(CommandId) { Frame.close(); }
+void CMainCommands::CloseWindow(CommandId) { Parts.Window->close(); }
 
 void CMainCommands::ShowTipAtStart(CommandId) {
   CCatalog& catalog = *CCatalog::GetInstance();
@@ -189,7 +207,7 @@ void CMainCommands::ShowTipAtStart(CommandId) {
       catalog.GetCurrentPhotoFolder() == GetActiveDiskPhotoFolder()) {
     return;
   }
-  if (Frame.GetPhotoSet().GetCount() >= kManyPhotos) return;
+  if (Parts.PhotoSet->GetCount() >= kManyPhotos) return;
   if (CFolderHistory(catalog).Count() > 0) return;
-  ShowAddFolderTip(&Frame);
+  ShowAddFolderTip(Parts.Window);
 }

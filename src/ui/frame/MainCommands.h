@@ -1,22 +1,30 @@
 #pragma once
 
 #include <functional>
+#include <utility>
 
 #include "editing/PhotoChange.h"
+#include "ui/frame/FullScreen.h"
 #include "ui/kit/Commands.h"
+#include "ui/kit/ViewTabs.h"
 
 class CAssetRecord;
+class CFilmstrip;
 class CImage;
-class CMainFrame;
+struct MainParts;
 
-/// What the commands of the main window do. Nearly each one looks at a condition and calls a part; the table
-/// in CommandTable.cpp says which command leads where.
+/// What commands ask of the main window as a whole.
+struct MainActions {
+  std::function<void(FullScreenChange change)> ToggleFullScreen;
+  std::function<void(const CAssetRecord& photo, ViewTabId tab, bool extendRange)> ToggleInTab;
+  std::function<void()> OnPhotoChanged;  // the current photo's file
+};
+
+/// What the commands of the main window do; one whose condition doesn't hold does nothing. The table in
+/// CommandTable.cpp says which command calls which operation.
 class CMainCommands {
  public:
-  explicit CMainCommands(CMainFrame& frame) : Frame(frame) {}
-
-  /// Carries a command out. One that isn't in the table, or whose condition doesn't hold, does nothing.
-  void Run(CommandId id);
+  CMainCommands(const MainParts& parts, MainActions actions) : Parts(parts), Actions(std::move(actions)) {}
 
   void EndEdit(CommandId id);
   void Cancel(CommandId id);
@@ -46,5 +54,8 @@ class CMainCommands {
   using PhotoEdit = std::function<PhotoChange(const CAssetRecord& photo, CImage* image, const WorkBegins&)>;
   void ChangePhoto(const PhotoEdit& edit);
 
-  CMainFrame& Frame;
+  CFilmstrip& GetStrip() const;
+
+  const MainParts& Parts;
+  const MainActions Actions;
 };

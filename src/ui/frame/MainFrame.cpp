@@ -18,8 +18,7 @@
 #include "ui/back/FilterBar.h"
 #include "ui/back/PhotoBack.h"
 #include "ui/frame/CommandTable.h"
-#include "ui/frame/MainLayout.h"
-#include "ui/frame/MarkedRange.h"
+#include "ui/frame/PhotoMarks.h"
 #include "ui/frame/PhotoToolRow.h"
 #include "ui/kit/Application.h"
 #include "ui/kit/Colours.h"
@@ -38,32 +37,19 @@
 namespace {
 
 constexpr int kWheelStep = 120;  // eighths of a degree to a notch
-constexpr int kLongRange = 10;   // photos that take a moment to mark
 constexpr int kCurrentPhotoTabOrder = 100;
-
-struct TabFlag {
-  ViewTabId Tab;
-  PhotoFlag Flag;
-  int StripIcon;
-};
-constexpr TabFlag kTabFlags[] = {{ViewTabId::Upload, PhotoFlag::ToRemotePrint, 0},
-                                 {ViewTabId::Email, PhotoFlag::ToEmail, 1}};
-
-const TabFlag& GetTabFlag(ViewTabId tab) { return tab == ViewTabId::Email ? kTabFlags[1] : kTabFlags[0]; }
-
-/// The new state.
-bool ToggleFlag(CAssetRecord photo, PhotoFlag flag) {
-  const bool on = !photo.GetFlag(flag);
-  photo.SetFlag(flag, on);
-  return on;
-}
 
 }  // namespace
 
 CMainFrame::CMainFrame()
-    : FullScreenState(*this, [this] { ToggleFullScreen(FullScreenChange::Normal); }),
-      Commands(*this),
+    : Commands(Parts, {.ToggleFullScreen = [this](FullScreenChange change) { ToggleFullScreen(change); },
+                       .ToggleInTab = [this](const CAssetRecord& photo, ViewTabId tab,
+                                             bool extendRange) { ToggleInTab(photo, tab, extendRange); },
+                       .OnPhotoChanged = [this] { OnPhotoChanged(); }}),
       Mode(&GetViewMode(ViewModeId::Normal)) {
+  Parts.Window = this;
+  Parts.FullScreenState =
+      std::make_unique<CFullScreenState>(*this, [this] { ToggleFullScreen(FullScreenChange::Normal); });
   setObjectName(window_names::kMainFrame);
   setFocusPolicy(Qt::StrongFocus);
   setAutoFillBackground(true);
@@ -74,7 +60,7 @@ CMainFrame::CMainFrame()
 
 CMainFrame::~CMainFrame() {
   InputFilter.reset();
-  StripWindow.reset();  // it shows the set
+  Parts.StripWindow.reset();  // it shows the set
 }
 
 bool CMainFrame::Create(const OpenStep& openDataStores, CWindowedSearchProgress& progress) {
@@ -91,59 +77,67 @@ bool CMainFrame::Create(const OpenStep& openDataStores, CWindowedSearchProgress&
   std::string folder;
   RunJob([&] { folder = CFolderSearch::GetInstance().FirstSearch(); }, stop);
 
-  PhotoSet = std::make_unique<CQuerySet>(&Catalog, SetKind::Available);
+  Parts.PhotoSet = std::make_unique<CQuerySet>(&Catalog, SetKind::Available);
   CreateParts();
 
   try {
-    FilterBar->SelectFolder(folder);
+    Parts.FilterBar->SelectFolder(folder);
   } catch (const CStorageException& exception) {
     progress.TellRefusal(exception);  // the folder is shown, if not remembered
   }
-  GetStrip().SetPhotoSet(PhotoSet.get());
+  GetStrip().SetPhotoSet(Parts.PhotoSet.get());
   if (Catalog.GetCurrentRollID() > rollBefore) {
-    FilterBar->ShowNewestRoll();
+    Parts.FilterBar->ShowNewestRoll();
   } else {
-    FilterBar->SelectStoredSort();
+    Parts.FilterBar->SelectStoredSort();
   }
   return true;
 }
 
 void CMainFrame::CreateParts() {
-  PhotoBack = std::make_unique<CPhotoBack>(this);
-  PhotoBack->OnEditBegins = [this] { OnEditBegins(); };
-  PhotoBack->OnStampChanged = [this](StampId type) { OnStampChanged(type); };
-  PhotoBack->OnPhotoRenamed = [this] {
-    PhotoView->OnPhotoRenamed();
-    UpdateCommands();
-  };
-  PhotoBack->GetPictureSize = [this] { return GetPictureSize(); };
-  FilterBar = std::make_unique<CFilterBar>(*this, PhotoBack.get());
-  PhotoBack->SetFilterBar(FilterBar.get(), CFilterBar::GetHeight());
+  CreatePhotoBack();
+  CreatePages();
+  Parts.HelpButton = std::make_unique<CPaintedButton>(*this, this);
+  Parts.HelpButton->Create({}, CommandId::Help, {}, PictureId::Help, 2);
+  Parts.StripWindow = std::make_unique<CStripWindow>(*this, this);
+  FullScreenTools = std::make_unique<CFullScreenTools>(*this, *Parts.PhotoView, *Parts.ToolRow);
+  InputFilter = std::make_unique<CInputFilter>(
+      *this, *Parts.PhotoBack,
+      InputHandlers{
+          .OnAccelerator = [this](const Command& command, bool isRepeat) { OnKey(command, isRepeat); },
+          .OnPointerMoved = [this](QPoint place) { FullScreenTools->OnPointerMoved(place); },
+          .OnPanelClicked = [this] { GetStrip().AnnounceNow(); }});
 
-  TabBar = std::make_unique<CViewTabBar>(this);
-  TabBar->OnTabChanged = [this] { OnTabChanged(); };
-  TabBar->AddTab(ViewTabId::CurrentPhoto, kCurrentPhotoTabOrder);
-  TabBar->SetTabInfo(ViewTabId::CurrentPhoto, PictureId::CurrentPhotoTab, 1, StringId::CurrentPhotoTabCaption,
-                     0);
-
-  PhotoView = std::make_unique<CPhotoView>(this);
-  PhotoView->OnDoubleClick = [this] { ToggleFullScreen(FullScreenChange::Toggle); };
-
-  ToolRow = std::make_unique<CToolbar>(*this, this);
-  FillPhotoToolRow(*ToolRow);
-
-  HelpButton = std::make_unique<CPaintedButton>(*this, this);
-  HelpButton->Create({}, CommandId::Help, {}, PictureId::Help, 2);
-
-  StripWindow = std::make_unique<CStripWindow>(*this, this);
-  FullScreenTools = std::make_unique<CFullScreenTools>(*this, *PhotoView, *ToolRow);
-  InputFilter = std::make_unique<CInputFilter>(*this);
-
-  TabBar->SelectTab(ViewTabId::CurrentPhoto);
-  Mode->Layout(*this);
+  Parts.TabBar->SelectTab(ViewTabId::CurrentPhoto);
+  Mode->Layout(Parts);
 }
 
-CFilmstrip& CMainFrame::GetStrip() const { return StripWindow->GetStrip(); }
+void CMainFrame::CreatePhotoBack() {
+  CPhotoBack& back = *(Parts.PhotoBack = std::make_unique<CPhotoBack>(this));
+  back.OnEditBegins = [this] { OnEditBegins(); };
+  back.OnStampChanged = [this](StampId type) { OnStampChanged(type); };
+  back.OnPhotoRenamed = [this] {
+    Parts.PhotoView->OnPhotoRenamed();
+    UpdateCommands();
+  };
+  back.GetPictureSize = [this] { return GetPictureSize(); };
+  Parts.FilterBar = std::make_unique<CFilterBar>(*this, &back);
+  back.SetFilterBar(Parts.FilterBar.get(), CFilterBar::GetHeight());
+}
+
+void CMainFrame::CreatePages() {
+  CViewTabBar& bar = *(Parts.TabBar = std::make_unique<CViewTabBar>(this));
+  bar.OnTabChanged = [this] { OnTabChanged(); };
+  bar.AddTab(ViewTabId::CurrentPhoto, kCurrentPhotoTabOrder);
+  bar.SetTabInfo(ViewTabId::CurrentPhoto, PictureId::CurrentPhotoTab, 1, StringId::CurrentPhotoTabCaption, 0);
+  Parts.PhotoView = std::make_unique<CPhotoView>(this);
+  Parts.PhotoView->OnDoubleClick = [this] { ToggleFullScreen(FullScreenChange::Toggle); };
+  Parts.ToolRow = std::make_unique<CToolbar>(*this, this);
+  FillPhotoToolRow(*Parts.ToolRow);
+  Parts.Pages.push_back({ViewTabId::CurrentPhoto, Parts.PhotoView.get(), Parts.ToolRow.get()});
+}
+
+CFilmstrip& CMainFrame::GetStrip() const { return Parts.StripWindow->GetStrip(); }
 
 void CMainFrame::ShowInFront() {
   showMaximized();
@@ -154,16 +148,27 @@ void CMainFrame::ShowInFront() {
 
 void CMainFrame::OnCommand(CommandId id) {
   RunAfterJob([frame = QPointer<CMainFrame>(this), id] {
-    if (frame) CApplication::GetInstance()->RunGuarded([&frame, id] { frame->Commands.Run(id); });
+    if (frame) CApplication::GetInstance()->RunGuarded([&frame, id] { frame->Run(id); });
   });
 }
 
+void CMainFrame::Run(CommandId id) {
+  const Command* command = FindCommand(id);
+  if (command == nullptr || command->Run == nullptr) return;
+  // All that isn't a move acts on the photo that the strip is about to rest on.
+  const bool isMove = command->Held == KeyHeld::MovesStrip;
+  if (!isMove) GetStrip().AnnounceNow();
+  (Commands.*command->Run)(id);
+  // What is typed into an open field next belongs to the photo moved to.
+  if (isMove && Parts.PhotoBack->IsEditing()) GetStrip().AnnounceNow();
+}
+
 void CMainFrame::OnCurrentPhotoChanged(const CAssetRecord* record) {
-  PhotoBack->CommitEdits();  // to the photo that is left
+  Parts.PhotoBack->CommitEdits();  // to the photo that is left
   const CWaitCursor waiting;
   const auto photo = record != nullptr ? std::optional<CAssetRecord>(*record) : std::nullopt;
-  PhotoView->SetPhoto(photo);
-  PhotoBack->SetPhoto(photo);
+  Parts.PhotoView->SetPhoto(photo);
+  Parts.PhotoBack->SetPhoto(photo);
   UpdateCommands();
   DropMouseMoves();
 }
@@ -178,30 +183,30 @@ void CMainFrame::OnEditBegins() {
   GetStrip().AnnounceNow();
 }
 
-bool CMainFrame::IsEditing() const { return PhotoBack->IsEditing() || FilterBar->IsEditing(); }
+bool CMainFrame::IsEditing() const { return Parts.PhotoBack->IsEditing() || Parts.FilterBar->IsEditing(); }
 
 void CMainFrame::PrepareForSearch() {
-  PhotoBack->CommitEdits();
+  Parts.PhotoBack->CommitEdits();
   StopSlideShow();
   GetStrip().FinishMove();
 }
 
 void CMainFrame::OnStampChanged(StampId type) {
   // While the current photo changes this is still the photo that is left.
-  if (const auto& photo = PhotoView->GetPhoto()) GetStrip().StampChanged(type, photo->GetAssetID());
+  if (const auto& photo = Parts.PhotoView->GetPhoto()) GetStrip().StampChanged(type, photo->GetAssetID());
 }
 
 ImageSize CMainFrame::GetPictureSize() const {
-  if (const CImage* image = PhotoView->GetImage()) return image->GetNaturalSize();
-  const auto& photo = PhotoView->GetPhoto();
-  return photo && !PhotoView->isVisible() ? ReadImageSize(photo->GetPath()) : ImageSize();
+  if (const CImage* image = Parts.PhotoView->GetImage()) return image->GetNaturalSize();
+  const auto& photo = Parts.PhotoView->GetPhoto();
+  return photo && !Parts.PhotoView->isVisible() ? ReadImageSize(photo->GetPath()) : ImageSize();
 }
 
 void CMainFrame::OnPhotoChanged() {
   const CAssetRecord* record = GetStrip().GetCurrentRecord();
   if (record == nullptr) return;
   CAssetRecord photo = *record;
-  PhotoBack->UpdateFormat();
+  Parts.PhotoBack->UpdateFormat();
   UpdateCommands();
   GetStrip().RedrawCurrentThumbnail();  // the old one has been forgotten
   photo.MakeThumbnail();                // late, for the disk may refuse it
@@ -216,7 +221,7 @@ void CMainFrame::OnSlideShowStateChanged() {
 
 void CMainFrame::UpdateCommands() {
   PhotoToolState state;
-  if (const auto& photo = PhotoView->GetPhoto(); photo && photo->IsValid()) {
+  if (const auto& photo = Parts.PhotoView->GetPhoto(); photo && photo->IsValid()) {
     state.HasPhoto = true;
     state.HasOriginalCopy = HasOriginalCopy(*photo);
     state.ToEmail = photo->GetFlag(PhotoFlag::ToEmail);
@@ -224,56 +229,20 @@ void CMainFrame::UpdateCommands() {
   }
   state.SlideShowRuns = IsSlideShowRunning();
   state.FullScreen = IsFullScreen();
-  UpdatePhotoToolRow(*ToolRow, state);
-  if (IsFullScreen()) Mode->PlaceTools(*this);
+  UpdatePhotoToolRow(*Parts.ToolRow, state);
+  if (IsFullScreen()) Mode->PlaceTools(Parts);
 }
 
 void CMainFrame::ToggleInTab(const CAssetRecord& photo, ViewTabId tab, bool extendRange) {
-  CApplication::GetInstance()->RunGuarded([&] { ToggleMarks(photo, tab, extendRange); });
-}
-
-void CMainFrame::ToggleMarks(const CAssetRecord& photo, ViewTabId tab, bool extendRange) {
-  const TabFlag& mark = GetTabFlag(tab);
-  std::vector<int> changed{PhotoSet->IndexOf(photo.GetAssetID())};
-  std::optional<CWaitCursor> waiting;
-  CAutoCommitPause oneChange(Catalog);
-  const bool on = ToggleFlag(photo, mark.Flag);
-  if (extendRange) {
-    const auto [first, end] = FindRangeToToggle(changed.front(), PhotoSet->GetCount(), on, [&](int index) {
-      return PhotoSet->GetAsset(index).GetFlag(mark.Flag);
-    });
-    if (end - first > kLongRange) waiting.emplace();
-    for (int index = first; index < end; ++index) {
-      ToggleFlag(PhotoSet->GetAsset(index), mark.Flag);
-      changed.push_back(index);
-    }
-  }
-  oneChange.Commit();
-  for (const int index : changed) GetStrip().RedrawBand(index, mark.StripIcon);
-  PhotoView->UpdateFlags();
-  UpdateCommands();
-  DropMouseMoves();
-}
-
-void CMainFrame::DeleteCurrentPhoto() {
-  const CAssetRecord* current = GetStrip().GetCurrentRecord();
-  if (current == nullptr) return;
-  CAssetRecord photo = *current;
-  const CWaitCursor waiting;
-  StopSlideShow();
-  setFocus();
-  {
-    CAutoCommitPause oneChange(Catalog);
-    photo.SetFlag(PhotoFlag::Tossed, true);
-    photo.SetFlag(PhotoFlag::ToEmail, false);
-    photo.SetFlag(PhotoFlag::ToRemotePrint, false);
-    oneChange.Commit();
-  }
-  GetStrip().RemoveCurrent();
+  CApplication::GetInstance()->RunGuarded([&] {
+    ToggleMarks(Catalog, Parts, photo, tab, extendRange);
+    UpdateCommands();
+    DropMouseMoves();
+  });
 }
 
 void CMainFrame::SelectTab(ViewTabId tab) {
-  if (TabBar->GetSelectedTab() != tab) TabBar->SelectTab(tab);
+  if (Parts.TabBar->GetSelectedTab() != tab) Parts.TabBar->SelectTab(tab);
 }
 
 std::string CMainFrame::GetFolderLabel(const std::string& folder) const {
@@ -281,23 +250,25 @@ std::string CMainFrame::GetFolderLabel(const std::string& folder) const {
 }
 
 void CMainFrame::OnTabChanged() {
-  const bool photoTab = TabBar->GetSelectedTab() == ViewTabId::CurrentPhoto;
-  PhotoView->setVisible(photoTab);
-  ToolRow->setVisible(photoTab);
+  for (const TabPage& page : Parts.Pages) {
+    const bool isSelected = page.Tab == Parts.TabBar->GetSelectedTab();
+    page.Page->setVisible(isSelected);
+    page.ToolRow->setVisible(isSelected);
+  }
 }
 
 void CMainFrame::ToggleFullScreen(FullScreenChange change) {
   const bool on =
       change == FullScreenChange::Toggle ? !IsFullScreen() : change == FullScreenChange::FullScreen;
-  if (on == IsFullScreen() || (on && !PhotoView->GetPhoto())) return;
+  if (on == IsFullScreen() || (on && !Parts.PhotoView->GetPhoto())) return;
   setFocus();  // ends an edit while its field shows
   if (on) SelectTab(ViewTabId::CurrentPhoto);
-  Mode->OnLeave(*this);
+  Mode->OnLeave(Parts);
   Mode = &GetViewMode(on ? ViewModeId::FullScreen : ViewModeId::Normal);
   setMinimumSize(Mode->GetMinMaxInfo());
-  Mode->Enter(*this);
-  Mode->Layout(*this);
-  ToolRow->show();
+  Mode->Enter(Parts);
+  Mode->Layout(Parts);
+  Parts.ToolRow->show();
   UpdateCommands();
   FullScreenTools->SetActive(on);
   setFocus();
@@ -324,8 +295,8 @@ void CMainFrame::SetInputBlocked(bool on) { InputFilter->SetBlocked(on); }
 void CMainFrame::closeEvent(QCloseEvent* event) {
   Closing = true;
   if (!IsJobRunning()) {
-    if (PhotoBack) {
-      PhotoBack->CommitEdits();
+    if (Parts.PhotoBack) {
+      Parts.PhotoBack->CommitEdits();
       // A refused write is told by an event, which must not be lost with the loop.
       QCoreApplication::sendPostedEvents(QCoreApplication::instance(), QEvent::MetaCall);
     }
@@ -340,13 +311,13 @@ void CMainFrame::closeEvent(QCloseEvent* event) {
 }
 
 void CMainFrame::resizeEvent(QResizeEvent*) {
-  if (StripWindow) Mode->Layout(*this);
+  if (Parts.StripWindow) Mode->Layout(Parts);
 }
 
 void CMainFrame::paintEvent(QPaintEvent*) {
   if (!IsFullScreen()) {
     CDevicePainter painter(*this);
-    const QRect place = LayOutMainWindow(size(), kStripWindowHeight, HelpButton->size()).Logo;
+    const QPoint place = GetLogoPlace(size());
     painter.Draw({painter.Scaled(place.x()), painter.Scaled(place.y())},
                  GetPicture(PictureId::Logo, painter.GetPixelRatio()));
   }
@@ -359,7 +330,7 @@ void CMainFrame::changeEvent(QEvent* event) {
   if (event->type() == QEvent::ActivationChange && FullScreenTools) {
     FullScreenTools->OnActivationChanged(isActiveWindow());
   }
-  if (event->type() == QEvent::WindowStateChange) FullScreenState.OnStateChanged();
+  if (event->type() == QEvent::WindowStateChange) Parts.FullScreenState->OnStateChanged();
   QWidget::changeEvent(event);
 }
 

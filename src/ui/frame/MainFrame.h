@@ -8,30 +8,20 @@
 #include "catalog/ThumbnailCache.h"
 #include "imaging/PixelBuffer.h"
 #include "ui/back/FilterBarHost.h"
-#include "ui/frame/FullScreenState.h"
-#include "ui/frame/FullScreenTools.h"
+#include "ui/frame/FullScreen.h"
 #include "ui/frame/InputFilter.h"
 #include "ui/frame/MainCommands.h"
+#include "ui/frame/MainParts.h"
 #include "ui/frame/ViewMode.h"
 #include "ui/strip/FilmstripHost.h"
 
 class CFilmstrip;
-class CFilterBar;
-struct Command;
-class CPaintedButton;
-class CPhotoBack;
-class CPhotoSet;
-class CPhotoView;
-class CStripWindow;
-class CToolbar;
-class CViewTabBar;
 class CWindowedSearchProgress;
+struct Command;
 
 /// What the event loop returns when the main window has been closed, and so the program's exit code after
 /// a normal session.
 inline constexpr int kNormalExitCode = 1;
-
-enum class FullScreenChange { Toggle = -1, Normal = 0, FullScreen = 1 };
 
 /// The main window. It owns the two data stores and all that it shows: the strip below, the page of the
 /// selected tab with its button row, the photo back. Commands and keys arrive here, and here a change of the
@@ -67,7 +57,7 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost 
 
   // What the filter bar needs.
   CCatalog& GetCatalog() override { return Catalog; }
-  CPhotoSet& GetPhotoSet() override { return *PhotoSet; }
+  CPhotoSet& GetPhotoSet() override { return *Parts.PhotoSet; }
   void RefreshStrip(StripPosition position) override;
   void MoveStrip(int index) override;
   void OnEditBegins() override;
@@ -82,15 +72,10 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost 
   void ToggleFullScreen(FullScreenChange change);
   bool IsFullScreen() const { return Mode->GetId() == ViewModeId::FullScreen; }
 
-  CFullScreenState& GetFullScreenState() { return FullScreenState; }
-  CFullScreenTools& GetFullScreenTools() const { return *FullScreenTools; }
   /// Shows or hides the button row and the pointer; in full-screen mode only.
   void ShowTools(bool show);
   /// Moves of the pointer that wait in the queue don't bring up the tools.
   void DropMouseMoves();
-
-  /// A key of that command was pressed, or is being held.
-  void OnKey(const Command& command, bool isRepeat);
 
   void StartSlideShow();
   void StopSlideShow();
@@ -99,20 +84,8 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost 
   /// Swallows keys and clicks, which are lost, while it is on.
   void SetInputBlocked(bool on);
 
-  /// Takes the current photo into the trash and out of the other tabs.
-  void DeleteCurrentPhoto();
-
-  /// Gives the buttons of the current page the states that fit now.
-  void UpdateCommands();
-
-  CStripWindow& GetStripWindow() const { return *StripWindow; }
+  const MainParts& GetParts() const { return Parts; }
   CFilmstrip& GetStrip() const;
-  CViewTabBar& GetTabBar() const { return *TabBar; }
-  CPhotoView& GetPhotoView() const { return *PhotoView; }
-  CPhotoBack& GetPhotoBack() const { return *PhotoBack; }
-  CToolbar& GetToolRow() const { return *ToolRow; }
-  CPaintedButton& GetHelpButton() const { return *HelpButton; }
-  CFilterBar& GetFilterBar() const { return *FilterBar; }
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -125,8 +98,14 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost 
 
  private:
   void CreateParts();
-  void ToggleMarks(const CAssetRecord& photo, ViewTabId tab, bool extendRange);
+  void CreatePhotoBack();
+  void CreatePages();
+  void Run(CommandId id);
+  /// A key of that command was pressed, or is being held.
+  void OnKey(const Command& command, bool isRepeat);
   void OnTabChanged();
+  /// Gives the buttons of the current photo's page the states that fit now.
+  void UpdateCommands();
   void OnStampChanged(StampId type);
   /// Of the current photo, as it was decoded; 0 by 0 without a picture.
   ImageSize GetPictureSize() const;
@@ -135,20 +114,10 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost 
 
   CCatalog Catalog;
   CThumbnailCache ThumbnailCache;
-  std::unique_ptr<CPhotoSet> PhotoSet;
-
-  std::unique_ptr<CPaintedButton> HelpButton;
-  std::unique_ptr<CPhotoBack> PhotoBack;
-  std::unique_ptr<CFilterBar> FilterBar;  // in the photo back
-  std::unique_ptr<CToolbar> ToolRow;      // of the current photo tab
-  std::unique_ptr<CViewTabBar> TabBar;
-  std::unique_ptr<CPhotoView> PhotoView;
-  std::unique_ptr<CStripWindow> StripWindow;
+  MainParts Parts;
+  CMainCommands Commands;
   std::unique_ptr<CFullScreenTools> FullScreenTools;
   std::unique_ptr<CInputFilter> InputFilter;
-
-  CFullScreenState FullScreenState;
-  CMainCommands Commands;
   const CViewMode* Mode;
   bool TipAsked = false;
   bool Closing = false;

@@ -1,8 +1,8 @@
 #include "ui/frame/ViewMode.h"
 
 #include "ui/back/PhotoBack.h"
-#include "ui/frame/MainFrame.h"
-#include "ui/frame/MainLayout.h"
+#include "ui/frame/FullScreen.h"
+#include "ui/frame/MainParts.h"
 #include "ui/kit/FontTable.h"
 #include "ui/kit/PaintedButton.h"
 #include "ui/kit/Toolbar.h"
@@ -12,53 +12,81 @@
 
 namespace {
 
-MainLayout GetLayout(const CMainFrame& frame) {
-  return LayOutMainWindow(frame.size(), kStripWindowHeight, frame.GetHelpButton().size());
+constexpr int kMargin = 5;
+constexpr int kToolRowHeight = 55;
+constexpr int kFullScreenToolsMargins = 50;  // both sides together
+constexpr int kPhotoBackTop = 34;
+constexpr int kPhotoBackLeft = 270;  // from the window's right edge
+constexpr int kPhotoBackWidth = 267;
+constexpr int kHelpMargin = 3;
+
+/// Where the parts stand in normal mode, in pixels of the layout.
+struct MainLayout {
+  QRect Strip;
+  QRect TabBar;
+  QRect ToolRow;
+  QRect PhotoBack;
+  QRect HelpButton;
+};
+
+MainLayout GetLayout(const MainParts& parts) {
+  const QSize window = parts.Window->size();
+  const QSize help = parts.HelpButton->size();
+  const int stripTop = window.height() - kStripWindowHeight;
+  MainLayout layout;
+  layout.Strip = QRect(0, stripTop, window.width(), kStripWindowHeight);
+  layout.PhotoBack = QRect(window.width() - kPhotoBackLeft, kPhotoBackTop, kPhotoBackWidth,
+                           stripTop - kPhotoBackTop - kMargin);
+  layout.TabBar = QRect(kMargin, kMargin, layout.PhotoBack.left() - 2 * kMargin,
+                        stripTop - kMargin - kToolRowHeight - kMargin);
+  layout.ToolRow = QRect(layout.TabBar.left(), layout.TabBar.top() + layout.TabBar.height(),
+                         layout.TabBar.width(), kToolRowHeight);
+  layout.HelpButton =
+      QRect(QPoint(window.width() - kHelpMargin - help.width(), (kPhotoBackTop - help.height()) / 2), help);
+  return layout;
 }
 
 class CNormalMode : public CViewMode {
  public:
   ViewModeId GetId() const override { return ViewModeId::Normal; }
-  QSize GetMinMaxInfo() const override { return MinimumMainWindowSize(CFontTable::IsSmallScreen()); }
-  QRect GetToolsRect(const CMainFrame& frame) const override { return GetLayout(frame).ToolRow; }
+  QSize GetMinMaxInfo() const override { return {800, CFontTable::IsSmallScreen() ? 550 : 600}; }
+  QRect GetToolsRect(const MainParts& parts) const override { return GetLayout(parts).ToolRow; }
 
-  void Enter(CMainFrame& frame) const override {
-    frame.GetTabBar().show();
-    frame.GetPhotoBack().show();
-    frame.GetHelpButton().show();
-    frame.GetStripWindow().show();
+  void Enter(const MainParts& parts) const override {
+    parts.TabBar->show();
+    parts.PhotoBack->show();
+    parts.HelpButton->show();
+    parts.StripWindow->show();
   }
 
-  void OnLeave(CMainFrame& frame) const override {
-    frame.GetTabBar().hide();
-    frame.GetPhotoBack().hide();
-    frame.GetHelpButton().hide();
-    frame.GetStripWindow().hide();
+  void OnLeave(const MainParts& parts) const override {
+    parts.TabBar->hide();
+    parts.PhotoBack->hide();
+    parts.HelpButton->hide();
+    parts.StripWindow->hide();
   }
 
-  void PlaceStrip(CMainFrame& frame) const override {
-    const QRect place = GetLayout(frame).Strip;
-    frame.GetStripWindow().setGeometry(place);
+  void PlaceStrip(const MainParts& parts) const override {
+    const QRect place = GetLayout(parts).Strip;
+    parts.StripWindow->setGeometry(place);
   }
 
-  void PlacePages(CMainFrame& frame) const override {
-    CViewTabBar& bar = frame.GetTabBar();
-    bar.setGeometry(GetLayout(frame).TabBar);
-    CPhotoView& view = frame.GetPhotoView();
-    view.SetLook({.Margin = true, .CentreVertically = true});
-    view.setGeometry(bar.GetPageRect().translated(bar.pos()));
+  void PlacePages(const MainParts& parts) const override {
+    CViewTabBar& bar = *parts.TabBar;
+    bar.setGeometry(GetLayout(parts).TabBar);
+    parts.PhotoView->SetLook({.Margin = true, .CentreVertically = true});
+    for (const TabPage& page : parts.Pages) page.Page->setGeometry(bar.GetPageRect().translated(bar.pos()));
   }
 
-  void PlacePhotoBack(CMainFrame& frame) const override {
-    const MainLayout layout = GetLayout(frame);
-    frame.GetPhotoBack().setGeometry(layout.PhotoBack);
-    frame.GetHelpButton().move(layout.HelpButton.topLeft());
+  void PlacePhotoBack(const MainParts& parts) const override {
+    const MainLayout layout = GetLayout(parts);
+    parts.PhotoBack->setGeometry(layout.PhotoBack);
+    parts.HelpButton->move(layout.HelpButton.topLeft());
   }
 
-  void PlaceTools(CMainFrame& frame) const override {
-    CToolbar& row = frame.GetToolRow();
-    row.SetFullScreenLook(false);
-    row.setGeometry(GetToolsRect(frame));
+  void PlaceTools(const MainParts& parts) const override {
+    parts.ToolRow->SetFullScreenLook(false);
+    for (const TabPage& page : parts.Pages) page.ToolRow->setGeometry(GetToolsRect(parts));
   }
 };
 
@@ -67,40 +95,40 @@ class CFullScreenMode : public CViewMode {
   ViewModeId GetId() const override { return ViewModeId::FullScreen; }
   QSize GetMinMaxInfo() const override { return {0, 0}; }
 
-  QRect GetToolsRect(const CMainFrame& frame) const override {
-    return FullScreenToolRow(frame.size(), frame.GetToolRow().GetContentWidth());
+  QRect GetToolsRect(const MainParts& parts) const override {
+    const QSize window = parts.Window->size();
+    const int width = parts.ToolRow->GetContentWidth() + kFullScreenToolsMargins;
+    return {window.width() - width, window.height() - kToolRowHeight, width, kToolRowHeight};
   }
 
   // The desktop remembers the window's former place and whether it was maximized.
-  void Enter(CMainFrame& frame) const override { frame.GetFullScreenState().Request(true); }
+  void Enter(const MainParts& parts) const override { parts.FullScreenState->Request(true); }
 
-  void OnLeave(CMainFrame& frame) const override { frame.GetFullScreenState().Request(false); }
+  void OnLeave(const MainParts& parts) const override { parts.FullScreenState->Request(false); }
 
-  void PlaceStrip(CMainFrame&) const override {}
+  void PlaceStrip(const MainParts&) const override {}
 
-  void PlacePages(CMainFrame& frame) const override {
-    CPhotoView& view = frame.GetPhotoView();
-    view.SetLook({.Margin = false, .CentreVertically = true});
-    view.setGeometry(frame.rect());
+  void PlacePages(const MainParts& parts) const override {
+    parts.PhotoView->SetLook({.Margin = false, .CentreVertically = true});
+    parts.PhotoView->setGeometry(parts.Window->rect());
   }
 
-  void PlaceTools(CMainFrame& frame) const override {
-    CToolbar& row = frame.GetToolRow();
-    row.SetFullScreenLook(true);
-    row.setGeometry(GetToolsRect(frame));
-    row.raise();
+  void PlaceTools(const MainParts& parts) const override {
+    parts.ToolRow->SetFullScreenLook(true);
+    parts.ToolRow->setGeometry(GetToolsRect(parts));
+    parts.ToolRow->raise();
   }
 
-  void PlacePhotoBack(CMainFrame&) const override {}
+  void PlacePhotoBack(const MainParts&) const override {}
 };
 
 }  // namespace
 
-void CViewMode::Layout(CMainFrame& frame) const {
-  PlaceStrip(frame);
-  PlacePages(frame);
-  PlacePhotoBack(frame);
-  PlaceTools(frame);
+void CViewMode::Layout(const MainParts& parts) const {
+  PlaceStrip(parts);
+  PlacePages(parts);
+  PlacePhotoBack(parts);
+  PlaceTools(parts);
 }
 
 const CViewMode& GetViewMode(ViewModeId id) {
@@ -109,3 +137,5 @@ const CViewMode& GetViewMode(ViewModeId id) {
   if (id == ViewModeId::FullScreen) return fullScreen;
   return normal;
 }
+
+QPoint GetLogoPlace(QSize window) { return {window.width() - kPhotoBackLeft, kMargin}; }

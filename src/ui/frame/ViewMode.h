@@ -1,9 +1,10 @@
 #pragma once
 
+#include <QPoint>
 #include <QRect>
 #include <QSize>
 
-class CMainFrame;
+struct MainParts;
 
 enum class ViewModeId { Normal = 0, FullScreen = 1 };
 
@@ -18,22 +19,25 @@ class CViewMode {
   /// The least size of the window.
   virtual QSize GetMinMaxInfo() const = 0;
 
-  /// Where the button row of the current page stands.
-  virtual QRect GetToolsRect(const CMainFrame& frame) const = 0;
+  /// Where the button row of a page stands.
+  virtual QRect GetToolsRect(const MainParts& parts) const = 0;
 
   /// Places all parts; called at every change of the window's size.
-  virtual void Layout(CMainFrame& frame) const;
+  virtual void Layout(const MainParts& parts) const;
 
   /// Brings the window into this mode.
-  virtual void Enter(CMainFrame& frame) const = 0;
+  virtual void Enter(const MainParts& parts) const = 0;
 
-  virtual void PlaceStrip(CMainFrame& frame) const = 0;
-  virtual void PlacePages(CMainFrame& frame) const = 0;
-  virtual void PlaceTools(CMainFrame& frame) const = 0;
-  virtual void PlacePhotoBack(CMainFrame& frame) const = 0;
+  virtual void PlaceStrip(const MainParts& parts) const = 0;
+  virtual void PlacePages(const MainParts& parts) const = 0;
+  virtual void PlaceTools(const MainParts& parts) const = 0;
+  virtual void PlacePhotoBack(const MainParts& parts) const = 0;
 
   /// Takes back what Enter has done, before the other mode is entered.
-  virtual void OnLeave(CMainFrame& frame) const = 0;
+  virtual void OnLeave(const MainParts& parts) const = 0;
 };
 
 const CViewMode& GetViewMode(ViewModeId id);
+
+/// Where the logo stands in normal mode, in a window of that size.
+QPoint GetLogoPlace(QSize window);

@@ -1,12 +1,26 @@
 #pragma once
 
 #include <QPointer>
+#include <Qt>
 #include <QtGlobal>
 #include <unordered_map>
 
 class QKeyEvent;
 class QObject;
 struct Command;
+
+/// A key with the modifiers held.
+struct KeyChord {
+  int Key = 0;  // Qt::Key; 0 for none
+  Qt::KeyboardModifiers Modifiers = Qt::NoModifier;
+  friend bool operator==(const KeyChord&, const KeyChord&) = default;
+};
+
+/// The key of an event, so that every keyboard layout has the commands: the Latin letter or digit that was
+/// typed, also on the keypad; else, where a character of another script was typed, the Latin letter of that
+/// key position, and where any other character was typed, its digit; else the key itself. Shift counts only
+/// with keys that are neither letters nor digits.
+KeyChord ReadKeyChord(const QKeyEvent& event);
 
 /// Tells the press of a key from its repeats, and keeps the repeats where the press went: a key that opened a
 /// field types nothing into it, and one that ended an edit answers no question.

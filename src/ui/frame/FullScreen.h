@@ -2,11 +2,39 @@
 
 #include <QPoint>
 #include <QTimer>
+#include <functional>
 #include <optional>
 
 #include "ui/kit/WaitCursor.h"
 
 class QWidget;
+
+enum class FullScreenChange { Toggle = -1, Normal = 0, FullScreen = 1 };
+
+/// Asks the desktop to let a window fill the screen, or to end that. The desktop does so a moment later, and
+/// meanwhile the toolkit may read and tell the state of before: only what holds after a pause is the
+/// desktop's own wish.
+class CFullScreenState {
+ public:
+  /// `onEnded`: the desktop has ended full screen by itself.
+  CFullScreenState(QWidget& window, std::function<void()> onEnded);
+
+  void Request(bool on);
+
+  /// To be called for every change of the window's state.
+  void OnStateChanged();
+
+ private:
+  void Ask();
+  void Settle();
+  void End();
+
+  QWidget& Window;
+  const std::function<void()> OnEnded;
+  QTimer Settling;  // until nothing has been asked or told for a while
+  bool Wanted = false;
+  bool AskedAgain = false;
+};
 
 /// The button row and the pointer in full-screen mode: a move of the pointer brings them up, and a while
 /// later they vanish.

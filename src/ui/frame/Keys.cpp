@@ -1,4 +1,4 @@
-#include "ui/frame/KeyChord.h"
+#include "ui/frame/Keys.h"
 
 #include <QKeyEvent>
 #include <string_view>
@@ -46,4 +46,24 @@ KeyChord ReadKeyChord(const QKeyEvent& event) {
   }
   if (IsLatinOrDigit(key)) modifiers &= ~Qt::ShiftModifier;
   return {key, modifiers};
+}
+
+bool CHeldKeys::IsRepeat(const QKeyEvent& press) const {
+  if (press.isAutoRepeat()) return true;
+  return ReleaseTime != 0 && press.timestamp() == ReleaseTime && press.nativeScanCode() == ReleasedKey;
+}
+
+void CHeldKeys::OnRelease(const QKeyEvent& release) {
+  ReleasedKey = release.nativeScanCode();
+  ReleaseTime = release.timestamp();
+}
+
+bool CHeldKeys::OnPress(const QKeyEvent& press, QObject* receiver, const Command* command) {
+  Press& known = Presses[press.nativeScanCode()];
+  if (!IsRepeat(press)) {
+    known = {command == nullptr ? receiver : nullptr, command};
+    return true;
+  }
+  if (command != nullptr) return known.Accelerator == command;
+  return receiver != nullptr && known.Receiver == receiver;
 }

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "ui/kit/ViewTabs.h"
+
+class CFilterBar;
+class CFullScreenState;
+class CPaintedButton;
+class CPhotoBack;
+class CPhotoSet;
+class CPhotoView;
+class CStripWindow;
+class CToolbar;
+class CViewTabBar;
+class QWidget;
+
+/// A page of the tab bar and the row of buttons below it. They show while the tab is selected.
+struct TabPage {
+  ViewTabId Tab;
+  QWidget* Page;
+  CToolbar* ToolRow;
+};
+
+/// What stands in the main window, and the photos that it shows. CMainFrame makes and owns all of it; the
+/// commands and modes of the window work on the parts and don't know the window itself.
+struct MainParts {
+  QWidget* Window = nullptr;
+  std::unique_ptr<CFullScreenState> FullScreenState;
+  std::unique_ptr<CPhotoSet> PhotoSet;
+  std::unique_ptr<CPaintedButton> HelpButton;
+  std::unique_ptr<CPhotoBack> PhotoBack;
+  std::unique_ptr<CFilterBar> FilterBar;  // in the photo back
+  std::unique_ptr<CToolbar> ToolRow;      // of the current photo's page
+  std::unique_ptr<CViewTabBar> TabBar;
+  std::unique_ptr<CPhotoView> PhotoView;      // the current photo's page
+  std::unique_ptr<CStripWindow> StripWindow;  // shows the set
+  std::vector<TabPage> Pages;
+};

@@ -1,0 +1,71 @@
+#include <gtest/gtest.h>
+
+#include <QKeyEvent>
+#include <set>
+
+#include "ui/frame/CommandTable.h"
+#include "ui/frame/PhotoMarks.h"
+
+namespace {
+
+CommandId IdOf(const Command* command) { return command != nullptr ? command->Id : CommandId{}; }
+
+}  // namespace
+
+TEST(CommandTable, NoKeyLeadsToTwoCommands) {
+  for (const Command& command : GetCommandTable()) {
+    EXPECT_EQ(FindCommand(command.Id), &command);
+    for (const KeyChord& chord : command.Accelerators) {
+      EXPECT_EQ(FindAccelerator(chord), chord.Key != 0 ? &command : nullptr);
+    }
+    EXPECT_EQ(FindBareKey({command.BareKey}), command.BareKey != 0 ? &command : nullptr);
+  }
+}
+
+TEST(CommandTable, KeysOfEveryLayoutReachTheirCommand) {
+  constexpr CommandId kNone{};
+  constexpr int kCyrillicDe = 0x0414;
+  // A key as the keyboard sends it, with its position, and the commands as a bare key and as an accelerator.
+  const struct {
+    int Key;
+    Qt::KeyboardModifiers Modifiers;
+    quint32 ScanCode;
+    CommandId Bare;
+    CommandId Accelerator;
+  } rows[] = {
+      {Qt::Key_L, {}, 46, CommandId::RotateLeft, kNone},
+      {kCyrillicDe, {}, 46, CommandId::RotateLeft, kNone},
+      {Qt::Key_N, {}, 46, kNone, kNone},  // a Latin letter counts as typed
+      {Qt::Key_Eacute, {}, 11, CommandId::Rate2, kNone},
+      {Qt::Key_Comma, {}, 58, kNone, kNone},  // where others have M
+      {Qt::Key_2, Qt::ShiftModifier, 11, CommandId::Rate2, kNone},
+      {Qt::Key_0, Qt::KeypadModifier, 0, CommandId::Rate0, kNone},
+      {Qt::Key_Home, {}, 0, CommandId::FirstPhoto, kNone},
+      {Qt::Key_R, Qt::ControlModifier, 0, kNone, kNone},
+      {Qt::Key_R, Qt::AltModifier | Qt::ControlModifier, 0, kNone, kNone},
+      {Qt::Key_M, Qt::AltModifier | Qt::ShiftModifier, 0, kNone, CommandId::ToggleEmail},
+      {Qt::Key_Enter, Qt::KeypadModifier, 0, kNone, CommandId::EndEdit},
+      {Qt::Key_Backtab, Qt::ShiftModifier, 0, kNone, CommandId::PreviousField},
+      {Qt::Key_Pause, {}, 0, kNone, CommandId::ToggleSlideShow},
+  };
+  for (const auto& [key, modifiers, scanCode, bare, accelerator] : rows) {
+    const KeyChord chord = ReadKeyChord(QKeyEvent(QEvent::KeyPress, key, modifiers, scanCode, 0, 0));
+    EXPECT_EQ(IdOf(FindBareKey(chord)), bare) << key;
+    EXPECT_EQ(IdOf(FindAccelerator(chord)), accelerator) << key;
+  }
+}
+
+TEST(MarkedRange, SettingReachesForTheNearestAndTakingAwayForTheFarthest) {
+  const auto range = [](int position, bool on, std::set<int> marked) {
+    const auto [first, end] =
+        FindRangeToToggle(position, 20, on, [&](int index) { return marked.contains(index); });
+    return first < end ? std::pair(first, end) : std::pair(0, 0);
+  };
+  EXPECT_EQ(range(9, true, {2, 6, 9, 11}), std::pair(7, 9));
+  EXPECT_EQ(range(3, true, {0, 3}), std::pair(1, 3));
+  EXPECT_EQ(range(9, false, {2, 6}), std::pair(3, 9));
+  EXPECT_EQ(range(9, true, {9, 13, 15}), std::pair(10, 13));
+  EXPECT_EQ(range(9, false, {13, 19}), std::pair(10, 19));
+  EXPECT_EQ(range(9, true, {9}), std::pair(0, 0));
+  EXPECT_EQ(range(-1, true, {3}), std::pair(0, 0)) << "a photo that isn't in the strip";
+}
