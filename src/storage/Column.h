@@ -8,15 +8,15 @@
 
 #include "storage/Row.h"
 
-/// Frees what was reserved in vain.
+/// Frees memory that was reserved and not used.
 template <typename T>
 void TrimVector(std::vector<T>& values) {
   if (values.capacity() > values.size() + values.size() / 16) values.shrink_to_fit();
 }
 
-/// The texts of one column, by slot, in one block of memory. A text that equals one of those before it, as
-/// the folder of a photo and the dates of its stamps mostly do, shares that one's place: it costs 4 bytes,
-/// and the processor finds it in its cache.
+/// The texts of one column, by slot, in one block of memory. A text that equals one of the texts before it,
+/// as the folder of a photo and the dates of its stamps mostly do, shares the place of that one and costs 4
+/// bytes.
 class CTextColumn {
  public:
   /// Valid until the next change of the column.
@@ -28,7 +28,7 @@ class CTextColumn {
   void Resize(std::size_t size);
 
   void Reserve(std::size_t size);
-  /// Frees what was reserved in vain.
+  /// Frees memory that was reserved and not used.
   void Trim();
 
   // A place holds a text for one slot or more. Equal texts may have several places.
@@ -55,12 +55,12 @@ class CTextColumn {
   std::vector<Text> Texts;            // by place
   std::vector<char> Bytes;
   std::vector<std::uint32_t> Free;    // places without a use
-  std::vector<std::uint32_t> Recent;  // places of texts met lately, by a hash of the text
+  std::vector<std::uint32_t> Recent;  // places of recent texts, by a hash of the text
   std::size_t UnusedBytes = 0;
 };
 
 /// The slots of a table ordered by the values of one integer column, equal ones by slot: 8 bytes a row. The
-/// values stand beside the slots, so that a search doesn't run through the table's memory.
+/// values stand beside the slots, so that a search reads only the index.
 class CIntegerIndex {
  public:
   struct Entry {
@@ -100,12 +100,12 @@ class CColumn {
   void Reserve(std::size_t size);
   /// Drops from the end or appends 0 or empty.
   void Resize(std::size_t size);
-  /// Frees what was reserved in vain.
+  /// Frees memory that was reserved and not used.
   void Trim();
 
   /// Sets the value, not the index.
   void Assign(c4_Slot slot, const c4_Row::Value& value);
-  /// Whether the value is this one, in every byte. Of a block of bytes, which would have to be read: no.
+  /// Whether the slot holds exactly this value. False for a block of bytes, which is not held in memory.
   bool Holds(c4_Slot slot, const c4_Row::Value& value) const;
 
   c4_Property Property;

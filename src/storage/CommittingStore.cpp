@@ -29,7 +29,8 @@ CAutoCommitPause::~CAutoCommitPause() {
   try {
     Store.Rollback();
   } catch (const CThrowable&) {
-    // The exception that brought us here tells the story; the next use of the storage meets the fault again.
+    // The destructor runs because of an exception already; the next use of the storage reports the fault
+    // again.
   }
 }
 

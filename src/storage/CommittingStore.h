@@ -12,12 +12,12 @@ class CCommittingStore {
   void SetAutoCommit(bool on) { AutoCommit = on; }
 
   /// What has changed is on disk, flushed, when this returns. Raises CStorageException when the disk refuses;
-  /// the changes are undone then, but for those that held before the last flush failed. Nothing happens while
+  /// the changes are then undone, unless only the last flush failed. Nothing happens while
   /// the store is closed.
   void Commit();
 
-  /// After a failed commit: sees to it that the store shows what holds. CStorageException if that can't be
-  /// read.
+  /// To be called after a failed commit: loads what the file holds, if that could not be read at once.
+  /// CStorageException if it still can't be read.
   void Refresh();
 
   /// Undoes everything since the last commit.
@@ -38,9 +38,9 @@ class CCommittingStore {
   bool AutoCommit = true;
 };
 
-/// Makes several changes one: auto commit is off while this object lives. Commit() puts auto commit back to
-/// what it was and commits if that was on. Without Commit() the changes are undone, unless an outer pause
-/// is on, whose owner then decides. Pauses nest.
+/// Combines several changes into one commit: auto commit is off while this object lives. Commit() restores
+/// auto commit and commits if it was on. Without Commit() the changes are undone, unless there is an outer
+/// pause, which then decides. Pauses nest.
 class CAutoCommitPause {
  public:
   explicit CAutoCommitPause(CCommittingStore& store);

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// The default id stands for no thread.
+/// The default id means no thread.
 std::atomic<std::thread::id> dataOwner;
 
 }  // namespace

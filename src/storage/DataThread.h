@@ -3,8 +3,8 @@
 #include <thread>
 
 /// The catalog and the caches belong to one thread at a time. This object lends them to the thread that
-/// makes it, until it goes; the lender must wait meanwhile. In debug builds every call into a view from
-/// another thread stops the program.
+/// constructs it, until it is destroyed; the lender must wait meanwhile. In debug builds every call into a
+/// view from another thread stops the program.
 class CDataThreadScope {
  public:
   CDataThreadScope();

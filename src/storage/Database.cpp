@@ -29,7 +29,7 @@ class CScratchFile {
       throw CDatabaseError(SQLITE_CANTOPEN, "no temporary file can be made (" + error.message() + ")");
   }
   ~CScratchFile() {
-    // One that can't be removed is only a file in the temporary folder.
+    // A file that stays in the temporary folder does no harm.
     static_cast<void>(platform::RemoveFile(Path));
   }
   CScratchFile(const CScratchFile&) = delete;
@@ -53,8 +53,8 @@ CDatabase::CDatabase(const std::string& path, bool readOnly)
   }
 }
 
-/// A new file is whole, flushed and marked as ours before it has its name, so an empty file is never a
-/// new storage. Nor is one made where a link leads to nothing: its disk may just be away.
+/// A new file gets its name when it is whole, flushed and marked as ours, so an empty file is never a new
+/// storage. No file is made where a link leads to nothing: the disk of its target may not be mounted.
 void CDatabase::MakeIfMissing() const {
   platform::FileStatus status;
   std::error_code error = platform::GetEntryStatus(Path, status);
@@ -68,7 +68,7 @@ void CDatabase::MakeIfMissing() const {
     throw CError(Describe("made", failure));
   }
   error = file.GiveName();
-  // Another process may have been faster: its file is as good.
+  // Another process may have made the file meanwhile; that one is used.
   if (error && error != std::errc::file_exists) throw CError(MakeText(Path, "made", error.message()));
 }
 
@@ -103,7 +103,8 @@ void CDatabase::OpenForReading() {
   }
 }
 
-/// Writes nothing: a file on a full or write-protected disk can be looked at, and the first change tells.
+/// Writes nothing, so that a file on a full or write-protected disk can be read; the first change reports
+/// the fault.
 void CDatabase::OpenForWriting() {
   ConnectAndCheck(SQLITE_OPEN_READWRITE);
   if (!Ours) return;
@@ -111,7 +112,7 @@ void CDatabase::OpenForWriting() {
     // Another tool may have switched the file to a log of its own, which a plain copy would miss.
     Execute("PRAGMA journal_mode=DELETE");
   } catch (const CDatabaseError&) {
-    // It stays as it is until a later session.
+    // A later session tries again.
   }
 }
 
@@ -124,8 +125,8 @@ void CDatabase::ConnectAndCheck(int flags) {
   Execute("ROLLBACK");
 }
 
-/// A killed run's transaction stands half in the file and its journal beside it. Only a connection that may
-/// write can put the file right; it does so before it reads.
+/// After a kill in the middle of a transaction a journal is left beside the file. Only a connection that may
+/// write can restore the file from it, which it does before it reads.
 void CDatabase::RecoverFromJournal() const {
   const CConnection writer = Connect(Path, SQLITE_OPEN_READWRITE);
   CStatement(writer.get(), "SELECT count(*) FROM sqlite_schema").Run();
@@ -143,7 +144,7 @@ void CDatabase::CheckAgain() {
   if (code == SQLITE_OK && moved != 0) throw CDatabaseError(SQLITE_READONLY_DBMOVED, Connection.get());
   const bool wasOurs = Ours;
   CheckContent();
-  // A file that is cut off at its start is an empty one for SQLite.
+  // SQLite takes a file of no bytes for an empty database.
   if (wasOurs ? Ours : QueryInteger("SELECT count(*) FROM sqlite_schema") > 0) return;
   Ours = wasOurs;
   throw CDatabaseError(SQLITE_CORRUPT, "another program has put something else in its place");

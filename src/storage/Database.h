@@ -7,8 +7,8 @@
 
 #include "storage/Sqlite.h"
 
-/// A connection to one storage file, opened by the rules that c4_Storage promises, and what the file says
-/// of itself. Raises CDatabaseError once it is open.
+/// A connection to one storage file, opened by the rules that c4_Storage promises. All operations but the
+/// constructor raise CDatabaseError.
 class CDatabase {
  public:
   /// Raises CError as the constructor of c4_Storage does.
@@ -16,10 +16,10 @@ class CDatabase {
   CDatabase(const CDatabase&) = delete;
   CDatabase& operator=(const CDatabase&) = delete;
 
-  /// The whole path, folder included; of a link where it leads.
+  /// The absolute path; of a link, that of its target.
   const std::string& GetPath() const { return Path; }
   bool IsReadOnly() const { return ReadOnly; }
-  /// Whether the file was made by this program. Any other SQLite file may serve if it has the views.
+  /// Whether the file was made by this program. Any other SQLite file is accepted if it has the views.
   bool IsOurs() const { return Ours; }
 
   CStatement Prepare(std::string_view sql) const { return {Connection.get(), sql}; }

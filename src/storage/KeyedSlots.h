@@ -5,13 +5,13 @@
 
 #include "storage/Row.h"
 
-/// A slot and the part of its sort key that is being looked at.
+/// A slot and the part of its sort key that is compared now.
 struct KeyedSlot {
   std::uint64_t Key;
   c4_Slot Slot;
 };
 
-/// An integer as a number without sign, in the same order.
+/// An unsigned number in the same order as the integer.
 constexpr std::uint32_t MakeSortable(std::int32_t value) {
   return static_cast<std::uint32_t>(value) ^ 0x80000000U;
 }

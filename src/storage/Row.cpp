@@ -10,7 +10,8 @@
 
 namespace {
 
-/// How many bytes both begin with, in steps of 8: most texts that are compared share a long folder name.
+/// The length of the common beginning in steps of 8 bytes: most texts that are compared share a long folder
+/// name.
 std::size_t SkipEqualWords(std::string_view left, std::string_view right, std::size_t common) {
   std::size_t at = 0;
   while (at + 8 <= common) {

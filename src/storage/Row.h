@@ -24,7 +24,7 @@ int CompareTexts(std::string_view left, std::string_view right);
 
 bool TextsAreEqual(std::string_view left, std::string_view right);
 
-/// That order for maps and sets.
+/// The same order, for maps and sets.
 struct TextOrder {
   using is_transparent = void;
   bool operator()(std::string_view left, std::string_view right) const {
@@ -75,14 +75,14 @@ class c4_Row {
 /// never given to another row while the table is loaded.
 using c4_Slot = std::uint32_t;
 
-/// Names one row through all changes around it. The slot is where it was seen last; RowId decides.
+/// Identifies a row. Slot is where it was last seen; RowId decides.
 struct RowIdentity {
   c4_Slot Slot = 0;
   std::int64_t RowId = 0;
 };
 
-/// What row references read and change rows through. Of a row that isn't there any more, or has no such
-/// property, the values are 0 or empty, and a change does nothing.
+/// Gives row references access to their rows. If the row no longer exists, or has no such property, reads
+/// give 0 or empty and Set does nothing.
 class c4_RowSource {
  public:
   virtual bool HasRow(const RowIdentity& row) const = 0;
@@ -111,7 +111,7 @@ class c4_RowRef {
   c4_RowRef(std::shared_ptr<c4_RowSource> source, const RowIdentity& row);
   void Set(const c4_Property& property, const c4_Row::Value& value) const;
 
-  std::shared_ptr<c4_RowSource> Source;  // null for a row that never was
+  std::shared_ptr<c4_RowSource> Source;  // null if made by the default constructor
   RowIdentity Row;
 };
 

@@ -218,7 +218,7 @@ std::pair<std::size_t, std::size_t> CSorting::NarrowSearch(const c4_Row& values)
       values.GetValues().begin(), values.GetValues().end(),
       [this](const auto& entry) { return !Keys.empty() && entry.first == Keys.front().Property; });
   if (value == values.GetValues().end()) return {0, Slots.size()};
-  // Between two changes a search pays for a few marks at most, an import for none.
+  // The guide is made only after enough searches to pay for it, so an import never makes one.
   if (!Guide && ++Searches * kMarksASearch > CSearchGuide::GetCost(Slots.size())) {
     Guide.emplace(GetRows(), Keys.front(), Slots);
   }

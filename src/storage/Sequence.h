@@ -35,17 +35,18 @@ class c4_Sequence {
 
   virtual std::optional<std::size_t> GetPositionOf(c4_Slot slot) const;
 
-  /// Positions, first and last, between which a search for values in sort order ends; all there are unless
-  /// the sequence knows better.
+  /// The range of positions, first and last, that a binary search for the values has to look at. All
+  /// positions unless a derived class can narrow it.
   virtual std::pair<std::size_t, std::size_t> NarrowSearch(const c4_Row&) const { return {0, GetSize()}; }
 
-  /// Before a change of `column` of the row, or (none) its removal: takes it out of what depends on that.
+  /// To be called before a change of `column` of the row, or, without a column, before its removal: takes
+  /// the row out of the sequences that depend on it.
   void TakeOut(c4_Slot slot, std::optional<std::size_t> column);
-  /// After the change, or the row's addition.
+  /// To be called after the change, or after the row was added.
   void PutIn(c4_Slot slot, std::optional<std::size_t> column);
-  /// After many rows were removed at once.
+  /// To be called after many rows were removed at once.
   void DropRemoved();
-  /// After the table was loaded or emptied.
+  /// To be called after the table was loaded or emptied.
   void Rebuild();
 
  protected:
@@ -66,7 +67,7 @@ class c4_Sequence {
   void PutIntoDerived(c4_Slot slot, ColumnNumber column, bool depends);
 
   const CTableRows& Rows;
-  std::vector<c4_Sequence*> Derived;  // each takes itself off when it goes
+  std::vector<c4_Sequence*> Derived;  // each removes itself in its destructor
 };
 
 /// All rows of a table, in the order of the file.
@@ -94,8 +95,8 @@ class CStoredSequence final : public c4_Sequence {
   std::vector<c4_Slot> Order;  // ascending
 };
 
-/// A sequence that holds a part of its base's rows, or all, in an order of its own. It keeps the base
-/// alive, and follows it until it goes itself.
+/// A sequence that holds a part of its base's rows, or all, in an order of its own. It keeps the base alive
+/// and follows its changes.
 class CDerivedSequence : public c4_Sequence {
  public:
   ~CDerivedSequence() override;
@@ -152,7 +153,7 @@ class CSorting final : public CDerivedSequence {
 
   std::vector<SortKey> Keys;
 
-  // Made once there were enough searches since the last change to be worth it.
+  // Made after so many searches without a change that it is worth its cost.
   mutable std::optional<CSearchGuide> Guide;
   mutable std::uint64_t GuidedChanges = 0;  // the state of Slots that the guide and the count are for
   mutable std::size_t Searches = 0;

@@ -15,7 +15,7 @@ using Run = std::span<KeyedSlot>;
 /// Texts are compared by chunks of this many bytes; the eighth byte of a key says how many are in use, so
 /// that a text which ends stands before one that goes on with NUL.
 constexpr std::size_t kChunk = 7;
-/// Longer common beginnings than this many chunks are left to a plain sort.
+/// Texts that are equal in more than this many chunks are sorted by plain comparison.
 constexpr std::size_t kMaximumDepth = 64;
 
 /// If on average this many rows share a text, the texts are sorted first and the rows by their ranks.
@@ -31,7 +31,7 @@ std::uint64_t MakeTextKey(std::string_view text, std::size_t depth) {
   return (key << 8) | count;
 }
 
-/// Sorts by texts; `flip` is all ones for the descending order. What to do with equal ones says `onEqual`.
+/// Sorts by texts; `flip` is all ones for the descending order. Calls `onEqual` with each run of equal ones.
 template <typename GetText>
 void SortByTexts(Run run, const GetText& getText, std::uint64_t flip, std::size_t depth,
                  const std::function<void(Run)>& onEqual) {
@@ -146,7 +146,7 @@ class CSlotSorter {
     }
   }
 
-  /// Reads both blocks for each comparison: right, not fast. Nothing of the program sorts by bytes.
+  /// Reads both blocks for each comparison: correct but slow. The program never sorts by bytes.
   void SortByBytes(Run run, std::size_t index) const {
     std::stable_sort(run.begin(), run.end(), [&](const KeyedSlot& left, const KeyedSlot& right) {
       for (std::size_t key = index; key < Keys.size(); ++key) {
@@ -198,7 +198,7 @@ CSearchGuide::CSearchGuide(const CTableRows& rows, const SortKey& key, std::span
   if (!number || slots.empty()) return;
   const CColumn& column = rows.GetColumn(*number);
   IsText = column.Type == c4_Type::Text;
-  // What the first and the last of sorted texts have in common all of them have.
+  // The texts are sorted, so all have what the first and the last have in common.
   if (IsText) Prefix = FindCommonPrefix(column.Texts[slots.front()], column.Texts[slots.back()]);
   if (column.Type == c4_Type::Bytes) return;
   for (std::size_t position = 0; position < slots.size(); position += kDistance) {
@@ -211,7 +211,8 @@ CSearchGuide::Mark CSearchGuide::MakeIntegerMark(std::int32_t value) const {
   return {MakeSortable(value) ^ Flip, 0, 0};
 }
 
-/// The bytes after the common beginning. Different texts may have one mark, but never in the wrong order.
+/// The bytes after the common beginning. Different texts may have equal marks, but never marks in the wrong
+/// order.
 CSearchGuide::Mark CSearchGuide::MakeTextMark(std::string_view text) const {
   Mark mark{};
   std::size_t at = Prefix.size();

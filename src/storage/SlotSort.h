@@ -24,8 +24,8 @@ std::vector<c4_Slot> SortSlots(const CTableRows& rows, const std::vector<SortKey
                                std::vector<c4_Slot> slots);
 
 /// The beginnings of the sort keys of every 32nd row of a sorted sequence, close together in memory. A
-/// search looks there first and is left with some dozens of rows: in a large view nearly each look at a row
-/// is a wait for memory. Good until the sequence changes.
+/// search looks there first and is left with some dozens of rows: in a large view nearly every access to a
+/// row waits for memory. Valid until the sequence changes.
 class CSearchGuide {
  public:
   CSearchGuide(const CTableRows& rows, const SortKey& key, std::span<const c4_Slot> slots);
@@ -39,7 +39,7 @@ class CSearchGuide {
  private:
   static constexpr std::size_t kDistance = 32;
 
-  /// So many bytes tell most folders apart. An integer takes the first word alone.
+  /// 24 bytes after the common beginning tell most folders apart. An integer uses the first word alone.
   using Mark = std::array<std::uint64_t, 3>;
 
   Mark MakeIntegerMark(std::int32_t value) const;

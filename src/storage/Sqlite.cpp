@@ -34,8 +34,8 @@ std::string DescribeReadOnly(int code, sqlite3* connection) {
 
 std::string DescribeFull() { return "the disk is full"; }
 
-/// SQLite tells the error of its last try, which is to open a file for reading that it couldn't make. Making
-/// one tells the cause.
+/// When SQLite can't create a file it tries to open it for reading, and reports the error of that. So the
+/// cause is found by creating a file in the same folder.
 std::string DescribeCannotOpen(sqlite3* connection) {
   const std::string path = GetPath(connection);
   const int system = connection != nullptr ? sqlite3_system_errno(connection) : 0;
@@ -181,7 +181,7 @@ std::span<const std::uint8_t> CStatement::GetBytes(int column) const {
 }
 
 void ConnectionCloser::operator()(sqlite3* connection) const {
-  // Fails only while statements stand; they are gone before their connection.
+  // Fails only while there are statements; they are destroyed before their connection.
   static_cast<void>(sqlite3_close(connection));
 }
 

@@ -28,7 +28,7 @@ class CDatabaseError : public CException {
   int Code;
 };
 
-/// A prepared statement, kept for use after use. Parameters and columns are numbered as SQLite does: from 1
+/// A prepared statement, to be used many times. Parameters and columns are numbered as SQLite does: from 1
 /// and from 0. Texts and bytes that are bound must stay until the next Reset.
 class CStatement {
  public:
@@ -41,9 +41,9 @@ class CStatement {
   void Bind(int parameter, std::string_view text);
   void Bind(int parameter, std::span<const std::uint8_t> bytes);
 
-  /// Whether there is a (further) row.
+  /// False if there is no further row.
   bool Step();
-  /// Steps once and resets, for statements that give no row, or one that nobody reads.
+  /// Steps once and resets; for statements whose row, if there is one, isn't needed.
   void Run();
   void Reset() noexcept;
 
@@ -84,12 +84,11 @@ struct ConnectionCloser {
 
 using CConnection = std::unique_ptr<sqlite3, ConnectionCloser>;
 
-/// Connects to a file with the settings of all storages: locks are waited for, what is committed is on
-/// disk, a file made by others runs no code of its own. `flags` are those of sqlite3_open_v2.
-/// CDatabaseError.
+/// Connects to a file with the settings of all storages: it waits for locks, commits durably, and runs no
+/// code that a file made by others contains. `flags` are those of sqlite3_open_v2. CDatabaseError.
 CConnection Connect(const std::string& path, int flags);
 
-/// The path as SQLite takes it: never one of the names that have a meaning of their own.
+/// The path in a form that SQLite never takes for a special name, such as ":memory:".
 std::string ToDatabaseName(const std::string& path);
 
 std::int64_t QueryInteger(sqlite3* connection, std::string_view sql);
@@ -100,5 +99,5 @@ void CopyDatabase(sqlite3* from, sqlite3* to);
 /// What the header of a file of this program holds as its application: "VLMR".
 inline constexpr std::int64_t kApplicationId = 0x564C4D52;
 
-/// Writes that into the file.
+/// Writes kApplicationId into the header of the file.
 void MarkAsOurs(sqlite3* connection);

@@ -55,7 +55,7 @@ std::shared_ptr<c4_Table> c4_Storage::Impl::GetAs(const ViewDescription& descrip
   return table;
 }
 
-/// The table with the properties, loaded; not known to the storage unless it could be.
+/// The table with the properties, loaded. The storage keeps it only if that succeeds.
 std::shared_ptr<c4_Table> c4_Storage::Impl::OpenTable(const std::string& name,
                                                       const std::vector<c4_Property>& properties) {
   const auto known = Tables.find(name);
@@ -79,7 +79,7 @@ std::shared_ptr<c4_Table> c4_Storage::Impl::OpenTable(const std::string& name,
 }
 
 c4_Storage::Impl::~Impl() {
-  // Views may keep the tables alive.
+  // Views may keep the tables alive after this.
   for (const auto& [name, table] : Tables) table->Close();
 }
 

@@ -12,9 +12,9 @@
 /// Integers and texts are held in memory while the storage is open, blocks of bytes are read when asked
 /// for.
 ///
-/// Changes belong to one open transaction, which Commit ends durably; what isn't committed when the
-/// storage goes, or when the process is killed, is dropped. A write that fails raises CStorageException
-/// after the transaction has been undone in the file and in every view; the storage can be used on.
+/// Changes belong to one open transaction, which Commit ends durably; what isn't committed when the storage
+/// is destroyed, or the process killed, is dropped. A write that fails raises CStorageException after the
+/// transaction has been undone in the file and in every view; the storage can still be used.
 class c4_Storage {
  public:
   enum class Mode { ReadWrite, ReadOnly };
@@ -40,10 +40,10 @@ class c4_Storage {
 
   /// Ends the transaction: all changes since the last commit are on disk, flushed, when this returns. Does
   /// nothing when there are none. If only the last flush fails, CStorageException is raised although the
-  /// changes hold: the views show what does.
+  /// changes hold; the views show them.
   void Commit();
 
-  /// Reads again what holds, if the disk refused that too when a commit failed. CStorageException.
+  /// Loads what the file holds, if that could not be read when a commit failed. CStorageException.
   void Refresh();
 
   /// Undoes all changes since the last commit, in every view.
@@ -54,8 +54,8 @@ class c4_Storage {
   /// holds what it held.
   void Compact();
 
-  /// The integer in a view's first row, 0 if the file holds none; none if what it holds there is no
-  /// integer of 32 bits, which a view reads as 0.
+  /// The integer in the first row of a view; 0 if the file has none there; nothing if the value there is no
+  /// 32-bit integer, which a view reads as 0.
   std::optional<std::int32_t> ReadFirstInteger(const std::string& view, const c4_IntProp& property);
 
  private:

@@ -9,10 +9,10 @@ namespace {
 
 std::string GetJournalPath(const std::string& path) { return path + "-journal"; }
 
-/// Of the log that some tools have SQLite write instead of a journal.
+/// The write-ahead log that some tools let SQLite write instead of a journal.
 std::string GetLogPath(const std::string& path) { return path + "-wal"; }
 
-/// Removes a file; none there is no error.
+/// Removes a file; it is no error if there is none.
 std::error_code RemoveIfThere(const std::string& path) {
   const std::error_code error = platform::RemoveFile(path);
   return error == std::errc::no_such_file_or_directory ? std::error_code() : error;
@@ -86,7 +86,7 @@ void CheckFileSize(sqlite3* connection, const std::string& path) {
 
 CNewStorageFile::~CNewStorageFile() {
   if (Path.empty()) return;
-  // What made the file useless is the error to report, not a removal that fails as well.
+  // The caller reports why the file was not finished, so a failed removal is passed over.
   static_cast<void>(RemoveIfThere(GetJournalPath(Path)));
   static_cast<void>(RemoveIfThere(Path));
 }
@@ -119,13 +119,14 @@ std::error_code SetStorageFileAside(const std::string& from, const std::string& 
   platform::FileStatus status;
   if (!platform::GetStatus(to, status)) return make_error_code(std::errc::file_exists);
   try {
-    // Where this works no journal is left to move.
+    // If this works no journal is left to move.
     Recover(Connect(from, SQLITE_OPEN_READWRITE).get());
   } catch (const CDatabaseError&) {
-    // The file is set aside because it is damaged, as a rule.
+    // As a rule the file is set aside because it is damaged.
   }
   if (const auto error = RemoveIfThere(GetJournalPath(to))) return error;
-  // The file goes first: a kill in between must not leave it under its name without its journal.
+  // The file is renamed first: after a kill in between it must not stand under its old name without its
+  // journal.
   if (const auto error = platform::RenameToNewName(from, to)) return error;
   const std::error_code error = platform::RenameToNewName(GetJournalPath(from), GetJournalPath(to));
   return error == std::errc::no_such_file_or_directory ? std::error_code() : error;

@@ -6,8 +6,8 @@
 
 struct sqlite3;
 
-// What is done to a storage's file as a whole. A killed run may have left a journal beside the file; these
-// take it into account, where a plain copy or rename would not.
+// Operations on a storage's file as a whole. A killed run may have left a journal beside the file; unlike a
+// plain copy or rename these take it into account.
 
 /// Copies the storage at `from` to a name that is not taken (std::errc::file_exists if it is). The copy is
 /// whole, and flushed, when its name appears. An interrupted transaction of `from` is undone first. No
@@ -25,8 +25,8 @@ inline constexpr std::uint64_t kSmallestFile = 512;
 /// ends in zeros.
 void CheckFileSize(sqlite3* connection, const std::string& path);
 
-/// A storage file in the making. It stands beside its target under another name, and is removed with its
-/// journal by the destructor unless GiveName() succeeded.
+/// A new storage file, made beside its target under another name. The destructor removes it and its journal
+/// unless GiveName() succeeded.
 class CNewStorageFile {
  public:
   explicit CNewStorageFile(std::string target) : Target(std::move(target)) {}

@@ -11,10 +11,10 @@
 
 namespace {
 
-/// More rows than this are not reserved on the word of a file; the rest is made as it comes.
+/// No more rows are reserved at once, since the highest row number may be far above the count of rows.
 constexpr std::int64_t kMaximumReserve = 1 << 20;
 
-/// So few rows are taken out of every sequence one by one; more are swept out of each in one pass.
+/// Up to this many rows are taken out of the sequences one by one; more in one pass over each.
 constexpr std::size_t kFewRows = 8;
 
 }  // namespace

@@ -60,7 +60,7 @@ class c4_Table final : public c4_RowSource, public CParticipant, private CBytesR
 
   std::string Name;
   CTransaction* Transaction;  // null once the storage is closed
-  mutable CTableFile File;    // reading changes no more than what is prepared
+  mutable CTableFile File;    // reading prepares statements
   bool Stored = false;
   CTableRows Rows;
   CTableHistory History;

@@ -6,7 +6,8 @@
 
 namespace {
 
-/// A counter that is raised again and again, as an import does, is remembered once.
+/// So many entries are searched for the same value, so that a counter which an import raises for each photo
+/// is remembered once.
 constexpr std::ptrdiff_t kLookBack = 8;
 
 }  // namespace

@@ -7,10 +7,10 @@
 
 #include "storage/TableRows.h"
 
-/// What the last commit held of the rows of a table, as far as they were changed since.
+/// The former values of the rows of a table that were changed since the last commit.
 class CTableHistory {
  public:
-  /// `rows` as the last commit holds them.
+  /// `rows` must be as the last commit holds them.
   explicit CTableHistory(const CTableRows& rows) : OldSlots(rows.GetSlotCount()) {}
 
   // To be called before the change.

@@ -5,10 +5,11 @@
 
 namespace {
 
-/// So few rows are taken out of an index one by one; more in one pass over it.
+/// Up to this many rows are taken out of an index one by one; more in one pass over it.
 constexpr std::size_t kFewRows = 8;
 
-/// Tables this small are searched from end to end, and so few candidates row by row.
+/// Smaller tables are searched without an index. No better index is made if there are no more candidates
+/// than this.
 constexpr std::size_t kWorthAnIndex = 256;
 constexpr std::size_t kFewCandidates = 64;
 /// A candidate costs a check and a search for its place; a row in order costs a check alone.

@@ -8,7 +8,7 @@
 #include "storage/Column.h"
 #include "storage/Row.h"
 
-/// Reads what the rows of a table don't hold in memory.
+/// Reads the blocks of bytes of a table, which aren't held in memory.
 class CBytesReader {
  public:
   /// CStorageException if the file can't be read.
@@ -66,7 +66,7 @@ class CTableRows {
 
   // Undoing.
 
-  /// Brings a removed row back, but for its texts. Does nothing if it isn't removed.
+  /// Brings a removed row back, with empty texts. Does nothing if it isn't removed.
   void Restore(c4_Slot slot);
   /// Drops the rows behind the first `size` slots.
   void Truncate(std::size_t size);
@@ -79,7 +79,7 @@ class CTableRows {
   bool AppendRowId(std::int64_t rowId);
   void AppendValue(std::size_t column, std::int32_t integer) { Columns[column].Integers.push_back(integer); }
   void AppendValue(std::size_t column, std::string_view text) { Columns[column].Texts.Append(text); }
-  /// Frees what was reserved in vain, and fills the columns that the file lacks.
+  /// Frees unused memory, and fills the columns that the file lacks.
   void EndLoading();
 
  private:

@@ -79,7 +79,7 @@ void CTransaction::EndInFile() noexcept {
     // After some failures SQLite has rolled back already.
     if (Database.IsInTransaction()) Database.Execute("ROLLBACK");
   } catch (const CDatabaseError&) {
-    // The journal stands; whoever reads the file next plays it back.
+    // The journal is still there; the next reader of the file restores the file from it.
   }
 }
 
@@ -97,7 +97,7 @@ void CTransaction::TryLoadAll() noexcept {
   try {
     LoadAll();
   } catch (...) {
-    // They stay as they are until the next change, which loads them or fails.
+    // They stay as they are; the next change loads them or fails.
   }
 }
 

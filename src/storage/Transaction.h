@@ -29,7 +29,7 @@ class CTransaction {
   CTransaction(const CTransaction&) = delete;
   CTransaction& operator=(const CTransaction&) = delete;
 
-  /// The participant has just been loaded, and lives as long as this.
+  /// The participant must just have been loaded, and live as long as this.
   void Attach(CParticipant& participant);
 
   CDatabase& GetDatabase() const { return Database; }
@@ -55,8 +55,8 @@ class CTransaction {
   /// CStorageException if it doesn't reach the disk. The participants hold what the file holds then: as a
   /// rule the last commit, but all of the changes if only the last flush failed.
   void Commit();
-  /// Loads the participants if a failure has left it open what the file holds. CStorageException if it still
-  /// is.
+  /// Loads the participants if they may differ from the file after a failure. CStorageException if they
+  /// can't be loaded.
   void Refresh();
   void Rollback();
   /// Undoes the open changes and rewrites the file without its free space. CStorageException.

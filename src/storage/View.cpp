@@ -148,7 +148,7 @@ int c4_View::Search(const c4_Row& values) const {
   while (first < last) {
     if (keys.size() > 1 && last - first <= kFewRows &&
         rows.CompareRows(keys[0].Column, Sequence->GetSlotAt(first), Sequence->GetSlotAt(last - 1)) == 0) {
-      // All rows between are equal in the first key, like the photos of one folder: one look at it is enough.
+      // All rows between are equal in the first key, like the photos of one folder, so it is compared once.
       const c4_Slot slot = Sequence->GetSlotAt(first);
       if (IsBelow(rows, slot, keys.first(1))) return static_cast<int>(last);
       if (rows.CompareToValue(keys[0].Column, slot, *keys[0].Value) != 0) return static_cast<int>(first);
