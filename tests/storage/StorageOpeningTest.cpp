@@ -21,26 +21,28 @@ class CStorageOpeningTest : public CStorageTest {
  protected:
   using OtherProgram = std::unique_ptr<sqlite3, decltype(&sqlite3_close)>;
 
-  static std::string ShowFile(const std::string& path, Mode mode) {
-    return Show(c4_Storage(path, mode).GetAs(kDescription));
-  }
-  static std::string OpenAndFail(const std::string& path, Mode mode) {
-    return FailureOf([&] { ShowFile(path, mode); });
-  }
-  std::string ChangeAndFail() const {
-    c4_Storage storage(Path, Mode::ReadWrite);
-    const c4_View things = storage.GetAs(kDescription);
-    return FailureOf([&] { pText.Set(things[0], "changed"); });
-  }
-
-  void MakeStorage() {
+  CStorageOpeningTest() {
     c4_Storage storage(Path, Mode::ReadWrite);
     c4_View things = storage.GetAs(kDescription);
     for (std::size_t i = 0; i < 200; ++i) {
       things.Add(pText["text " + std::to_string(i)] + pBytes[c4_Bytes(i * 37 % 9000, 'b')]);
     }
     storage.Commit();
-    Whole = Show(things);
+    Shown = Show(things);
+    Whole = ReadBytes(Path);
+  }
+
+  static std::string ShowFile(const std::string& path, Mode mode) {
+    return Show(c4_Storage(path, mode).GetAs(kDescription));
+  }
+  static std::string OpenAndFail(const std::string& path, Mode mode) {
+    return FailureOf([&] { ShowFile(path, mode); });
+  }
+  /// The change isn't committed.
+  std::string ChangeAndFail() const {
+    c4_Storage storage(Path, Mode::ReadWrite);
+    const c4_View things = storage.GetAs(kDescription);
+    return FailureOf([&] { pText.Set(things[0], "changed"); });
   }
 
   /// Both modes refuse the file with such a text, as damaged, and leave everything as it was.
@@ -60,20 +62,20 @@ class CStorageOpeningTest : public CStorageTest {
     return {connection, sqlite3_close};
   }
 
-  /// What a program leaves that was killed in the middle of a large change.
-  void InterruptAChange() {
-    const char* change = "PRAGMA cache_size=5; BEGIN; UPDATE Thing SET Text='half', Bytes=zeroblob(9000)";
-    RunInChild([&] { return OpenElsewhere(change).release() == nullptr; });
-    ASSERT_TRUE(fs::exists(Path + "-journal"));
+  /// Runs statements in a program that is then killed, and leaves a journal or a log.
+  void RunAndDie(const char* statements, const char* left) {
+    RunInChild([&] { return OpenElsewhere(statements).release() == nullptr; });
+    ASSERT_TRUE(fs::exists(Path + left));
   }
-  /// What a tool leaves that writes a log and was killed.
+  void InterruptAChange() {
+    RunAndDie("PRAGMA cache_size=5; BEGIN; UPDATE Thing SET Text='half', Bytes=zeroblob(9000)", "-journal");
+  }
   void LeaveALog() {
-    const char* change =
-        "PRAGMA journal_mode=WAL; PRAGMA wal_autocheckpoint=0; INSERT INTO Thing(Text) VALUES('logged')";
-    RunInChild([&] { return OpenElsewhere(change).release() == nullptr; });
-    ASSERT_TRUE(fs::exists(Path + "-wal"));
+    RunAndDie("PRAGMA journal_mode=WAL; INSERT INTO Thing(Text, Bytes) VALUES('logged', zeroblob(90000))",
+              "-wal");
   }
 
+  std::string Shown;
   std::string Whole;
 };
 
@@ -85,25 +87,22 @@ TEST_F(CStorageOpeningTest, OtherBytesAndCutFilesAreDamage) {
     WriteBytes(Path, bytes);
     ExpectDamaged();
   }
-  fs::remove(Path);
-  MakeStorage();
-  const std::string whole = ReadBytes(Path);
-  for (const std::size_t left : {1UL, 100UL, 511UL, 4096UL, 5000UL, whole.size() - 1}) {
+  for (const std::size_t left : {1UL, 100UL, 511UL, 4096UL, 5000UL, Whole.size() - 1}) {
     SCOPED_TRACE(left);
-    WriteBytes(Path, whole.substr(0, left));
+    WriteBytes(Path, Whole.substr(0, left));
     ExpectDamaged();
     EXPECT_EQ(CopyStorageFile(Path, Folder + "/copy"), std::errc::bad_message);
   }
-  WriteBytes(Path, std::string(whole).replace(4096, 4096, noise, 0, 4096));
+  WriteBytes(Path, std::string(Whole).replace(4096, 4096, noise, 0, 4096));
   ExpectDamaged();
 }
 
 TEST_F(CStorageOpeningTest, FileOfAnotherProgramIsForeignUnlessItHasTheView) {
-  Sql("CREATE TABLE Songs(Title TEXT); INSERT INTO Songs VALUES('x')");
-  ExpectDamaged("another program");
-  fs::remove(Path);
-  Sql("CREATE VIEW Thing AS SELECT 1 AS Number; PRAGMA application_id=7");
-  ExpectDamaged("another program");
+  for (const char* content : {"CREATE TABLE Songs(Title TEXT)", "CREATE VIEW Thing AS SELECT 1 AS Number"}) {
+    fs::remove(Path);
+    Sql(content);
+    ExpectDamaged("another program");
+  }
   fs::remove(Path);
   Sql("CREATE TABLE thing(Extra REAL DEFAULT 2.5, number, Text); CREATE TABLE Other(x);"
       "INSERT INTO thing VALUES(1, 42, 'a'), (1, 'text', x'6162'), (1, NULL, NULL), (1, 3.5, 7),"
@@ -121,21 +120,18 @@ TEST_F(CStorageOpeningTest, FileOfAnotherProgramIsForeignUnlessItHasTheView) {
 }
 
 TEST_F(CStorageOpeningTest, FoldersAndPipesAreRefusedAndMissingFilesMadeForWriting) {
-  fs::create_directory(Path);
   const std::string pipe = Folder + "/pipe";
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
   for (const Mode mode : {Mode::ReadWrite, Mode::ReadOnly}) {
-    EXPECT_THAT(OpenAndFail(Path, mode), HasSubstr("a folder"));
+    EXPECT_THAT(OpenAndFail(Folder, mode), HasSubstr("a folder"));
     EXPECT_THAT(OpenAndFail(pipe, mode), HasSubstr("not a regular file"));
   }
-  fs::remove(Path);
-  fs::remove(pipe);
-  EXPECT_THAT(OpenAndFail(Path, Mode::ReadOnly), HasSubstr("No such file"));
-  EXPECT_TRUE(ReadFolder().empty());
+  EXPECT_THAT(OpenAndFail(Folder + "/none", Mode::ReadOnly), HasSubstr("No such file"));
+  EXPECT_FALSE(fs::exists(Folder + "/none"));
   EXPECT_THAT(OpenAndFail(Folder + "/none/x.db", Mode::ReadWrite), HasSubstr("No such file"));
   // A journal or a log that outlived its file isn't the new file's.
   for (const bool logs : {false, true}) {
-    MakeStorage();
+    WriteBytes(Path, Whole);
     logs ? LeaveALog() : InterruptAChange();
     fs::remove(Path);
     EXPECT_EQ(ShowFile(Path, Mode::ReadWrite), "");
@@ -143,7 +139,6 @@ TEST_F(CStorageOpeningTest, FoldersAndPipesAreRefusedAndMissingFilesMadeForWriti
 }
 
 TEST_F(CStorageOpeningTest, OtherProgramsAndFullDisksKeepNobodyFromLookingUnlessTheyLock) {
-  MakeStorage();
   OtherProgram other = OpenElsewhere("BEGIN EXCLUSIVE");
   const auto open = [this](Mode mode) { return FailureOf([&] { c4_Storage(Path, mode); }); };
   auto writing = std::async(std::launch::async, open, Mode::ReadWrite);
@@ -152,17 +147,16 @@ TEST_F(CStorageOpeningTest, OtherProgramsAndFullDisksKeepNobodyFromLookingUnless
   EXPECT_EQ(writing.get(), locked);
   other.reset();
   other = OpenElsewhere("BEGIN; SELECT * FROM Thing");
-  EXPECT_EQ(ShowFile(Path, Mode::ReadWrite), Whole);
+  EXPECT_EQ(ShowFile(Path, Mode::ReadWrite), Shown);
   CFaultyVfs vfs;
   vfs.SetPlan([](const std::string& step, const std::string& path) {
     return step == "write" || path.ends_with("-journal") ? GetFaultOf(step, true) : SQLITE_OK;
   });
-  EXPECT_EQ(ShowFile(Path, Mode::ReadWrite), Whole);
+  EXPECT_EQ(ShowFile(Path, Mode::ReadWrite), Shown);
   EXPECT_THAT(ChangeAndFail(), HasSubstr("refused"));
 }
 
 TEST_F(CStorageOpeningTest, MissingRightsAreToldAndNothingIsLeft) {
-  MakeStorage();
   const auto before = ReadFolder();
   ASSERT_EQ(chmod(Folder.c_str(), 0755), 0);
   for (const unsigned rights : {0644U, 0666U, 0600U}) {
@@ -170,7 +164,7 @@ TEST_F(CStorageOpeningTest, MissingRightsAreToldAndNothingIsLeft) {
     EXPECT_TRUE(RunAsNobody([&] {
       const char* reason = rights == 0666 ? "its folder may not be written" : "Permission denied";
       EXPECT_THAT(rights == 0600 ? OpenAndFail(Path, Mode::ReadOnly) : ChangeAndFail(), HasSubstr(reason));
-      EXPECT_TRUE(rights == 0600 || ShowFile(Path, Mode::ReadWrite) == Whole);
+      EXPECT_TRUE(rights == 0600 || ShowFile(Path, Mode::ReadWrite) == Shown);
       EXPECT_THAT(OpenAndFail(Folder + "/new.db", Mode::ReadWrite), HasSubstr("Permission denied"));
       return !HasFailure();
     }));
@@ -179,9 +173,8 @@ TEST_F(CStorageOpeningTest, MissingRightsAreToldAndNothingIsLeft) {
 }
 
 TEST_F(CStorageOpeningTest, LogOfAnotherToolIsPartOfTheFile) {
-  MakeStorage();
   LeaveALog();
-  EXPECT_EQ(ShowFile(Path, Mode::ReadOnly), Whole + "0 logged 0; ");
+  EXPECT_EQ(ShowFile(Path, Mode::ReadOnly), Shown + "0 logged " + '\0' + "90000; ");
   EXPECT_FALSE(CopyStorageFile(Path, Folder + "/copy"));
   OtherProgram reader = OpenElsewhere("PRAGMA journal_mode=WAL; BEGIN; SELECT * FROM Thing");
   for (int round = 0; round < 3; ++round) {
@@ -195,8 +188,6 @@ TEST_F(CStorageOpeningTest, LogOfAnotherToolIsPartOfTheFile) {
 }
 
 TEST_F(CStorageOpeningTest, FileThatGoesWhileItIsOpenTakesNoChangeAndShowsItsRows) {
-  MakeStorage();
-  const std::string whole = ReadBytes(Path);
   RunSql(Folder + "/other.db", "CREATE TABLE Songs(Title TEXT)");
   const std::string other = ReadBytes(Folder + "/other.db");
   const auto replace = [&](const std::string& bytes) {
@@ -204,13 +195,13 @@ TEST_F(CStorageOpeningTest, FileThatGoesWhileItIsOpenTakesNoChangeAndShowsItsRow
     fs::rename(Folder + "/new", Path);
   };
   const std::vector<std::function<void()>> accidents = {
-      [&] { WriteBytes(Path, ""); },    [&] { fs::resize_file(Path, whole.size() - 1); },
-      [&] { WriteBytes(Path, other); }, [&] { replace(whole); },
+      [&] { WriteBytes(Path, ""); },    [&] { fs::resize_file(Path, Whole.size() - 1); },
+      [&] { WriteBytes(Path, other); }, [&] { replace(Whole); },
       [&] { replace(other); },          [&] { fs::remove(Path); },
   };
   for (std::size_t i = 0; i < accidents.size(); ++i) {
     SCOPED_TRACE(i);
-    replace(whole);
+    replace(Whole);
     c4_Storage storage(Path, Mode::ReadWrite);
     const c4_View things = storage.GetAs(kDescription);
     accidents[i]();
@@ -226,22 +217,25 @@ TEST_F(CStorageOpeningTest, FileThatGoesWhileItIsOpenTakesNoChangeAndShowsItsRow
 }
 
 TEST_F(CStorageOpeningTest, LinkIsFollowedAndKept) {
+  const std::string target = Folder + "/far/real.db";
   fs::create_directory(Folder + "/far");
+  fs::rename(Path, Folder + "/kept");
   fs::create_symlink("far/real.db", Path);
   EXPECT_THAT(OpenAndFail(Path, Mode::ReadWrite), HasSubstr("No such file")) << "its disk may be away";
   EXPECT_TRUE(fs::is_empty(Folder + "/far"));
-  RunSql(Folder + "/far/real.db", "CREATE TABLE Thing(Number)");
-  MakeStorage();
+  fs::rename(Folder + "/kept", target);
+  Sql("DELETE FROM Thing");
+  c4_Storage storage(Path, Mode::ReadWrite);
+  storage.GetAs(kDescription).SetSize(3);
+  storage.Commit();
   EXPECT_TRUE(fs::is_symlink(Path));
-  EXPECT_EQ(RunSqlForOne(Folder + "/far/real.db", "SELECT count(*) FROM Thing"), "200");
+  EXPECT_EQ(RunSqlForOne(target, "SELECT count(*) FROM Thing"), "3");
 }
 
 TEST_F(CStorageOpeningTest, InterruptedChangeIsUndoneFirstOrTold) {
   for (const Mode mode : {Mode::ReadWrite, Mode::ReadOnly}) {
-    fs::remove(Path);
-    MakeStorage();
     InterruptAChange();
-    EXPECT_EQ(ShowFile(Path, mode), Whole);
+    EXPECT_EQ(ShowFile(Path, mode), Shown);
     EXPECT_EQ(ReadFolder().size(), 1U);
   }
   InterruptAChange();
@@ -255,13 +249,12 @@ TEST_F(CStorageOpeningTest, InterruptedChangeIsUndoneFirstOrTold) {
 }
 
 TEST_F(CStorageOpeningTest, CopyAndSettingAsideTakeTheJournalIntoAccount) {
-  MakeStorage();
   InterruptAChange();
   const std::string journal = ReadBytes(Path + "-journal");
   const std::string half = ReadBytes(Path);
   const std::string copy = Folder + "/copy.db";
   ASSERT_FALSE(CopyStorageFile(Path, copy));
-  EXPECT_EQ(ShowFile(copy, Mode::ReadOnly), Whole);
+  EXPECT_EQ(ShowFile(copy, Mode::ReadOnly), Shown);
   EXPECT_EQ(CopyStorageFile(Path, copy), std::errc::file_exists);
   EXPECT_EQ(SetStorageFileAside(Path, copy), std::errc::file_exists);
   for (const bool canPlayBack : {true, false}) {
@@ -276,7 +269,7 @@ TEST_F(CStorageOpeningTest, CopyAndSettingAsideTakeTheJournalIntoAccount) {
     ASSERT_FALSE(SetStorageFileAside(Path, aside));
     vfs.SetPlan(nullptr);
     EXPECT_EQ(fs::exists(aside + "-journal"), !canPlayBack);
-    EXPECT_EQ(ShowFile(aside, Mode::ReadWrite), Whole);
+    EXPECT_EQ(ShowFile(aside, Mode::ReadWrite), Shown);
   }
   EXPECT_EQ(CopyStorageFile(Path, Folder + "/other"), std::errc::no_such_file_or_directory);
   WriteBytes(Path, std::string(5000, 'x'));
