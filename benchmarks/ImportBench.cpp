@@ -21,7 +21,7 @@
 #include "catalog/Properties.h"
 #include "catalog/ThumbnailCache.h"
 #include "discovery/FolderSearch.h"
-#include "imaging/JpegImage.h"
+#include "imaging/Image.h"
 #include "ui/kit/Application.h"
 #include "ui/kit/FontTable.h"
 #include "ui/kit/Job.h"

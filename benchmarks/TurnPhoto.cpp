@@ -7,7 +7,7 @@
 #include <exception>
 
 #include "base/Exceptions.h"
-#include "imaging/JpegTurn.h"
+#include "imaging/Image.h"
 
 int main(int argc, char** argv) {
   if (argc != 4) {

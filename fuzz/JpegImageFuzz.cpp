@@ -3,7 +3,7 @@
 #include <cstdlib>
 
 #include "base/Exceptions.h"
-#include "imaging/JpegImage.h"
+#include "imaging/Image.h"
 #include "imaging/PreparedPhoto.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -7,7 +7,7 @@
 #include "catalog/Properties.h"
 #include "catalog/StampList.h"
 #include "catalog/ThumbnailCache.h"
-#include "imaging/JpegImage.h"
+#include "imaging/Image.h"
 #include "imaging/PreparedPhoto.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include "catalog/ThumbnailCache.h"
 
-#include "imaging/JpegImage.h"
+#include "imaging/Image.h"
 #include "imaging/PreparedPhoto.h"
 #include "platform/Files.h"
 #include "storage/StorageException.h"

@@ -2,30 +2,16 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "imaging/PixelBuffer.h"
+#include "platform/LargeMemory.h"
 
 class CJpegImage;
 
 enum class ImageType : int { None = -1, Jpeg = 0, Tiff = 1 };
-
-/// How the pixels of a bitmap lie in memory.
-struct BitmapHeader {
-  std::int32_t Width = 0;   // pixels
-  std::int32_t Height = 0;  // pixels; negative if rows run from the top downwards
-  int BitCount = 0;         // 24 or 32
-};
-
-/// The pixels themselves, to be read and changed in place. They belong to the image.
-struct BitmapPixels {
-  std::uint8_t* Bits = nullptr;  // first byte of the first row in memory; null if the image holds none
-  BitmapHeader Header;
-  int Width = 0;               // pixels
-  int Height = 0;              // pixels
-  int ExtraBytesPerPixel = 0;  // a pixel is 3 bytes, blue, green, red, and this many more
-  int RowPadding = 0;          // bytes behind a row's last pixel
-};
 
 /// The largest bitmap that is held in memory.
 constexpr std::uint64_t kMaxBitmapBytes = std::uint64_t{1} << 30;
@@ -34,7 +20,10 @@ constexpr std::uint64_t kMaxBitmapBytes = std::uint64_t{1} << 30;
 /// picture that fits as it is, unless enlarging is allowed. 1.0 for a picture without pixels.
 double FitScaleOf(ImageSize size, int boxWidth, int boxHeight, bool allowEnlarging);
 
-/// A picture decoded from a file or from memory. Not shared between threads.
+/// A bitmap, decoded from a photo or made by resizing. Not shared between threads.
+///
+/// The variants turn bytes into pixels and pixels into bytes; reading and replacing files is done here, for
+/// all of them.
 class CImage {
  public:
   virtual ~CImage() = default;
@@ -47,13 +36,23 @@ class CImage {
   const std::string& GetPath() const { return Path; }
 
   /// Size of the stored picture.
-  virtual ImageSize GetNaturalSize() const = 0;
+  ImageSize GetNaturalSize() const { return NaturalSize; }
 
   /// Size of the bitmap held now: the natural size reduced by the decoding factor.
-  virtual ImageSize GetCurrentSize() const = 0;
+  ImageSize GetCurrentSize() const { return CurrentSize; }
 
   /// The box that the picture was loaded for; 0 by 0 asked for the full picture.
-  virtual ImageSize GetRequestedSize() const = 0;
+  ImageSize GetRequestedSize() const { return RequestedSize; }
+
+  /// Reads and decodes a file for a box; 0 by 0 asks for the full picture. Replaces what was held. Raises
+  /// what the variant's Decode raises; CTooLargeException.
+  void LoadFile(const std::string& path, int boxWidth, int boxHeight);
+
+  /// The same for a file that is in memory already. The path becomes empty.
+  void LoadMemory(std::span<const std::uint8_t> bytes, int boxWidth, int boxHeight);
+
+  /// Takes over natural and current size from a file's header, and holds no pixels.
+  void ReadHeader(const std::string& path);
 
   /// False if turning the file would drop data that the photo holds beyond its pixels.
   virtual bool RotatesWithoutLoss() const = 0;
@@ -62,17 +61,22 @@ class CImage {
   /// the same box. The file is replaced in one step, with its permission bits, or left as it was. True if it
   /// was replaced; false if nothing is held or the file can't be turned. A JPEG takes 90, 180 and 270, any
   /// other angle raises CError; a TIFF takes 90 and 270. Raises what TransformJpeg and Save raise.
-  virtual bool Rotate(int angle) = 0;
+  bool Rotate(int angle);
 
-  /// Encodes the held bitmap into a file, which is replaced in one step or left as it was. Raises
-  /// CException. `quality` is 1 to 100.
-  virtual void Save(const std::string& path, int quality) const = 0;
+  /// Encodes the held bitmap into a file, which is replaced in one step or left as it was. CException "Cannot
+  /// write JPEG data to file\n", or the same with TIFF. `quality` is 1 to 100; a TIFF doesn't use it.
+  void Save(const std::string& path, int quality) const;
 
-  virtual BitmapPixels GetPixels() = 0;
+  /// The held bitmap as a whole file. The same CException.
+  virtual std::vector<std::uint8_t> SaveToMemory(int quality) const = 0;
+
+  /// The held bitmap; without rows if there is none. The pixels belong to the image and may be changed.
+  PixelBuffer GetPixels() { return Pixels; }
+  PixelSource GetPixels() const { return Pixels; }
 
   /// The scale at which the held bitmap fits the box.
   double FitScale(int boxWidth, int boxHeight, bool allowEnlarging) const {
-    return FitScaleOf(GetCurrentSize(), boxWidth, boxHeight, allowEnlarging);
+    return FitScaleOf(CurrentSize, boxWidth, boxHeight, allowEnlarging);
   }
 
   /// Size of the held bitmap at that scale, its sides cut to whole pixels, never below 1 by 1.
@@ -92,12 +96,61 @@ class CImage {
  protected:
   explicit CImage(ImageType type) : Type(type) {}
 
-  /// The held bitmap from its top row on; without rows if there is none.
-  virtual PixelSource GetSource() const = 0;
+  /// Decodes a whole file and holds its pixels; no bytes stand for a file that can't be read.
+  virtual void Decode(std::span<const std::uint8_t> bytes, ImageSize box) = 0;
 
-  void SetPath(const std::string& path) { Path = path; }
+  /// Size of the picture in a file, of which no pixels are read.
+  virtual ImageSize ReadSize(const std::string& path) const = 0;
+
+  /// Replaces the photo's own file by its turned picture. False if it can't be turned.
+  virtual bool TurnFile(int angle) = 0;
+
+  /// `pixels` lie in `memory`.
+  void HoldPixels(platform::LargeMemory memory, const PixelBuffer& pixels, ImageSize naturalSize);
+  void HoldNoPixels(ImageSize naturalSize);
+
+  /// Replaces a file by these bytes. The CException of Save.
+  void ReplaceFile(const std::string& path, std::span<const std::uint8_t> bytes) const;
 
  private:
+  void Load(std::span<const std::uint8_t> bytes, ImageSize box, std::string path);
+
   const ImageType Type;
   std::string Path;
+  ImageSize NaturalSize;
+  ImageSize CurrentSize;
+  ImageSize RequestedSize;
+  platform::LargeMemory Memory;
+  PixelBuffer Pixels;
 };
+
+/// A photo decoded from a JPEG, or a bitmap made by resizing. Rows run from the top downwards, each padded
+/// to a multiple of 4 bytes; a pixel is blue, green, red.
+///
+/// A photo is decoded at the smallest of the codec's four sizes that still covers the box asked for; drawing
+/// scales it further. A load that raises CException leaves the image as it was.
+class CJpegImage : public CImage {
+ public:
+  /// Holds no pixels.
+  CJpegImage() : CImage(ImageType::Jpeg) {}
+
+  /// A bitmap of 24 bits whose pixels are still to be painted. CException if there is no memory for it.
+  explicit CJpegImage(ImageSize size);
+
+  bool RotatesWithoutLoss() const override { return true; }
+  std::vector<std::uint8_t> SaveToMemory(int quality) const override;
+
+ protected:
+  /// CException as told at CJpegDecoder.
+  void Decode(std::span<const std::uint8_t> bytes, ImageSize box) override;
+
+  /// CException "Cannot read JPEG header".
+  ImageSize ReadSize(const std::string& path) const override;
+
+  bool TurnFile(int angle) override;
+};
+
+/// Turns a JPEG from file to file, as told at TurnJpeg; both may be the same. The destination is replaced in
+/// one step, and flushed, or left as it was. False if TurnJpeg gives none, and its exceptions. CException
+/// "Cannot read src file" or "Cannot open destination file"; CStorageException if the disk is full or fails.
+bool TransformJpeg(const std::string& sourcePath, const std::string& destinationPath, int angle);

@@ -1,7 +1,6 @@
 #include "imaging/ImageFile.h"
 
 #include "base/Paths.h"
-#include "imaging/JpegImage.h"
 #include "imaging/PictureMemory.h"
 #include "imaging/TiffImage.h"
 #include "platform/Ascii.h"
@@ -16,20 +15,26 @@ ImageType ChooseVariant(const std::string& path) {
   return ImageTypeFromExtension(extension);
 }
 
+/// An image without pixels of the variant for the file; null if there is none.
+std::unique_ptr<CImage> MakeImage(const std::string& path) {
+  switch (ChooseVariant(path)) {
+    case ImageType::Jpeg:
+      return std::make_unique<CJpegImage>();
+    case ImageType::Tiff:
+      return std::make_unique<CTiffImage>();
+    case ImageType::None:
+      break;
+  }
+  return nullptr;
+}
+
 template <typename Load>
-std::unique_ptr<CImage> LoadVariant(ImageType type, bool* isTooLarge, const Load& load) {
+std::unique_ptr<CImage> LoadVariant(const std::string& path, bool* isTooLarge, const Load& load) {
   if (isTooLarge) *isTooLarge = false;
   try {
-    std::unique_ptr<CImage> image;
-    if (type == ImageType::Jpeg) {
-      auto jpeg = std::make_unique<CJpegImage>();
-      load(*jpeg);
-      image = std::move(jpeg);
-    } else if (type == ImageType::Tiff) {
-      auto tiff = std::make_unique<CTiffImage>();
-      load(*tiff);
-      if (tiff->GetPixels().Bits) image = std::move(tiff);
-    }
+    auto image = MakeImage(path);
+    if (image) load(*image);
+    if (image && !image->GetPixels().Top) image.reset();
     return image;
   } catch (const CTooLargeException&) {
     if (isTooLarge) *isTooLarge = true;
@@ -51,34 +56,21 @@ ImageType ImageTypeOfFile(std::string_view path) { return ImageTypeFromExtension
 
 std::unique_ptr<CImage> LoadImageFile(const std::string& path, int boxWidth, int boxHeight,
                                       bool* isTooLarge) {
-  return LoadVariant(ChooseVariant(path), isTooLarge,
-                     [&](auto& image) { image.LoadFile(path, boxWidth, boxHeight); });
+  return LoadVariant(path, isTooLarge, [&](CImage& image) { image.LoadFile(path, boxWidth, boxHeight); });
 }
 
 std::unique_ptr<CImage> LoadImageBytes(const std::string& path, std::span<const std::uint8_t> bytes,
                                        int boxWidth, int boxHeight) {
-  return LoadVariant(ChooseVariant(path), nullptr,
-                     [&](auto& image) { image.LoadMemory(bytes, boxWidth, boxHeight); });
+  return LoadVariant(path, nullptr, [&](CImage& image) { image.LoadMemory(bytes, boxWidth, boxHeight); });
 }
 
 ImageSize ReadImageSize(const std::string& path) {
   try {
-    switch (ChooseVariant(path)) {
-      case ImageType::Jpeg: {
-        CJpegImage image;
-        image.ReadHeader(path);
-        return image.GetNaturalSize();
-      }
-      case ImageType::Tiff: {
-        CTiffImage image;
-        image.ReadHeader(path);
-        return image.GetNaturalSize();
-      }
-      case ImageType::None:
-        break;
-    }
+    const auto image = MakeImage(path);
+    if (!image) return {};
+    image->ReadHeader(path);
+    return image->GetNaturalSize();
   } catch (...) {
     return {};  // not known
   }
-  return {};
 }

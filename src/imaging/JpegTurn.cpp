@@ -2,20 +2,113 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
+#include <cstddef>
 #include <new>
-#include <system_error>
 #include <utility>
 
 #include "base/Exceptions.h"
-#include "imaging/BlockTurn.h"
-#include "imaging/JpegLimits.h"
-#include "imaging/JpegMemory.h"
+#include "imaging/JpegLibrary.h"
 #include "imaging/PictureMemory.h"
-#include "platform/Files.h"
-#include "storage/StorageException.h"
 
 namespace {
+
+/// How a picture is turned clockwise by quarters: rows become columns or stay, and then the columns and the
+/// rows are put in reverse order or stay.
+struct QuarterTurn {
+  bool Transposes = false;
+  bool MirrorsColumns = false;
+  bool MirrorsRows = false;
+};
+
+/// The coefficients of one channel, with the library's object that they belong to.
+struct CoefficientPlane {
+  j_common_ptr Owner = nullptr;
+  jvirt_barray_ptr Blocks = nullptr;
+};
+
+/// A turned channel. Its array has rows up to the next whole `RowUnit`, at most 4, and lets
+/// kTurnedRowsAtOnce of them be reached at once.
+struct TurnedPlane : CoefficientPlane {
+  JDIMENSION Width = 0;   // blocks
+  JDIMENSION Height = 0;  // blocks
+  JDIMENSION RowUnit = 1;
+};
+
+constexpr JDIMENSION kTurnedRowsAtOnce = 8;
+
+constexpr JDIMENSION RoundUp(JDIMENSION value, JDIMENSION unit) { return (value + unit - 1) / unit * unit; }
+
+template <bool Negates>
+JCOEF Sign(JCOEF value) {
+  return static_cast<JCOEF>(Negates ? -value : value);
+}
+
+constexpr std::ptrdiff_t kSide = DCTSIZE;
+
+/// `Step` is the way between two coefficients in the source that are neighbours in the target's row.
+template <std::ptrdiff_t Step, bool NegatesEven, bool NegatesOdd>
+void TurnRow(const JCOEF* source, JCOEF* target) {
+  for (std::ptrdiff_t x = 0; x < kSide; x += 2) {
+    target[x] = Sign<NegatesEven>(source[x * Step]);
+    target[x + 1] = Sign<NegatesOdd>(source[(x + 1) * Step]);
+  }
+}
+
+/// Mirroring a block negates the coefficients of every second column or row, those of odd functions.
+template <bool Transposes, bool MirrorsColumns, bool MirrorsRows>
+void TurnBlock(const JCOEF* source, JCOEF* target) {
+  constexpr std::ptrdiff_t kStep = Transposes ? kSide : 1;
+  constexpr std::ptrdiff_t kRowStep = Transposes ? 1 : kSide;
+  for (std::ptrdiff_t y = 0; y < kSide; y += 2) {
+    TurnRow<kStep, false, MirrorsColumns>(source + y * kRowStep, target + y * kSide);
+    TurnRow<kStep, MirrorsRows, MirrorsColumns != MirrorsRows>(source + (y + 1) * kRowStep,
+                                                               target + (y + 1) * kSide);
+  }
+}
+
+using BlockTurn = void (*)(const JCOEF* source, JCOEF* target);
+
+template <bool Transposes>
+BlockTurn ChooseMirrored(const QuarterTurn& turn) {
+  if (turn.MirrorsColumns)
+    return turn.MirrorsRows ? TurnBlock<Transposes, true, true> : TurnBlock<Transposes, true, false>;
+  return turn.MirrorsRows ? TurnBlock<Transposes, false, true> : TurnBlock<Transposes, false, false>;
+}
+
+BlockTurn ChooseBlockTurn(const QuarterTurn& turn) {
+  return turn.Transposes ? ChooseMirrored<true>(turn) : ChooseMirrored<false>(turn);
+}
+
+JBLOCKARRAY GetRows(const CoefficientPlane& plane, JDIMENSION first, JDIMENSION count, bool toWrite) {
+  return plane.Owner->mem->access_virt_barray(plane.Owner, plane.Blocks, first, count,
+                                              toWrite ? TRUE : FALSE);
+}
+
+/// Turns all blocks of a channel and the coefficients in each. The source has at least as many blocks as the
+/// target. To be called guarded.
+void TurnPlane(const CoefficientPlane& source, const TurnedPlane& target, const QuarterTurn& turn) {
+  const BlockTurn turnBlock = ChooseBlockTurn(turn);
+  const auto column = [&](JDIMENSION x) { return turn.MirrorsColumns ? target.Width - 1 - x : x; };
+  const auto row = [&](JDIMENSION y) { return turn.MirrorsRows ? target.Height - 1 - y : y; };
+  // Whole units, since the library will read the rows behind the last one as well.
+  const JDIMENSION band = kTurnedRowsAtOnce / target.RowUnit * target.RowUnit;
+  for (JDIMENSION top = 0; top < target.Height; top += band) {
+    const JDIMENSION count = std::min(band, target.Height - top);
+    const JBLOCKARRAY rows = GetRows(target, top, RoundUp(count, target.RowUnit), true);
+    if (turn.Transposes) {
+      // A column of the band is a run of neighbours in a row of the source.
+      for (JDIMENSION x = 0; x < target.Width; ++x) {
+        const JBLOCKROW from = GetRows(source, column(x), 1, false)[0];
+        for (JDIMENSION y = 0; y < count; ++y) turnBlock(from[row(top + y)], rows[y][x]);
+      }
+    } else {
+      for (JDIMENSION y = 0; y < count; ++y) {
+        const JBLOCKROW from = GetRows(source, row(top + y), 1, false)[0];
+        for (JDIMENSION x = 0; x < target.Width; ++x) turnBlock(from[column(x)], rows[y][x]);
+      }
+    }
+  }
+}
 
 QuarterTurn GetTurn(int angle) {
   switch (angle) {
@@ -253,12 +346,6 @@ class CJpegTurn {
   std::array<jpeg_scan_info, kMostScans> Scans{};
 };
 
-/// Whether a file couldn't be written for want of room or for a failing disk.
-bool IsDiskTrouble(const std::error_code& error) {
-  return error == std::errc::no_space_on_device || error == std::errc::file_too_large ||
-         error == std::errc::io_error || error == std::error_code(EDQUOT, std::system_category());
-}
-
 }  // namespace
 
 std::optional<std::vector<std::uint8_t>> TurnJpeg(std::span<const std::uint8_t> bytes, int angle) {
@@ -279,17 +366,4 @@ std::optional<std::vector<std::uint8_t>> TurnJpeg(std::span<const std::uint8_t> 
   } catch (const std::bad_alloc&) {
     throw CTooLargeException();
   }
-}
-
-bool TransformJpeg(const std::string& sourcePath, const std::string& destinationPath, int angle) {
-  CPhotoFile file;
-  if (file.Read(sourcePath)) throw CException("Cannot read src file");
-  const auto turned = TurnJpeg(file.GetBytes(), angle);
-  if (!turned) return false;
-  const std::error_code error =
-      platform::WriteFileAtomically(destinationPath, turned->data(), turned->size());
-  if (IsDiskTrouble(error))
-    throw CStorageException("\"" + destinationPath + "\" can't be written: " + error.message() + ".");
-  if (error) throw CException("Cannot open destination file");
-  return true;
 }

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <string>
 #include <vector>
 
 /// Turning JPEGs clockwise by 90, 180 or 270 degrees without decoding them: the coefficients are moved, not
@@ -20,8 +19,3 @@
 /// which a new file would lack. CTooLargeException if it costs more than the limits of JpegCodec.h; CError
 /// "Angle not supported".
 std::optional<std::vector<std::uint8_t>> TurnJpeg(std::span<const std::uint8_t> bytes, int angle);
-
-/// Turns from file to file; both may be the same. The destination is replaced in one step, and flushed, or
-/// left as it was. False if TurnJpeg gives none, and its exceptions. CException "Cannot read src file" or
-/// "Cannot open destination file"; CStorageException if the disk is full or fails.
-bool TransformJpeg(const std::string& sourcePath, const std::string& destinationPath, int angle);

@@ -2,7 +2,6 @@
 
 #include "imaging/ExifReader.h"
 #include "imaging/ImageFile.h"
-#include "imaging/JpegImage.h"
 #include "imaging/PictureMemory.h"
 
 namespace {

@@ -1,22 +1,146 @@
 #include "imaging/TiffImage.h"
 
+#include <tiffio.h>
+
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <new>
 
 #include "base/Exceptions.h"
 #include "base/Product.h"
 #include "imaging/PictureMemory.h"
-#include "imaging/TiffMemory.h"
 #include "platform/Files.h"
 
 namespace {
 
 constexpr int kBytesPerPixel = 4;
+constexpr const char* kCannotWrite = "Cannot write TIFF data to file\n";
+
+struct TiffCloser {
+  void operator()(TIFF* tiff) const { TIFFClose(tiff); }
+};
+using TiffHandle = std::unique_ptr<TIFF, TiffCloser>;
+
+/// A whole file in memory, to be read. It outlives its handle.
+struct TiffInput {
+  std::span<const std::uint8_t> Bytes;
+  std::uint64_t Position = 0;
+
+  std::uint64_t GetSize() const { return Bytes.size(); }
+
+  tmsize_t Read(std::span<std::uint8_t> buffer) {
+    if (Position >= Bytes.size()) return 0;
+    const auto rest = Bytes.subspan(static_cast<std::size_t>(Position));
+    const std::size_t count = std::min(buffer.size(), rest.size());
+    std::copy_n(rest.begin(), count, buffer.begin());
+    Position += count;
+    return static_cast<tmsize_t>(count);
+  }
+
+  tmsize_t Write(std::span<const std::uint8_t>) { return -1; }
+};
+
+/// A file on disk, of which only the parts that the library asks for are read.
+struct TiffFile {
+  std::string Path;
+  std::uint64_t Position = 0;
+
+  std::uint64_t GetSize() const {
+    platform::FileStatus status;
+    return platform::GetStatus(Path, status) ? 0 : status.Size;
+  }
+
+  tmsize_t Read(std::span<std::uint8_t> buffer) {
+    std::size_t got = 0;
+    if (platform::ReadFilePart(Path, Position, buffer, got)) return -1;
+    Position += got;
+    return static_cast<tmsize_t>(got);
+  }
+
+  tmsize_t Write(std::span<const std::uint8_t>) { return -1; }
+};
+
+/// A file in memory that is being written, and partly read again by the library.
+struct TiffOutput {
+  std::vector<std::uint8_t> Bytes;
+  std::uint64_t Position = 0;
+
+  std::uint64_t GetSize() const { return Bytes.size(); }
+
+  tmsize_t Read(std::span<std::uint8_t> buffer) {
+    TiffInput input{Bytes, Position};
+    const tmsize_t count = input.Read(buffer);
+    Position = input.Position;
+    return count;
+  }
+
+  tmsize_t Write(std::span<const std::uint8_t> bytes) noexcept {
+    const std::uint64_t end = Position + bytes.size();
+    if (end > 2 * kMaxBitmapBytes) return -1;
+    try {
+      if (end > Bytes.size()) Bytes.resize(end);
+    } catch (const std::bad_alloc&) {
+      return -1;
+    }
+    std::ranges::copy(bytes, Bytes.data() + Position);
+    Position = end;
+    return static_cast<tmsize_t>(bytes.size());
+  }
+};
+
+template <typename Stream>
+tmsize_t Read(thandle_t handle, void* buffer, tmsize_t size) {
+  if (size <= 0) return 0;
+  return static_cast<Stream*>(handle)->Read(
+      {static_cast<std::uint8_t*>(buffer), static_cast<std::size_t>(size)});
+}
+
+template <typename Stream>
+tmsize_t Write(thandle_t handle, void* buffer, tmsize_t size) {
+  if (size < 0) return -1;
+  return static_cast<Stream*>(handle)->Write(
+      {static_cast<const std::uint8_t*>(buffer), static_cast<std::size_t>(size)});
+}
+
+template <typename Stream>
+toff_t Seek(thandle_t handle, toff_t offset, int whence) {
+  auto* stream = static_cast<Stream*>(handle);
+  // A negative offset comes as an unsigned number and wraps.
+  if (whence == SEEK_SET) stream->Position = offset;
+  if (whence == SEEK_CUR) stream->Position += offset;
+  if (whence == SEEK_END) stream->Position = stream->GetSize() + offset;
+  return stream->Position;
+}
+
+template <typename Stream>
+toff_t GetSize(thandle_t handle) {
+  return static_cast<Stream*>(handle)->GetSize();
+}
+
+int Close(thandle_t) { return 0; }
+
+int Silence(TIFF*, void*, const char*, const char*, va_list) { return 1; }
+
+struct OptionsCloser {
+  void operator()(TIFFOpenOptions* options) const { TIFFOpenOptionsFree(options); }
+};
+
+/// Null if the stream holds no TIFF. `mode` is "w" to write, "rm" to read without mapping the file.
+template <typename Stream>
+TiffHandle OpenTiff(Stream& stream, const char* mode) {
+  const std::unique_ptr<TIFFOpenOptions, OptionsCloser> options(TIFFOpenOptionsAlloc());
+  if (!options) return nullptr;
+  TIFFOpenOptionsSetErrorHandlerExtR(options.get(), Silence, nullptr);
+  TIFFOpenOptionsSetWarningHandlerExtR(options.get(), Silence, nullptr);
+  TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), static_cast<tmsize_t>(kMaxBitmapBytes));
+  return TiffHandle(TIFFClientOpenExt("", mode, &stream, Read<Stream>, Write<Stream>, Seek<Stream>, Close,
+                                      GetSize<Stream>, nullptr, nullptr, options.get()));
+}
 
 /// 0 by 0 if the tags are missing or the picture is too large to be held.
-ImageSize ReadSize(TIFF* tiff) {
+ImageSize GetPictureSize(TIFF* tiff) {
   std::uint32_t width = 0;
   std::uint32_t height = 0;
   if (!TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &width) || !TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &height))
@@ -33,10 +157,11 @@ std::uint64_t GetBitmapBytes(ImageSize size) {
 /// The held pixels, and as much again: the library takes that to decode them, and so does a turned copy.
 std::uint64_t GetWorkingBytes(ImageSize size) { return 2 * GetBitmapBytes(size); }
 
-void SwapRedAndBlue(std::uint32_t& pixel) {
-  const std::uint32_t parts[] = {TIFFGetB(pixel), TIFFGetG(pixel), TIFFGetR(pixel), TIFFGetA(pixel)};
-  auto* bytes = reinterpret_cast<std::uint8_t*>(&pixel);
-  for (int k = 0; k < kBytesPerPixel; ++k) bytes[k] = static_cast<std::uint8_t>(parts[k]);
+void StoreColors(std::uint32_t pixel, std::uint8_t* bytes) {
+  bytes[0] = static_cast<std::uint8_t>(TIFFGetB(pixel));
+  bytes[1] = static_cast<std::uint8_t>(TIFFGetG(pixel));
+  bytes[2] = static_cast<std::uint8_t>(TIFFGetR(pixel));
+  bytes[3] = static_cast<std::uint8_t>(TIFFGetA(pixel));
 }
 
 bool SetTags(TIFF* tiff, ImageSize size) {
@@ -66,28 +191,28 @@ bool WriteRows(TIFF* tiff, const PixelSource& pixels) {
   return TIFFFlush(tiff) != 0;
 }
 
-void WriteTiff(const PixelSource& pixels, const std::string& path) {
+std::vector<std::uint8_t> EncodeTiff(const PixelSource& pixels) {
   TiffOutput output;
-  TiffHandle tiff = CreateTiff(output);
+  TiffHandle tiff = OpenTiff(output, "w");
   const bool written =
       pixels.Top && tiff && SetTags(tiff.get(), pixels.Size) && WriteRows(tiff.get(), pixels);
   tiff.reset();
-  if (!written || platform::WriteFileAtomically(path, output.Bytes.data(), output.Bytes.size()))
-    throw CException("Cannot write TIFF data to file\n");
+  if (!written) throw CException(kCannotWrite);
+  return std::move(output.Bytes);
 }
 
 /// The pixels turned by 90 degrees, rows from the top downwards; counter-clockwise if not `clockwise`.
-std::vector<std::uint32_t> TurnPixels(const PixelSource& pixels, bool clockwise) {
+std::vector<std::uint8_t> TurnPixels(const PixelSource& pixels, bool clockwise) {
   const int width = pixels.Size.Height;
   const int height = pixels.Size.Width;
-  std::vector<std::uint32_t> turned(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+  std::vector<std::uint8_t> turned(GetBitmapBytes(pixels.Size));
   for (int y = 0; y < pixels.Size.Height; ++y) {
     const std::uint8_t* from = pixels.Row(y);
     for (int x = 0; x < pixels.Size.Width; ++x, from += kBytesPerPixel) {
       const int column = clockwise ? width - 1 - y : y;
       const int row = clockwise ? x : height - 1 - x;
       const auto place = static_cast<std::size_t>(row) * static_cast<std::size_t>(width);
-      std::memcpy(&turned[place + static_cast<std::size_t>(column)], from, kBytesPerPixel);
+      std::memcpy(&turned[(place + static_cast<std::size_t>(column)) * kBytesPerPixel], from, kBytesPerPixel);
     }
   }
   return turned;
@@ -95,53 +220,32 @@ std::vector<std::uint32_t> TurnPixels(const PixelSource& pixels, bool clockwise)
 
 }  // namespace
 
-CTiffImage::CTiffImage() : CImage(ImageType::Tiff) {}
-
-CTiffImage::~CTiffImage() = default;
-
-void CTiffImage::Clear() {
-  Bits = {};
-  Header = {};
-  NaturalSize = {};
+void CTiffImage::Decode(std::span<const std::uint8_t> bytes, ImageSize) {
+  HoldNoPixels({});
   CompressedAsJpeg = false;
   HasMorePages = false;
-}
-
-void CTiffImage::LoadFile(const std::string& path, int boxWidth, int boxHeight) {
-  CPhotoFile file;
-  static_cast<void>(file.Read(path));  // what can't be read holds nothing
-  TakeDecoded(file.GetBytes(), {boxWidth, boxHeight});
-  SetPath(path);
-}
-
-void CTiffImage::LoadMemory(std::span<const std::uint8_t> bytes, int boxWidth, int boxHeight) {
-  TakeDecoded(bytes, {boxWidth, boxHeight});
-  SetPath({});
-}
-
-void CTiffImage::TakeDecoded(std::span<const std::uint8_t> bytes, ImageSize box) {
-  Clear();
-  RequestedSize = box;
   TiffInput input{bytes};
-  const TiffHandle tiff = OpenTiff(input);
+  const TiffHandle tiff = OpenTiff(input, "rm");
   if (!tiff) return;
-  const ImageSize size = ReadSize(tiff.get());
+  const ImageSize size = GetPictureSize(tiff.get());
   const std::uint64_t bitmapBytes = GetBitmapBytes(size);
   if (bitmapBytes == 0) return;
   if (bitmapBytes > kMaxBitmapBytes) throw CTooLargeException();
   const CMemoryShare share(GetPictureMemory(), GetWorkingBytes(size));
-  const std::size_t count = static_cast<std::size_t>(size.Width) * static_cast<std::size_t>(size.Height);
-  std::vector<std::uint32_t> bits;
+  platform::LargeMemory memory;
   try {
-    bits.resize(count);
+    memory = platform::AllocateLargeMemory(bitmapBytes);
   } catch (const std::bad_alloc&) {
     return;
   }
+  std::fill_n(memory.get(), bitmapBytes, 0);  // a damaged file may not give all pixels
+  auto* raster = reinterpret_cast<std::uint32_t*>(memory.get());
   constexpr int kGoOnAfterErrors = 0;  // as for a JPEG, what a damaged file has is shown
   if (!TIFFReadRGBAImage(tiff.get(), static_cast<std::uint32_t>(size.Width),
-                         static_cast<std::uint32_t>(size.Height), bits.data(), kGoOnAfterErrors))
+                         static_cast<std::uint32_t>(size.Height), raster, kGoOnAfterErrors))
     return;
-  std::ranges::for_each(bits, SwapRedAndBlue);
+  for (std::uint64_t i = 0; i < bitmapBytes / kBytesPerPixel; ++i)
+    StoreColors(raster[i], &memory[i * kBytesPerPixel]);
   std::uint16_t compression = 0;
   std::uint16_t page = 0;
   std::uint16_t pages = 0;
@@ -149,44 +253,25 @@ void CTiffImage::TakeDecoded(std::span<const std::uint8_t> bytes, ImageSize box)
       TIFFGetField(tiff.get(), TIFFTAG_COMPRESSION, &compression) && compression == COMPRESSION_JPEG;
   HasMorePages =
       TIFFGetField(tiff.get(), TIFFTAG_PAGENUMBER, &page, &pages) != 0 || TIFFLastDirectory(tiff.get()) == 0;
-  Bits = std::move(bits);
-  Header = {size.Width, size.Height, kBytesPerPixel * 8};
-  NaturalSize = size;
+  const std::ptrdiff_t rowBytes = std::ptrdiff_t{size.Width} * kBytesPerPixel;
+  std::uint8_t* top = memory.get() + (size.Height - 1) * rowBytes;
+  HoldPixels(std::move(memory), {top, -rowBytes, size, kBytesPerPixel}, size);
 }
 
-void CTiffImage::ReadHeader(const std::string& path) {
-  Clear();
+ImageSize CTiffImage::ReadSize(const std::string& path) const {
   TiffFile file{path};
-  if (const TiffHandle tiff = OpenTiff(file)) NaturalSize = ReadSize(tiff.get());
-  SetPath(path);
+  const TiffHandle tiff = OpenTiff(file, "rm");
+  return tiff ? GetPictureSize(tiff.get()) : ImageSize();
 }
 
-bool CTiffImage::Rotate(int angle) {
-  if (Bits.empty()) return false;
-  if (angle != 90 && angle != 270) throw CException("Cannot write TIFF data to file\n");
-  const std::string path = GetPath();
-  {
-    const CMemoryShare share(GetPictureMemory(), GetWorkingBytes(NaturalSize));
-    const std::vector<std::uint32_t> turned = TurnPixels(GetSource(), angle == 90);
-    const ImageSize size{NaturalSize.Height, NaturalSize.Width};
-    WriteTiff({reinterpret_cast<const std::uint8_t*>(turned.data()),
-               std::ptrdiff_t{size.Width} * kBytesPerPixel, size, kBytesPerPixel},
-              path);
-  }
-  LoadFile(path, RequestedSize.Width, RequestedSize.Height);
+std::vector<std::uint8_t> CTiffImage::SaveToMemory(int) const { return EncodeTiff(GetPixels()); }
+
+bool CTiffImage::TurnFile(int angle) {
+  if (angle != 90 && angle != 270) throw CException(kCannotWrite);
+  const CMemoryShare share(GetPictureMemory(), GetWorkingBytes(GetNaturalSize()));
+  const std::vector<std::uint8_t> turned = TurnPixels(GetPixels(), angle == 90);
+  const ImageSize size{GetNaturalSize().Height, GetNaturalSize().Width};
+  const std::ptrdiff_t rowBytes = std::ptrdiff_t{size.Width} * kBytesPerPixel;
+  ReplaceFile(GetPath(), EncodeTiff({turned.data(), rowBytes, size, kBytesPerPixel}));
   return true;
-}
-
-void CTiffImage::Save(const std::string& path, int) const { WriteTiff(GetSource(), path); }
-
-BitmapPixels CTiffImage::GetPixels() {
-  if (Bits.empty()) return {};
-  return {reinterpret_cast<std::uint8_t*>(Bits.data()), Header, NaturalSize.Width, NaturalSize.Height, 1, 0};
-}
-
-PixelSource CTiffImage::GetSource() const {
-  if (Bits.empty()) return {};
-  const std::ptrdiff_t rowBytes = std::ptrdiff_t{NaturalSize.Width} * kBytesPerPixel;
-  const auto* bottom = reinterpret_cast<const std::uint8_t*>(Bits.data());
-  return {bottom + (NaturalSize.Height - 1) * rowBytes, -rowBytes, NaturalSize, kBytesPerPixel};
 }

@@ -310,7 +310,7 @@ TEST_F(FolderSearchTest, AnImportKilledAtAnyMomentLeavesWholeStores) {
     for (int i = kill + 1; i < kPhotos; ++i) {
       const std::unique_ptr<CImage> thumbnail = At(nameOf(i)).LoadThumbnail();
       ASSERT_EQ(thumbnail != nullptr, i != kNoPicture);
-      EXPECT_NEAR(thumbnail ? thumbnail->GetPixels().Bits[2] : 8 * i, 8 * i, 3);
+      EXPECT_NEAR(thumbnail ? thumbnail->GetPixels().Top[2] : 8 * i, 8 * i, 3);
     }
     CloseStores();
   }

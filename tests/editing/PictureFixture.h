@@ -6,7 +6,7 @@
 #include "editing/EditingFixture.h"
 #include "editing/PhotoChange.h"
 #include "imaging/ImageFile.h"
-#include "imaging/JpegImage.h"
+#include "imaging/Image.h"
 #include "support/TestJpeg.h"
 
 /// A fixture whose photo is a picture that can be changed, dark and colourful.
@@ -59,6 +59,6 @@ class CPictureFixture : public CEditingFixture {
 };
 
 inline std::vector<std::uint8_t> PixelsOf(CImage& image) {
-  const BitmapPixels pixels = image.GetPixels();
-  return {pixels.Bits, pixels.Bits + pixels.Width * pixels.Height * 3};
+  const PixelBuffer pixels = image.GetPixels();
+  return {pixels.Top, pixels.Row(pixels.Size.Height)};
 }

@@ -1,22 +1,16 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <atomic>
 #include <thread>
 
-#include "imaging/JpegImage.h"
+#include "imaging/Image.h"
 #include "imaging/PictureMemory.h"
 #include "imaging/PreparedPhoto.h"
 #include "support/ScratchFolder.h"
 #include "support/TestJpeg.h"
 
 namespace {
-
-/// A JPEG with a date behind its start: "2005:01:02 03:04:05".
-std::string MakePhoto(int width, int height) {
-  const auto bytes =
-      MakeJpeg({.Width = width, .Height = height, .Quality = 75, .DateTime = "2005:01:02 03:04:05"});
-  return {bytes.begin(), bytes.end()};
-}
 
 ImageSize SizeOf(const PreparedPhoto& photo) {
   CJpegImage image;
@@ -26,47 +20,38 @@ ImageSize SizeOf(const PreparedPhoto& photo) {
 
 }  // namespace
 
-TEST(PreparedPhotoTest, GivesDateAndThumbnailFromOneRead) {
+TEST(PreparedPhotoTest, GivesDateAndThumbnailFromOneReadInEveryThread) {
   const CScratchFolder scratch;
-  const PreparedPhoto photo = PreparePhoto(scratch.Write("a.JPG", MakePhoto(800, 600)));
+  const std::string path = scratch.Write("a.JPG", MakeJpeg(800, 600, 9, 99, 199, "2005:01:02 03:04:05"));
+  const PreparedPhoto photo = PreparePhoto(path);
+  EXPECT_TRUE(photo.WasRead);
   std::tm local{};
-  local.tm_year = 105;
-  local.tm_mday = 2;
-  local.tm_hour = 3;
-  local.tm_min = 4;
-  local.tm_sec = 5;
-  EXPECT_EQ(std::mktime(&local), photo.CameraDate);
-  EXPECT_EQ((ImageSize{140, 105}), SizeOf(photo));
-  EXPECT_EQ((ImageSize{78, 105}), SizeOf(PreparePhoto(scratch.Write("b.jpg", MakePhoto(600, 800)))));
-  EXPECT_EQ((ImageSize{100, 50}), SizeOf(PreparePhoto(scratch.Write("c.jpg", MakePhoto(100, 50)))));
+  EXPECT_NE(::strptime("2005:01:02 03:04:05", "%Y:%m:%d %H:%M:%S", &local), nullptr);
+  EXPECT_EQ(photo.CameraDate, std::mktime(&local));
+  EXPECT_EQ(SizeOf(photo), (ImageSize{140, 105}));
+
+  std::atomic<int> wrong = 0;
+  std::vector<std::jthread> threads;
+  for (int k = 0; k < 4; ++k)
+    threads.emplace_back([&] { wrong += PreparePhoto(path).Thumbnail != photo.Thumbnail; });
+  threads.clear();
+  EXPECT_EQ(wrong, 0);
 }
 
 TEST(PreparedPhotoTest, WhatIsNoPhotoGivesNothingAndDoesNotHang) {
   const CScratchFolder scratch;
-  ASSERT_EQ(0, ::mkfifo(scratch.File("fifo.jpg").c_str(), 0600));
-  ASSERT_EQ(0, ::mkdir(scratch.File("folder.jpg").c_str(), 0700));
-  scratch.Write("garbage.jpg", std::string(5000, 'g'));
-  scratch.Write("empty.jpg", "");
-  for (const char* name : {"fifo.jpg", "folder.jpg", "garbage.jpg", "empty.jpg", "gone.jpg"})
-    EXPECT_TRUE(PreparePhoto(scratch.File(name)).Thumbnail.empty()) << name;
-  EXPECT_TRUE(PreparePhoto("/dev/zero").Thumbnail.empty());
-  // The date doesn't hang on the picture.
-  EXPECT_NE(0, PreparePhoto(scratch.Write("cut.jpg", MakePhoto(300, 200).substr(0, 120))).CameraDate);
-}
-
-TEST(PreparedPhotoTest, ManyThreadsPrepareTheSame) {
-  const CScratchFolder scratch;
-  const std::string path = scratch.Write("a.jpg", MakePhoto(800, 600));
-  const PreparedPhoto expected = PreparePhoto(path);
-  std::vector<int> wrong(4);
-  std::vector<std::thread> threads;
-  for (int& count : wrong)
-    threads.emplace_back([&] {
-      for (int k = 0; k < 20; ++k)
-        if (PreparePhoto(path).Thumbnail != expected.Thumbnail) ++count;
-    });
-  for (auto& thread : threads) thread.join();
-  EXPECT_EQ(std::vector<int>(4), wrong);
+  ASSERT_EQ(::mkfifo(scratch.File("fifo.jpg").c_str(), 0600), 0);
+  ASSERT_EQ(::mkdir(scratch.File("folder.jpg").c_str(), 0700), 0);
+  for (const char* path : {"fifo.jpg", "folder.jpg", "gone.jpg"}) {
+    EXPECT_FALSE(PreparePhoto(scratch.File(path)).WasRead) << path;
+  }
+  const PreparedPhoto garbage = PreparePhoto(scratch.Write("garbage.jpg", std::string(5000, 'g')));
+  EXPECT_TRUE(garbage.WasRead && garbage.Thumbnail.empty());
+  std::filesystem::resize_file(scratch.Write("huge.jpg", ""), std::uintmax_t{1} << 40);
+  EXPECT_TRUE(PreparePhoto(scratch.File("huge.jpg")).WasRead) << "it isn't tried again";
+  const std::string photo = MakeJpeg(300, 200, 1, 2, 3, "2005:01:02 03:04:05");
+  EXPECT_NE(PreparePhoto(scratch.Write("cut.jpg", photo.substr(0, 120))).CameraDate, 0)
+      << "the date needs no picture";
 }
 
 TEST(PictureMemoryTest, SharesWaitForEachOtherAndNoneIsLargerThanAll) {

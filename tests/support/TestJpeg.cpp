@@ -77,8 +77,8 @@ class CJpegMaker {
       blocks += Info.comp_info[k].h_samp_factor * Info.comp_info[k].v_samp_factor;
     if (blocks <= C_MAX_BLOCKS_IN_MCU) return;
     for (int k = 0; k < Info.num_components; ++k) {
-      Scans.push_back({1, {k}, 0, Info.progressive_mode ? 0 : 63, 0, 0});
-      if (Info.progressive_mode) Scans.push_back({1, {k}, 1, 63, 0, 0});
+      Scans.push_back({1, {k}, 0, Recipe.Progressive ? 0 : 63, 0, 0});
+      if (Recipe.Progressive) Scans.push_back({1, {k}, 1, 63, 0, 0});
     }
     Info.scan_info = Scans.data();
     Info.num_scans = static_cast<int>(Scans.size());

@@ -1,6 +1,6 @@
 #include "ui/search/WindowedSearchProgress.h"
 
-#include "imaging/JpegImage.h"
+#include "imaging/Image.h"
 #include "ui/kit/ImageConversion.h"
 #include "ui/kit/Job.h"
 

@@ -1,4 +1,4 @@
-#include "imaging/JpegMemory.h"
+#include "imaging/JpegLibrary.h"
 
 #include <algorithm>
 #include <new>
@@ -7,9 +7,48 @@
 
 namespace {
 
+constexpr std::uint64_t kMaxPixels = std::uint64_t{1} << 30;
+constexpr std::uint64_t kMaxArithmeticPixels = std::uint64_t{1} << 26;  // up to 20 ns each, even without data
+
+constexpr int kMaxScans = 500;
+// Blocks over all scans, up to 120 ns each. A picture of 200 megapixels with full chroma takes two thirds of
+// the most in the usual ten scans. Every block of a real picture has a bit in at least two of them, which
+// makes 20 visits a byte, so a few forged bytes don't get far.
+constexpr std::uint64_t kMostBlockVisits = std::uint64_t{1} << 26;
+constexpr std::uint64_t kLeastBlockVisits = std::uint64_t{1} << 20;
+constexpr std::uint64_t kBlockVisitsPerByte = 64;
+
+JpegErrors& From(j_common_ptr info) { return *static_cast<JpegErrors*>(info->client_data); }
+
+/// Warnings about how a file was written, although all that is in it has been read.
+bool IsHarmless(const jpeg_error_mgr& manager) {
+  constexpr int kMostStrayBytes = 512;  // some cameras write padding after a scan
+  switch (manager.msg_code) {
+    case JWRN_ADOBE_XFORM:
+    case JWRN_BOGUS_PROGRESSION:
+    case JWRN_JFIF_MAJOR:
+    case JWRN_NOT_SEQUENTIAL:
+      return true;
+    case JWRN_EXTRANEOUS_DATA:
+      return manager.msg_parm.i[0] <= kMostStrayBytes;
+    default:
+      return false;
+  }
+}
+
+void NoteWarning(j_common_ptr info, int level) {
+  if (level >= 0) return;  // a trace message
+  if (info->err->msg_code == JWRN_HIT_MARKER) From(info).RanDry = true;
+  if (IsHarmless(*info->err)) return;
+  From(info).Flawed = true;
+  // Before the first scan the library has skipped something among the headers.
+  const auto* decoder = reinterpret_cast<j_decompress_ptr>(info);
+  if (info->is_decompressor && decoder->input_scan_number == 0) From(info).LostHeader = true;
+}
+
 constexpr std::size_t kMostHeaders = std::size_t{1} << 20;
 
-/// Headers that the library reads for itself tell it how the colours are stored.
+/// The library must still learn how the colours are stored from the headers that are kept here.
 void TellLibrary(const JpegHeader& header, jpeg_decompress_struct& info) {
   using namespace std::string_view_literals;
   const std::string_view text(reinterpret_cast<const char*>(header.Data.data()), header.Data.size());
@@ -22,6 +61,44 @@ void TellLibrary(const JpegHeader& header, jpeg_decompress_struct& info) {
 }
 
 }  // namespace
+
+JpegErrors::JpegErrors() {
+  jpeg_std_error(&Manager);
+  Manager.error_exit = [](j_common_ptr info) { std::longjmp(From(info).Jump, 1); };
+  Manager.emit_message = NoteWarning;
+  Manager.output_message = [](j_common_ptr) {};
+}
+
+bool IsAffordable(const jpeg_decompress_struct& info) {
+  const std::uint64_t pixels = std::uint64_t{info.image_width} * info.image_height;
+  return pixels <= (info.arith_code ? kMaxArithmeticPixels : kMaxPixels);
+}
+
+std::uint64_t GetCoefficientBytes(const jpeg_decompress_struct& info) {
+  const auto roundUp = [](JDIMENSION value, int unit) {
+    const auto step = static_cast<std::uint64_t>(unit);
+    return (value + step - 1) / step * step;
+  };
+  std::uint64_t bytes = 0;
+  for (int k = 0; k < info.num_components; ++k) {
+    const jpeg_component_info& channel = info.comp_info[k];
+    bytes += roundUp(channel.width_in_blocks, channel.h_samp_factor) *
+             roundUp(channel.height_in_blocks, channel.v_samp_factor) * sizeof(JBLOCK);
+  }
+  return bytes;
+}
+
+CScanBudget::CScanBudget(std::size_t fileBytes)
+    : MaxBlockVisits(fileBytes < kMostBlockVisits / kBlockVisitsPerByte
+                         ? kLeastBlockVisits + fileBytes * kBlockVisitsPerByte
+                         : kMostBlockVisits) {}
+
+bool CScanBudget::Allows(const jpeg_decompress_struct& info) {
+  BlockVisits +=
+      std::uint64_t{info.MCUs_per_row} * info.MCU_rows_in_scan * static_cast<unsigned>(info.blocks_in_MCU);
+  Spent = info.input_scan_number > kMaxScans || BlockVisits > MaxBlockVisits;
+  return !Spent;
+}
 
 CJpegSource::CJpegSource(std::span<const std::uint8_t> bytes) {
   Manager.next_input_byte = bytes.data();
@@ -54,8 +131,8 @@ boolean CJpegSource::TakeHeader(j_decompress_ptr info) {
   const std::span rest(manager.next_input_byte, manager.bytes_in_buffer);
   constexpr std::size_t kLengthBytes = 2;
   const std::size_t start = std::min(kLengthBytes, rest.size());
-  const std::size_t told = start < kLengthBytes ? 0 : std::size_t{rest[0]} << 8 | rest[1];
-  const std::size_t length = std::clamp(told, start, rest.size());
+  const std::size_t stated = start < kLengthBytes ? 0 : std::size_t{rest[0]} << 8 | rest[1];
+  const std::size_t length = std::clamp(stated, start, rest.size());
   const JpegHeader header{info->unread_marker, rest.subspan(start, length - start)};
   TellLibrary(header, *info);
   if (!Keep(manager, header)) ERREXIT1(info, JERR_OUT_OF_MEMORY, 0);
@@ -64,7 +141,7 @@ boolean CJpegSource::TakeHeader(j_decompress_ptr info) {
   return TRUE;
 }
 
-// No exception may leave through the library.
+// No exception may pass through the library.
 bool CJpegSource::Keep(WatchedManager& manager, const JpegHeader& header) noexcept {
   if (manager.Headers.size() == kMostHeaders) return false;
   try {
@@ -103,7 +180,7 @@ void CJpegDestination::Continue(j_compress_ptr info, std::size_t used) {
   info->dest->free_in_buffer = Bytes.size() - used;
 }
 
-// No exception may leave through the library.
+// No exception may pass through the library.
 bool CJpegDestination::Grow() noexcept {
   try {
     Bytes.resize(std::max(Expected, Bytes.size() * 2));
