@@ -20,7 +20,7 @@
 #include "Benchmarks.h"
 #include "Measure.h"
 #include "catalog/Catalog.h"
-#include "editing/AutoFixPhoto.h"
+#include "editing/ChangePhoto.h"
 #include "imaging/AutoFix.h"
 #include "imaging/ImageFile.h"
 

@@ -10,8 +10,8 @@
 #include "catalog/Catalog.h"
 #include "catalog/ThumbnailCache.h"
 #include "discovery/FolderSearch.h"
-#include "editing/BackupFile.h"
 #include "editing/RenamePhotoFile.h"
+#include "editing/SafeFiles.h"
 #include "platform/Files.h"
 #include "storage/StorageFile.h"
 

@@ -1,14 +1,18 @@
 #include "editing/RenamePhotoFile.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <optional>
+#include <string_view>
 #include <vector>
 
 #include "base/Format.h"
 #include "base/Messages.h"
 #include "base/Paths.h"
 #include "catalog/Catalog.h"
-#include "editing/OriginalCopy.h"
-#include "editing/RenameIntent.h"
+#include "editing/SafeFiles.h"
 #include "platform/Files.h"
 #include "platform/FolderListing.h"
 #include "platform/Unicode.h"
@@ -16,8 +20,61 @@
 
 namespace {
 
-constexpr std::size_t kLongestFileName = 255;  // bytes
-constexpr int kFirstNumber = 2;                // of a name that is taken
+constexpr std::size_t kLongestFileName = 255;    // bytes
+constexpr int kFirstNumber = 2;                  // of a name that is taken
+constexpr std::size_t kLargestIntent = 1 << 16;  // bytes
+
+struct PhotoRename {
+  std::int32_t AssetId = 0;
+  std::string OldPath, NewPath;
+};
+
+/// The number and the two paths, each closed by a zero byte, which no path holds.
+std::optional<PhotoRename> Parse(std::string_view text) {
+  std::array<std::string_view, 3> parts;
+  for (std::string_view& part : parts) {
+    const std::size_t end = text.find('\0');
+    if (end == std::string_view::npos) return {};
+    part = text.substr(0, end);
+    text.remove_prefix(end + 1);
+  }
+  PhotoRename rename;
+  const auto [end, error] = std::from_chars(parts[0].begin(), parts[0].end(), rename.AssetId);
+  if (error != std::errc() || end != parts[0].end() || !text.empty()) return {};
+  rename.OldPath = parts[1];
+  rename.NewPath = parts[2];
+  return rename;
+}
+
+/// What a rename is about to do, in a small file beside the catalog. It is written before the photo's file
+/// moves and removed when file and row are known to agree. One that a killed program or a failing disk has
+/// left is handled by the next rename or start.
+class CRenameIntent {
+ public:
+  explicit CRenameIntent(const CCatalog& catalog) : Path(catalog.GetPath() + ".rename") {}
+
+  /// Replaces the file, flushed.
+  std::error_code Write(const PhotoRename& rename) const {
+    std::string text;
+    for (const std::string& part : {std::to_string(rename.AssetId), rename.OldPath, rename.NewPath}) {
+      text += part + '\0';
+    }
+    return platform::WriteFileAtomically(Path, text.data(), text.size());
+  }
+
+  /// None if there is no file, or it can't be read.
+  std::optional<PhotoRename> Read() const {
+    std::vector<std::uint8_t> bytes;
+    if (platform::ReadWholeFile(Path, bytes, kLargestIntent)) return {};
+    return Parse({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+  }
+
+  /// Removes the file. One that can't be removed does no harm: file and row agree.
+  void Drop() const { static_cast<void>(platform::RemoveFile(Path)); }
+
+ private:
+  const std::string Path;
+};
 
 bool IsFileName(const std::string& name) {
   return !name.empty() && name != "." && name != ".." && name.find('/') == std::string::npos &&

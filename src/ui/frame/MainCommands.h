@@ -3,7 +3,7 @@
 #include <functional>
 #include <utility>
 
-#include "editing/PhotoChange.h"
+#include "editing/ChangePhoto.h"
 #include "ui/frame/FullScreen.h"
 #include "ui/kit/Commands.h"
 #include "ui/kit/ViewTabs.h"

@@ -10,7 +10,7 @@
 
 #include "base/Texts.h"
 #include "discovery/FolderSearch.h"
-#include "editing/OriginalCopy.h"
+#include "editing/SafeFiles.h"
 #include "imaging/Image.h"
 #include "imaging/ImageFile.h"
 #include "sets/QuerySet.h"

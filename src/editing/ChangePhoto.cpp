@@ -1,11 +1,10 @@
-#include "editing/AutoFixPhoto.h"
+#include "editing/ChangePhoto.h"
 
 #include "base/Exceptions.h"
+#include "base/Messages.h"
 #include "catalog/AssetRecord.h"
-#include "editing/OriginalCopy.h"
-#include "editing/PhotoAccess.h"
+#include "editing/SafeFiles.h"
 #include "imaging/AutoFix.h"
-#include "imaging/Image.h"
 #include "imaging/ImageFile.h"
 #include "imaging/PictureMemory.h"
 #include "resources/StringIds.h"
@@ -14,8 +13,7 @@ namespace {
 
 constexpr int kQuality = 70;
 
-/// The new file takes the photo's name in one step, so the name is never empty. It holds one picture, so a
-/// photo with more isn't saved.
+/// A photo of several pictures is refused: the new file would hold one.
 void FixAndSave(CImage& image, const std::string& path) {
   if (!image.RotatesWithoutLoss()) throw CException(StringId::CannotSaveEditedPhoto);
   AutoFix(image);
@@ -43,6 +41,21 @@ PhotoChange Fix(const std::string& path, CImage* shown) {
 }
 
 }  // namespace
+
+PhotoChange RotatePhoto(const CAssetRecord& photo, CImage* image, int angle, const WorkBegins& workBegins) {
+  if (!CheckPhotoWritable(photo)) return PhotoChange::None;
+  if (workBegins) workBegins();
+  if (!image) return PhotoChange::None;
+  if (!image->RotatesWithoutLoss() && !ShowMessageId(StringId::RotationLosesInformation, true))
+    return PhotoChange::None;
+  if (!ForgetThumbnail(photo)) return PhotoChange::None;
+  // The file may have got another name since it was loaded.
+  const bool isShown = image->GetPath() == photo.GetPath();
+  const auto renamed = isShown ? nullptr : LoadImageFile(photo.GetPath(), 1, 1);
+  CImage* turned = isShown ? image : renamed.get();
+  if (!turned || !turned->Rotate(angle)) ShowMessageId(StringId::PhotoTooDamagedToTurn);
+  return isShown ? PhotoChange::ShownImage : PhotoChange::FileAlone;
+}
 
 PhotoChange AutoFixPhoto(const CAssetRecord& photo, CImage* image, const WorkBegins& workBegins) {
   if (!CheckPhotoWritable(photo)) return PhotoChange::None;

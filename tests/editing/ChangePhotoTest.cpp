@@ -1,0 +1,204 @@
+#include "base/Exceptions.h"
+#include "editing/ChangePhoto.h"
+#include "editing/EditingFixture.h"
+#include "imaging/AutoFix.h"
+#include "imaging/ImageFile.h"
+#include "imaging/JpegTurn.h"
+#include "imaging/PictureMemory.h"
+#include "storage/StorageException.h"
+
+using testing::ElementsAre;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A photo that holds more than its pixels.
+class CLossyImage : public CJpegImage {
+ public:
+  bool RotatesWithoutLoss() const override { return false; }
+};
+
+class ChangePhotoTest : public CEditingFixture {
+ protected:
+  ChangePhotoTest() {
+    const auto image = Show(0);
+    Turned = AsText(TurnJpeg(std::vector<std::uint8_t>(Original.begin(), Original.end()), 90).value());
+    AutoFix(*image);
+    Fixed = AsText(image->SaveToMemory(70));
+  }
+
+  static std::string AsText(const std::vector<std::uint8_t>& bytes) { return {bytes.begin(), bytes.end()}; }
+
+  std::unique_ptr<CImage> Show(int box) const { return LoadImageFile(Photo.GetPath(), box, box); }
+
+  PhotoChange Change(bool turns, CImage* shown) {
+    const auto begins = [this] { ++Begun; };
+    return turns ? RotatePhoto(Photo, shown, 90, begins) : AutoFixPhoto(Photo, shown, begins);
+  }
+
+  std::string FailureOf(bool turns, CImage* shown) {
+    try {
+      Change(turns, shown);
+      return "none";
+    } catch (const CStorageException&) {
+      return "disk";
+    } catch (const CException& exception) {
+      return exception.GetMessage();
+    }
+  }
+
+  /// The photo before a change, with a stored thumbnail.
+  void PutBack(bool corrected) {
+    fs::remove_all(InFolder(""));
+    Scratch.Write("photos/boat.jpg", corrected ? Fixed : Original);
+    if (corrected) Scratch.Write("photos/boat.jpg.orig", Original);
+    Thumbnails.StoreBytes(Photo.GetAssetID(), std::vector<std::uint8_t>(100, 'x'));
+  }
+
+  std::string Turned, Fixed;
+  int Begun = 0;
+};
+
+TEST_F(ChangePhotoTest, ATurnReplacesTheFileAndTheShownImage) {
+  const auto shown = Show(40);
+  const std::string target = Scratch.File("elsewhere/boat.jpg");
+  fs::rename(Photo.GetPath(), target);
+  fs::create_symlink(target, Photo.GetPath());
+  SetMode(0640);
+  EXPECT_EQ(Change(true, shown.get()), PhotoChange::ShownImage);
+  EXPECT_EQ(Begun, 1);
+  EXPECT_EQ(shown->GetNaturalSize(), (ImageSize{96, 160}));
+  EXPECT_EQ(ReadBytes(target), Turned);
+  EXPECT_TRUE(fs::is_symlink(Photo.GetPath()));
+  EXPECT_EQ(GetMode(), 0640U);
+  EXPECT_EQ(RotatePhoto(Photo, shown.get(), 270, {}), PhotoChange::ShownImage);
+  EXPECT_EQ(shown->SaveToMemory(100), Show(40)->SaveToMemory(100));
+
+  // The photo has been renamed since it was loaded.
+  fs::rename(Photo.GetPath(), InFolder("lake.jpg"));
+  Photo.SetPath(InFolder("lake.jpg"));
+  EXPECT_EQ(Change(true, shown.get()), PhotoChange::FileAlone);
+  EXPECT_EQ(ReadImageSize(target), (ImageSize{96, 160}));
+  EXPECT_THAT(NamesInFolder(), ElementsAre("lake.jpg"));
+  EXPECT_TRUE(Messages.Texts.empty());
+}
+
+TEST_F(ChangePhotoTest, ASecondCorrectionBringsBackBytesTimesAndMode) {
+  ASSERT_NE(Fixed, Original);
+  SetMode(0640);
+  const auto written = fs::last_write_time(Photo.GetPath()) - std::chrono::hours(1000);
+  fs::last_write_time(Photo.GetPath(), written);
+  const auto whole = Show(0), reduced = Show(40);
+  for (CImage* const shown : {whole.get(), reduced.get(), static_cast<CImage*>(nullptr)}) {
+    EXPECT_EQ(Change(false, shown), shown == whole.get() ? PhotoChange::ShownImage : PhotoChange::FileAlone);
+    EXPECT_EQ(Now(), Fixed);
+    EXPECT_EQ(GetMode(), 0640U);
+    EXPECT_THAT(NamesInFolder(), ElementsAre("boat.jpg", "boat.jpg.orig"));
+    EXPECT_EQ(Change(false, shown), PhotoChange::FileAlone);
+    EXPECT_EQ(Now(), Original);
+    EXPECT_EQ(GetMode(), 0640U);
+    EXPECT_EQ(fs::last_write_time(Photo.GetPath()), written);
+    EXPECT_THAT(NamesInFolder(), ElementsAre("boat.jpg"));
+  }
+  EXPECT_EQ(AsText(whole->SaveToMemory(70)), Fixed) << "the shown image is corrected if it is whole";
+  EXPECT_EQ(Begun, 6);
+}
+
+TEST_F(ChangePhotoTest, AReadOnlyOrMissingPhotoIsAskedAboutFirst) {
+  const auto shown = Show(0);
+  Messages.Answer = false;
+  SetMode(0444);
+  for (const bool turns : {true, false}) EXPECT_EQ(Change(turns, shown.get()), PhotoChange::None);
+  EXPECT_EQ(Now(), Original);
+  EXPECT_EQ(GetMode(), 0444U);
+  fs::remove(Photo.GetPath());
+  for (const bool turns : {true, false}) EXPECT_EQ(Change(turns, shown.get()), PhotoChange::None);
+  EXPECT_EQ(Begun, 0);
+  EXPECT_EQ(Messages.Texts.size(), 4U);
+  EXPECT_THAT(NamesInFolder(), ElementsAre());
+}
+
+TEST_F(ChangePhotoTest, WhatCannotBeChangedStaysAndTheUserIsTold) {
+  EXPECT_EQ(Change(true, nullptr), PhotoChange::None) << "no image is shown";
+  CLossyImage lossy;
+  lossy.LoadFile(Photo.GetPath(), 0, 0);
+  Messages.Answer = false;
+  EXPECT_EQ(Change(true, &lossy), PhotoChange::None);
+  EXPECT_EQ(FailureOf(false, &lossy), "Can't save edited photo");
+  EXPECT_EQ(Now(), Original);
+  Messages.Answer = true;
+  EXPECT_EQ(Change(true, &lossy), PhotoChange::ShownImage);
+  EXPECT_EQ(Now(), Turned);
+
+  Scratch.Write("photos/boat.jpg", "no picture any more");
+  EXPECT_EQ(Change(true, &lossy), PhotoChange::ShownImage);
+  EXPECT_EQ(FailureOf(false, nullptr), "Can't save edited photo");
+  EXPECT_EQ(Now(), "no picture any more");
+  EXPECT_EQ(Messages.Texts.size(), 4U);
+  EXPECT_TRUE(Messages.Texts[0].starts_with("This photo contains additional information"));
+  EXPECT_TRUE(Messages.Texts[3].starts_with("This photo can't be turned: its file is damaged"));
+  fs::resize_file(Photo.GetPath(), std::uintmax_t{1} << 40);
+  EXPECT_THROW(Change(true, &lossy), CTooLargeException);
+  EXPECT_THAT(NamesInFolder(), ElementsAre("boat.jpg"));
+}
+
+TEST_F(ChangePhotoTest, AfterAFaultOrAKillAtAnyStepThePhotoIsWhole) {
+  for (const auto& [turns, corrected] : {std::pair(true, false), {false, false}, {false, true}})
+    for (const bool kills : {false, true}) {
+      const std::string after = turns ? Turned : corrected ? Original : Fixed;
+      int step = 0;
+      for (bool done = false; !done;) {
+        PutBack(corrected);
+        const std::string before = Now();
+        const auto names = NamesInFolder();
+        if (kills) {
+          done = !RunAndKillAtStep(++step, [&] { Change(turns, Show(0).get()); });
+        } else {
+          const auto shown = Show(0);
+          const CFailingStep fault(++step);
+          const std::string failure = FailureOf(turns, shown.get());
+          done = fault.GetSteps() < step;
+          EXPECT_TRUE(!turns || done || failure == "disk") << failure;
+          EXPECT_TRUE(failure == "none" || NamesInFolder() == names) << "step " << step;
+          // Where the last step of a turn fails, the flush of the folder, the file has been replaced.
+          EXPECT_TRUE(failure == "none" || turns || Now() == before) << "step " << step;
+        }
+        OpenThumbnails();
+        const std::string now = Now(), copy = ReadBytes(Photo.GetPath() + ".orig");
+        EXPECT_TRUE(now == after || (now == before && !done)) << "step " << step;
+        EXPECT_TRUE(now == before || !Thumbnails.Has(Photo.GetAssetID())) << "step " << step;
+        EXPECT_TRUE(copy.empty() ? now != Fixed : copy == Original) << "step " << step;
+      }
+      EXPECT_GT(step, corrected ? 2 : 4);
+    }
+}
+
+TEST_F(ChangePhotoTest, AFullDiskAndAReadOnlyFolderAreToldAndChangeNothing) {
+  for (const bool turns : {true, false}) {
+    PutBack(false);
+    const auto shown = Show(40);
+    {
+      const CFileSizeLimit full(0);  // the thumbnail can't be forgotten
+      EXPECT_EQ(Change(turns, shown.get()), PhotoChange::None);
+    }
+    EXPECT_EQ(Messages.Texts.size(), 1U);
+    EXPECT_TRUE(Thumbnails.Has(Photo.GetAssetID()));
+    Messages.Texts.clear();
+    Thumbnails.Remove(Photo.GetAssetID());
+    fs::permissions(Photo.GetPath(), fs::perms(0666));
+    fs::permissions(Scratch.GetPath(), fs::perms(0755));
+    const std::string told = turns ? "Cannot open destination file" : "Cannot make copy of original photo.";
+    EXPECT_TRUE(RunAsNobody([&] { return FailureOf(turns, shown.get()) == told; }));
+    EXPECT_EQ(Now(), Original);
+    EXPECT_THAT(NamesInFolder(), ElementsAre("boat.jpg"));
+  }
+  PutBack(true);
+  Thumbnails.Remove(Photo.GetAssetID());
+  fs::permissions(Photo.GetPath(), fs::perms(0666));
+  EXPECT_TRUE(RunAsNobody(
+      [&] { return FailureOf(false, nullptr).ends_with("can't be brought back: Permission denied."); }));
+  EXPECT_EQ(Now(), Fixed);
+}
+
+}  // namespace
