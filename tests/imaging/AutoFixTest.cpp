@@ -1,149 +1,119 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
-#include <random>
 
 #include "imaging/AutoFix.h"
 #include "imaging/Image.h"
 
 namespace {
 
-using Pixel = std::array<std::uint8_t, 3>;
+using Pixel = std::array<std::uint8_t, 3>;  // blue, green, red
 
-/// The correction by its definition, pixel by pixel and without tables of results.
-class CPlainFix {
- public:
-  explicit CPlainFix(const std::vector<Pixel>& pixels) {
-    std::vector<long> hist(256);
-    for (const Pixel& pixel : pixels) ++hist[*std::ranges::max_element(pixel)];
-    const long count = static_cast<long>(pixels.size());
-    const int median = std::max(WalkUp(hist, -1, count / 2), 0);
-    double gamma = median == 0 ? 0 : std::log(0.5) / std::log(median / 255.0);
-    if (gamma < 0.6) gamma = gamma * (1.0 / 3.0) + 0.4;
-    std::array<int, 256> lifted{};
-    for (int i = 0; i < 256; ++i)
-      lifted[static_cast<std::size_t>(i)] =
-          median > 127 ? i : static_cast<int>(255 * std::pow(i * (1.0 / 255), gamma));
-    const long limit = static_cast<long>(0.05 * static_cast<double>(*std::ranges::max_element(hist)));
-    const long budget = static_cast<long>(0.03 * static_cast<double>(count));
-    const std::size_t low = static_cast<std::size_t>(std::max(WalkUp(hist, limit, budget), 0));
-    std::ranges::reverse(hist);
-    const std::size_t high = static_cast<std::size_t>(std::min(255 - WalkUp(hist, limit, budget), 255));
-    const int range = lifted[high] - lifted[low];
-    for (std::size_t i = low + 1; i < 256; ++i) {
-      const int stretched =
-          range == 0 ? lifted[i] : static_cast<int>((lifted[i] - lifted[low]) * 255.0 / range);
-      Map[i] = i >= high ? 255 : stretched;
-    }
-  }
+Pixel Grey(int value) {
+  const auto byte = static_cast<std::uint8_t>(value);
+  return {byte, byte, byte};
+}
 
-  Pixel Apply(const Pixel& pixel) const {
-    const int largest = *std::ranges::max_element(pixel);
-    if (largest == 0) return pixel;
-    const double s = (largest - *std::ranges::min_element(pixel)) * (1.0 / 255);
-    const double k = static_cast<double>(Map[static_cast<std::size_t>(largest)]) / largest;
-    Pixel fixed{};
-    for (std::size_t i = 0; i < 3; ++i) {
-      const double value = ((largest * k) - (largest - pixel[i])) * (1.0 - s) + (pixel[i] * k) * s;
-      fixed[i] = static_cast<std::uint8_t>(std::max(value, 0.0));
-    }
-    return fixed;
-  }
-
- private:
-  /// Clips bins from the dark end on; a negative limit is none.
-  static int WalkUp(const std::vector<long>& hist, long limit, long budget) {
-    for (int i = 0;; ++i) {
-      const long bin = hist.at(static_cast<std::size_t>(i));
-      if (limit >= 0 && bin > limit) return i;
-      budget -= bin;
-      if (budget == 0) return i;
-      if (budget < 0) return bin + 2 * budget >= 0 ? i : i - 1;
-    }
-  }
-
-  std::array<int, 256> Map{};
-};
-
-/// An image of any pixel size.
+/// An image with rows from the bottom upwards. Whatever lies between its colours is 77.
 class CPixelImage : public CJpegImage {
  public:
   CPixelImage(ImageSize size, int bytesPerPixel) {
     const std::ptrdiff_t rowBytes = std::ptrdiff_t{size.Width} * bytesPerPixel + 2;
     auto memory = platform::AllocateLargeMemory(static_cast<std::size_t>(rowBytes * size.Height));
     std::fill_n(memory.get(), rowBytes * size.Height, 77);
-    std::uint8_t* bottom = memory.get() + rowBytes * (size.Height - 1);
-    HoldPixels(std::move(memory), {bottom, -rowBytes, size, bytesPerPixel}, size);
+    std::uint8_t* top = memory.get() + rowBytes * (size.Height - 1);
+    HoldPixels(std::move(memory), {top, -rowBytes, size, bytesPerPixel}, size);
   }
 };
 
-/// The pixels corrected as an image of that width. Whatever lies between them must stay as it is.
-std::vector<Pixel> Fix(std::vector<Pixel> pixels, int width, int bytesPerPixel = 3) {
-  CPixelImage image({width, static_cast<int>(pixels.size()) / width}, bytesPerPixel);
-  const PixelBuffer rows = image.GetPixels();
-  const auto place = [&](std::size_t i) {
-    const auto column = static_cast<int>(i) % width;
-    return rows.Row(static_cast<int>(i) / width) + column * bytesPerPixel;
+/// Corrects the pixels as an image of at most 40 columns.
+std::vector<Pixel> Fix(std::vector<Pixel> pixels, int bytesPerPixel) {
+  const int count = static_cast<int>(pixels.size());
+  const int width = std::min(count, 40);
+  CPixelImage image({width, count / width}, bytesPerPixel);
+  const auto place = [rows = image.GetPixels(), width, bytesPerPixel](std::size_t i) {
+    return rows.Row(static_cast<int>(i) / width) + static_cast<int>(i) % width * bytesPerPixel;
   };
   for (std::size_t i = 0; i < pixels.size(); ++i) std::ranges::copy(pixels[i], place(i));
   AutoFix(image);
-  for (std::size_t i = 0; i < pixels.size(); ++i) {
-    std::copy_n(place(i), 3, pixels[i].begin());
-    if (bytesPerPixel == 4) {
-      EXPECT_EQ(place(i)[3], 77);
-    }
-  }
+  for (std::size_t i = 0; i < pixels.size(); ++i) std::copy_n(place(i), 3, pixels[i].begin());
+  EXPECT_EQ(place(static_cast<std::size_t>(width - 1))[bytesPerPixel], 77) << "the padding";
+  EXPECT_TRUE(bytesPerPixel == 3 || place(7)[3] == 77) << "the fourth byte";
   return pixels;
 }
 
-Pixel Grey(unsigned value) {
-  const auto byte = static_cast<std::uint8_t>(value);
-  return {byte, byte, byte};
+/// So many pixels of a colour, and what becomes of it.
+struct Part {
+  std::size_t Count;
+  Pixel Before, After;
+};
+
+void ExpectFixed(const std::vector<Part>& parts, const char* what) {
+  std::vector<Pixel> before, after;
+  for (const Part& part : parts) {
+    before.insert(before.end(), part.Count, part.Before);
+    after.insert(after.end(), part.Count, part.After);
+  }
+  for (const int bytesPerPixel : {3, 4}) EXPECT_EQ(Fix(before, bytesPerPixel), after) << what;
 }
 
 }  // namespace
 
-TEST(AutoFixTest, ValuesComputedByHand) {
+TEST(AutoFixTest, ColorsFollowTheBrightnessByTheirSaturation) {
   // A median of 50 gives 50 -> 105, 100 -> 153, 200 -> 223, and the stretch 0, 103, 255.
-  std::vector<Pixel> pixels(500, Grey(50));
-  pixels.resize(980, Grey(200));
-  pixels.resize(990, {100, 50, 0});
-  pixels.resize(1000, Grey(100));
-  const std::vector<Pixel> fixed = Fix(pixels, 40);
-  EXPECT_EQ(fixed[0], Grey(0));
-  EXPECT_EQ(fixed[600], Grey(254)) << "200 x (255 / 200) falls just short of 255";
-  EXPECT_EQ(fixed[985], (Pixel{103, 52, 1}));
-  EXPECT_EQ(fixed[995], Grey(103));
-
-  EXPECT_EQ(Fix(std::vector<Pixel>(64, Grey(100)), 8), std::vector<Pixel>(64, Grey(0)));
-  EXPECT_EQ(Fix(std::vector<Pixel>(64, Grey(0)), 8), std::vector<Pixel>(64, Grey(0)));
-  std::vector<Pixel> two(64, Grey(0));
-  std::fill(two.begin() + 32, two.end(), Grey(255));
-  EXPECT_EQ(Fix(two, 8), two);
-}
-
-TEST(AutoFixTest, PicturesOfAnyContentComeOutByTheDefinition) {
-  std::mt19937 random(5);
-  for (unsigned round = 0; round < 400; ++round) {
-    const bool isLarge = round % 40 == 0;
-    const std::size_t width = isLarge ? 301 : 1 + random() % 9;
-    const std::size_t height = isLarge ? 167 : 1 + random() % 12;
-    const std::size_t span = 1 + random() % 256;
-    const std::size_t base = random() % (257 - span);
-    const unsigned shade = static_cast<unsigned>(random() % 256);
-    std::vector<Pixel> pixels(width * height);
-    for (Pixel& pixel : pixels) {
-      for (std::uint8_t& color : pixel) color = static_cast<std::uint8_t>(base + random() % span);
-      // In every second picture many pixels are alike, so that their neighbours are clipped.
-      if (round % 2 == 1 && random() % 3 > 0) pixel = Grey(shade);
-    }
-    const CPlainFix plain(pixels);
-    const std::vector<Pixel> fixed = Fix(pixels, static_cast<int>(width), 3 + round % 3 % 2);
-    for (Pixel& pixel : pixels) pixel = plain.Apply(pixel);
-    ASSERT_EQ(fixed, pixels) << "round " << round;
-  }
+  ExpectFixed({{5000, Grey(50), Grey(0)},
+               {4800, Grey(200), Grey(254)},  // 200 x (255 / 200) falls just short of 255
+               {40, {100, 50, 0}, {103, 52, 1}},
+               {30, {0, 100, 50}, {1, 103, 52}},
+               {30, {50, 0, 100}, {52, 1, 103}},
+               {100, Grey(100), Grey(103)}},
+              "colours");
+  ExpectFixed({{64, Grey(100), Grey(0)}, {16, Grey(100), Grey(0)}}, "one colour");
+  ExpectFixed({{80, Grey(0), Grey(0)}}, "black");
+  ExpectFixed({{40, Grey(0), Grey(0)}, {40, Grey(255), Grey(255)}}, "black and white");
+  ExpectFixed({{24, Grey(255), Grey(255)}, {1, Grey(0), Grey(0)}}, "the first bin exceeds the budget");
+  ExpectFixed({{24, Grey(0), Grey(0)}, {1, Grey(255), Grey(255)}}, "so does the last one");
   CJpegImage empty;
   AutoFix(empty);
   EXPECT_EQ(empty.GetPixels().Top, nullptr);
+}
+
+TEST(AutoFixTest, DarkPicturesAreLiftedByTheirMedian) {
+  const struct {
+    int Median, Lifted, Other, OtherLifted;
+  } cases[] = {{128, 128, 200, 200}, {100, 127, 200, 213}, {50, 105, 100, 153}};
+  for (const auto& c : cases)
+    ExpectFixed({{400, Grey(0), Grey(0)},
+                 {150, Grey(c.Median), Grey(c.Lifted)},
+                 {10, Grey(c.Other), Grey(c.OtherLifted)},
+                 {440, Grey(255), Grey(255)}},
+                "median");
+}
+
+TEST(AutoFixTest, EndsAreClippedUntilThreeInAHundredOrAFrequentBrightness) {
+  // Of 2000 pixels 60 are clipped at each end, in bins of at most 50: 5% of the largest. The bin that exceeds
+  // this counts if at least half of it is within.
+  ExpectFixed({{49, Grey(130), Grey(0)},
+               {49, Grey(131), Grey(2)},
+               {50, Grey(140), Grey(22)},
+               {754, Grey(170), Grey(91)},
+               {1000, Grey(200), Grey(160)},
+               {49, Grey(240), Grey(252)},
+               {49, Grey(250), Grey(255)}},
+              "from 130 to 241");
+  ExpectFixed({{49, Grey(130), Grey(0)},
+               {20, Grey(131), Grey(0)},
+               {50, Grey(140), Grey(21)},
+               {812, Grey(170), Grey(91)},
+               {1000, Grey(200), Grey(161)},
+               {20, Grey(240), Grey(255)},
+               {49, Grey(250), Grey(255)}},
+              "from 131 to 240");
+  ExpectFixed({{40, Grey(130), Grey(0)},
+               {20, Grey(131), Grey(0)},
+               {50, Grey(140), Grey(19)},
+               {839, Grey(170), Grey(83)},
+               {1000, Grey(200), Grey(147)},
+               {51, Grey(250), Grey(255)}},
+              "from 131, where 60 are reached, to the frequent 250");
 }
