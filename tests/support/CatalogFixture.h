@@ -42,6 +42,15 @@ class CCatalogFixture : public testing::Test {
     Catalog.Close();
   }
 
+  /// How many transactions changed the catalog's file, by the counter in its header.
+  int CountCommits() const {
+    int count = 0;
+    for (const char byte : ReadBytes(CatalogPath).substr(24, 4)) {
+      count = count * 256 + static_cast<unsigned char>(byte);
+    }
+    return count;
+  }
+
   /// A row alone: no file is needed and none is looked at.
   CAssetRecord AddRow(const std::string& path, std::int32_t date = 0, std::int32_t rating = 0) {
     CAssetRecord record = Catalog.AddAsset(path);
