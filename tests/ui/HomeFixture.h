@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <filesystem>
+#include <initializer_list>
 #include <memory>
 #include <string>
 
@@ -40,12 +41,26 @@ class CHomeFixture : public testing::Test {
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
   }
 
+  /// Presses keys one after the other, wherever the focus is then.
+  static void Press(std::initializer_list<Qt::Key> keys, Qt::KeyboardModifiers modifiers = {}) {
+    for (const Qt::Key key : keys) QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+  }
   /// Types into whatever has the focus.
   static void Type(const QString& text) {
     for (const QChar c : text) {
       // The test library knows the keys of Latin letters alone.
       QKeyEvent press(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, QString(c));
       QCoreApplication::sendEvent(QApplication::focusWidget(), &press);
+    }
+  }
+
+  static constexpr QColor kHues[] = {
+      {200, 30, 30}, {30, 160, 40}, {40, 60, 200}, {200, 190, 20}, {150, 40, 180}};
+  static std::string PhotoName(int i) { return "Pictures/" + std::to_string(1000 + i) + ".jpg"; }
+  /// Writes photos whose names follow one another; photo `i` has the colour kHues[i % 5].
+  void WritePhotos(int count, int first = 0, unsigned width = 320, unsigned height = 240) const {
+    for (int i = first; i < first + count; ++i) {
+      Scratch.Write(PhotoName(i), MakePhoto(width, height, kHues[i % 5]));
     }
   }
 

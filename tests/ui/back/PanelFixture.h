@@ -56,7 +56,7 @@ class CPanelFixture : public CStoresFixture {
     Edit(fact);
     Field(fact).GetTextWindow().GetBox()->SelectAll();
     Type(text);
-    QTest::keyClick(&Box(), Qt::Key_Delete);  // of all, or of a completed tail
+    Press({Qt::Key_Delete});  // of all, or of a completed tail
     Window.setFocus();
   }
 

@@ -2,6 +2,7 @@
 
 #include <QKeyEvent>
 #include <set>
+#include <tuple>
 
 #include "ui/frame/CommandTable.h"
 #include "ui/frame/PhotoMarks.h"
@@ -26,13 +27,7 @@ TEST(CommandTable, KeysOfEveryLayoutReachTheirCommand) {
   constexpr CommandId kNone{};
   constexpr int kCyrillicDe = 0x0414;
   // A key as the keyboard sends it, with its position, and the commands as a bare key and as an accelerator.
-  const struct {
-    int Key;
-    Qt::KeyboardModifiers Modifiers;
-    quint32 ScanCode;
-    CommandId Bare;
-    CommandId Accelerator;
-  } rows[] = {
+  const std::tuple<int, Qt::KeyboardModifiers, quint32, CommandId, CommandId> rows[] = {
       {Qt::Key_L, {}, 46, CommandId::RotateLeft, kNone},
       {kCyrillicDe, {}, 46, CommandId::RotateLeft, kNone},
       {Qt::Key_N, {}, 46, kNone, kNone},  // a Latin letter counts as typed

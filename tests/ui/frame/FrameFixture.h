@@ -13,23 +13,13 @@
 #include "ui/search/WindowedSearchProgress.h"
 #include "ui/strip/StripWindow.h"
 
-/// A home with photos of one colour each, and the main window over them.
+/// The main window over the photos of a home.
 class CFrameFixture : public CHomeFixture {
  protected:
-  static constexpr QColor kHues[] = {
-      {200, 30, 30}, {30, 160, 40}, {40, 60, 200}, {200, 190, 20}, {150, 40, 180}};
-
   CFrameFixture() { GetSettings()->SetBool("DontShowAddFolderTip", true); }
 
-  /// In the order of their names, photo `i` has the colour kHues[i % 5].
-  void AddPhotos(int count, int first = 0, unsigned width = 320, unsigned height = 240) {
-    for (int i = first; i < first + count; ++i)
-      Scratch.Write(PhotoName(i), MakePhoto(width, height, kHues[i % 5]));
-  }
-  static std::string PhotoName(int i) { return "Pictures/" + std::to_string(1000 + i) + ".jpg"; }
-
-  /// Starts a session; the window is at rest.
-  CMainFrame& Start() {
+  /// Starts a session; the window is at rest, on that photo or where the session begins.
+  CMainFrame& Start(int position = -1) {
     Frame.reset();
     Search.Reset();
     Frame = std::make_unique<CMainFrame>();
@@ -37,12 +27,8 @@ class CFrameFixture : public CHomeFixture {
     EXPECT_TRUE(Frame->Create(OpenStores(), progress));
     Frame->resize(1000, 700);
     Activate(*Frame);
+    if (position >= 0) Frame->GetStrip().MoveTo(position);
     Rest();
-    return *Frame;
-  }
-  CMainFrame& StartAt(int index) {
-    Start();
-    GoTo(index);
     return *Frame;
   }
 
@@ -65,10 +51,6 @@ class CFrameFixture : public CHomeFixture {
     Frame->GetStrip().MoveTo(index);
     Rest();
   }
-  /// Presses keys one after the other, wherever the focus is, without a rest between them.
-  void Press(std::initializer_list<Qt::Key> keys, Qt::KeyboardModifiers modifiers = {}) {
-    for (const Qt::Key key : keys) QTest::keyClick(QApplication::focusWidget(), key, modifiers);
-  }
 
   const MainParts& Parts() { return Frame->GetParts(); }
   int Position() { return Frame->GetStrip().GetCurrentIndex(); }
@@ -80,10 +62,10 @@ class CFrameFixture : public CHomeFixture {
   bool ShowsPhoto(int i) {
     QWidget& view = *Parts().PhotoView;
     const QColor shown = Painted(view).pixelColor(view.rect().center());
+    const auto isNear = [](int a, int b) { return std::abs(a - b) < 20; };
     const QColor& hue = kHues[i % 5];
-    return std::abs(shown.red() - hue.red()) + std::abs(shown.green() - hue.green()) +
-               std::abs(shown.blue() - hue.blue()) <
-           40;
+    return isNear(shown.red(), hue.red()) && isNear(shown.green(), hue.green()) &&
+           isNear(shown.blue(), hue.blue());
   }
 
   std::unique_ptr<CMainFrame> Frame;

@@ -23,27 +23,28 @@ void TurnWheel(QWidget& frame, int eighths) {
 }  // namespace
 
 TEST_F(MainFrame, KeysAndWheelMoveAlongAndThePhotoFollowsOnceTheStripRests) {
-  AddPhotos(5);
-  CMainFrame& frame = StartAt(0);
+  WritePhotos(1, 0, 3200, 2400);
+  WritePhotos(4, 1);
+  CMainFrame& frame = Start(0);
+  EXPECT_EQ(Parts().PhotoView->GetImage()->GetCurrentSize(), (ImageSize{800, 600}));
+  frame.resize(1400, 1100);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(Parts().PhotoView->GetImage()->GetCurrentSize(), (ImageSize{1600, 1200})) << "for a larger view";
   Press({Qt::Key_Right});
   frame.GetStrip().FinishMove();
   EXPECT_TRUE(ShowsPhoto(0)) << "the photo waits until the strip rests";
   EXPECT_TRUE(QTest::qWaitFor([&] { return ShowsPhoto(1); }, 2000));
-  const std::tuple<Qt::Key, Qt::KeyboardModifiers, int> rows[] = {
-      {Qt::Key_End, {}, 4},  {Qt::Key_Right, {}, 4},   {Qt::Key_PageUp, {}, 0},
-      {Qt::Key_Left, {}, 0}, {Qt::Key_Space, {}, 1},   {Qt::Key_Space, Qt::ShiftModifier, 0},
-      {Qt::Key_Home, {}, 0}, {Qt::Key_PageDown, {}, 4}};
-  for (const auto& [key, modifiers, position] : rows) {
-    Press({key}, modifiers);
+  for (const auto& [key, position] : {std::pair(Qt::Key_End, 4), {Qt::Key_PageUp, 0}, {Qt::Key_Space, 1}}) {
+    Press({key});
     Rest();
     EXPECT_EQ(Position(), position) << key;
   }
-  for (const auto& [eighths, position] : {std::pair(240, 2), {60, 2}, {60, 1}, {-120, 2}}) {
+  Press({Qt::Key_Space}, Qt::ShiftModifier);
+  for (const auto& [eighths, position] : {std::pair(-240, 2), {60, 2}, {60, 1}, {120, 0}}) {
     TurnWheel(frame, eighths);
     Rest();
     EXPECT_EQ(Position(), position);
   }
-  GoTo(0);
   Press({Qt::Key_Right, Qt::Key_3, Qt::Key_Right, Qt::Key_Right, Qt::Key_M});
   EXPECT_EQ(Position(), 3) << "each press of a key counts";
   EXPECT_EQ(Photo(1).GetCachedRating(), 3);
@@ -51,25 +52,22 @@ TEST_F(MainFrame, KeysAndWheelMoveAlongAndThePhotoFollowsOnceTheStripRests) {
 }
 
 TEST_F(MainFrame, PhotosAreMarkedAndDeleted) {
-  AddPhotos(5);
-  CMainFrame& frame = StartAt(1);
+  WritePhotos(5);
+  CMainFrame& frame = Start(1);
   const QImage before = Painted(*Parts().PhotoView);
   Press({Qt::Key_M});
   EXPECT_NE(Painted(*Parts().PhotoView), before);
   EXPECT_EQ(Button(CommandId::ToggleEmail).GetText(), "Don't Email Photo");
   frame.SetInputBlocked(true);
-  Press({Qt::Key_M});
   Press({Qt::Key_M}, Qt::AltModifier);
   QTest::mouseClick(&Button(CommandId::ToggleEmail), Qt::LeftButton);
   frame.SetInputBlocked(false);
-  EXPECT_TRUE(IsToEmail(1));
   GoTo(4);
   Press({Qt::Key_M}, Qt::ShiftModifier);
   for (int i = 0; i < 5; ++i) EXPECT_EQ(IsToEmail(i), i >= 1) << i;
   QTest::mouseClick(&Button(CommandId::ToggleUpload), Qt::LeftButton);
-  EXPECT_TRUE(Photo(4).GetFlag(PhotoFlag::ToRemotePrint));
-
   const CAssetRecord last = Photo(4);
+  EXPECT_TRUE(last.GetFlag(PhotoFlag::ToRemotePrint));
   Press({Qt::Key_Delete});
   EXPECT_TRUE(last.GetFlag(PhotoFlag::Tossed));
   EXPECT_FALSE(last.GetFlag(PhotoFlag::ToEmail) || last.GetFlag(PhotoFlag::ToRemotePrint));
@@ -79,31 +77,30 @@ TEST_F(MainFrame, PhotosAreMarkedAndDeleted) {
   Press({Qt::Key_Delete, Qt::Key_F2});
   EXPECT_EQ(frame.GetPhotoSet().GetCount(), 4) << "a file that is marked as read-only";
   EXPECT_TRUE(frame.hasFocus());
-  std::filesystem::permissions(InHome(PhotoName(3)), std::filesystem::perms::owner_all);
   {
     const CFileSizeLimit fullDisk(0);
     Press({Qt::Key_M});
   }
   EXPECT_EQ(Messages.Shown.size(), 1U);
   EXPECT_TRUE(IsToEmail(3)) << "as it was";
+  std::filesystem::permissions(InHome(PhotoName(3)), std::filesystem::perms::owner_all);
   Press({Qt::Key_Delete, Qt::Key_Delete, Qt::Key_Delete, Qt::Key_Delete});
-  EXPECT_EQ(frame.GetPhotoSet().GetCount(), 0);
   Press({Qt::Key_Delete, Qt::Key_M, Qt::Key_4, Qt::Key_F5, Qt::Key_F11, Qt::Key_Down});
+  EXPECT_EQ(frame.GetPhotoSet().GetCount(), 0);
   EXPECT_FALSE(Button(CommandId::DeletePhoto).isEnabled());
   EXPECT_FALSE(frame.IsFullScreen() || frame.IsSlideShowRunning());
 }
 
 TEST_F(MainFrame, EditsBelongToThePhotoUnderTheLensAndSurviveTheClose) {
-  AddPhotos(3);
-  CMainFrame& frame = StartAt(0);
-  const auto caption = [&](int index) { return Texts(Photo(index), StampId::Note); };
+  WritePhotos(3);
+  CMainFrame& frame = Start(0);
   Press({Qt::Key_C});
   Type("one");
   Press({Qt::Key_Right}, Qt::AltModifier);
   Type("two");
   Press({Qt::Key_Escape});
-  EXPECT_EQ(caption(0), "one");
-  EXPECT_EQ(caption(1), "");
+  EXPECT_EQ(Texts(Photo(0), StampId::Note), "one");
+  EXPECT_EQ(Texts(Photo(1), StampId::Note), "");
   EXPECT_TRUE(frame.hasFocus());
   // Only a command of the user's leads an open field to another photo.
   Press({Qt::Key_F5, Qt::Key_C});
@@ -112,7 +109,7 @@ TEST_F(MainFrame, EditsBelongToThePhotoUnderTheLensAndSurviveTheClose) {
   TurnWheel(frame, 120);
   EXPECT_EQ(Position(), 2);
   Press({Qt::Key_Return});
-  EXPECT_EQ(caption(2), "on the third");
+  EXPECT_EQ(Texts(Photo(2), StampId::Note), "on the third");
   frame.StartSlideShow();
   QTest::mouseClick(&Parts().FilterBar->GetFindControl(), Qt::LeftButton, {}, {10, 10});
   EXPECT_FALSE(frame.IsSlideShowRunning());
@@ -122,12 +119,11 @@ TEST_F(MainFrame, EditsBelongToThePhotoUnderTheLensAndSurviveTheClose) {
   Press({Qt::Key_Escape});
   EXPECT_FALSE(frame.IsSlideShowRunning());
 
-  // What is clicked on the panel is of the photo that the strip is coming to.
   GoTo(1);
   Press({Qt::Key_Left});
   QWidget* stars = Parts().PhotoBack->findChild<QWidget*>(QStringLiteral("Rating"));
   QTest::mousePress(stars->childAt(10, 10), Qt::LeftButton);
-  EXPECT_EQ(Photo(0).GetCachedRating(), 1);
+  EXPECT_EQ(Photo(0).GetCachedRating(), 1) << "the strip was still coming to it";
   Press({Qt::Key_E});
   Type("kept");
   frame.close();
@@ -141,56 +137,33 @@ TEST_F(MainFrame, EditsBelongToThePhotoUnderTheLensAndSurviveTheClose) {
 }
 
 TEST_F(MainFrame, OpensOnTheFirstPhotoOfANewRollOrInTheStoredOrder) {
-  AddPhotos(2);
+  WritePhotos(2);
   Start();
   EXPECT_EQ(Position(), 1) << "the first roll of a catalog is shown from its end";
   Press({Qt::Key_2});
-  AddPhotos(3, 2);
-  EXPECT_EQ(Start().GetPhotoSet().GetCount(), 5);
+  WritePhotos(3, 2);
+  Start();
   EXPECT_EQ(Position(), 2);
   GetSettings()->SetInt("Sort", 221);
   Start();
   EXPECT_EQ(Photo(0).GetTitle(), "1001") << "the one with stars comes first";
   EXPECT_EQ(Position(), 0);
-  GetSettings()->SetInt("Sort", 4711);
-  EXPECT_EQ(Start().GetPhotoSet().GetCount(), 5);
-}
-
-TEST_F(MainFrame, ShowsWhatCanBeReadAsLargeAsItTakes) {
-  AddPhotos(1, 0, 3200, 2400);
-  AddPhotos(1, 1);
-  CMainFrame& frame = StartAt(0);
-  CPhotoView& view = *Parts().PhotoView;
-  EXPECT_EQ(view.GetImage()->GetCurrentSize(), (ImageSize{800, 600}));
-  frame.resize(1400, 1100);
-  QCoreApplication::processEvents();
-  EXPECT_EQ(view.GetImage()->GetCurrentSize(), (ImageSize{1600, 1200}));
-  EXPECT_TRUE(ShowsPhoto(0));
-  std::filesystem::remove(InHome(PhotoName(1)));
-  GoTo(1);
-  EXPECT_FALSE(ShowsPhoto(0) || ShowsPhoto(1)) << "a photo that vanished";
 }
 
 TEST_F(MainFrame, RepeatsOfAHeldKeyAreNoPressesAndStayWhereThePressWent) {
-  AddPhotos(5);
-  CMainFrame& frame = StartAt(0);
+  WritePhotos(5);
+  CMainFrame& frame = Start(0);
   quint64 now = 1000;
-  const auto send = [&](QEvent::Type type, Qt::Key key, quint32 scanCode, const char* text) {
-    QKeyEvent event(type, key, {}, scanCode, 0, 0, QString::fromLatin1(text));
-    event.setTimestamp(now);
-    QCoreApplication::sendEvent(QApplication::focusWindow(), &event);
-  };
   // As X11 repeats a key: by releases and presses of one time that the toolkit doesn't tell as repeats.
   const auto hold = [&](Qt::Key key, quint32 scanCode, const char* text = "") {
     now += 500;
-    send(QEvent::KeyPress, key, scanCode, text);
-    for (int repeat = 0; repeat < 3; ++repeat) {
-      now += 30;
-      send(QEvent::KeyRelease, key, scanCode, text);
-      send(QEvent::KeyPress, key, scanCode, text);
+    for (int event = 0; event < 8; ++event) {
+      const bool isPress = event % 2 == 0;
+      if (!isPress) now += 30;
+      QKeyEvent sent(isPress ? QEvent::KeyPress : QEvent::KeyRelease, key, {}, scanCode, 0, 0, text);
+      sent.setTimestamp(now);
+      QCoreApplication::sendEvent(QApplication::focusWindow(), &sent);
     }
-    now += 30;
-    send(QEvent::KeyRelease, key, scanCode, text);
   };
   hold(Qt::Key_M, 58, "m");
   EXPECT_TRUE(IsToEmail(0));
@@ -210,17 +183,16 @@ TEST_F(MainFrame, RepeatsOfAHeldKeyAreNoPressesAndStayWhereThePressWent) {
 }
 
 TEST_F(MainFrame, TellsAUserWithFewPhotosHowToAddFolders) {
-  AddPhotos(2);
   GetSettings()->SetBool("DontShowAddFolderTip", false);
   for (const bool never : {false, true}) {
     bool seen = false;
-    When([] { return QApplication::activeModalWidget() != nullptr; },
-         [&seen, never] {
-           auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-           box->checkBox()->setChecked(never);
-           box->accept();
-           seen = true;
-         });
+    const auto answer = [&seen, never] {
+      auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+      box->checkBox()->setChecked(never);
+      box->accept();
+      seen = true;
+    };
+    When([] { return QApplication::activeModalWidget() != nullptr; }, answer);
     Start();
     EXPECT_TRUE(QTest::qWaitFor([&] { return seen; }));
   }
@@ -232,11 +204,10 @@ TEST_F(MainFrame, ClosedDuringTheSearchStopsItAndThenCloses) {
   CMainFrame frame;
   CWindowedSearchProgress progress(false, false);
   QTimer::singleShot(0, [&] { frame.close(); });
-  EXPECT_TRUE(frame.Create(
-      [&](CCatalog& catalog, CThumbnailCache& cache) {
-        while (!progress.IsStopped()) QThread::msleep(1);  // the close reaches the job
-        return OpenStores()(catalog, cache);
-      },
-      progress));
+  const auto open = [&](CCatalog& catalog, CThumbnailCache& cache) {
+    while (!progress.IsStopped()) QThread::msleep(1);  // the close reaches the job
+    return OpenStores()(catalog, cache);
+  };
+  EXPECT_TRUE(frame.Create(open, progress));
   EXPECT_TRUE(frame.IsClosing());
 }
