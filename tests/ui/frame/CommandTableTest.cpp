@@ -7,12 +7,6 @@
 #include "ui/frame/CommandTable.h"
 #include "ui/frame/PhotoMarks.h"
 
-namespace {
-
-CommandId IdOf(const Command* command) { return command != nullptr ? command->Id : CommandId{}; }
-
-}  // namespace
-
 TEST(CommandTable, NoKeyLeadsToTwoCommands) {
   for (const Command& command : GetCommandTable()) {
     EXPECT_EQ(FindCommand(command.Id), &command);
@@ -26,6 +20,7 @@ TEST(CommandTable, NoKeyLeadsToTwoCommands) {
 TEST(CommandTable, KeysOfEveryLayoutReachTheirCommand) {
   constexpr CommandId kNone{};
   constexpr int kCyrillicDe = 0x0414;
+  const auto idOf = [](const Command* command) { return command != nullptr ? command->Id : kNone; };
   // A key as the keyboard sends it, with its position, and the commands as a bare key and as an accelerator.
   const std::tuple<int, Qt::KeyboardModifiers, quint32, CommandId, CommandId> rows[] = {
       {Qt::Key_L, {}, 46, CommandId::RotateLeft, kNone},
@@ -45,8 +40,8 @@ TEST(CommandTable, KeysOfEveryLayoutReachTheirCommand) {
   };
   for (const auto& [key, modifiers, scanCode, bare, accelerator] : rows) {
     const KeyChord chord = ReadKeyChord(QKeyEvent(QEvent::KeyPress, key, modifiers, scanCode, 0, 0));
-    EXPECT_EQ(IdOf(FindBareKey(chord)), bare) << key;
-    EXPECT_EQ(IdOf(FindAccelerator(chord)), accelerator) << key;
+    EXPECT_EQ(idOf(FindBareKey(chord)), bare) << key;
+    EXPECT_EQ(idOf(FindAccelerator(chord)), accelerator) << key;
   }
 }
 

@@ -4,20 +4,89 @@
 #include <QWheelEvent>
 
 #include "imaging/Image.h"
+#include "sets/PhotoSet.h"
 #include "support/FileSizeLimit.h"
+#include "ui/HomeFixture.h"
 #include "ui/back/FilterBar.h"
+#include "ui/back/PhotoBack.h"
 #include "ui/back/PhotoField.h"
-#include "ui/frame/FrameFixture.h"
+#include "ui/frame/MainFrame.h"
 #include "ui/kit/DropControl.h"
+#include "ui/kit/Toolbar.h"
+#include "ui/pages/PhotoView.h"
+#include "ui/pages/ViewTabBar.h"
+#include "ui/search/WindowedSearchProgress.h"
+#include "ui/strip/StripWindow.h"
 
 namespace {
 
-using MainFrame = CFrameFixture;
+/// The main window over the photos of a home.
+class MainFrame : public CHomeFixture {
+ protected:
+  MainFrame() { GetSettings()->SetBool("DontShowAddFolderTip", true); }
+
+  /// Starts a session; the window is at rest, on that photo or where the session begins.
+  CMainFrame& Start(int position = -1) {
+    Frame.reset();
+    Search.Reset();
+    Frame = std::make_unique<CMainFrame>();
+    CWindowedSearchProgress progress(false, false);
+    EXPECT_TRUE(Frame->Create(OpenStores(), progress));
+    Frame->resize(1000, 700);
+    Activate(*Frame);
+    if (position >= 0) Frame->GetStrip().MoveTo(position);
+    Rest();
+    return *Frame;
+  }
+
+  CMainFrame::OpenStep OpenStores() {
+    return [this](CCatalog& catalog, CThumbnailCache& cache) {
+      catalog.Open(InHome("vellumar.db"));
+      cache.Open(InHome("vellumar.thumbs"), catalog.GetDBGUID());
+      return true;
+    };
+  }
+
+  /// Until the strip is at rest and its photo is shown.
+  void Rest() {
+    QCoreApplication::processEvents();
+    Frame->GetStrip().FinishMove();
+    Frame->GetStrip().AnnounceNow();
+    QCoreApplication::processEvents();
+  }
+  void GoTo(int index) {
+    Frame->GetStrip().MoveTo(index);
+    Rest();
+  }
+
+  const MainParts& Parts() { return Frame->GetParts(); }
+  int Position() { return Frame->GetStrip().GetCurrentIndex(); }
+  CAssetRecord Photo(int index) { return Frame->GetPhotoSet().GetAsset(index); }
+  bool IsToEmail(int index) { return Photo(index).GetFlag(PhotoFlag::ToEmail); }
+  CPaintedButton& Button(CommandId id) { return *Parts().ToolRow->GetButton(id); }
+
+  /// Whether the large photo has the colour of photo `i`.
+  bool ShowsPhoto(int i) {
+    QWidget& view = *Parts().PhotoView;
+    const QColor shown = Painted(view).pixelColor(view.rect().center());
+    const auto isNear = [](int a, int b) { return std::abs(a - b) < 20; };
+    const QColor& hue = kHues[i % 5];
+    return isNear(shown.red(), hue.red()) && isNear(shown.green(), hue.green()) &&
+           isNear(shown.blue(), hue.blue());
+  }
+
+  std::unique_ptr<CMainFrame> Frame;
+};
 
 void TurnWheel(QWidget& frame, int eighths) {
   QWheelEvent event({10, 10}, frame.mapToGlobal(QPointF(10, 10)), {}, {0, eighths}, Qt::NoButton, {},
                     Qt::NoScrollPhase, false);
   QCoreApplication::sendEvent(QApplication::focusWidget(), &event);
+}
+
+bool IsPointerHidden() {
+  const QCursor* cursor = QGuiApplication::overrideCursor();
+  return cursor != nullptr && cursor->shape() == Qt::BlankCursor;
 }
 
 }  // namespace
@@ -115,10 +184,6 @@ TEST_F(MainFrame, EditsBelongToThePhotoUnderTheLensAndSurviveTheClose) {
   EXPECT_FALSE(frame.IsSlideShowRunning());
   Press({Qt::Key_Escape});
   EXPECT_FALSE(Parts().FilterBar->IsEditing());
-  frame.StartSlideShow();
-  Press({Qt::Key_Escape});
-  EXPECT_FALSE(frame.IsSlideShowRunning());
-
   GoTo(1);
   Press({Qt::Key_Left});
   QWidget* stars = Parts().PhotoBack->findChild<QWidget*>(QStringLiteral("Rating"));
@@ -210,4 +275,80 @@ TEST_F(MainFrame, ClosedDuringTheSearchStopsItAndThenCloses) {
   };
   EXPECT_TRUE(frame.Create(open, progress));
   EXPECT_TRUE(frame.IsClosing());
+}
+
+TEST_F(MainFrame, PhotoFillsTheWindowAndEverythingComesBack) {
+  WritePhotos(3);
+  CMainFrame& frame = Start(1);
+  const QSize before = frame.size();
+  QWidget* const parts[] = {Parts().StripWindow.get(), Parts().TabBar.get(), Parts().PhotoBack.get()};
+  Press({Qt::Key_F11});
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(frame.isFullScreen());
+  EXPECT_EQ(Parts().PhotoView->geometry(), frame.rect());
+  for (const QWidget* part : parts) EXPECT_FALSE(part->isVisible());
+  EXPECT_EQ(Parts().ToolRow->geometry().bottomRight(), frame.rect().bottomRight());
+  Press({Qt::Key_4, Qt::Key_C, Qt::Key_Tab, Qt::Key_F6});
+  EXPECT_EQ(Photo(1).GetCachedRating(), 0) << "the panel doesn't show";
+  Press({Qt::Key_F5});
+  EXPECT_FALSE(Parts().ToolRow->isVisible());
+  EXPECT_EQ(Button(CommandId::ToggleSlideShow).GetText(), "Stop");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return ShowsPhoto(2); }, 1000)) << "at once";
+  for (const int x : {330, 340}) QTest::mouseMove(frame.windowHandle(), QPoint(x, 200));
+  EXPECT_TRUE(Parts().ToolRow->isVisible());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Position() == 0; }, 3000)) << "round";
+  Press({Qt::Key_Space});
+  EXPECT_FALSE(frame.IsSlideShowRunning());
+
+  Press({Qt::Key_Escape});
+  QCoreApplication::processEvents();
+  EXPECT_EQ(frame.size(), before);
+  for (const QWidget* part : parts) EXPECT_TRUE(part->isVisible());
+  EXPECT_TRUE(frame.hasFocus());
+  for (const bool on : {true, false}) {
+    QTest::mouseDClick(Parts().PhotoView.get(), Qt::LeftButton);
+    EXPECT_EQ(frame.IsFullScreen(), on);
+  }
+  QCoreApplication::processEvents();
+  const QPoint button = Button(CommandId::ToggleFullScreen).mapTo(&frame, QPoint(5, 5));
+  QTest::mouseDClick(frame.windowHandle(), Qt::LeftButton, {}, button);
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(frame.IsFullScreen()) << "the second click was none on the photo";
+  const auto endByDesktop = [&] {  // counts once nothing has been asked for a while
+    frame.setWindowState(frame.windowState() & ~Qt::WindowFullScreen);
+    return !frame.IsFullScreen();
+  };
+  EXPECT_FALSE(endByDesktop());
+  EXPECT_TRUE(QTest::qWaitFor(endByDesktop, 5000));
+}
+
+TEST_F(MainFrame, ToolsVanishAndComeBackWithTheMouse) {
+  QWidget window, photo(&window), row(&window);
+  photo.resize(600, 300);
+  Activate(window);
+  CFullScreenTools tools(window, photo, row);
+  const auto moveTo = [&](int x) { tools.OnPointerMoved(window.mapToGlobal(QPoint(x, 200))); };
+  const auto areHidden = [&] { return tools.AreHidden(); };
+  tools.SetActive(true);
+  moveTo(300);
+  EXPECT_FALSE(QTest::qWaitFor(areHidden, 2500));
+  EXPECT_TRUE(QTest::qWaitFor(areHidden, 1500));
+  EXPECT_FALSE(row.isVisible());
+  EXPECT_TRUE(IsPointerHidden());
+  moveTo(300);
+  EXPECT_TRUE(areHidden()) << "it has not moved";
+  tools.DropMouseMoves();
+  moveTo(310);
+  EXPECT_TRUE(areHidden()) << "a move that was made during a long operation";
+  tools.OnActivationChanged(false);
+  EXPECT_FALSE(IsPointerHidden()) << "another window is in front";
+  tools.OnActivationChanged(true);
+  EXPECT_TRUE(IsPointerHidden());
+  QCoreApplication::processEvents();
+  moveTo(330);
+  EXPECT_TRUE(row.isVisible());
+  EXPECT_FALSE(IsPointerHidden());
+  tools.Hide();
+  tools.SetActive(false);
+  EXPECT_FALSE(IsPointerHidden());
 }
