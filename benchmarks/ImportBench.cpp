@@ -16,7 +16,7 @@
 #include "PlainDecode.h"
 #include "app/DataStores.h"
 #include "base/Messages.h"
-#include "base/RegistrySettings.h"
+#include "base/Settings.h"
 #include "catalog/Catalog.h"
 #include "catalog/Properties.h"
 #include "catalog/ThumbnailCache.h"

@@ -3,7 +3,7 @@
 #include <string>
 #include <utility>
 
-enum class StringId : int;
+#include "base/Texts.h"
 
 /// The root of what the program raises. Raised by value, caught by reference.
 class CThrowable {
@@ -33,5 +33,5 @@ class CException : public CThrowable {
   using CThrowable::CThrowable;
 
   /// The message is the string of that id, expanded.
-  explicit CException(StringId message);
+  explicit CException(StringId message) : CThrowable(LoadExpandedString(message)) {}
 };

@@ -9,7 +9,7 @@
 #include <new>
 
 #include "base/Exceptions.h"
-#include "base/Product.h"
+#include "base/Texts.h"
 #include "imaging/PictureMemory.h"
 #include "platform/Files.h"
 

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "base/Folders.h"
-#include "base/RegistrySettings.h"
+#include "base/Settings.h"
 #include "discovery/FolderSearch.h"
 #include "support/EnvironmentVariable.h"
 #include "support/ScratchFolder.h"

@@ -4,8 +4,6 @@
 
 #include <array>
 
-#include "base/IniSettings.h"
-#include "base/RegistrySettings.h"
 #include "base/Settings.h"
 #include "support/FaultSteps.h"
 #include "support/ScratchFolder.h"

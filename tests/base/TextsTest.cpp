@@ -5,7 +5,6 @@
 
 #include "base/Guid.h"
 #include "base/Messages.h"
-#include "base/Product.h"
 #include "base/Texts.h"
 #include "base/Times.h"
 #include "resources/StringTable.h"

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "base/Folders.h"
-#include "base/RegistrySettings.h"
+#include "base/Settings.h"
 #include "catalog/Catalog.h"
 #include "catalog/StampList.h"
 #include "catalog/ThumbnailCache.h"

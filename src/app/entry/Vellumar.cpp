@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "app/Main.h"
-#include "base/Product.h"
+#include "base/Texts.h"
 #include "ui/kit/Application.h"
 #include "ui/kit/MessageBox.h"
 
