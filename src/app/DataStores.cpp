@@ -13,6 +13,7 @@
 #include "editing/RenamePhotoFile.h"
 #include "editing/SafeFiles.h"
 #include "platform/Files.h"
+#include "platform/WholeFiles.h"
 #include "storage/StorageFile.h"
 
 namespace {

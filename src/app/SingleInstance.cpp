@@ -10,7 +10,7 @@
 #include <algorithm>
 
 #include "base/Paths.h"
-#include "platform/Files.h"
+#include "platform/WholeFiles.h"
 #include "ui/kit/QtText.h"
 
 namespace {

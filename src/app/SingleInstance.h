@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/Descriptor.h"
 #include "platform/FileLock.h"
-#include "platform/ShortPath.h"
 
 /// Lets one process at a time run in a user's session, and one on a catalog, from wherever it was started.
 /// The first one holds locks that the kernel takes back when it ends, however it ends; a later one asks it

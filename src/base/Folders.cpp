@@ -8,6 +8,7 @@
 #include "base/Texts.h"
 #include "platform/Files.h"
 #include "platform/SpecialFolders.h"
+#include "platform/WholeFiles.h"
 
 namespace {
 

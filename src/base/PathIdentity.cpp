@@ -5,7 +5,6 @@
 
 #include "base/Paths.h"
 #include "platform/Files.h"
-#include "platform/FolderListing.h"
 #include "platform/Unicode.h"
 
 namespace {

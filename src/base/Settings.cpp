@@ -13,6 +13,7 @@
 #include "platform/Files.h"
 #include "platform/SpecialFolders.h"
 #include "platform/Unicode.h"
+#include "platform/WholeFiles.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include "imaging/Image.h"
 #include "imaging/PreparedPhoto.h"
-#include "platform/Files.h"
+#include "platform/WholeFiles.h"
 #include "storage/StorageException.h"
 #include "storage/StorageFile.h"
 

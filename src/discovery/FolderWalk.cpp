@@ -9,6 +9,7 @@
 #include "discovery/SearchProgress.h"
 #include "imaging/ImageFile.h"
 #include "platform/Unicode.h"
+#include "platform/WholeFiles.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 
 #include "catalog/AssetRecord.h"
 #include "discovery/PhotoImport.h"
-#include "platform/FolderListing.h"
+#include "platform/Files.h"
 #include "platform/Mounts.h"
 
 /// One search of one folder: a walk that lists the photo files that need work, and an update that imports

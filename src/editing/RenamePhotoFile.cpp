@@ -14,7 +14,7 @@
 #include "catalog/Catalog.h"
 #include "editing/SafeFiles.h"
 #include "platform/Files.h"
-#include "platform/FolderListing.h"
+#include "platform/WholeFiles.h"
 #include "platform/Unicode.h"
 #include "storage/StorageException.h"
 

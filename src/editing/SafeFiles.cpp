@@ -5,6 +5,7 @@
 #include "catalog/AssetRecord.h"
 #include "catalog/ThumbnailCache.h"
 #include "platform/Files.h"
+#include "platform/WholeFiles.h"
 #include "storage/StorageException.h"
 #include "storage/StorageFile.h"
 

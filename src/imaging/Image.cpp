@@ -13,6 +13,7 @@
 #include "imaging/PictureMemory.h"
 #include "imaging/Scaler.h"
 #include "platform/Files.h"
+#include "platform/WholeFiles.h"
 #include "storage/StorageException.h"
 
 namespace {

@@ -57,4 +57,10 @@ std::error_code Descriptor::Read(void* bytes, std::size_t size, std::size_t& got
   return {};
 }
 
+ShortPath::ShortPath(const std::string& path) : Path(path) {
+  const std::size_t slash = path.rfind('/');
+  if (slash == std::string::npos || Folder.Open(path.substr(0, slash + 1), O_PATH | O_DIRECTORY)) return;
+  Path = "/proc/self/fd/" + std::to_string(Folder.Get()) + path.substr(slash);
+}
+
 }  // namespace platform

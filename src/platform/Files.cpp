@@ -1,19 +1,23 @@
 #include "platform/Files.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <stdio.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
+#include <memory>
 #include <new>
+#include <utility>
 
 #include "platform/Descriptor.h"
 #include "platform/Faults.h"
-#include "platform/FileStatusReader.h"
 
 namespace platform {
+
 namespace {
 
 std::error_code ErrorOfKind(const FileStatus& status) {
@@ -117,6 +121,16 @@ std::error_code ReadFromDescriptor(const Descriptor& descriptor, std::size_t exp
   return {};
 }
 
+struct FolderCloser {
+  void operator()(DIR* folder) const { ::closedir(folder); }
+};
+
+bool IsLink(int folder, const dirent& entry) {
+  if (entry.d_type != DT_UNKNOWN) return entry.d_type == DT_LNK;
+  struct stat raw {};
+  return ::fstatat(folder, entry.d_name, &raw, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(raw.st_mode);
+}
+
 }  // namespace
 
 std::error_code GetStatus(const std::string& path, FileStatus& status) {
@@ -207,5 +221,51 @@ std::error_code CreateFolders(const std::string& path) {
 std::error_code SyncFolderOf(const std::string& path) { return SyncFolder(FolderOf(path)); }
 
 void TakeSizeLimitsAsErrors() { static_cast<void>(std::signal(SIGXFSZ, SIG_IGN)); }
+
+std::error_code ReadStatusAt(int folder, const char* name, FileStatus& status, bool ofLink) {
+  status = {};
+  struct statx raw {};
+  // Only statx tells the birth time. Looking must not make an automounter mount what the user didn't ask for.
+  const int flags = AT_NO_AUTOMOUNT | (ofLink ? AT_SYMLINK_NOFOLLOW : 0);
+  if (::statx(folder, name, flags, STATX_BASIC_STATS | STATX_BTIME, &raw) != 0) return LastError();
+  status.IsFolder = S_ISDIR(raw.stx_mode);
+  status.IsRegular = S_ISREG(raw.stx_mode);
+  status.IsMountPoint = (raw.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+  status.Size = raw.stx_size;
+  status.Modified = raw.stx_mtime.tv_sec;
+  // Some file systems claim a birth time and have a 0 there.
+  const bool hasBirth = (raw.stx_mask & STATX_BTIME) != 0 && raw.stx_btime.tv_sec > 0;
+  status.Created = hasBirth ? raw.stx_btime.tv_sec : raw.stx_mtime.tv_sec;
+  status.Device = makedev(raw.stx_dev_major, raw.stx_dev_minor);
+  status.Inode = raw.stx_ino;
+  status.Mode = raw.stx_mode & 07777U;
+  status.LinkCount = raw.stx_nlink;
+  return {};
+}
+
+std::error_code ListFolder(const std::string& path, std::vector<FolderEntry>& entries,
+                           const std::function<bool()>& isStopped) {
+  entries.clear();
+  // opendir asks for a folder and never waits, so a FIFO of that name can't hold it up.
+  const std::unique_ptr<DIR, FolderCloser> folder(::opendir(path.c_str()));
+  if (!folder) return LastError();
+  for (;;) {
+    if (isStopped()) return std::make_error_code(std::errc::operation_canceled);
+    errno = 0;
+    const dirent* raw = ::readdir(folder.get());
+    if (raw == nullptr) return errno == 0 ? std::error_code() : LastError();
+    const std::string_view name = raw->d_name;
+    if (name == "." || name == "..") continue;
+    FolderEntry entry;
+    entry.Name = name;
+    // A name that leads nowhere, or to what may not be looked at, is listed with an empty status.
+    if (!ReadStatusAt(::dirfd(folder.get()), raw->d_name, entry.Status)) {
+      entry.IsFolder = entry.Status.IsFolder;
+      entry.IsRegular = entry.Status.IsRegular;
+    }
+    entry.IsLink = IsLink(::dirfd(folder.get()), *raw);
+    entries.push_back(std::move(entry));
+  }
+}
 
 }  // namespace platform

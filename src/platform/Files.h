@@ -2,16 +2,18 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <system_error>
 #include <vector>
 
+namespace platform {
+
 /// Files and folders as the operating system has them. Paths are bytes with "/" as separator; a name in
 /// no valid UTF-8 is as good as any other. Every operation answers with the system's error, none throws,
 /// and whatever replaces or makes a file has flushed it, and its folder, when it returns without error.
-namespace platform {
 
 struct FileStatus {
   bool IsFolder = false;
@@ -44,32 +46,11 @@ std::error_code ReadWholeFile(const std::string& path, std::vector<std::uint8_t>
 std::error_code ReadFilePart(const std::string& path, std::uint64_t offset, std::span<std::uint8_t> bytes,
                              std::size_t& got);
 
-/// Puts `bytes` under `path` in one step: a whole new file beside it, flushed, then renamed over the
-/// name. A link is followed, and whatever stood there keeps its permission bits. On an error the old file
-/// is untouched; only when the last step fails, the flush of the folder, is the new one there already.
-std::error_code WriteFileAtomically(const std::string& path, const void* bytes, std::size_t size);
-
-/// As WriteFileAtomically, but fails with std::errc::file_exists if the name is taken.
-std::error_code WriteNewFile(const std::string& path, const void* bytes, std::size_t size);
-
-/// Copies a whole file with its permission bits, times and extended attributes. The target's name appears
-/// only once the copy is whole; std::errc::file_exists if it is taken.
-std::error_code CopyToNewFile(const std::string& from, const std::string& to);
-
 /// Renames within one file system, replacing `to` in the same step.
 std::error_code RenameOver(const std::string& from, const std::string& to);
 
 /// Renames within one file system; std::errc::file_exists if `to` is taken.
 std::error_code RenameToNewName(const std::string& from, const std::string& to);
-
-/// Gives the file the name `to`, replacing in the same step what that name leads to, links followed.
-std::error_code MoveOver(const std::string& from, const std::string& to);
-
-/// Where a chain of links ends; `path` itself if it is no link, or if nothing stands at the end.
-std::string FollowLinks(const std::string& path);
-
-/// Makes a link that leads to `target`, flushed; std::errc::file_exists if the name is taken.
-std::error_code CreateLink(const std::string& target, const std::string& path);
 
 /// Sets a file's permission bits, links followed.
 std::error_code SetPermissions(const std::string& path, std::uint32_t mode);
@@ -89,27 +70,30 @@ std::error_code CreateFolders(const std::string& path);
 /// Flushes the entries of the folder that holds `path`, so that a rename or removal in it lasts.
 std::error_code SyncFolderOf(const std::string& path);
 
-/// What the names of files begin with that aren't whole yet: hidden, and without an extension that a search
-/// for photos would take.
-inline constexpr std::string_view kUnfinishedPrefix = ".vellumar-";
-
-/// Removes the unfinished files that killed processes have left in a folder that no other one works in.
-void RemoveUnfinishedFiles(const std::string& folder);
-
-/// Whether a file of that name may be a photo that was being written: what the operations above call a file
-/// until it is whole.
-bool IsUnfinishedName(std::string_view name);
-
-/// Removes a file of such a name unless a living process, on whatever machine, is still making it. Whoever
-/// makes one holds a lock on it; where the disk knows no locks, the file stays.
-void RemoveIfAbandoned(const std::string& path);
-
 /// From now on a write past the size that files may have is an error of that write; by itself it would end
 /// the process.
 void TakeSizeLimitsAsErrors();
 
-/// A new, empty, private file in the folder that holds `beside`, or in the temporary folder when
-/// `beside` is empty. `prefix` begins its name. The file is for the caller to remove.
-std::error_code CreateTemporaryFile(const std::string& beside, std::string_view prefix, std::string& path);
+/// Reads the status of a name, relative to an open folder or to AT_FDCWD, links followed unless
+/// `ofLink` is set. For the code of this folder.
+std::error_code ReadStatusAt(int folder, const char* name, FileStatus& status, bool ofLink = false);
+
+/// One name of a folder. The kinds and the status are those of what the name leads to, links followed;
+/// a link that leads nowhere, or a name that went while the folder was read, is neither kind and has an
+/// empty status.
+struct FolderEntry {
+  std::string Name;  // byte for byte, whatever its encoding
+  bool IsFolder = false;
+  bool IsRegular = false;
+  bool IsLink = false;  // the name itself is a symbolic link
+  FileStatus Status;
+};
+
+/// Lists a folder in the order in which the system gives its names, without "." and "..". Nothing in the
+/// folder is opened, so a FIFO or a device can't block. On an error `entries` holds what was read before.
+/// `isStopped` is asked before each entry; its true is std::errc::operation_canceled.
+std::error_code ListFolder(
+    const std::string& path, std::vector<FolderEntry>& entries,
+    const std::function<bool()>& isStopped = [] { return false; });
 
 }  // namespace platform

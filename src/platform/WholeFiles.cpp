@@ -1,24 +1,128 @@
-// The operations of Files.h that make a file: each makes it whole under a name of its own first.
+#include "platform/WholeFiles.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/random.h>
 #include <sys/stat.h>
+#include <sys/types.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <system_error>
 #include <vector>
 
-#include "platform/ExtendedAttributes.h"
+#include "platform/Descriptor.h"
 #include "platform/Faults.h"
 #include "platform/Files.h"
-#include "platform/FolderListing.h"
 #include "platform/SpecialFolders.h"
-#include "platform/TemporaryName.h"
 
 namespace platform {
 namespace {
+
+/// What the random part of a name is made of, and its length.
+constexpr std::string_view kSuffixLetters = "abcdefghijklmnopqrstuvwxyz234567";
+constexpr std::size_t kSuffixLength = 10;
+
+/// A new, empty file that is removed again unless it is kept.
+class TemporaryName {
+ public:
+  TemporaryName() = default;
+  ~TemporaryName();
+  TemporaryName(const TemporaryName&) = delete;
+  TemporaryName& operator=(const TemporaryName&) = delete;
+
+  /// Makes the file under a name that nothing else has, in `folder` (with or without closing "/"; empty
+  /// for the working folder), open for writing. `mode` is cut down by the process's mask. The file is locked
+  /// until this object goes, where the disk knows locks.
+  std::error_code Create(std::string_view folder, std::string_view prefix, unsigned mode);
+
+  /// The file isn't removed any more: it has got another name, or is the caller's.
+  void Keep() { Path.clear(); }
+
+  const std::string& GetPath() const { return Path; }
+  Descriptor& GetFile() { return File; }
+
+ private:
+  std::error_code Lock(bool& isOurs);
+
+  std::string Path;
+  Descriptor File;
+  Descriptor Locked;  // the same open file: keeps the lock when File is closed
+};
+
+constexpr int kTries = 100;
+
+std::error_code MakeRandomSuffix(std::string& suffix) {
+  std::array<std::uint8_t, kSuffixLength> random{};
+  if (::getrandom(random.data(), random.size(), 0) != static_cast<ssize_t>(random.size())) return LastError();
+  suffix.clear();
+  for (const std::uint8_t byte : random) suffix += kSuffixLetters[byte % kSuffixLetters.size()];
+  return {};
+}
+
+TemporaryName::~TemporaryName() {
+  // What made the file useless is the error to report, not a removal that fails as well.
+  if (!Path.empty()) static_cast<void>(RemoveFile(Path));
+}
+
+std::error_code TemporaryName::Create(std::string_view folder, std::string_view prefix, unsigned mode) {
+  for (int i = 0; i < kTries; ++i) {
+    std::string suffix;
+    if (const auto error = MakeRandomSuffix(suffix)) return error;
+    std::string path(folder);
+    if (!path.empty() && !path.ends_with('/')) path += '/';
+    path.append(prefix).append(suffix);
+    if (const auto error = AskFaultPlan("create", path)) return error;
+    const std::error_code error = File.Open(path, O_WRONLY | O_CREAT | O_EXCL, mode);
+    if (error == std::errc::file_exists) continue;
+    if (error) return error;
+    Path = path;
+    bool isOurs = false;
+    if (const auto failure = Lock(isOurs)) return failure;
+    if (isOurs) return {};
+  }
+  return make_error_code(std::errc::file_exists);
+}
+
+/// False in `isOurs` if a search has taken the new file for an abandoned one in this very moment.
+std::error_code TemporaryName::Lock(bool& isOurs) {
+  const int copy = ::fcntl(File.Get(), F_DUPFD_CLOEXEC, 0);
+  if (copy < 0) return LastError();
+  Locked = Descriptor(copy);
+  const bool isTaken = ::flock(copy, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+  struct stat raw {};
+  if (::fstat(copy, &raw) != 0) return LastError();
+  isOurs = raw.st_nlink > 0 && !isTaken;
+  return {};
+}
+
+/// Gives a file the extended attributes of another, as far as the file system knows them and the user may
+/// set them. They are a courtesy: what can't be copied is left out.
+void CopyExtendedAttributes(const Descriptor& from, const Descriptor& to) {
+  const ssize_t room = ::flistxattr(from.Get(), nullptr, 0);
+  if (room <= 0) return;
+  std::vector<char> names(static_cast<std::size_t>(room));
+  const ssize_t length = ::flistxattr(from.Get(), names.data(), names.size());
+  if (length <= 0) return;
+
+  std::vector<char> value;
+  const char* const end = names.data() + length;
+  for (const char* name = names.data(); name < end; name += std::string_view(name).size() + 1) {
+    const ssize_t size = ::fgetxattr(from.Get(), name, nullptr, 0);
+    if (size < 0) continue;
+    value.resize(static_cast<std::size_t>(size));
+    const ssize_t got = ::fgetxattr(from.Get(), name, value.data(), value.size());
+    if (got < 0) continue;
+    static_cast<void>(::fsetxattr(to.Get(), name, value.data(), static_cast<std::size_t>(got), 0));
+  }
+}
 
 constexpr unsigned kNewFileMode = 0666;
 constexpr int kLinkLimit = 40;  // as the kernel's

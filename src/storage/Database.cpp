@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "platform/Files.h"
+#include "platform/WholeFiles.h"
 #include "storage/StorageException.h"
 #include "storage/StorageFile.h"
 

@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "platform/Files.h"
+#include "platform/WholeFiles.h"
 
 namespace {
 

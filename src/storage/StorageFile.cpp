@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include "platform/Files.h"
+#include "platform/WholeFiles.h"
 #include "storage/Sqlite.h"
 
 namespace {

@@ -5,6 +5,7 @@
 #include "editing/EditingFixture.h"
 #include "editing/SafeFiles.h"
 #include "platform/Files.h"
+#include "platform/WholeFiles.h"
 
 using testing::ElementsAre;
 

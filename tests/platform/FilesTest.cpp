@@ -5,7 +5,6 @@
 
 #include "platform/FileLock.h"
 #include "platform/Files.h"
-#include "platform/FolderListing.h"
 #include "support/FaultSteps.h"
 #include "support/ScratchFolder.h"
 

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include "platform/Files.h"
+#include "platform/WholeFiles.h"
 #include "support/FaultSteps.h"
 #include "support/FileSizeLimit.h"
 #include "support/ScratchFolder.h"

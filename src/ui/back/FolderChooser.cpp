@@ -14,7 +14,7 @@
 #include "base/Folders.h"
 #include "base/Paths.h"
 #include "base/Texts.h"
-#include "platform/FolderListing.h"
+#include "platform/Files.h"
 #include "ui/kit/DropText.h"
 #include "ui/kit/QtText.h"
 

@@ -17,7 +17,7 @@
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/Job.h"
-#include "ui/kit/OutsideClicks.h"
+#include "ui/kit/ClickFocus.h"
 #include "ui/kit/PaintedButton.h"
 #include "ui/kit/QtText.h"
 

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "ui/frame/CommandTable.h"
-#include "ui/kit/InputEvents.h"
+#include "ui/kit/Job.h"
 
 CInputFilter::CInputFilter(QWidget& window, QWidget& panel, InputHandlers handlers)
     : Window(window), Panel(panel), Handlers(std::move(handlers)) {

@@ -6,7 +6,6 @@
 #include "editing/ChangePhoto.h"
 #include "ui/frame/FullScreen.h"
 #include "ui/kit/Commands.h"
-#include "ui/kit/ViewTabs.h"
 
 class CAssetRecord;
 class CFilmstrip;

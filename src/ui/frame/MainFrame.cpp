@@ -28,7 +28,6 @@
 #include "ui/kit/Pictures.h"
 #include "ui/kit/QtText.h"
 #include "ui/kit/Toolbar.h"
-#include "ui/kit/WindowNames.h"
 #include "ui/pages/PhotoView.h"
 #include "ui/pages/ViewTabBar.h"
 #include "ui/search/WindowedSearchProgress.h"

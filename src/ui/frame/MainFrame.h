@@ -13,7 +13,7 @@
 #include "ui/frame/MainCommands.h"
 #include "ui/frame/MainParts.h"
 #include "ui/frame/ViewMode.h"
-#include "ui/strip/FilmstripHost.h"
+#include "ui/strip/Filmstrip.h"
 
 class CFilmstrip;
 class CWindowedSearchProgress;

@@ -3,7 +3,7 @@
 #include <memory>
 #include <vector>
 
-#include "ui/kit/ViewTabs.h"
+#include "ui/kit/Commands.h"
 
 class CFilterBar;
 class CFullScreenState;

@@ -3,7 +3,7 @@
 #include <functional>
 #include <utility>
 
-#include "ui/kit/ViewTabs.h"
+#include "ui/kit/Commands.h"
 
 class CAssetRecord;
 class CCatalog;

@@ -4,7 +4,6 @@
 
 #include "base/Messages.h"
 #include "storage/StorageException.h"
-#include "ui/kit/Job.h"
 
 CApplication::CApplication(int& argumentCount, char** arguments) : QApplication(argumentCount, arguments) {
   // The main window ends the loop when it is closed. The progress window goes before, and more than once.
@@ -50,6 +49,6 @@ void CApplication::RethrowFailure() {
 
 void CApplication::Keep(std::exception_ptr failure) {
   if (!Failure) Failure = std::move(failure);
-  StopJob();
+  if (OnFailure) OnFailure();
   EndLoop(0);
 }

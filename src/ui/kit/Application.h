@@ -6,8 +6,8 @@
 
 /// The application object, with the guard around every event handler. No exception may travel through
 /// the frames of the event loop, so the guard stops it where the event is delivered: of a storage that
-/// refused a write the text is shown and the program goes on; anything else is kept, a running job is asked
-/// to stop, the loop ends, and its caller gets the exception.
+/// refused a write the text is shown and the program goes on; anything else is kept, what is running is asked
+/// to stop (OnFailure), the loop ends, and its caller gets the exception.
 class CApplication : public QApplication {
  public:
   CApplication(int& argumentCount, char** arguments);
@@ -20,6 +20,9 @@ class CApplication : public QApplication {
 
   /// Raises what the guard has kept, once. For waits outside RunLoop.
   void RethrowFailure();
+
+  /// Called when the guard has kept an exception. A job that runs has itself stopped by it.
+  std::function<void()> OnFailure;
 
   /// Null where there is none, or where it is of another kind.
   static CApplication* GetInstance();

@@ -10,3 +10,7 @@ void KeepFocusOnClick(QWidget& widget);
 
 /// Whether the focus is lost to a list or a menu of this program. It comes back, so an edit goes on.
 bool IsLostToPopup(const QFocusEvent& event);
+
+/// Lets a press outside a popup, which closes it, also do what it does where it falls, whatever the desktop's
+/// habit. Only on `opener`, which would open the popup again, it does nothing more.
+void PassOnOutsideClicks(QWidget& popup, QWidget& opener);

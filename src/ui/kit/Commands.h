@@ -62,3 +62,6 @@ class CCommandTarget {
   virtual ~CCommandTarget() = default;
   virtual void OnCommand(CommandId id) = 0;
 };
+
+/// The tabs of the main window. The number is also that of the tab's tool tip.
+enum class ViewTabId : int { CurrentPhoto = 331, Email = 333, Upload = 340, Trash = 344 };

@@ -6,6 +6,7 @@
 #include <QPixmap>
 #include <QRect>
 #include <QString>
+#include <array>
 
 #include "resources/PictureIds.h"
 
@@ -49,3 +50,29 @@ class CDevicePainter {
   double PixelRatio;
   QRect Area;
 };
+
+/// A picture that is stretched over rectangles of any size: nine parts, of which the corners keep their
+/// size and the edges and the middle are stretched. Sizes are pixels of the layout.
+struct NinePartSkin {
+  PictureId Picture;
+  QRect Piece;  // of the picture
+  int Corner;   // side of a corner
+};
+
+/// The panel that a page and its button row stand on.
+inline constexpr NinePartSkin kPagePanel{PictureId::PanelCorners, {0, 0, 15, 15}, 5};
+
+/// The parts by row and column, from the top left.
+enum class NinePart : int { TopLeft, Top, TopRight, Left, Middle, Right, BottomLeft, Bottom, BottomRight };
+
+/// The nine rectangles that `area` is divided into; where it is too small for both corners they share it.
+std::array<QRect, 9> DivideIntoNine(const QRect& area, int corner);
+
+/// `area` in device pixels.
+void DrawNineParts(CDevicePainter& painter, const NinePartSkin& skin, const QRect& area);
+void DrawOneOfNine(CDevicePainter& painter, const NinePartSkin& skin, NinePart part, const QRect& area);
+
+/// The shadow that a picture at `place`, in device pixels, throws to its right and below. `shadow` is a
+/// picture of five square pieces, `piece` pixels of the layout wide: below the left corner, along the bottom,
+/// below the right corner, along the right edge, at the upper end of the right edge.
+void DrawDropShadow(CDevicePainter& painter, PictureId shadow, int piece, const QRect& place);

@@ -4,20 +4,70 @@
 #include <QFocusEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
+#include <QRect>
 #include <QScopeGuard>
+#include <QSize>
+#include <algorithm>
 #include <exception>
-#include <functional>
 #include <utility>
 
 #include "base/Exceptions.h"
 #include "ui/kit/ClickFocus.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
-#include "ui/kit/DropControlLayout.h"
 #include "ui/kit/DropList.h"
 #include "ui/kit/QtText.h"
 
 namespace {
+
+/// The three pieces that the picture of a drop control is cut into, side by side.
+struct DropSkinPieces {
+  QRect Left;
+  QRect Middle;  // stretched
+  QRect Right;
+};
+
+constexpr int kImageWidth = 40;
+constexpr int kImageHeight = 22;
+constexpr int kLeftPiece = 9;
+constexpr int kRightPiece = 30;
+
+constexpr int kTextLeft = 9;
+constexpr int kTextTop = 2;
+constexpr int kTextRight = 31;
+constexpr int kTextBottom = 5;
+constexpr int kOpenOffset = 2;
+
+constexpr int kAroundLine = 2;
+constexpr int kAroundRow = 5;
+
+/// The pieces of one image of the picture, by its position in the picture.
+DropSkinPieces CutDropSkin(int image) {
+  const int left = image * kImageWidth;
+  return {QRect(left, 0, kLeftPiece, kImageHeight), QRect(left + kLeftPiece, 0, 1, kImageHeight),
+          QRect(left + kImageWidth - kRightPiece, 0, kRightPiece, kImageHeight)};
+}
+
+/// Where they are painted, with an image of `pixelRatio` times its own size over a control of `size`. All
+/// device pixels.
+DropSkinPieces LayOutDropSkin(QSize size, double pixelRatio) {
+  const int left = std::min(ToDevicePixels(kLeftPiece, pixelRatio), size.width());
+  const int right = std::min(ToDevicePixels(kRightPiece, pixelRatio), size.width() - left);
+  const int middle = size.width() - left - right;
+  return {QRect(0, 0, left, size.height()), QRect(left, 0, middle, size.height()),
+          QRect(left + middle, 0, right, size.height())};
+}
+
+/// Where the control's text stands, in pixels of the layout.
+QRect GetDropTextArea(QSize control, bool listOpen) {
+  const QRect area = QRect(QPoint(), control).adjusted(kTextLeft, kTextTop, -kTextRight, -kTextBottom);
+  return listOpen ? area.translated(kOpenOffset, kOpenOffset) : area;
+}
+
+/// The heights of a row of the list and of the control, for the height of a line of its first font.
+int GetDropRowHeight(int lineHeight) { return lineHeight + kAroundLine; }
+
+int GetDropControlHeight(int lineHeight) { return GetDropRowHeight(lineHeight) + kAroundRow; }
 
 constexpr FontId kFirstFont = FontId::Panel;
 constexpr FontId kSecondFont = FontId::ListItalic;

@@ -1,17 +1,75 @@
 #include "ui/kit/DropList.h"
 
+#include <QImage>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPainter>
+#include <QPointF>
 #include <QScreen>
 #include <algorithm>
+#include <cmath>
+#include <numbers>
 #include <utility>
 
+#include "ui/kit/ClickFocus.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
-#include "ui/kit/OutsideClicks.h"
-#include "ui/kit/PopupShadow.h"
 
 namespace {
+
+// The soft shadow of the list. Not every desktop can blend one window over another, so the list carries the
+// shadow on a picture of what lies behind it, at its right and its bottom.
+constexpr QPointF kShadowOffset(2, 3);
+constexpr double kShadowDeviation = 4;  // half the blur
+constexpr double kShadowStrength = 0.45;
+constexpr int kShadowRoom = 9;  // beyond this it can't be seen
+
+/// The share of an edge's light side that is dark at that distance from it.
+double BlurredEdge(double distance) {
+  return 0.5 * std::erfc(distance / (kShadowDeviation * std::numbers::sqrt2));
+}
+
+/// How much of the shadow's colour shows at a point, 0 to 1, for a list that covers `caster`.
+double GetPopupShadowStrength(QPointF point, const QRectF& caster) {
+  const QRectF shadow = caster.translated(kShadowOffset);
+  const double across = BlurredEdge(shadow.left() - point.x()) * BlurredEdge(point.x() - shadow.right());
+  const double down = BlurredEdge(shadow.top() - point.y()) * BlurredEdge(point.y() - shadow.bottom());
+  return kShadowStrength * across * down;
+}
+
+/// The room that the shadow takes to the right of and below `list`, as far as `behind` reaches; none for a
+/// list that reaches beyond that.
+QSize GetPopupShadowRoom(const QRect& list, const QRect& behind) {
+  if (!behind.contains(list)) return {0, 0};
+  return {std::min(behind.right() - list.right(), kShadowRoom),
+          std::min(behind.bottom() - list.bottom(), kShadowRoom)};
+}
+
+/// The picture of `area` of a window, in its own coordinates, with the shadow of a list of that size in the
+/// area's upper left corner.
+QPixmap GrabShadowedBackdrop(QWidget& behind, const QRect& area, QSize list) {
+  QPixmap backdrop = behind.grab(area);
+  const double ratio = backdrop.devicePixelRatio();
+  const QRectF caster(0, 0, list.width(), list.height());
+  QImage shadow(backdrop.size(), QImage::Format_ARGB32);
+  QColor colour = colours::kInk;
+  for (int y = 0; y < shadow.height(); ++y) {
+    for (int x = 0; x < shadow.width(); ++x) {
+      const QPointF point((x + 0.5) / ratio, (y + 0.5) / ratio);
+      colour.setAlphaF(caster.contains(point) ? 0.F
+                                              : static_cast<float>(GetPopupShadowStrength(point, caster)));
+      shadow.setPixelColor(x, y, colour);
+    }
+  }
+  shadow.setDevicePixelRatio(ratio);
+  QPainter(&backdrop).drawImage(QPoint(), shadow);
+  return backdrop;
+}
+
+constexpr int kNarrowestText = 50;
+constexpr int kBesideText = 24;  // to the left and the right of the widest text
+constexpr int kNarrowerThanControl = 4;
+constexpr int kWidest = 400;  // longer texts are shortened
 
 constexpr int kTextInset = 8;
 constexpr QColor kFrameColour(91, 96, 106);
@@ -27,6 +85,34 @@ void DrawDots(CDevicePainter& painter, const QRect& line) {
 }
 
 }  // namespace
+
+int DropListLayout::FindRow(QPoint point) const {
+  if (point.x() < kFrame || point.x() >= Width - kFrame || point.y() < kFrame) return -1;
+  const int row = (point.y() - kFrame) / RowHeight;
+  return row < RowCount ? row : -1;
+}
+
+int GetDropListWidth(double widestText, int controlWidth) {
+  const int forText = std::max(static_cast<int>(std::ceil(widestText)), kNarrowestText) + kBesideText;
+  const int rows = std::max(std::min(forText, kWidest), controlWidth - kNarrowerThanControl);
+  return rows + 2 * DropListLayout::kFrame;
+}
+
+QRect PlaceDropList(const QRect& control, QSize list, const QRect& screen) {
+  QRect place(QPoint(control.left(), control.top() + control.height()), list);
+  const int below = screen.bottom() + 1 - place.top();
+  const int above = control.top() - screen.top();
+  if (list.height() > below && above > below) place.moveTop(control.top() - list.height());
+  place.moveTop(std::max(std::min(place.top(), screen.bottom() + 1 - list.height()), screen.top()));
+  place.moveLeft(std::max(std::min(place.left(), screen.right() + 1 - list.width()), screen.left()));
+  return place;
+}
+
+int StepRow(int row, int step, int rowCount) {
+  if (rowCount == 0) return -1;
+  if (row < 0 && step < 0) row = 0;
+  return ((row + step) % rowCount + rowCount) % rowCount;
+}
 
 CDropList::CDropList(QWidget& control, const DropImages& images, bool shortensPaths)
     : QWidget(&control, Qt::Popup | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint),

@@ -2,7 +2,6 @@
 
 #include <QAbstractEventDispatcher>
 #include <QApplication>
-#include <QEvent>
 #include <QMessageBox>
 #include <QThread>
 #include <QWidget>
@@ -14,8 +13,6 @@
 
 #include "storage/DataThread.h"
 #include "ui/kit/Application.h"
-#include "ui/kit/InputEvents.h"
-#include "ui/kit/WindowNames.h"
 
 namespace {
 
@@ -25,15 +22,19 @@ CRunningJob* TheJob = nullptr;  // of the window thread
 /// The job that runs while this object lives. What was put off meanwhile is posted at its end.
 class CRunningJob {
  public:
-  explicit CRunningJob(const std::function<void()>& stop) : Stop(stop) { TheJob = this; }
+  explicit CRunningJob(const std::function<void()>& stop) : OnStop(stop) {
+    TheJob = this;
+    if (CApplication* application = CApplication::GetInstance()) application->OnFailure = &StopJob;
+  }
   ~CRunningJob() {
+    if (CApplication* application = CApplication::GetInstance()) application->OnFailure = nullptr;
     TheJob = nullptr;
     for (auto& next : Afterwards) QMetaObject::invokeMethod(qApp, std::move(next), Qt::QueuedConnection);
   }
   CRunningJob(const CRunningJob&) = delete;
   CRunningJob& operator=(const CRunningJob&) = delete;
 
-  const std::function<void()>& Stop;
+  const std::function<void()>& OnStop;
   std::vector<std::function<void()>> Afterwards;
 };
 
@@ -118,7 +119,7 @@ void RunJob(const std::function<void()>& work, const std::function<void()>& stop
 bool IsJobRunning() { return TheJob != nullptr; }
 
 void StopJob() {
-  if (TheJob != nullptr && TheJob->Stop) TheJob->Stop();
+  if (TheJob != nullptr && TheJob->OnStop) TheJob->OnStop();
 }
 
 void RunAfterJob(std::function<void()> work) {
@@ -146,4 +147,32 @@ void RunOnWindowThread(const std::function<void()>& work) {
       },
       Qt::BlockingQueuedConnection);
   if (failure) std::rethrow_exception(failure);
+}
+
+bool IsInput(QEvent::Type type) {
+  switch (type) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseMove:
+    case QEvent::Wheel:
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+    case QEvent::Shortcut:
+    case QEvent::ShortcutOverride:
+    case QEvent::ContextMenu:
+    case QEvent::InputMethod:
+    case QEvent::TouchBegin:
+    case QEvent::TouchUpdate:
+    case QEvent::TouchEnd:
+    case QEvent::TabletPress:
+    case QEvent::TabletMove:
+    case QEvent::TabletRelease:
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::Drop:
+      return true;
+    default:
+      return false;
+  }
 }

@@ -1,12 +1,14 @@
 #pragma once
 
+#include <QEvent>
+#include <QString>
 #include <functional>
 
-/// Long work over catalog and cache, off the window thread.
-///
-/// A job runs on a worker thread, which owns the data meanwhile. The window thread waits for it in a loop
-/// of its own, in which every window paints, but only the progress window and message boxes get input. So
-/// for the caller a job is one blocking call, and the data is never used by two threads at once.
+// Long work over catalog and cache, off the window thread.
+//
+// A job runs on a worker thread, which owns the data meanwhile. The window thread waits for it in a loop
+// of its own, in which every window paints, but only the progress window and message boxes get input. So
+// for the caller a job is one blocking call, and the data is never used by two threads at once.
 
 /// Runs `work` and returns when it is done; an exception of it is raised again here. `stop` is called, on
 /// the window thread, when someone wants the job to end early; it may be empty. To be called on the window
@@ -24,3 +26,14 @@ void RunAfterJob(std::function<void()> work);
 /// Runs `work` on the window thread and waits for it; an exception of it is raised again in the caller.
 /// To be called by a job, or on the window thread itself.
 void RunOnWindowThread(const std::function<void()>& work);
+
+/// The object names of the windows that are looked for from elsewhere.
+namespace window_names {
+
+inline const QString kMainFrame = QStringLiteral("VellumarPhotoOrganizerMain");
+inline const QString kSearchProgress = QStringLiteral("SearchProgress");
+
+}  // namespace window_names
+
+/// Whether an event comes from the user's hands: keys, pointers, touch, input methods, things dragged.
+bool IsInput(QEvent::Type type);

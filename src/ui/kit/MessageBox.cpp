@@ -6,7 +6,6 @@
 
 #include "ui/kit/Job.h"
 #include "ui/kit/QtText.h"
-#include "ui/kit/WindowNames.h"
 
 namespace {
 

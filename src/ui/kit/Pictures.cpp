@@ -7,6 +7,8 @@
 #include <QSvgRenderer>
 #include <cmath>
 
+#include "imaging/Image.h"
+
 namespace {
 
 QString GetResourcePath(PictureId id) {
@@ -67,4 +69,15 @@ QIcon MakeProgramIcon() {
   QIcon icon;
   for (const int side : {16, 24, 32, 48, 64, 128}) icon.addPixmap(Render(renderer, {side, side}));
   return icon;
+}
+
+QImage FitToImage(const CImage& image, QSize box, double pixelRatio, Enlarging enlarging) {
+  if (image.GetCurrentSize() == ImageSize() || box.isEmpty()) return {};
+  const double layoutScale = image.FitScale(box.width(), box.height(), enlarging == Enlarging::Allowed);
+  const ImageSize size = image.ScaledSize(layoutScale * pixelRatio);
+  QImage result(size.Width, size.Height, QImage::Format_RGB32);
+  if (result.isNull()) return {};
+  image.DrawOver({result.bits(), result.bytesPerLine(), size, 4});
+  result.setDevicePixelRatio(pixelRatio);
+  return result;
 }

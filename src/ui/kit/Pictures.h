@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QImage>
 #include <QPixmap>
 #include <QRect>
 #include <QSize>
@@ -7,6 +8,7 @@
 #include "resources/PictureIds.h"
 
 class QIcon;
+class CImage;
 
 /// The size, in pixels of the layout, that a picture is drawn for. Empty for an id without a picture.
 QSize GetPictureSize(PictureId id);
@@ -24,3 +26,9 @@ QPixmap GetPicturePart(PictureId id, const QRect& part, QSize size);
 
 /// The program's icon in the sizes that desktops ask for.
 QIcon MakeProgramIcon();
+
+enum class Enlarging { Never, Allowed };
+
+/// The picture fitted into a box of layout pixels, with its proportions, as sharp as a screen of that pixel
+/// ratio can show it. Null if the image holds no pixels. Any thread.
+QImage FitToImage(const CImage& image, QSize box, double pixelRatio, Enlarging enlarging);

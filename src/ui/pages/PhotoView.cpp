@@ -9,7 +9,6 @@
 #include "imaging/ImageFile.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
-#include "ui/kit/DropShadow.h"
 #include "ui/kit/FontTable.h"
 #include "ui/kit/Job.h"
 #include "ui/kit/Pictures.h"

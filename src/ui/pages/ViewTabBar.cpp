@@ -12,7 +12,6 @@
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/FontTable.h"
-#include "ui/kit/NineParts.h"
 #include "ui/kit/Pictures.h"
 #include "ui/kit/QtText.h"
 #include "ui/kit/ToolTips.h"

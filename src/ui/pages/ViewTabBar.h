@@ -7,7 +7,7 @@
 
 #include "resources/PictureIds.h"
 #include "resources/StringIds.h"
-#include "ui/kit/ViewTabs.h"
+#include "ui/kit/Commands.h"
 
 class CDevicePainter;
 

@@ -8,9 +8,9 @@
 #include "base/Texts.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/FontTable.h"
+#include "ui/kit/Job.h"
 #include "ui/kit/Pictures.h"
 #include "ui/kit/QtText.h"
-#include "ui/kit/WindowNames.h"
 
 CSearchProgressWindow::CSearchProgressWindow(bool showSplash, QWidget* parent)
     : QWidget(parent, Qt::Dialog | Qt::FramelessWindowHint),

@@ -1,7 +1,7 @@
 #include "ui/search/WindowedSearchProgress.h"
 
 #include "imaging/Image.h"
-#include "ui/kit/ImageConversion.h"
+#include "ui/kit/Pictures.h"
 #include "ui/kit/Job.h"
 
 namespace {

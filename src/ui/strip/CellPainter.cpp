@@ -8,13 +8,27 @@
 #include "sets/PhotoSet.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
-#include "ui/kit/DropShadow.h"
 #include "ui/kit/FontTable.h"
-#include "ui/kit/ImageConversion.h"
 #include "ui/kit/Pictures.h"
 #include "ui/kit/QtText.h"
 
 namespace {
+
+std::string GetRatingLabel(std::int32_t rating) {
+  if (rating <= 0) return LoadText(StringId::NotRated);
+  return rating == 1 ? LoadText(StringId::OneStar) : FormatString(StringId::Stars, rating);
+}
+
+std::string GetRollText(const CPhotoSet& set, int index, std::int32_t roll) {
+  const int start = set.IsGroupStart(index) ? index : set.GetPreviousGroupStart(index);
+  int end = index + 1;
+  if (!set.IsGroupEnd(index)) {
+    // In the last group this is the group's last photo, else the first behind it.
+    const int next = set.GetNextGroupStart(index);
+    end = set.IsGroupStart(next) ? next : next + 1;
+  }
+  return FormatString(StringId::RollLabel, roll + 1, index - start + 1, end - start);
+}
 
 // The edges of the film, by their rows of the layout.
 struct FilmEdge {
@@ -50,6 +64,26 @@ constexpr Mark kMarks[kMarkCount] = {
 constexpr int kMarkImages = 4;  // off, on, off under the pointer, on under the pointer
 
 }  // namespace
+
+std::string GetGroupLabel(const CPhotoSet& set, int index, const FolderLabel& folderLabel) {
+  const CAssetRecord record = set.GetAsset(index);
+  if (!record.IsValid()) return {};
+  switch (set.GetSortKind()) {
+    case SortKind::None:
+      return {};
+    case SortKind::Month:
+      return FormatDate(record.GetCachedDate(), false);
+    case SortKind::Folder:
+      return folderLabel(record.GetFolder());
+    case SortKind::Title:
+      return record.GetTitle();
+    case SortKind::Rating:
+      return GetRatingLabel(record.GetCachedRating());
+    case SortKind::Roll:
+      return GetRollText(set, index, record.GetRollID());
+  }
+  return {};
+}
 
 bool CCellPainter::IsPhoto(int index) const {
   return Set != nullptr && index >= 0 && index < Set->GetCount();

@@ -1,13 +1,21 @@
 #pragma once
 
 #include <QRect>
+#include <functional>
+#include <string>
 
-#include "ui/strip/GroupLabel.h"
-#include "ui/strip/StripMetrics.h"
+#include "ui/strip/StripLayout.h"
 
+class CPhotoSet;
 class CAssetRecord;
 class CDevicePainter;
-class CPhotoSet;
+
+/// The short name of a folder.
+using FolderLabel = std::function<std::string(const std::string& folder)>;
+
+/// What a photo's place in the order of its set is called: its month's date, its folder, its title, its
+/// rating or its place in its roll. Empty for a set in no order, and for an index out of range.
+std::string GetGroupLabel(const CPhotoSet& set, int index, const FolderLabel& folderLabel);
 
 /// Paints the cells of the strip, whole or in part, with what set, catalog and thumbnail cache hold of their
 /// photos. An index outside the set is an empty place beside the film. Opens no photo file. `left` is the

@@ -5,10 +5,11 @@
 #include <chrono>
 #include <functional>
 #include <optional>
+#include <string>
 
 #include "catalog/AssetRecord.h"
+#include "ui/kit/Commands.h"
 #include "ui/strip/CellPainter.h"
-#include "ui/strip/FilmstripHost.h"
 #include "ui/strip/Lens.h"
 #include "ui/strip/PushBars.h"
 #include "ui/strip/Slide.h"
@@ -16,6 +17,25 @@
 #include "ui/strip/StripLayout.h"
 
 class CPhotoSet;
+
+/// What the strip tells and asks the main window. The buttons of its lens send their commands to it, too.
+/// Every call comes on the window thread, with the strip in order: the host may call it back.
+class CFilmstripHost : public CCommandTarget {
+ public:
+  /// Another photo rests under the lens, or the same one has to be shown anew; null if there is none. The
+  /// record belongs to the strip and lives until its next move.
+  virtual void OnCurrentPhotoChanged(const CAssetRecord* record) = 0;
+
+  virtual void OnSlideShowStateChanged() = 0;
+
+  /// A mark of a cell was clicked; with `extendRange` Shift was held.
+  virtual void ToggleInTab(const CAssetRecord& photo, ViewTabId tab, bool extendRange) = 0;
+
+  virtual void SelectTab(ViewTabId tab) = 0;
+
+  /// The short name of a folder.
+  virtual std::string GetFolderLabel(const std::string& folder) const = 0;
+};
 
 /// A strip of film that runs under a fixed magnifier: the current photo of a set is always in the middle
 /// cell. It is how the user moves along the set, and the whole window follows it. The cells are painted once,

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "ui/strip/CacheRun.h"
-#include "ui/strip/PushBarLayout.h"
+#include "ui/strip/PushBars.h"
+#include "ui/strip/StripCache.h"
 #include "ui/strip/StripLayout.h"
 
 TEST(StripLayout, MiddleCellIsCentredAndTheWindowCovered) {
