@@ -1,6 +1,7 @@
 #include "discovery/FolderSearch.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "base/Exceptions.h"
 #include "base/Folders.h"
@@ -45,12 +46,9 @@ CStringHistory& CFolderSearch::GetHistory() {
 }
 
 bool CFolderSearch::SearchFolder(const std::string& folder, bool force, int* foundOut, int* pendingOut) {
-  try {
-    return SearchUnlessDone(folder, force, foundOut, pendingOut);
-  } catch (const CStorageException& exception) {
-    TellRefusal(exception);
-    return false;
-  }
+  bool ended = false;
+  TellRefusal(Progress, [&] { ended = SearchUnlessDone(folder, force, foundOut, pendingOut); });
+  return ended;
 }
 
 bool CFolderSearch::SearchUnlessDone(const std::string& folder, bool force, int* foundOut, int* pendingOut) {
@@ -70,11 +68,6 @@ bool CFolderSearch::SearchUnlessDone(const std::string& folder, bool force, int*
   return ended;
 }
 
-void CFolderSearch::TellRefusal(const CStorageException& refusal) const {
-  if (Progress != nullptr) return Progress->TellRefusal(refusal);
-  ShowMessage(refusal.GetMessage(), false, MessageParent::ProgressWindow);
-}
-
 bool CFolderSearch::Search(const std::string& folder, int* foundOut, int* pendingOut) {
   CFolderWalk walk(folder, *CCatalog::GetInstance(), *CThumbnailCache::GetInstance(), Progress);
   if (foundOut != nullptr) *foundOut = walk.GetFoundCount();
@@ -91,26 +84,21 @@ bool CFolderSearch::MayBringIn(int pending, const std::string& folder) {
 
 bool CFolderSearch::SearchAllFolders(bool force) {
   bool anyEnded = false;
-  try {
+  // A disk that refuses one folder refuses all.
+  TellRefusal(Progress, [&] {
     for (int i = 0; i < GetHistory().Count(); ++i) {
       anyEnded |= SearchUnlessDone(GetHistory().Get(i), force);
     }
     anyEnded |= SearchUnlessDone(GetMyPicturesFolder(), force);
     if (ActiveDisk) anyEnded |= SearchUnlessDone(GetActiveDiskPhotoFolder(), false);
-  } catch (const CStorageException& exception) {
-    // A disk that refuses one folder refuses all; it is told once.
-    TellRefusal(exception);
-  }
+  });
   return anyEnded;
 }
 
 std::string CFolderSearch::FirstSearch() {
-  try {
-    return SearchStartingFolder();
-  } catch (const CStorageException& exception) {
-    TellRefusal(exception);
-    return GetMyPicturesFolder();
-  }
+  std::optional<std::string> folder;
+  TellRefusal(Progress, [&] { folder = SearchStartingFolder(); });
+  return folder ? *folder : GetMyPicturesFolder();
 }
 
 void CFolderSearch::FollowRenamedFolders() {
@@ -147,7 +135,8 @@ std::string CFolderSearch::SearchStartingFolder() {
 void CFolderSearch::UpdateMissingFlags() {
   CCatalog* const catalog = CCatalog::GetInstance();
   CQuerySet photos(catalog, SetKind::All);
-  try {
+  // After a refusal the flags are those of the last time, and the next start looks again.
+  TellRefusal(Progress, [&] {
     CAutoCommitPause pause(*catalog);
     for (int i = 0; i < photos.GetCount(); ++i) {
       CAssetRecord record = photos.GetAsset(i);
@@ -156,10 +145,7 @@ void CFolderSearch::UpdateMissingFlags() {
       record.SetMissing(FileExists(record.GetPath(), false) ? MissingState::InPlace : MissingState::Gone);
     }
     pause.Commit();
-  } catch (const CStorageException& exception) {
-    // The flags are those of the last time, and the next start looks again.
-    TellRefusal(exception);
-  }
+  });
 }
 
 std::vector<std::string> CFolderSearch::GetFoldersThatShow(const std::string& folder) {

@@ -6,7 +6,6 @@
 #include <vector>
 
 class CSearchProgress;
-class CStorageException;
 class CStringHistory;
 
 /// Finds the photo files under a folder and brings the new ones into the catalog. One object for the life of
@@ -56,7 +55,6 @@ class CFolderSearch {
                         int* pendingOut = nullptr);
   bool Search(const std::string& folder, int* foundOut, int* pendingOut);
   std::string SearchStartingFolder();
-  void TellRefusal(const CStorageException& refusal) const;
   void FollowRenamedFolders();
   bool MayBringIn(int pending, const std::string& folder);
   std::vector<std::string> GetFoldersThatShow(const std::string& folder);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <utility>
@@ -34,12 +35,16 @@ class CSearchProgress {
   /// Whether the user has asked to stop. Cheap: the walk asks before each directory entry.
   virtual bool IsStopped() const = 0;
 
-  /// Tells the user that the disk refused a write. Once: what the disk refuses next has the same cause.
-  void TellRefusal(const CStorageException& refusal) {
-    if (std::exchange(RefusalTold, true)) return;
+  bool RefusalTold = false;  // by TellRefusal
+};
+
+/// Runs `work`. A write that the disk refuses ends it and is told to the user, once for each `progress`,
+/// which may be null: what the disk refuses next has the same cause.
+inline void TellRefusal(CSearchProgress* progress, const std::function<void()>& work) {
+  try {
+    work();
+  } catch (const CStorageException& refusal) {
+    if (progress != nullptr && std::exchange(progress->RefusalTold, true)) return;
     ShowMessage(refusal.GetMessage(), false, MessageParent::ProgressWindow);
   }
-
- private:
-  bool RefusalTold = false;
-};
+}

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include "platform/Files.h"
 #include "platform/Mounts.h"
 #include "platform/SpecialFolders.h"
 #include "support/EnvironmentVariable.h"
@@ -22,15 +21,12 @@ class SpecialFolders : public testing::Test {
   const CEnvironmentVariable HomeVariable{"HOME", Scratch.GetPath()};
   const CEnvironmentVariable Data{"XDG_DATA_HOME", std::nullopt};
   const CEnvironmentVariable Config{"XDG_CONFIG_HOME", std::nullopt};
-  const CEnvironmentVariable Cache{"XDG_CACHE_HOME", std::nullopt};
   const CEnvironmentVariable Runtime{"XDG_RUNTIME_DIR", std::nullopt};
   bool Known = false;
 };
 
 TEST_F(SpecialFolders, FollowTheEnvironment) {
   EXPECT_EQ(platform::DataHome(), Home() + "/.local/share");
-  EXPECT_EQ(platform::ConfigHome(), Home() + "/.config");
-  EXPECT_EQ(platform::CacheHome(), Home() + "/.cache");
   const CEnvironmentVariable data("XDG_DATA_HOME", "/data/");
   const CEnvironmentVariable config("XDG_CONFIG_HOME", "relative");
   EXPECT_EQ(platform::DataHome(), "/data");
@@ -100,18 +96,6 @@ TEST(Mounts, AreReadFromTheKernelsTable) {
   const platform::PseudoFileSystems known(mounts);
   EXPECT_TRUE(known.Contains(mounts[1].Device));
   EXPECT_FALSE(known.Contains(mounts[2].Device));
-}
-
-TEST(Mounts, OfThisSystemLeaveOutProc) {
-  platform::FileStatus proc;
-  platform::FileStatus root;
-  ASSERT_FALSE(platform::GetStatus("/proc", proc));
-  ASSERT_FALSE(platform::GetStatus("/", root));
-  const platform::PseudoFileSystems pseudo;
-  EXPECT_TRUE(pseudo.Contains(proc.Device));
-  EXPECT_FALSE(pseudo.Contains(root.Device));
-  EXPECT_THAT(platform::DiskRoots(), testing::Contains("/"));
-  EXPECT_THAT(platform::DiskRoots(), testing::Not(testing::Contains("/proc")));
 }
 
 }  // namespace

@@ -14,7 +14,6 @@
 #include "imaging/Image.h"
 #include "imaging/ImageFile.h"
 #include "sets/QuerySet.h"
-#include "storage/StorageException.h"
 #include "ui/back/FilterBar.h"
 #include "ui/back/PhotoBack.h"
 #include "ui/frame/CommandTable.h"
@@ -79,11 +78,8 @@ bool CMainFrame::Create(const OpenStep& openDataStores, CWindowedSearchProgress&
   Parts.PhotoSet = std::make_unique<CQuerySet>(&Catalog, SetKind::Available);
   CreateParts();
 
-  try {
-    Parts.FilterBar->SelectFolder(folder);
-  } catch (const CStorageException& exception) {
-    progress.TellRefusal(exception);  // the folder is shown, if not remembered
-  }
+  // A folder that can't be remembered is shown all the same.
+  TellRefusal(&progress, [&] { Parts.FilterBar->SelectFolder(folder); });
   GetStrip().SetPhotoSet(Parts.PhotoSet.get());
   if (Catalog.GetCurrentRollID() > rollBefore) {
     Parts.FilterBar->ShowNewestRoll();

@@ -1,8 +1,13 @@
 #include "ui/strip/Filmstrip.h"
 
+#include <QApplication>
+#include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPointer>
+#include <QScreen>
 #include <algorithm>
+#include <cmath>
+#include <cstdlib>
 #include <utility>
 
 #include "base/Texts.h"
@@ -19,19 +24,25 @@ using std::chrono::milliseconds;
 constexpr milliseconds kRestDelay{50};  // before a photo that rests is told of
 constexpr milliseconds kShowInterval{2000};
 
+constexpr double kSlideSpeed = 1000;         // pixels of the layout a second
+constexpr int kShortestFrame = 4;            // milliseconds
+constexpr milliseconds kLongestCatchUp{50};  // of a slide that follows another one late
+
+ViewTabId GetTabOfMark(int mark) { return mark == 0 ? ViewTabId::Upload : ViewTabId::Email; }
+
 }  // namespace
 
 CFilmstrip::CFilmstrip(CFilmstripHost& host, QWidget& parent)
     : QWidget(&parent),
       Host(host),
-      Cells([this](const std::string& folder) { return Host.GetFolderLabel(folder); }),
+      Cache([this](const std::string& folder) { return Host.GetFolderLabel(folder); }),
       Bars(
           *this,
           [this](int index) {
             StopSlideShow();
             MoveTo(index);
           },
-          [this](int index) { return IsJobRunning() ? QString() : ToQString(Cells.GetLabel(index)); }),
+          [this](int index) { return IsJobRunning() ? QString() : ToQString(Cache.GetLabel(index)); }),
       Lens(*this, [this](CommandId id, bool isRepeat) {
         if (!isRepeat) FinishMove();  // every click counts
         Host.OnCommand(id);
@@ -92,8 +103,7 @@ bool CFilmstrip::IsIndex(int index) const { return Set != nullptr && index >= 0 
 void CFilmstrip::SetPhotoSet(CPhotoSet* set) {
   DropSlide();
   Set = set;
-  Cells.SetPhotoSet(set);
-  Cache.Clear();
+  Cache.SetPhotoSet(set);
   if (set != nullptr) {
     Current = std::max(0, set->GetCount() - 1);
     return Refresh(kKeepPhoto);
@@ -121,7 +131,7 @@ void CFilmstrip::Refresh(int position) {
 
 void CFilmstrip::SetEmpty() {
   CancelAnnouncement();
-  Cache.Clear();
+  Cache.Clear(0);
   CurrentRecord.reset();
   RestingId = -1;
   Current = 0;
@@ -172,7 +182,6 @@ void CFilmstrip::UpdateLayout() {
     ClearHighlight();
     if (layout.GetMetrics() != Layout.GetMetrics() || layout.GetVisibleCount() != Layout.GetVisibleCount() ||
         Cache.GetImage().isNull()) {
-      Cells.SetMetrics(layout.GetMetrics());
       Cache.SetForm(layout.GetMetrics(), layout.GetVisibleCount());
     }
     Layout = layout;
@@ -182,19 +191,11 @@ void CFilmstrip::UpdateLayout() {
   Lens.Place(Layout);
 }
 
-void CFilmstrip::ExtendCache(int count, CacheSide side) {
-  const int base = GetBase();
-  Cache.Extend(count, side, [&](CDevicePainter& painter, int slotLeft, int distance) {
-    const int index = base + distance;
-    Cells.PaintCell(painter, slotLeft + Layout.GetMetrics().SeparatorWidth, index, GetHotMark(index));
-  });
-}
-
 void CFilmstrip::PrepareCells() {
   if (WaitsForJob()) return;
   if (!isVisible() || Slide || Cache.GetImage().isNull() || !IsIndex(Current)) return;
   for (const CacheSide side : {CacheSide::Before, CacheSide::After}) {
-    ExtendCache(Cache.GetRun().GetMissing(side, 0), side);
+    Cache.Extend(Cache.GetRun().GetMissing(side, 0), side);
   }
   IdleTimer.start();
   update();
@@ -205,7 +206,7 @@ void CFilmstrip::FillOneCell() {
   std::optional<CacheSide> side;
   if (isVisible() && !Slide && IsIndex(Current)) side = Cache.GetRun().FindIdleSide(Current, Set->GetCount());
   if (!side) return IdleTimer.stop();
-  ExtendCache(1, *side);
+  Cache.Extend(1, *side);
 }
 
 void CFilmstrip::ShowPosition(double percent) { Bars.SetPosition({percent, Current, Set->GetCount()}); }
@@ -214,15 +215,14 @@ void CFilmstrip::ShowPosition(double percent) { Bars.SetPosition({percent, Curre
 
 void CFilmstrip::RedrawCurrentThumbnail() {
   FinishMove();
-  Cache.Repaint(0, [&](CDevicePainter& painter, int left) { Cells.PaintPhoto(painter, left, Current); });
+  Cache.RepaintPhoto(Current);
   update();
 }
 
 void CFilmstrip::RedrawBand(int index, int icon) {
-  RepaintMarks(index);
-  if (icon != kBandAndMarks) return;
-  Cache.Repaint(index - GetBase(),
-                [&](CDevicePainter& painter, int left) { Cells.PaintLabel(painter, left, index); });
+  Cache.RepaintMarks(index);
+  if (icon == kBandAndMarks) Cache.RepaintLabel(index);
+  update();
 }
 
 void CFilmstrip::StampChanged(StampId type, std::int32_t assetId) {
@@ -268,4 +268,227 @@ void CFilmstrip::paintEvent(QPaintEvent*) {
   if (!held.isEmpty()) {
     painter.GetPainter().drawImage(held.topLeft() - wanted.topLeft(), Cache.GetImage(), held);
   }
+}
+
+// Moves along the set.
+
+void CFilmstrip::MoveBy(int delta) {
+  ClearHighlight();
+  if (delta == 0) return;
+  if (Slide || PaceTimer.isActive()) {
+    const bool sameWay = (delta < 0) == (PendingDelta < 0);
+    if (!sameWay || std::abs(delta) > std::abs(PendingDelta)) PendingDelta = delta;
+    return;
+  }
+  if (!IsIndex(Current + delta)) return;
+  if (!isVisible()) return MoveUnseen(delta);
+  if (!Cache.GetRun().CanShowMove(delta)) return MoveTo(Current + delta);
+  StartSlide(delta, std::nullopt);
+}
+
+void CFilmstrip::MoveUnseen(int delta) {
+  MoveTo(Current + delta);  // every photo is told of, for nothing else shows where a held key has come to
+  PaceTimer.start(milliseconds(std::lround(1000 * std::abs(delta) * Layout.GetMetrics().Pitch /
+                                           (kSlideSpeed * Layout.GetMetrics().PixelRatio))));
+}
+
+void CFilmstrip::MovePage(bool backward) {
+  if (Set == nullptr || Set->GetCount() == 0) return;
+  const int from = Slide ? Slide->GetTarget() : Current;
+  const int page = backward ? -Layout.GetVisibleCount() : Layout.GetVisibleCount();
+  MoveBy(std::clamp(from + page, 0, Set->GetCount() - 1) - from);
+}
+
+void CFilmstrip::MoveTo(int index) {
+  ClearHighlight();
+  if (!IsIndex(index)) return;
+  DropSlide();
+  if (index == Current && CurrentRecord) return;
+  CancelAnnouncement();
+  Current = index;
+  RestingId = Set->GetAssetId(index);
+  CurrentRecord.reset();
+  Cache.Clear(index);
+  PrepareCells();
+  ShowPosition(GetRestPercent(Current, Set->GetCount()));
+  parentWidget()->repaint();
+  Announce();
+}
+
+void CFilmstrip::StartSlide(int delta, std::optional<Clock::time_point> begin) {
+  CancelAnnouncement();
+  IdleTimer.stop();
+  RestingId = Set->GetAssetId(Current + delta);
+  const CacheSide side = delta < 0 ? CacheSide::Before : CacheSide::After;
+  Cache.Extend(Cache.GetRun().GetMissing(side, delta), side);
+  const StripMetrics& metrics = Layout.GetMetrics();
+  Slide.emplace(Current, delta, metrics.Pitch, kSlideSpeed * metrics.PixelRatio,
+                begin.value_or(Clock::now()));
+  const double framesPerSecond = screen()->refreshRate();
+  SlideTimer.start(framesPerSecond > 0 ? std::max(kShortestFrame, static_cast<int>(1000 / framesPerSecond))
+                                       : kShortestFrame);
+}
+
+void CFilmstrip::StepSlide() {
+  if (WaitsForJob()) return;
+  if (!Slide) return;
+  const Clock::time_point now = Clock::now();
+  if (const Clock::time_point end = Slide->GetEnd(); now >= end) {
+    const int next = std::exchange(PendingDelta, 0);
+    ArriveAtTarget();
+    if (next == 0 || !IsIndex(Current + next) || !Cache.GetRun().CanShowMove(next)) {
+      TakeRest();
+      return MoveBy(next);
+    }
+    StartSlide(next, now - end < kLongestCatchUp ? end : now);
+  }
+  SlideOffset = Slide->GetOffset(now);
+  Current = Slide->GetIndexAt(SlideOffset);
+  ShowPosition(GetSlidePercent(Slide->GetStart(), Set->GetCount(), SlideOffset, Layout.GetMetrics().Pitch));
+  update();
+}
+
+void CFilmstrip::ArriveAtTarget() {
+  Current = Slide->GetTarget();
+  Cache.MoveBase(Slide->GetDelta());
+  Slide.reset();
+  SlideOffset = 0;
+  CurrentRecord.reset();
+}
+
+void CFilmstrip::DropSlide() {
+  PaceTimer.stop();
+  PendingDelta = 0;
+  if (!Slide) return;
+  SlideTimer.stop();
+  ArriveAtTarget();
+}
+
+void CFilmstrip::FinishMove() {
+  const bool wasSliding = Slide.has_value();
+  DropSlide();
+  if (wasSliding) TakeRest();
+}
+
+void CFilmstrip::TakeRest() {
+  SlideTimer.stop();
+  ShowPosition(GetRestPercent(Current, Set->GetCount()));
+  PrepareCells();
+  if (!SlideShowRuns) {
+    PhotoIsDue = true;
+    return RestTimer.start();
+  }
+  parentWidget()->repaint();  // before the host takes its time
+  Announce();
+}
+
+void CFilmstrip::AnnounceNow() {
+  FinishMove();
+  if (PhotoIsDue) Announce();
+}
+
+void CFilmstrip::CancelAnnouncement() {
+  RestTimer.stop();
+  PhotoIsDue = false;
+}
+
+void CFilmstrip::Announce() {
+  PhotoIsDue = true;
+  if (WaitsForJob()) return;
+  CancelAnnouncement();
+  const CAssetRecord* const record = GetCurrentRecord();
+  if (record != nullptr) {
+    const std::string position = FormatString(StringId::PositionOfCount, Current + 1, Set->GetCount());
+    setAccessibleDescription(ToQString(position + ", " + record->GetFilename()));
+  }
+  Host.OnCurrentPhotoChanged(record);
+}
+
+// The slide show.
+
+bool CFilmstrip::StartSlideShow() {
+  if (SlideShowRuns) return true;
+  FinishMove();
+  if (Set == nullptr || Set->GetCount() == 0) return false;
+  if (Current == Set->GetCount() - 1) {
+    MoveTo(0);
+  } else {
+    MoveBy(1);
+  }
+  ShowTimer.start();
+  SlideShowRuns = true;
+  Host.OnSlideShowStateChanged();
+  return true;
+}
+
+void CFilmstrip::StopSlideShow() {
+  if (!SlideShowRuns) return;
+  ShowTimer.stop();
+  SlideShowRuns = false;
+  Host.OnSlideShowStateChanged();
+}
+
+void CFilmstrip::StepSlideShow() {
+  if (WaitsForJob()) return;
+  // Behind a question about the photo the show stands still.
+  if (!SlideShowRuns || Set == nullptr || QApplication::activeModalWidget() != nullptr) return;
+  FinishMove();
+  if (Current < Set->GetCount() - 1) return MoveBy(1);
+  MoveTo(0);
+  if (SlideShowRuns) ShowTimer.start();
+}
+
+// The mouse. No event is taken: the main window gets the focus by every click.
+
+StripHit CFilmstrip::HitTestAt(QPointF point) const {
+  const QPointF pixel = point * Layout.GetMetrics().PixelRatio;
+  StripHit hit =
+      Layout.HitTest({static_cast<int>(std::floor(pixel.x())), static_cast<int>(std::floor(pixel.y()))});
+  return hit.Cell >= 0 && IsIndex(IndexOfCell(hit.Cell)) ? hit : StripHit();
+}
+
+void CFilmstrip::mousePressEvent(QMouseEvent* event) {
+  event->ignore();
+  if (event->button() != Qt::LeftButton) return;
+  FinishMove();
+  const StripHit hit = HitTestAt(event->position());
+  if (hit.Mark >= 0) return ToggleMark(hit, event->modifiers().testFlag(Qt::ShiftModifier));
+  if (hit.Cell < 0 || hit.InBand || hit.Cell == Layout.GetLensCell()) return;
+  StopSlideShow();
+  MoveBy(hit.Cell - Layout.GetLensCell());
+}
+
+void CFilmstrip::mouseDoubleClickEvent(QMouseEvent* event) {
+  event->ignore();
+  if (event->button() != Qt::LeftButton) return;
+  const StripHit hit = HitTestAt(event->position());
+  // On a mark two quick clicks are two clicks. Another cell slides away under them, so there they are one.
+  if (hit.Mark >= 0) return mousePressEvent(event);
+  if (hit.Cell != Layout.GetLensCell() || hit.InBand) return;
+  FinishMove();
+  Host.SelectTab(ViewTabId::CurrentPhoto);
+}
+
+void CFilmstrip::mouseMoveEvent(QMouseEvent* event) {
+  event->ignore();
+  if (Slide) return;
+  const StripHit hit = HitTestAt(event->position());
+  // A press that began elsewhere lights up nothing.
+  const bool dragged = event->buttons().testFlag(Qt::LeftButton) && !Cache.HasHotMark();
+  SetHighlight(hit.Mark >= 0 && !dragged ? hit : StripHit());
+}
+
+void CFilmstrip::leaveEvent(QEvent*) { ClearHighlight(); }
+
+void CFilmstrip::SetHighlight(StripHit hit) {
+  if (IsJobRunning()) return;
+  if (Cache.SetHotMark(hit.Mark >= 0 ? IndexOfCell(hit.Cell) : -1, hit.Mark)) update();
+}
+
+void CFilmstrip::ToggleMark(const StripHit& hit, bool extendRange) {
+  const int index = IndexOfCell(hit.Cell);
+  const CAssetRecord photo = Set->GetAsset(index);
+  if (!photo.IsValid()) return;
+  Host.ToggleInTab(photo, GetTabOfMark(hit.Mark), extendRange);
+  RedrawBand(index, hit.Mark);
 }

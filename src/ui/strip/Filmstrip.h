@@ -9,7 +9,6 @@
 
 #include "catalog/AssetRecord.h"
 #include "ui/kit/Commands.h"
-#include "ui/strip/CellPainter.h"
 #include "ui/strip/Lens.h"
 #include "ui/strip/PushBars.h"
 #include "ui/strip/Slide.h"
@@ -101,7 +100,7 @@ class CFilmstrip : public QWidget {
 
   // Counted since the strip was made.
   int GetPaintedCells() const { return Cache.GetPaintedCells(); }
-  int GetReadThumbnails() const { return Cells.GetReadThumbnails(); }
+  int GetReadThumbnails() const { return Cache.GetReadThumbnails(); }
   const StripLayout& GetLayout() const { return Layout; }
   const CStripCache& GetCache() const { return Cache; }
 
@@ -141,17 +140,12 @@ class CFilmstrip : public QWidget {
   void UpdateLayout();
   void PrepareCells();
   void FillOneCell();
-  void ExtendCache(int count, CacheSide side);
-  /// The index of the cell that the cache tells distances from.
-  int GetBase() const { return Slide ? Slide->GetStart() : Current; }
   void ShowPosition(double percent);
 
   StripHit HitTestAt(QPointF point) const;
   void SetHighlight(StripHit hit);
   int IndexOfCell(int cell) const { return Current + cell - Layout.GetLensCell(); }
-  int GetHotMark(int index) const;
   void ClearHighlight() { SetHighlight({}); }
-  void RepaintMarks(int index);
   void ToggleMark(const StripHit& hit, bool extendRange);
 
   CFilmstripHost& Host;
@@ -162,9 +156,7 @@ class CFilmstrip : public QWidget {
 
   int LayoutWidth = 0;
   StripLayout Layout;
-  CCellPainter Cells;
   CStripCache Cache;
-  StripHit Highlight;  // a mark under the pointer
 
   std::optional<CSlide> Slide;
   int SlideOffset = 0;  // device pixels, negative backwards; 0 at rest

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 
 /// One slide of the strip, as a function of time: so many cells in one direction, at a steady speed, ended
@@ -18,8 +19,16 @@ class CSlide {
   int GetTarget() const { return Start + Delta; }
 
   /// How far the strip has come, in device pixels; negative for a slide backwards.
-  int GetOffset(TimePoint now) const;
-  TimePoint GetEnd() const;
+  int GetOffset(TimePoint now) const {
+    const double seconds = std::chrono::duration<double>(now - Begin).count();
+    const int way = static_cast<int>(std::clamp(seconds * Speed, 0.0, static_cast<double>(GetDistance())));
+    return Delta < 0 ? -way : way;
+  }
+  /// Rounded up, so that the whole way has been made by then.
+  TimePoint GetEnd() const {
+    return Begin +
+           std::chrono::ceil<TimePoint::duration>(std::chrono::duration<double>(GetDistance() / Speed));
+  }
   /// The photo nearest behind the way that has been made.
   int GetIndexAt(int offset) const { return Start + offset / Pitch; }
 

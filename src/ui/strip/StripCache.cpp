@@ -52,19 +52,36 @@ void CStripCache::SetForm(const StripMetrics& metrics, int visibleCount) {
   const CacheRun run(visibleCount);
   QImage image(metrics.Pitch * run.GetRoom() + metrics.SeparatorWidth, metrics.Height, QImage::Format_RGB32);
   if (image.isNull()) throw CError("Could not create strip cache");
+  Cells.SetMetrics(metrics);
   Metrics = metrics;
   Run = run;
   Image = std::move(image);
 }
 
-void CStripCache::Extend(int count, CacheSide side, const PaintCell& paint) {
+void CStripCache::SetPhotoSet(const CPhotoSet* set) {
+  Cells.SetPhotoSet(set);
+  Run.Clear();
+}
+
+void CStripCache::Clear(int base) {
+  Run.Clear();
+  Base = base;
+}
+
+void CStripCache::MoveBase(int delta) {
+  Run.MoveBase(delta);
+  Base += delta;
+}
+
+void CStripCache::Extend(int count, CacheSide side) {
   const CacheRun::Growth growth = Run.Extend(count, side);
   if (growth.Count == 0) return;
   Shift(growth.Shift * Metrics.Pitch);
   CDevicePainter painter(Image, Metrics.PixelRatio);
   try {
     for (int slot = growth.FirstSlot; slot < growth.FirstSlot + growth.Count; ++slot) {
-      paint(painter, slot * Metrics.Pitch, slot - Run.GetBefore());
+      const int index = Base + slot - Run.GetBefore();
+      Cells.PaintCell(painter, slot * Metrics.Pitch + Metrics.SeparatorWidth, index, GetHotMarkOf(index));
       ++PaintedCells;
     }
   } catch (...) {
@@ -73,11 +90,41 @@ void CStripCache::Extend(int count, CacheSide side, const PaintCell& paint) {
   }
 }
 
-void CStripCache::Repaint(int distance, const PaintPart& paint) {
-  const int slot = Run.FindSlot(distance);
-  if (slot < 0) return;
+/// The left edge of a cell's frame; false if the cell isn't held.
+bool CStripCache::FindFrame(int index, int& left) const {
+  const int slot = Run.FindSlot(index - Base);
+  left = slot * Metrics.Pitch + Metrics.SeparatorWidth;
+  return slot >= 0;
+}
+
+void CStripCache::RepaintPhoto(int index) {
+  int left = 0;
+  if (!FindFrame(index, left)) return;
   CDevicePainter painter(Image, Metrics.PixelRatio);
-  paint(painter, slot * Metrics.Pitch + Metrics.SeparatorWidth);
+  Cells.PaintPhoto(painter, left, index);
+}
+
+void CStripCache::RepaintLabel(int index) {
+  int left = 0;
+  if (!FindFrame(index, left)) return;
+  CDevicePainter painter(Image, Metrics.PixelRatio);
+  Cells.PaintLabel(painter, left, index);
+}
+
+void CStripCache::RepaintMarks(int index) {
+  int left = 0;
+  if (!FindFrame(index, left)) return;
+  CDevicePainter painter(Image, Metrics.PixelRatio);
+  Cells.PaintMarks(painter, left, index, GetHotMarkOf(index));
+}
+
+bool CStripCache::SetHotMark(int index, int mark) {
+  if (index == HotIndex && mark == HotMark) return false;
+  const int before = std::exchange(HotIndex, index);
+  HotMark = mark;
+  RepaintMarks(before);
+  RepaintMarks(index);
+  return true;
 }
 
 QRect CStripCache::GetHeldArea() const {

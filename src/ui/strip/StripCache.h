@@ -1,12 +1,12 @@
 #pragma once
 
 #include <QImage>
-#include <functional>
 #include <optional>
+#include <string>
+#include <utility>
 
+#include "ui/strip/CellPainter.h"
 #include "ui/strip/StripLayout.h"
-
-class CDevicePainter;
 
 enum class CacheSide { Before, After };
 
@@ -54,35 +54,57 @@ class CacheRun {
 
 /// The painted cells of the strip, side by side in one picture of device pixels: a run of neighbours, a
 /// separator between them and at both ends. Taking in a cell moves what is held as a block and paints that
-/// cell alone. Cells are told by their distance from that which rests under the lens.
+/// cell alone. Cells are told by their index in the set.
 class CStripCache {
  public:
-  /// Paints a cell whose left separator begins at `slotLeft`.
-  using PaintCell = std::function<void(CDevicePainter& painter, int slotLeft, int distance)>;
-  /// Paints a part of a held cell whose frame begins at `left`.
-  using PaintPart = std::function<void(CDevicePainter& painter, int left)>;
+  explicit CStripCache(FolderLabel folderLabel) : Cells(std::move(folderLabel)) {}
+
+  /// Not owned; null for empty places. Forgets all cells.
+  void SetPhotoSet(const CPhotoSet* set);
 
   /// Makes room for twice `visibleCount` cells, all empty. CError if there is no memory for that.
   void SetForm(const StripMetrics& metrics, int visibleCount);
 
-  /// Forgets all cells.
-  void Clear() { Run.Clear(); }
-  void Extend(int count, CacheSide side, const PaintCell& paint);
-  void MoveBase(int delta) { Run.MoveBase(delta); }
-  /// Nothing if the cell isn't held.
-  void Repaint(int distance, const PaintPart& paint);
+  /// Forgets all cells; that of `base` rests under the lens.
+  void Clear(int base);
+  void Extend(int count, CacheSide side);
+
+  /// The cell so many further on rests under the lens.
+  void MoveBase(int delta);
+
+  // Paint a part of a cell anew; nothing if it isn't held.
+  void RepaintPhoto(int index);
+  void RepaintLabel(int index);
+  void RepaintMarks(int index);
+
+  /// The mark under the pointer, -1 for none, and the cell that it belongs to. False if nothing changes.
+  bool SetHotMark(int index, int mark);
+  bool HasHotMark() const { return HotMark >= 0; }
 
   const CacheRun& GetRun() const { return Run; }
   const QImage& GetImage() const { return Image; }
+
   /// The columns of the picture that hold something.
   QRect GetHeldArea() const;
+
+  /// What the photo's place in the order of the set is called.
+  std::string GetLabel(int index) const { return Cells.GetLabel(index); }
+
+  // Counted since the cache was made.
   int GetPaintedCells() const { return PaintedCells; }
+  int GetReadThumbnails() const { return Cells.GetReadThumbnails(); }
 
  private:
+  int GetHotMarkOf(int index) const { return index == HotIndex ? HotMark : -1; }
+  bool FindFrame(int index, int& left) const;
   void Shift(int columns);
 
+  CCellPainter Cells;
   StripMetrics Metrics;
   CacheRun Run;
   QImage Image;
+  int Base = 0;  // index of the cell that rests under the lens
+  int HotIndex = -1;
+  int HotMark = -1;
   int PaintedCells = 0;
 };

@@ -1,13 +1,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 
+#include "platform/LocalTime.h"
 #include "platform/LocaleDate.h"
 #include "support/EnvironmentVariable.h"
 
 using platform::CalendarDate;
-using platform::DateOrder;
+using platform::DaylightSaving;
 using platform::ReadDate;
 using testing::Optional;
 
@@ -20,6 +22,16 @@ struct Typed {
   const char* Locale;
   const char* Text;
 };
+
+std::tm Date(int year, int month, int day, int hour, int minute = 0) {
+  std::tm date{};
+  date.tm_year = year - 1900;
+  date.tm_mon = month - 1;
+  date.tm_mday = day;
+  date.tm_hour = hour;
+  date.tm_min = minute;
+  return date;
+}
 
 }  // namespace
 
@@ -59,37 +71,21 @@ TEST(LocaleDate, ReadsWhatUsersOfALocaleType) {
 }
 
 TEST(LocaleDate, LocaleOfDatesIsTheUsers) {
-  struct Setting {
-    const char *All, *Time, *Lang;
-    DateOrder Order;
-    const char* Separator;
-  };
-  const Setting settings[] = {{"", "de_DE.UTF-8", "en_US.UTF-8", DateOrder::DayMonthYear, "."},
-                              {"ja_JP.UTF-8", "de_DE.UTF-8", "en_US.UTF-8", DateOrder::YearMonthDay, "/"},
-                              {"", "", "de_DE@euro", DateOrder::DayMonthYear, "."},
-                              {"C.UTF-8", "de_DE.UTF-8", "de_DE.UTF-8", DateOrder::MonthDayYear, "/"},
-                              {"", "", "", DateOrder::MonthDayYear, "/"}};
-  for (const Setting& set : settings) {
-    const CEnvironmentVariable all("LC_ALL", set.All);
-    const CEnvironmentVariable time("LC_TIME", set.Time);
-    const CEnvironmentVariable lang("LANG", set.Lang);
-    EXPECT_EQ(platform::GetDateOrder(), set.Order) << set.All << " " << set.Time << " " << set.Lang;
-    EXPECT_EQ(platform::GetDateSeparator(), set.Separator);
+  const char* const settings[][4] = {{"", "de_DE.UTF-8", "en_US.UTF-8", "."},
+                                     {"ja_JP.UTF-8", "de_DE.UTF-8", "en_US.UTF-8", "/"},
+                                     {"", "", "de_DE@euro", "."},
+                                     {"C.UTF-8", "de_DE.UTF-8", "de_DE.UTF-8", "/"}};
+  for (const auto& [forAll, forTime, language, separator] : settings) {
+    const CEnvironmentVariable all("LC_ALL", forAll), time("LC_TIME", forTime), lang("LANG", language);
+    EXPECT_EQ(platform::GetDateSeparator(), separator) << forAll << forTime << language;
   }
 }
 
 TEST(LocaleDate, ShortYearsSlideWithTheCentury) {
-  struct Case {
-    const char* Text;
-    int ThisYear, Year;
-  };
-  const Case cases[] = {{"5/9/46", 2026, 2046},
-                        {"5/9/47", 2026, 1947},
-                        {"5/9/3", 2026, 2003},
-                        {"5/9/00", 1999, 2000},
-                        {"5/9/1899", 2026, 1899}};
-  for (const auto& [text, thisYear, year] : cases) {
-    EXPECT_THAT(ReadDate(text, thisYear, "en_US"), Optional(CalendarDate{year, 5, 9})) << text;
+  const int years[][2] = {{46, 2046}, {47, 1947}, {3, 2003}, {1899, 1899}};
+  for (const auto& [typed, year] : years) {
+    EXPECT_THAT(ReadDate("5/9/" + std::to_string(typed), kThisYear, "en_US"),
+                Optional(CalendarDate{year, 5, 9}));
   }
 }
 
@@ -101,4 +97,40 @@ TEST(LocaleDate, DaysThatDoNotExistAndOtherTextsAreRefused) {
   for (const char* text : texts) EXPECT_EQ(ReadDate(text, kThisYear, "en_US"), std::nullopt) << text;
   EXPECT_THAT(ReadDate("2/29/04", kThisYear, "en_US"), Optional(CalendarDate{2004, 2, 29}));
   EXPECT_EQ(ReadDate(std::string(100000, '9'), kThisYear), std::nullopt);
+}
+
+TEST(LocalTime, CanLeaveDaylightSavingOffInSummer) {
+  const CEnvironmentVariable zone("TZ", "Europe/Berlin");
+  const auto winter = platform::FromLocalTime(Date(2003, 1, 15, 12), DaylightSaving::Off);
+  EXPECT_EQ(winter, platform::FromLocalTime(Date(2003, 1, 15, 12), DaylightSaving::AsInForce));
+  EXPECT_EQ(winter, 1042628400);
+
+  const auto summer = platform::FromLocalTime(Date(2003, 7, 15, 12), DaylightSaving::AsInForce);
+  EXPECT_EQ(summer, 1058263200);
+  EXPECT_EQ(platform::FromLocalTime(Date(2003, 7, 15, 12), DaylightSaving::Off), *summer + 3600);
+
+  // 2:30 on 26 October 2003 came twice; with daylight saving off it is the later one.
+  EXPECT_EQ(platform::FromLocalTime(Date(2003, 10, 26, 2, 30), DaylightSaving::Off), 1067131800);
+  std::tm local{};
+  const CEnvironmentVariable other("TZ", "Asia/Tokyo");
+  ASSERT_TRUE(platform::ToLocalTime(0, local));
+  EXPECT_EQ(local.tm_hour, 9) << "a change of the zone is followed";
+}
+
+TEST(LocalTime, TellsTheLastSecondBefore1970FromAFailure) {
+  const CEnvironmentVariable zone("TZ", "UTC");
+  std::tm date = Date(1969, 12, 31, 23, 59);
+  date.tm_sec = 59;
+  EXPECT_EQ(platform::FromLocalTime(date, DaylightSaving::Off), -1);
+  date.tm_year = std::numeric_limits<int>::max();
+  date.tm_mon = std::numeric_limits<int>::max();
+  EXPECT_EQ(platform::FromLocalTime(date, DaylightSaving::Off), std::nullopt);
+}
+
+TEST(FormatTime, DropsLeadingZerosAndSpeaksEnglish) {
+  std::tm date = Date(2003, 3, 5, 9, 7);
+  date.tm_wday = 3;
+  EXPECT_EQ(platform::FormatTime(date, "%a, %b %#d, %Y"), "Wed, Mar 5, 2003");
+  EXPECT_EQ(platform::FormatTime(date, "%#m/%d/%y %#H:%M 100%% %%#d"), "3/05/03 9:07 100% %#d");
+  EXPECT_EQ(platform::FormatTime(date, std::string(1000, 'x')), std::string(1000, 'x'));
 }
