@@ -14,8 +14,8 @@
 #include "catalog/Catalog.h"
 #include "editing/SafeFiles.h"
 #include "platform/Files.h"
-#include "platform/WholeFiles.h"
 #include "platform/Unicode.h"
+#include "platform/WholeFiles.h"
 #include "storage/StorageException.h"
 
 namespace {

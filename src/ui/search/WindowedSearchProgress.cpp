@@ -1,8 +1,8 @@
 #include "ui/search/WindowedSearchProgress.h"
 
 #include "imaging/Image.h"
-#include "ui/kit/Pictures.h"
 #include "ui/kit/Job.h"
+#include "ui/kit/Pictures.h"
 
 namespace {
 
