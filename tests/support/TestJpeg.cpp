@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <random>
 #include <tuple>
 #include <utility>
 // jpeglib.h needs <cstdio> before it.
@@ -135,4 +136,26 @@ std::string MakeJpeg(unsigned width, unsigned height, unsigned red, unsigned gre
     return std::array{byte(red), byte(green), byte(blue), std::uint8_t{0}};
   });
   return {jpeg.begin(), jpeg.end()};
+}
+
+std::vector<std::uint8_t> MakeNoisyJpeg(JpegRecipe recipe, int width, int height) {
+  recipe.Width = width;
+  recipe.Height = height;
+  recipe.Quality = 90;
+  return MakeJpeg(recipe, [random = std::minstd_rand(3)](int, int) mutable {
+    const auto byte = [&random] { return static_cast<std::uint8_t>(random() >> 8); };
+    return std::array{byte(), byte(), byte(), std::uint8_t{0}};
+  });
+}
+
+std::vector<std::uint8_t> WithHeaders(std::vector<std::uint8_t> jpeg,
+                                      const std::vector<std::string>& headers) {
+  std::string added;
+  for (const std::string& header : headers) {
+    const std::size_t length = header.size() + 1;
+    added += {'\xFF', header[0], static_cast<char>(length >> 8), static_cast<char>(length)};
+    added += header.substr(1);
+  }
+  jpeg.insert(jpeg.begin() + 2, added.begin(), added.end());
+  return jpeg;
 }

@@ -38,3 +38,10 @@ std::vector<std::uint8_t> MakeJpeg(const JpegRecipe& recipe, const Painter& pain
 /// A photo of one colour as any camera might write it, with an EXIF date if `dateTime` isn't empty.
 std::string MakeJpeg(unsigned width, unsigned height, unsigned red, unsigned green, unsigned blue,
                      const std::string& dateTime = {});
+
+/// Pixels without any order, so that all coefficients count; the same ones each time.
+std::vector<std::uint8_t> MakeNoisyJpeg(JpegRecipe recipe, int width = 64, int height = 48);
+
+/// The file with headers, each its code and its data, put in right behind its first marker.
+std::vector<std::uint8_t> WithHeaders(std::vector<std::uint8_t> jpeg,
+                                      const std::vector<std::string>& headers);
