@@ -64,6 +64,11 @@ class CHomeFixture : public testing::Test {
     }
   }
 
+  /// Gives a photo further stamps.
+  static void Stamp(const CAssetRecord& photo, StampId type, std::initializer_list<std::string> texts) {
+    CStampList stamps = photo.GetStamps(type);
+    for (const std::string& text : texts) stamps.Add(text);
+  }
   /// The texts of a photo's stamps, "a|b".
   static std::string Texts(const CAssetRecord& photo, StampId type) {
     const CStampList stamps = photo.GetStamps(type);

@@ -7,7 +7,7 @@
 #include <vector>
 
 /// Finds, while a text is typed, the earlier text that it may become. Texts are compared by their letters.
-/// Made once for an edit; a search over 10,000 choices takes a fraction of a millisecond.
+/// Made once for each edit.
 class CCompletion {
  public:
   /// With `separators`, ASCII characters, a text is a list and its token under the caret is completed;
@@ -28,7 +28,7 @@ class CCompletion {
   std::string_view GetSpelling(std::string_view token) const;
 
   std::vector<std::string> Choices;
-  std::vector<std::string> Folded;  // the same
+  std::vector<std::string> Folded;  // the choices
   std::string Separators;
   std::set<std::size_t> Completed;  // choices that a token was completed to
 };

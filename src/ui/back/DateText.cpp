@@ -77,7 +77,8 @@ std::string FormatEditDate(std::int32_t time, const std::string& locale) {
 std::int32_t ReadEditDate(const std::string& text, const std::string& locale) {
   const auto date = platform::ReadDate(text, GetThisYear(), locale);
   if (!date) return 0;
-  // Times are made with daylight saving off, which where clocks are put back in winter is the day before.
+  // Times are made without daylight saving. Where winter counts as such, as in Ireland, midnight then falls
+  // on the day before.
   constexpr int kMidnight = 0;
   constexpr int kNoon = 12;
   for (const int hour : {kMidnight, kNoon}) {

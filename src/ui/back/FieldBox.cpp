@@ -109,7 +109,7 @@ class CLineBox final : public CWatchedEditor<QLineEdit> {
  protected:
   void inputMethodEvent(QInputMethodEvent* event) override {
     {
-      // It moves the caret before it tells of the edit.
+      // The base class moves the caret before it signals the edit.
       const QScopedValueRollback silent(Silent, true);
       CWatchedEditor::inputMethodEvent(event);
     }
@@ -117,7 +117,7 @@ class CLineBox final : public CWatchedEditor<QLineEdit> {
   }
 
  private:
-  /// Whatever deletes leaves the caret where the change began, or before.
+  /// A change that only deletes leaves the caret where the change began, or before.
   void NoteEdit() {
     if (!Silent && cursorPosition() > EditStart) GetOwner().OnPutIn();
   }
@@ -161,7 +161,7 @@ class CWrappedBox final : public CWatchedEditor<QPlainTextEdit> {
 
  protected:
   void paintEvent(QPaintEvent* event) override {
-    // Letters of the line above can reach over its lower edge.
+    // Without this, the lower parts of letters of the line above would show.
     const QRect lines = viewport()->rect().adjusted(0, FindFirstLine(), 0, 0);
     QPaintEvent whole(event->rect() & lines);
     QPlainTextEdit::paintEvent(&whole);
@@ -173,7 +173,7 @@ class CWrappedBox final : public CWatchedEditor<QPlainTextEdit> {
   }
 
  private:
-  /// Where the first line begins that shows from its top on.
+  /// The top of the first line that isn't cut at the upper edge.
   int FindFirstLine() const {
     const QTextBlock block = firstVisibleBlock();
     const double top = blockBoundingGeometry(block).translated(contentOffset()).top();

@@ -6,7 +6,7 @@
 class QFont;
 class QWidget;
 
-/// Told by the box in which a field is edited.
+/// What the edit box of a field tells the field.
 class CFieldBoxOwner {
  public:
   virtual ~CFieldBoxOwner() = default;
@@ -39,5 +39,5 @@ class CFieldBox {
   virtual void AddSelected(const QString& text) = 0;
 };
 
-/// Makes a box as a hidden child of `parent`, which deletes it. Owner and box are one pair.
+/// Makes a box as a hidden child of `parent`, which deletes it. Each box has an owner of its own.
 CFieldBox* MakeFieldBox(CFieldBoxOwner& owner, bool severalLines, const QFont& font, QWidget* parent);

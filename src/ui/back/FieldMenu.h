@@ -17,11 +17,11 @@ struct FieldChoice {
   StampId Source = StampId::None;  // of a date
 };
 
-/// The entries for a value whose text, in its field now, is `text`: the earlier texts, or the kinds of dates.
+/// The entries for a value: the earlier texts, or the kinds of dates. `text` is what its field shows now.
 std::vector<FieldChoice> ListChoices(CFieldValue& value, const std::string& text);
 
-/// The text after an earlier text was chosen: in a list that is added, or taken out if it is there; any other
-/// text is replaced.
+/// The text after an earlier text was chosen. That is added to a list, or removed if the list has it; any
+/// other text is replaced by it.
 std::string ApplyChoice(const CFieldValue& value, const std::string& text, const std::string& choice);
 
 /// Makes the photo's date from that source the date in force; not committed. Does nothing if there is none.

@@ -56,7 +56,7 @@ QStringList BreakIntoLines(const QString& text, const QFont& font, double width,
   for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
     line.setLineWidth(width);
     if (lines.size() + 1 == most && line.textStart() + line.textLength() < whole.size()) {
-      // One more character tells that the line was cut, however short it is.
+      // The ellipsis shows that text was left out, even where the rest of this line has room.
       QString rest = whole.mid(line.textStart()).section(QChar(QChar::LineSeparator), 0, 0) + kEllipsis;
       lines += QFontMetricsF(font).elidedText(rest, Qt::ElideRight, width);
       break;
@@ -120,7 +120,7 @@ void CFieldText::CloseBox() {
   QWidget& widget = Box->GetWidget();
   Box = nullptr;
   widget.hide();
-  widget.deleteLater();  // this may be called by it
+  widget.deleteLater();  // the box itself may be the caller
   update();
 }
 

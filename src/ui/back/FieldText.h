@@ -21,7 +21,7 @@ QString ShortenLine(const QString& text, bool maybePath, const QFontMetricsF& me
 QStringList BreakIntoLines(const QString& text, const QFont& font, double width, int most);
 
 /// The text of a field. While it is edited an edit box stands over it, made for the edit and deleted after
-/// it; what is to become of the box's text is its owner's business.
+/// it. The owner decides what happens to the text of the box.
 class CFieldText : public QWidget {
  public:
   CFieldText(CFieldBoxOwner& owner, FieldStyle style, FontId font, QWidget* parent);
@@ -38,14 +38,14 @@ class CFieldText : public QWidget {
 
   /// Makes the edit box with that text and gives it the focus.
   void OpenBox(const QString& text);
-  /// Takes the box away; the text in it is forgotten.
+  /// Removes the box and its text.
   void CloseBox();
   bool IsEditing() const { return Box != nullptr; }
   /// Null at rest.
   CFieldBox* GetBox() const { return Box; }
-  /// Makes that the text that is edited, as when the edit began.
+  /// Puts a text into the box as if the edit began with it.
   void RestartEdit(const QString& text);
-  /// Makes the text that is in the box now the one that the edit began with.
+  /// From now on the edit counts as begun with the text that is in the box.
   void TakeOverText() { FirstText = Box->GetText(); }
   /// The text that the edit began with, as the box gives it.
   const QString& GetFirstText() const { return FirstText; }

@@ -20,11 +20,12 @@ class CFieldListener {
 };
 
 /// What a field shows: one fact about one photo. A setter changes the value alone; Commit brings it into the
-/// catalog. Texts are UTF-8, dates seconds since 1970 with 0 for none. Base of the values; it holds nothing.
-/// Values are shared, since the photo may be changed, and its values let go, by who is told of a commit.
+/// catalog. Texts are UTF-8, dates seconds since 1970 with 0 for none. This base
+/// holds no value. Values are held by shared_ptr, since who is told of a commit may show another photo, which
+/// releases them.
 class CFieldValue : public std::enable_shared_from_this<CFieldValue> {
  public:
-  /// Told after each commit.
+  /// Called after each commit.
   using ChangeNotice = std::function<void(StampId fact)>;
 
   virtual ~CFieldValue() = default;
@@ -35,8 +36,7 @@ class CFieldValue : public std::enable_shared_from_this<CFieldValue> {
   /// CException, with a text for the user, if it can't be written.
   virtual void Commit();
 
-  // What is asked before a text, number or date that the user gave is set. The text may be changed; false
-  // refuses it.
+  // Called before a text, number or date of the user's is set. The text may be changed; false refuses it.
   virtual bool ValidateText(std::string& text);
   virtual bool ValidateNumber(std::int32_t value);
   virtual bool ValidateDate(std::int32_t time);

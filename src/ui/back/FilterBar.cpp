@@ -67,7 +67,7 @@ constexpr int kBesideControls = 8;
 
 QString LoadLabel(StringId id) { return ToQString(LoadExpandedString(id)) + u' '; }
 
-/// Of the widest label. The labels and their font stay the same for the whole run.
+/// The width of the widest label. Labels and font stay the same for the whole run.
 int GetLabelWidth() {
   static const int width = [] {
     const QFontMetricsF metrics(GetFont(FontId::PanelItalic));
@@ -203,7 +203,7 @@ std::string CFilterBar::SelectAddedFolder(const std::string& folder) {
 void CFilterBar::OnFolderPicked(FolderItem item) {
   FirstFolderShown = true;
   Host.PrepareForSearch();
-  // Where the pick comes to nothing, the strip must still show what the controls say.
+  // Even if the pick changes nothing, the strip must show what the cleared controls say.
   const bool wasNarrowed = HasTextOrRatingFilter();
   ClearTextFilter();
   ClearRatingFilter();
@@ -268,7 +268,7 @@ std::optional<CFilterBar::FolderChange> CFilterBar::RemoveFolder(const std::stri
     GetFolderControl().Refresh();
     return FolderChange{.Chosen = shown, .Refilter = true, .SearchNothing = true};
   }
-  // There is no going back to the folder, so the pictures folder is in view even if its search is stopped.
+  // The removed folder can't stay in view, so the pictures folder is shown even if its search is stopped.
   SelectAddedFolder(GetMyPicturesFolder());
   return FolderChange{.Chosen = GetMyPicturesFolder(), .Search = true, .Refilter = true};
 }
@@ -376,7 +376,7 @@ void CFilterBar::CancelEdit() {
 void CFilterBar::CommitEdit() {
   if (!IsEditing()) return;
   Host.FocusMainWindow();
-  GetFindControl().EndEdit();  // where the window isn't active
+  GetFindControl().EndEdit();  // a window that isn't active doesn't take the focus
 }
 
 void CFilterBar::paintEvent(QPaintEvent*) {

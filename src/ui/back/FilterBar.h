@@ -21,8 +21,7 @@ enum class StripPosition : int;
 
 /// The block of four drop controls at the bottom of the photo back: which folder, what text, which rating
 /// and in what order the strip shows. Each choice narrows or sorts the main set, shows the result and is
-/// stored; that of a folder may also search it. The filters themselves are the set's, and the folder in view
-/// is the catalog's.
+/// stored; that of a folder may also search it. The set keeps the filters, the catalog the folder in view.
 ///
 /// Window thread, outside jobs. A search is a job, so a choice returns when its search is over.
 class CFilterBar : public QWidget {
@@ -39,8 +38,8 @@ class CFilterBar : public QWidget {
   /// control has no such folder.
   void SelectFolder(const std::string& folder);
 
-  /// Sorts by an item of the sort control. The strip stays on its photo or, with `fromStart`, goes to where
-  /// one begins in that order. The number is stored, also an unknown one, which sorts as before.
+  /// Sorts by an item of the sort control. The strip stays on its photo or, with `fromStart`, goes to
+  /// StripPosition::StartOfSet. The number is stored; an unknown one leaves the order as it is.
   void SelectSort(SortId id, bool fromStart);
   /// Applies the stored order, if there is one.
   void SelectStoredSort();
@@ -69,7 +68,7 @@ class CFilterBar : public QWidget {
   void paintEvent(QPaintEvent* event) override;
 
  private:
-  /// What a pick in the folder control comes to.
+  /// What is to be done after a pick in the folder control.
   struct FolderChange {
     std::string Chosen;   // empty for all folders
     bool Search = false;  // even if the folder was searched in this session
@@ -83,7 +82,7 @@ class CFilterBar : public QWidget {
   void SetFirstSort();
 
   void OnFolderPicked(FolderItem item);
-  /// `rebuild`: also if the pick comes to nothing.
+  /// `rebuild`: rebuilds the set even if the pick changes nothing.
   void ApplyFolderPick(FolderItem item, bool rebuild);
   std::optional<FolderChange> AskForChange(FolderItem item, const std::string& shown);
   std::optional<FolderChange> ChooseFolder(const std::string& shown);

@@ -3,10 +3,10 @@
 class CCatalog;
 class CPhotoSet;
 
-/// Where the strip goes after the main set has changed, besides an index.
+/// Where the strip goes after the main set has changed.
 enum class StripPosition : int {
   KeepPhoto = -1,   // the photo that is current now, if the set still has it
-  StartOfSet = -2,  // where one begins to look at a set of its order
+  StartOfSet = -2,  // the last photo of a set sorted by month, else the first
 };
 
 /// What the filter bar needs of the main window. All calls come on the window thread, while no job runs.

@@ -18,7 +18,7 @@ enum class FolderItem : int {
   AllFolders = 100,
   MyPictures = 101,
   ActiveDisk = 102,
-  FirstListed = 103,  // and further: the folders of the user's list
+  FirstListed = 103,  // and up: the folders of the user's list
 };
 
 /// The items of the find control by id.

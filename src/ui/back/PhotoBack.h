@@ -89,6 +89,6 @@ class CPhotoBack : public QWidget {
   std::unique_ptr<CRatingField> Rating;
   QWidget* FilterBar = nullptr;  // a child
   int FilterBarHeight = 0;
-  bool Shown = false;  // the fields
-  QTimer ProgramLeft;  // runs from then until the edits are ended
+  bool Shown = false;  // whether the fields are
+  QTimer ProgramLeft;  // runs from when the program was left until the edits are ended
 };

@@ -153,7 +153,7 @@ void CPhotoField::CloseEdit(bool windowLeft) {
   if (!IsEditing()) return;
   CommitEdit();
   EndEdit();
-  // The window gets its own focus when it comes back, and so the keys are commands again.
+  // When the window becomes active again it has the focus itself, and keys are commands.
   if (windowLeft) window()->setFocus();
 }
 
@@ -251,7 +251,7 @@ void CPhotoField::OpenMenu() {
   Menu = MakeFieldMenu(
       ListChoices(*Value, GetTextNow()), [this](const FieldChoice& choice) { Choose(choice); }, this);
   PassOnOutsideClicks(*Menu, *Button);
-  // Its choice comes after it has been hidden.
+  // The menu reports a choice after it has been hidden.
   connect(Menu.get(), &QMenu::aboutToHide, this, &CPhotoField::OnMenuClosed, Qt::QueuedConnection);
   const QPoint corner = Button->mapToGlobal(QPoint(Button->width(), Button->height()));
   Menu->popup(corner - QPoint(Menu->sizeHint().width(), 0));
@@ -261,7 +261,7 @@ QMenu* CPhotoField::GetMenu() const { return Menu && Menu->isVisible() ? Menu.ge
 
 void CPhotoField::OnMenuClosed() {
   if (GetMenu() != nullptr) return;  // the next one is open already
-  // The menu is kept until the next one opens: the release of the click that closed it comes to its window.
+  // The menu is kept until the next one opens: its window gets the release of the click that closed it.
   QTimer::singleShot(kWindowReturns, this, [this] {
     if (!isActiveWindow()) OnBoxLeft(true);
   });

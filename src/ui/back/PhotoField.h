@@ -19,14 +19,13 @@ class CFieldText;
 class CPaintedButton;
 struct FieldChoice;
 
-/// After a menu that was the active window, the desktop makes the menu's window active again: within that
-/// time.
+/// The time within which the desktop makes a window active again after a menu over it has closed.
 inline constexpr std::chrono::milliseconds kWindowReturns(300);
 
 /// One row of the photo back: a label, a value and, after it, a button that opens the list of earlier texts
-/// or of the kinds of dates. A text that can be edited is edited in place. An edit has no end of its own:
-/// when the box loses the focus its text is written to the catalog, and only Cancel before that takes it
-/// back. A menu or a list that opens ends no edit; leaving the window does.
+/// or of the kinds of dates. A text that can be edited is edited in place. When the
+/// edit box loses the focus its text is written to the catalog; only Cancel before that takes it back. A menu
+/// or a list that opens ends no edit; leaving the window does.
 ///
 /// While a job runs a field shows what it holds, and the end of an edit waits for the job's.
 class CPhotoField : public QWidget, private CFieldListener, private CFieldBoxOwner, private CCommandTarget {
@@ -38,7 +37,7 @@ class CPhotoField : public QWidget, private CFieldListener, private CFieldBoxOwn
   void SetValue(CFieldValue* value);
   CFieldValue* GetValue() const { return Value; }
 
-  /// Shows a text without a value.
+  /// Shows a text in a field that has no value.
   void SetShownText(const QString& text);
   QString GetShownText() const;
 

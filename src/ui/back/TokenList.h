@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-/// Without `blanks` at both ends; a text of nothing else gives its empty end.
+/// The text without `blanks` at both ends, as a part of `text`.
 std::string_view Trimmed(std::string_view text, std::string_view blanks = " \t\r\n");
 
 /// The text of a field that holds several texts, as a list: "a, b". A token ends at a separator, or at the
@@ -19,7 +19,7 @@ class CTokenList {
   const std::vector<std::string>& GetTokens() const { return Tokens; }
   bool Contains(std::string_view token) const;
   void Add(std::string token);
-  /// Every occurrence.
+  /// Removes every occurrence.
   void Remove(std::string_view token);
 
   /// The tokens with the first separator and a blank between them.

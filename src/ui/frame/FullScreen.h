@@ -12,8 +12,8 @@ class QWidget;
 enum class FullScreenChange { Toggle = -1, Normal = 0, FullScreen = 1 };
 
 /// Asks the desktop to let a window fill the screen, or to end that. The desktop does so a moment later, and
-/// meanwhile the toolkit may read and tell the state of before: only what holds after a pause is the
-/// desktop's own wish.
+/// until then the toolkit may report the former state. So a state that differs from the request counts as the
+/// desktop's own decision only after a pause.
 class CFullScreenState {
  public:
   /// `onEnded`: the desktop has ended full screen by itself.
@@ -31,7 +31,7 @@ class CFullScreenState {
 
   QWidget& Window;
   const std::function<void()> OnEnded;
-  QTimer Settling;  // until nothing has been asked or told for a while
+  QTimer Settling;  // runs until a while after the last request or report
   bool Wanted = false;
   bool AskedAgain = false;
 };
@@ -43,7 +43,7 @@ class CFullScreenTools {
   /// `window` fills the screen with `photo`, over which the tools vanish sooner; `row` are the buttons.
   CFullScreenTools(QWidget& window, QWidget& photo, QWidget& row);
 
-  /// Begins or ends full-screen mode: the tools show; outside of the mode nothing is ever hidden.
+  /// Begins or ends full-screen mode, with the tools shown. Outside of the mode they are never hidden.
   void SetActive(bool on);
 
   void Show();

@@ -51,6 +51,6 @@ class CInputFilter : public QObject {
   const InputHandlers Handlers;
   CHeldKeys Keys;
   bool Blocked = false;
-  bool ClickArrives = false;             // at the window; its widgets haven't had it
-  const QObject* ClickedPart = nullptr;  // by the last single click; to compare with
+  bool ClickArrives = false;             // the window has got it, its widgets haven't yet
+  const QObject* ClickedPart = nullptr;  // by the last single click; only compared
 };

@@ -1,4 +1,3 @@
-#include <ctime>
 #include <filesystem>
 
 #include "base/Times.h"

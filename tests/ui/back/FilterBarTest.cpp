@@ -1,12 +1,9 @@
 #include <gmock/gmock.h>
 
-#include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QUrl>
-#include <deque>
 #include <fstream>
-#include <optional>
 
 #include "base/Settings.h"
 #include "discovery/FolderHistory.h"
@@ -19,8 +16,6 @@
 
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::StartsWith;
 
 /// Browses by script, where an answer that is missing is Cancel; the list of folders is the program's own.
@@ -144,7 +139,7 @@ TEST_F(FilterBar, AddedFolderIsSearchedListedAndShown) {
   EXPECT_THAT(Messages.Shown.at(0).Text, StartsWith("Are you sure you want to search for all the photos"));
   EXPECT_THAT(Messages.Shown.at(1).Text, StartsWith("You have 3001 photos in"));
   EXPECT_EQ(State(), "101 Pictures: ash | Trip Scans") << "cancelled";
-  EXPECT_THAT(Refreshed, IsEmpty());
+  EXPECT_TRUE(Refreshed.empty());
 
   WritePhoto("b\xfc_/dogwood.jpg");
   const QString shown = QString::fromStdString(InHome("b")) + u'\uFFFD' + u'_';
@@ -207,7 +202,7 @@ TEST_F(FilterBar, TypedTextNarrowsTheSetAndIsRemembered) {
   Find("ash", false);
   Bar->CancelEdit();
   EXPECT_FALSE(Bar->IsEditing());
-  EXPECT_THAT(Refreshed, IsEmpty());
+  EXPECT_TRUE(Refreshed.empty());
   {
     const CFileSizeLimit fullDisk(0);
     Find("ash");
@@ -227,7 +222,7 @@ TEST_F(FilterBar, RatingAndOrderArePicked) {
   EXPECT_EQ(Set->GetGuest(), -1);
   Pick(Bar->GetSortControl(), SortId::Rating);
   EXPECT_EQ(Shown(), "1002 1001 ");
-  EXPECT_THAT(Refreshed, ElementsAre(StripPosition::KeepPhoto, StripPosition::KeepPhoto));
+  EXPECT_THAT(Refreshed, testing::ElementsAre(StripPosition::KeepPhoto, StripPosition::KeepPhoto));
   EXPECT_EQ(GetSettings()->GetInt("Sort"), 221);
   Bar->SelectSort(static_cast<SortId>(999), true);
   EXPECT_EQ(Set->GetSortKind(), SortKind::Rating) << "an unknown one sorts as before";

@@ -3,7 +3,6 @@
 #include <QInputMethodEvent>
 #include <QLineEdit>
 #include <QMenu>
-#include <QPlainTextEdit>
 #include <filesystem>
 
 #include "base/Times.h"
@@ -25,11 +24,6 @@ constexpr std::int32_t kSomeDay = 1060430400;  // August 9, 2003
 /// The panel as a user works it.
 class PhotoBack : public CStoresFixture {
  protected:
-  static void Stamp(const CAssetRecord& photo, StampId type, const std::vector<std::string>& texts) {
-    CStampList stamps = photo.GetStamps(type);
-    for (const std::string& text : texts) stamps.Add(text);
-  }
-
   /// Shows the window with the panel over the photo.
   void Show() {
     Back = std::make_unique<CPhotoBack>(&Window);
@@ -46,12 +40,8 @@ class PhotoBack : public CStoresFixture {
     return Back->findChild<QWidget*>(QStringLiteral("Rating"))->findChildren<QAbstractButton*>();
   }
 
-  /// The edit box of the field that is being edited.
-  QWidget& Box() { return *QApplication::focusWidget(); }
-  QString BoxText() {
-    if (auto* line = qobject_cast<QLineEdit*>(&Box())) return line->text();
-    return qobject_cast<QPlainTextEdit*>(&Box())->toPlainText();
-  }
+  /// In the edit box, one of a single line.
+  static QString BoxText() { return qobject_cast<QLineEdit*>(QApplication::focusWidget())->text(); }
 
   void Edit(StampId fact, const QString& typed = {}) {
     Field(fact).StartEdit();
@@ -186,7 +176,7 @@ TEST_F(PhotoBack, TabGoesRoundAndCaptionsKeepTheirLines) {
   Back->FocusField(StampId::Title);
   for (const StampId fact : {StampId::Title, StampId::Note, StampId::Thing, StampId::Event,
                              StampId::PersonalPlace, StampId::Date}) {
-    EXPECT_TRUE(Field(fact).isAncestorOf(&Box())) << static_cast<int>(fact);
+    EXPECT_TRUE(Field(fact).isAncestorOf(QApplication::focusWidget())) << static_cast<int>(fact);
     Back->FocusNextField(true);
   }
   Back->FocusNextField(false);
@@ -196,7 +186,7 @@ TEST_F(PhotoBack, TabGoesRoundAndCaptionsKeepTheirLines) {
   EXPECT_EQ(Texts(Photo, StampId::Note), "two\r\nlines") << "what isn't changed isn't written";
 
   QTest::mouseClick(&Field(StampId::Event).GetTextWindow(), Qt::LeftButton, {}, {5, 10});
-  EXPECT_EQ(qobject_cast<QLineEdit*>(&Box())->selectedText(), "one two");
+  EXPECT_EQ(qobject_cast<QLineEdit*>(QApplication::focusWidget())->selectedText(), "one two");
   QTest::mouseClick(&Field(StampId::Note).GetTextWindow(), Qt::LeftButton, {}, {5, 10});
   Type("\u00a0");           // where the click was
   Press({Qt::Key_Return});  // is the window's
@@ -230,7 +220,7 @@ TEST_F(PhotoBack, TypingCompletesAndDeletingDoesNot) {
   const auto compose = [&](const char* text, const char* committed) {
     QInputMethodEvent event(text, {});
     event.setCommitString(committed);
-    QCoreApplication::sendEvent(&Box(), &event);
+    QCoreApplication::sendEvent(QApplication::focusWidget(), &event);
     return BoxText();
   };
   EXPECT_EQ(compose("bo", ""), "") << "an input method hasn't come to an end";
