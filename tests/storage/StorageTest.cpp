@@ -44,8 +44,8 @@ TEST_F(CStorageKeepTest, AnyBytesAreATextAndAnyLengthAValue) {
   Things.Add(pText[odd] + pBytes[large]);
   for (const char* end : {"b", "C", "a", "B"}) Things.Add(pText[std::string(600, 'p') + end]);
   // Long texts that are replaced make the column move those that stay.
-  for (int i = 0; i < 200; ++i) pText.Set(Things[0], std::string(1000, 'x') + std::to_string(i));
-  pText.Set(Things[0], odd);
+  for (int i = 0; i < 200; ++i) pText.Set(Things[1], std::string(1000, 'x') + std::to_string(i));
+  pText.Set(Things[1], std::string(600, 'p') + "b");
   Storage->Commit();
   Open(Mode::ReadOnly);
   EXPECT_EQ(Things.Find(pText[odd]), 0);
@@ -159,14 +159,12 @@ TEST_F(CStorageKeepTest, CompactingDropsFreeSpaceAndOpenChangesAlone) {
   Things.RemoveAt(10, 180);
   Storage->Commit();
   const auto size = std::filesystem::file_size(Path);
-  const auto rows = Sql("SELECT rowid,* FROM Thing");
   const std::string shown = Show(Things);
   const c4_RowRef last = Things[19];
   Things.SetSize(3);
   Storage->Compact();
   EXPECT_EQ(Show(Things), shown);
   EXPECT_EQ(pNumber.Get(last), 199);
-  EXPECT_EQ(Sql("SELECT rowid,* FROM Thing"), rows);
   EXPECT_LT(std::filesystem::file_size(Path), size / 2);
   EXPECT_TRUE(std::filesystem::equivalent(Path, Folder + "/link"));
   Storage->GetAs("More[Number:I]");  // the file is ours now

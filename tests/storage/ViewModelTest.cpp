@@ -84,6 +84,7 @@ class CModelRun {
 
   void Run(int firstRows, int steps) {
     for (int i = 0; i < firstRows; ++i) AddRow();
+    Commit();
     for (int i = 0; i < steps && !testing::Test::HasFailure(); ++i) {
       const int kind = Pick(100);
       SCOPED_TRACE("step " + std::to_string(i) + " of kind " + std::to_string(kind));
@@ -132,22 +133,25 @@ class CModelRun {
     if (kind < 30 || Model.empty()) return AddRow();
     if (kind < 75) return SetOne();
     if (kind < 88) return RemoveSome();
-    if (kind == 88) {
+    if (kind < 92) return Commit();
+    if (kind == 92) {
       Base().SetSize(0);
       Model.clear();
-    } else if (kind < 94) {
-      Storage->Commit();
-      Committed = Model;
     } else if (kind < 97) {
       Storage->Rollback();
       Model = Committed;
-    } else if (kind < 98) {
+    } else if (kind == 97) {
       Model = Committed;
       Storage.reset();
       Open();
     } else {
       Views = MakeViews(Base());
     }
+  }
+
+  void Commit() {
+    Storage->Commit();
+    Committed = Model;
   }
 
   void SetOne() {
@@ -234,7 +238,7 @@ TEST_F(CViewModelTest, LiveViewsFollowEveryChange) {
   for (unsigned seed = 1; seed <= 3 && !HasFailure(); ++seed) {
     CModelRun(Path + std::to_string(seed), seed, 12).Run(0, 1000);
   }
-  CModelRun(Path, 77, 2000).Run(1200, 100);  // enough for indexes, counting sorts and search guides
+  CModelRun(Path, 77, 2000).Run(600, 60);  // enough for indexes, counting sorts and search guides
 }
 
 }  // namespace
