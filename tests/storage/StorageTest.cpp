@@ -84,6 +84,10 @@ TEST_F(CStorageKeepTest, ColumnsAreAddedAndUnknownOnesKept) {
   EXPECT_TRUE(ReadBytes(Path) == before);
 
   Open();
+  Things.SetSize(2);
+  EXPECT_EQ(c4_StringProp("Legacy").Get(Storage->GetAs("THING[legacy:S]")[0]), "old");
+  Storage->Rollback();  // of rows that were loaded in the middle of the transaction
+  EXPECT_EQ(Things.GetSize(), 1);
   const c4_View byMore = Things.SortOnReverse({pMore}, {pMore});  // before there is such a property
   const c4_RowRef added = Things.Add(pNumber[5]);
   pMore.Set(added, 1);
@@ -91,13 +95,11 @@ TEST_F(CStorageKeepTest, ColumnsAreAddedAndUnknownOnesKept) {
   Things.AddProperty(pMore);
   pMore.Set(added, 1);
   EXPECT_EQ(byMore.GetIndexOf(added), 0);
-  EXPECT_EQ(c4_StringProp("Legacy").Get(Storage->GetAs("THING[legacy:S]")[0]), "old");
-  EXPECT_EQ(pMore.Get(added), 1);
   for (const char* refused : {"Thing[Text:I]", "A", "A[]", "A[x:Q]", "A[x:I", "A[x:I,X:S]", "A[oid:I]"}) {
     EXPECT_THROW(Storage->GetAs(refused), CError) << refused;
   }
   Storage->Commit();
-  EXPECT_THAT(Sql("SELECT Number,Legacy,Text,More FROM Thing"), ElementsAre("4|old||0", "5|old||1"));
+  EXPECT_THAT(Sql("SELECT Number,Legacy,Text,More FROM Thing"), ElementsAre("4|old||0", "5|||1"));
   EXPECT_THAT(Sql("SELECT x FROM Stranger"), ElementsAre("9"));
 }
 
