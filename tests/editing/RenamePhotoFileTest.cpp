@@ -35,21 +35,13 @@ class RenamePhotoFileTest : public CEditingFixture {
   }
 };
 
-TEST_F(RenamePhotoFileTest, FileAndRowGoTogether) {
-  const std::pair<const char*, const char*> names[] = {{"Boat at dusk", "Boat at dusk.jpg"},
-                                                       {"Boat at dusk.jpg", "Boat at dusk.jpg"},
-                                                       {"Boat.JPEG", "Boat.JPEG"},
-                                                       {"boat.jpeg", "boat.jpeg"},
-                                                       {"b\xf6ot\n.jpg", "b\xf6ot\n.jpg"}};
-  for (const auto& [asked, given] : names) {
-    EXPECT_FALSE(RenamePhotoFile(Photo, asked));
-    ExpectPhotoAt(given);
-    EXPECT_THAT(NamesInFolder(), ElementsAre(given));
+TEST_F(RenamePhotoFileTest, FileAndRowGoTogetherAndNothingIsOverwritten) {
+  for (const char* name : {"Boat.JPEG", "boat.jpeg", "boat.jpeg", "b\xf6ot\n.jpg"}) {
+    EXPECT_FALSE(RenamePhotoFile(Photo, name));
+    ExpectPhotoAt(name);
   }
-  EXPECT_FALSE(fs::exists(IntentPath()));
-}
-
-TEST_F(RenamePhotoFileTest, NothingIsOverwrittenAndARefusalChangesNothing) {
+  EXPECT_FALSE(RenamePhotoFile(Photo, "boat"));
+  ExpectPhotoAt("boat.jpg");
   Scratch.Write("photos/taken.jpg", "another photo");
   Scratch.Write("photos/boat.jpg.orig", "the original");
   Scratch.Write("photos/kept.jpg.orig", "the original of another photo");
@@ -58,16 +50,11 @@ TEST_F(RenamePhotoFileTest, NothingIsOverwrittenAndARefusalChangesNothing) {
     EXPECT_EQ(RenamePhotoFile(Photo, name), std::errc::invalid_argument) << name;
   EXPECT_EQ(RenamePhotoFile(Photo, std::string(300, 'x')), std::errc::filename_too_long);
   EXPECT_EQ(FindFreeName(Photo, std::string(300, 'x'), ".jpg").size(), 250U) << "with room for .orig";
-
   // A folder that the user can't change.
   for (const char* folder : {"", "/data"}) fs::permissions(Scratch.GetPath() + folder, fs::perms::all);
-  fs::permissions(InFolder(""), fs::perms::owner_read | fs::perms::owner_exec | fs::perms::others_exec);
+  fs::permissions(InFolder(""), fs::perms(0501));
   EXPECT_TRUE(RunAsNobody([&] { return RenamePhotoFile(Photo, "new") == std::errc::permission_denied; }));
   fs::permissions(InFolder(""), fs::perms::owner_all);
-  {
-    const CFileSizeLimit full(0);
-    EXPECT_TRUE(RenamePhotoFile(Photo, "new")) << "no room for the intent";
-  }
   {
     const CFileSizeLimit full(300);  // room for the intent, none for the catalog's journal
     EXPECT_THROW(RenamePhotoFile(Photo, "new"), CException);
@@ -77,87 +64,76 @@ TEST_F(RenamePhotoFileTest, NothingIsOverwrittenAndARefusalChangesNothing) {
   EXPECT_THAT(NamesInFolder(), ElementsAre("boat.jpg", "boat.jpg.orig", "kept.jpg.orig", "taken.jpg"));
 }
 
-TEST_F(RenamePhotoFileTest, WhateverStepTheDiskRefusesFileAndRowAgree) {
+TEST_F(RenamePhotoFileTest, WhateverStepFailsOrIsKilledFileAndRowAgree) {
+  enum class Fault { Once, FromThereOn, Kill };
   CFaultyVfs vfs;
-  for (const bool allAfter : {false, true}) {
+  for (const Fault fault : {Fault::Once, Fault::FromThereOn, Fault::Kill}) {
     bool failed = true;
     for (int step = 1; failed; ++step) {
       Restart();
       int steps = 0;
-      const auto fails = [&] { return ++steps == step || (allAfter && steps > step); };
-      vfs.SetPlan([&](const std::string& operation, const std::string&) {
-        return fails() ? GetFaultOf(operation, false) : SQLITE_OK;
-      });
-      platform::SetFaultPlan([&](std::string_view, std::string_view) {
-        return fails() ? make_error_code(std::errc::io_error) : std::error_code();
-      });
-      bool renamed = false;
-      try {
-        renamed = !RenamePhotoFile(Photo, "new");
-      } catch (const CException&) {
-      }
+      const auto fails = [&] { return ++steps == step || (fault == Fault::FromThereOn && steps > step); };
+      const auto stops = [&] { return fails() && (fault != Fault::Kill || ::raise(SIGKILL) != 0); };
+      const auto rename = [&] {
+        vfs.SetPlan([&](const std::string& operation, const std::string&) {
+          return stops() ? GetFaultOf(operation, false) : SQLITE_OK;
+        });
+        platform::SetFaultPlan([&](std::string_view, std::string_view) {
+          return stops() ? make_error_code(std::errc::io_error) : std::error_code();
+        });
+        try {
+          return RenamePhotoFile(Photo, "new") ? 1 : 0;
+        } catch (const CException&) {
+          return 1;
+        }
+      };
+      const bool renamed = (fault == Fault::Kill ? RunInChild(rename) : rename()) == 0;
       vfs.SetPlan({});
       platform::SetFaultPlan({});
-      failed = steps >= step;
+      failed = fault == Fault::Kill ? !renamed : steps >= step;
       EXPECT_TRUE(renamed || failed);
       // After a single fault they agree at once, otherwise after the next start.
       const std::string name = renamed ? "new.jpg" : "boat.jpg";
-      if (!allAfter) ExpectPhotoAt(name);
+      if (fault == Fault::Once) ExpectPhotoAt(name);
       Restart();
-      ExpectPhotoAt(allAfter ? Photo.GetFilename() : name);
+      ExpectPhotoAt(fault == Fault::Once ? name : Photo.GetFilename());
+      EXPECT_EQ(NamesInFolder().size(), 1U);
       EXPECT_FALSE(RenamePhotoFile(Photo, "boat"));
     }
   }
   Catalog.Close();
 }
 
-TEST_F(RenamePhotoFileTest, AKillAtAnyStepIsFinishedOrUndoneAtTheNextStart) {
-  const std::string catalogPath = Catalog.GetPath();
-  Catalog.Close();
-  for (int step = 1, killed = 1; killed; ++step) {
-    killed = RunAndKillAtStep(step, [&] {
-      Catalog.Open(catalogPath);
-      static_cast<void>(RenamePhotoFile(Catalog.FindAssetById(1), "new"));
-      ::_exit(0);  // as if killed before the program ends in order
-    });
-    Catalog.Open(catalogPath);
-    Restart();
-    ExpectPhotoAt(Photo.GetFilename() == "new.jpg" ? "new.jpg" : "boat.jpg");
-    EXPECT_EQ(NamesInFolder().size(), 1U) << "step " << step;
-    EXPECT_FALSE(RenamePhotoFile(Photo, "boat"));
-    Catalog.Close();
-  }
-}
-
 TEST_F(RenamePhotoFileTest, AStartBringsTheFileToTheRowOrTheRowToTheFile) {
-  WriteIntent(IntentTo("new.jpg"));
-  fs::rename(InFolder("boat.jpg"), InFolder("new.jpg"));
-  Restart();
-  ExpectPhotoAt("boat.jpg");
-
-  WriteIntent(IntentTo("new.jpg"));
-  fs::rename(InFolder("boat.jpg"), InFolder("new.jpg"));
-  platform::SetFaultPlan([](std::string_view operation, std::string_view) {
-    return operation == "rename" ? make_error_code(std::errc::read_only_file_system) : std::error_code();
-  });
-  {
-    const CFileSizeLimit full(0);
-    FinishInterruptedRename(Catalog);
+  using namespace std::string_literals;
+  for (const auto& damaged : {""s, "1\0a"s, "x\0a\0b\0"s, "1\0a\0b\0c"s, "99\0a\0b\0"s, "1\0\0\0"s}) {
+    WriteIntent(damaged);
+    Restart();
+    ExpectPhotoAt("boat.jpg");
   }
-  EXPECT_EQ(Messages.Texts.size(), 1U) << "neither can be done";
-  EXPECT_TRUE(fs::exists(IntentPath()));
-  Restart();
-  ExpectPhotoAt("new.jpg");
+  for (const bool refuses : {false, true}) {
+    WriteIntent(IntentTo("new.jpg"));
+    fs::rename(InFolder("boat.jpg"), InFolder("new.jpg"));
+    platform::SetFaultPlan([refuses](std::string_view operation, std::string_view) {
+      return refuses && operation == "rename" ? make_error_code(std::errc::io_error) : std::error_code();
+    });
+    if (refuses) {
+      const CFileSizeLimit full(0);
+      FinishInterruptedRename(Catalog);
+      EXPECT_TRUE(fs::exists(IntentPath())) << "neither can be done";
+    }
+    Restart();
+    ExpectPhotoAt(refuses ? "new.jpg" : "boat.jpg");
+  }
+  EXPECT_EQ(Messages.Texts.size(), 1U);
   platform::SetFaultPlan({});
-
   // An intent that is older than the last rename moves no file that has come since.
   WriteIntent(IntentTo("new.jpg"));
   Scratch.Write("photos/boat.jpg", "another boat");
   Restart();
   EXPECT_EQ(ReadBytes(InFolder("boat.jpg")), "another boat");
   ExpectPhotoAt("new.jpg");
-
-  // Another photo has come to where the file should be.
+  // Nor the file of another photo that has come to where this one should be.
   fs::remove(InFolder("boat.jpg"));
   ASSERT_FALSE(RenamePhotoFile(Photo, "boat"));
   fs::remove(InFolder("boat.jpg"));
@@ -165,20 +141,6 @@ TEST_F(RenamePhotoFileTest, AStartBringsTheFileToTheRowOrTheRowToTheFile) {
   Catalog.AddAsset(Scratch.Write("photos/lake.jpg", "the lake"));
   Restart();
   EXPECT_EQ(ReadBytes(InFolder("lake.jpg")), "the lake");
-}
-
-TEST_F(RenamePhotoFileTest, AnIntentThatTellsNothingIsDropped) {
-  using namespace std::string_literals;
-  for (const std::string& damaged :
-       {""s, "1"s, "1\0a"s, "x\0a\0b\0"s, "1\0a\0b\0c"s, "99\0a\0b\0"s, "1\0\0\0"s}) {
-    WriteIntent(damaged);
-    Restart();
-    ExpectPhotoAt("boat.jpg");
-  }
-  WriteIntent(IntentTo("new\nname.jpg"));
-  fs::rename(InFolder("boat.jpg"), InFolder("new\nname.jpg"));
-  Restart();
-  ExpectPhotoAt("boat.jpg");
 }
 
 }  // namespace
