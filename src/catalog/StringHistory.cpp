@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "base/Exceptions.h"
 #include "catalog/Catalog.h"
-#include "storage/StorageException.h"
 
 CStringHistory::CStringHistory(CCatalog& owner, const std::string& categoryName, int limit, bool sorted)
     : Owner(&owner), CategoryName(categoryName), Limit(limit), Sorted(sorted) {

@@ -1,9 +1,9 @@
 #include "catalog/ThumbnailCache.h"
 
+#include "base/Exceptions.h"
 #include "imaging/Image.h"
 #include "imaging/PreparedPhoto.h"
 #include "platform/WholeFiles.h"
-#include "storage/StorageException.h"
 #include "storage/StorageFile.h"
 
 namespace {

@@ -16,7 +16,6 @@
 #include "discovery/SearchProgress.h"
 #include "platform/Mounts.h"
 #include "sets/QuerySet.h"
-#include "storage/StorageException.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <utility>
 
+#include "base/Exceptions.h"
 #include "base/Messages.h"
-#include "storage/StorageException.h"
 
 /// One photo that a search has just dealt with. The references last for the call alone.
 struct PhotoProgress {

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/Exceptions.h"
 #include "base/Format.h"
 #include "base/Messages.h"
 #include "base/Paths.h"
@@ -16,7 +17,6 @@
 #include "platform/Files.h"
 #include "platform/Unicode.h"
 #include "platform/WholeFiles.h"
-#include "storage/StorageException.h"
 
 namespace {
 

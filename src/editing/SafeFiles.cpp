@@ -1,12 +1,12 @@
 #include "editing/SafeFiles.h"
 
+#include "base/Exceptions.h"
 #include "base/Messages.h"
 #include "base/Texts.h"
 #include "catalog/AssetRecord.h"
 #include "catalog/ThumbnailCache.h"
 #include "platform/Files.h"
 #include "platform/WholeFiles.h"
-#include "storage/StorageException.h"
 #include "storage/StorageFile.h"
 
 namespace {

@@ -14,7 +14,6 @@
 #include "imaging/Scaler.h"
 #include "platform/Files.h"
 #include "platform/WholeFiles.h"
-#include "storage/StorageException.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 
 #include <filesystem>
 
+#include "base/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/WholeFiles.h"
-#include "storage/StorageException.h"
 #include "storage/StorageFile.h"
 
 namespace {

@@ -4,10 +4,10 @@
 #include <utility>
 #include <vector>
 
+#include "base/Exceptions.h"
 #include "storage/DataThread.h"
 #include "storage/Database.h"
 #include "storage/StorageDescription.h"
-#include "storage/StorageException.h"
 #include "storage/Table.h"
 #include "storage/Transaction.h"
 

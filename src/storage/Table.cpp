@@ -7,7 +7,7 @@
 #include <optional>
 #include <utility>
 
-#include "storage/StorageException.h"
+#include "base/Exceptions.h"
 
 namespace {
 

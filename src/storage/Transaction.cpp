@@ -1,6 +1,6 @@
 #include "storage/Transaction.h"
 
-#include "storage/StorageException.h"
+#include "base/Exceptions.h"
 
 CTransaction::CTransaction(CDatabase& database)
     : Database(database), DataVersion(database.GetFirstDataVersion()) {}

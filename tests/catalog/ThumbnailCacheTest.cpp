@@ -1,5 +1,5 @@
+#include "base/Exceptions.h"
 #include "imaging/Image.h"
-#include "storage/StorageException.h"
 #include "support/CatalogFixture.h"
 #include "support/FaultSteps.h"
 #include "support/TestJpeg.h"

@@ -5,7 +5,6 @@
 #include "imaging/ImageFile.h"
 #include "imaging/JpegTurn.h"
 #include "imaging/PictureMemory.h"
-#include "storage/StorageException.h"
 
 using testing::ElementsAre;
 using testing::StartsWith;

@@ -10,8 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/Exceptions.h"
 #include "storage/Storage.h"
-#include "storage/StorageException.h"
 #include "support/EnvironmentVariable.h"
 #include "support/ScratchFolder.h"
 #include "support/Sql.h"

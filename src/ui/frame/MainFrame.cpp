@@ -8,6 +8,7 @@
 #include <optional>
 #include <vector>
 
+#include "base/Exceptions.h"
 #include "base/Texts.h"
 #include "discovery/FolderSearch.h"
 #include "editing/SafeFiles.h"

@@ -2,8 +2,8 @@
 
 #include <utility>
 
+#include "base/Exceptions.h"
 #include "base/Messages.h"
-#include "storage/StorageException.h"
 
 CApplication::CApplication(int& argumentCount, char** arguments) : QApplication(argumentCount, arguments) {
   // The main window ends the loop when it is closed. The progress window goes before, and more than once.

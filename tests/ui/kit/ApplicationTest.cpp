@@ -1,6 +1,6 @@
 #include <stdexcept>
 
-#include "storage/StorageException.h"
+#include "base/Exceptions.h"
 #include "ui/WindowTest.h"
 #include "ui/kit/Application.h"
 
