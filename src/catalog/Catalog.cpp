@@ -76,12 +76,6 @@ void CCatalog::Close() {
 
 void CCatalog::OpenViews() {
   Storage = std::make_unique<c4_Storage>(Path, c4_Storage::Mode::ReadWrite);
-  GetViews();
-  Opened = true;
-  AddFirstRows();
-}
-
-void CCatalog::GetViews() {
   Assets = Storage->GetAs(kAssetView);
   Stamps = Storage->GetAs(kStampView);
   People = Storage->GetAs(kPeopleView);
@@ -91,6 +85,8 @@ void CCatalog::GetViews() {
   Commit();
   AssetsByPath = Assets.SortOn({props::Location, props::Filename});
   AssetsById = Assets.SortOn({props::AssetID});
+  Opened = true;
+  AddFirstRows();
 }
 
 void CCatalog::DropViews() {
@@ -148,7 +144,7 @@ void CCatalog::Upgrade() {
 }
 
 void CCatalog::Defragment() {
-  // An earlier version that was killed left this file. It is in nobody's way if it can't be removed.
+  // Left by an earlier version that was killed. Harmless if it can't be removed.
   static_cast<void>(platform::RemoveFile(Path + ".defragged"));
   try {
     Storage->Compact();
@@ -287,7 +283,7 @@ bool CCatalog::DeleteAsset(std::int32_t assetId) {
 std::int32_t CCatalog::FindStringKey(std::int32_t category, const std::string& text) const {
   const c4_RowRef row = Strings[Strings.Find(props::Category[category] + props::String[text])];
   if (row.IsValid()) return props::Key.Get(row);
-  // The storage knows the case of ASCII letters alone.
+  // The storage ignores the case of ASCII letters only.
   const c4_View strings = Strings.Select(props::Category[category]);
   const std::string wanted = platform::FoldLetters(text);
   std::string folded;

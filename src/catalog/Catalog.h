@@ -39,7 +39,6 @@ class CCatalog : public CCommittingStore {
   bool Open(const std::string& path);
   /// Commits and closes.
   void Close();
-  bool IsOpen() const { return Opened; }
   /// The path of the catalog's file.
   const std::string& GetPath() const { return Path; }
 
@@ -111,7 +110,6 @@ class CCatalog : public CCommittingStore {
   static constexpr std::int32_t kCategoryOfCategories = 0;
 
   void OpenViews();
-  void GetViews();
   void DropViews();
   void AddFirstRows();
   void AddFirstStrings();

@@ -59,7 +59,7 @@ void RenewDatesOf(const CAssetRecord& record, const c4_View& stamps) {
 
 void RemoveDuplicates(c4_View assets) {
   std::unordered_map<std::string, std::vector<std::string>> kept;  // spellings by folded path
-  std::vector<c4_RowRef> doomed;
+  std::vector<c4_RowRef> duplicates;
   for (int i = 0; i < assets.GetSize(); ++i) {
     const c4_RowRef row = assets[i];
     const std::string path = JoinPath(props::Location.Get(row), props::Filename.Get(row));
@@ -68,12 +68,12 @@ void RemoveDuplicates(c4_View assets) {
       return other == path || IsFormerSpelling(other, path) || IsFormerSpelling(path, other);
     };
     if (std::any_of(spellings.begin(), spellings.end(), isSamePhoto)) {
-      doomed.push_back(row);
+      duplicates.push_back(row);
     } else {
       spellings.push_back(path);
     }
   }
-  for (const c4_RowRef& row : doomed) assets.RemoveAt(assets.GetIndexOf(row));
+  for (const c4_RowRef& row : duplicates) assets.RemoveAt(assets.GetIndexOf(row));
 }
 
 }  // namespace
@@ -84,6 +84,6 @@ void UpgradePhotos(CCatalog& catalog, std::int32_t version) {
   if (version < 2) {
     for (int i = 0; i < assets.GetSize(); ++i) RenewDatesOf({&catalog, assets[i]}, catalog.GetStamps());
   }
-  // Versions 2 to 4 came with nothing that the first rows don't bring.
+  // Versions 2 to 4 added only what CCatalog::AddFirstRows adds.
   if (version < 9) RemoveDuplicates(assets);
 }

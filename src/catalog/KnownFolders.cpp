@@ -31,7 +31,7 @@ std::vector<std::string> CKnownFolders::GetOtherPaths(std::string_view folder) c
   if (known == Identities.end() || known->second == kNowhere) return others;
   const auto [first, last] = Paths.equal_range(known->second);
   for (auto entry = first; entry != last; ++entry) {
-    // Disks come and go, and give their numbers to others.
+    // By now the number may be that of another disk.
     if (entry->second != path && IsSameFolder(entry->second, path)) others.push_back(entry->second);
   }
   return others;

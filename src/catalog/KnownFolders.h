@@ -16,7 +16,7 @@ class CKnownFolders {
   /// Looks where a folder and those above it lead to, unless they were looked at before.
   void Look(std::string_view folder);
 
-  /// Looks again at those that didn't stand: a disk may have come.
+  /// Looks again at folders that didn't exist: their disk may be mounted now.
   void LookForMissing();
 
   /// The other paths that lead to this folder, among the folders looked at; without closing "/". What is

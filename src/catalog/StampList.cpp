@@ -138,8 +138,7 @@ bool CStampList::SetText(const std::string& text, int index) {
 bool CStampList::SetDate(std::int32_t time, int index, StampId source) {
   const bool isFirst = index == 0 && Count() == 0;
   if (!Valid || !IsDateFormat(Type.Format) || (!isFirst && !IsInRange(index))) return false;
-  // A time that was read from the source's stamp is written as it stands there: in summer it would come to
-  // lie an hour later each time.
+  // A time read from the source's stamp is copied as text: to convert a summer time adds an hour each time.
   const CStamp origin = source != StampId::None ? Asset.GetStamps(source).Get(0) : CStamp();
   const bool isAsRead = origin.IsValid() && origin.GetDate() == time;
   const std::string text =

@@ -44,7 +44,7 @@ bool CStringHistory::Promote(int index) {
   if (index < 0 || index >= Count()) return false;
   if (index == 0) return true;
   CAutoCommitPause pause(*Owner);
-  // The keys stay where they are; the texts move through them.
+  // The keys keep their places; each text moves to the next key.
   std::vector<std::int32_t> keys;
   for (int i = 0; i <= index; ++i) keys.push_back(Owner->GetStringKeyAt(GetCategory(), i, Sorted));
   const std::string promoted = Owner->GetString(keys.back());

@@ -42,7 +42,7 @@ void CThumbnailCache::Open(const std::string& path, const CGuid& catalogGuid) {
   try {
     TryToOpen(false);
   } catch (const CStorageException&) {
-    // Photos can be looked at without them; the first change tells.
+    // The program works without thumbnails; the first change raises the error.
   }
 }
 
@@ -166,7 +166,7 @@ std::unique_ptr<CJpegImage> CThumbnailCache::Load(std::int32_t assetId) const {
     image->LoadMemory(bytes, 0, 0);
     return image;
   } catch (...) {
-    return nullptr;  // as good as none: the next that is made replaces it
+    return nullptr;  // counts as missing; the next one that is stored replaces it
   }
 }
 

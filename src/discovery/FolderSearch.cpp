@@ -56,7 +56,7 @@ bool CFolderSearch::SearchUnlessDone(const std::string& folder, bool force, int*
   try {
     ended = Search(folder, foundOut, pendingOut);
   } catch (const CStorageException&) {
-    // Damaged thumbnails can be lost: the search is run again over a new file.
+    // Thumbnails can be made again: the search is repeated with a new file for them.
     SearchedFolders.insert(folder);  // tried again when the user asks for it
     if (!CThumbnailCache::GetInstance()->RenewIfDamaged()) throw;
     ended = Search(folder, foundOut, pendingOut);

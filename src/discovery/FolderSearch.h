@@ -39,7 +39,7 @@ class CFolderSearch {
   /// standard folders, or in another folder of the list that holds this one.
   void MarkFolderRemoved(const std::string& folder);
 
-  /// A folder's name for the eye: short below the photo root, whole elsewhere.
+  /// A folder's name as it is shown: short below the photo root, whole elsewhere.
   std::string GetFolderLabel(const std::string& folder) const;
 
   /// The folders that the user added. Made on first use.

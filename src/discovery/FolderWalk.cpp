@@ -40,7 +40,7 @@ bool CFolderWalk::Enter(const std::string& folder) {
 
 void CFolderWalk::WalkAll() {
   Walk(Root);
-  // A folder that a link leads to mostly stands in the tree itself, and its photos are known by that place.
+  // Links come last: the folder of a link is mostly in the tree itself, and its photos get the path there.
   while (!LinkedFolders.empty()) {
     const std::vector<std::string> folders = std::exchange(LinkedFolders, {});
     for (const std::string& folder : folders) Walk(folder);
@@ -50,7 +50,7 @@ void CFolderWalk::WalkAll() {
 void CFolderWalk::Walk(const std::string& folder) {
   if (IsStopped() || !Enter(folder)) return;
   std::vector<platform::FolderEntry> entries;
-  // A folder that can't be read is as good as empty.
+  // A folder that can't be read counts as empty.
   platform::ListFolder(folder, entries, [this] { return IsStopped(); });
   for (const platform::FolderEntry& entry : entries) {
     if (IsStopped()) return;

@@ -6,7 +6,7 @@
 
 namespace {
 
-// Enough to ride out one large photo among small ones.
+// Enough for the other threads to go on while one decodes a large photo.
 constexpr std::size_t kResultsPerThread = 8;
 
 }  // namespace
@@ -17,7 +17,7 @@ CPrepareAhead::CPrepareAhead(std::vector<std::string> paths, unsigned threadCoun
   try {
     for (std::size_t i = 0; i < threads; ++i) Threads.emplace_back([this] { Work(); });
   } catch (const std::system_error&) {
-    // The system has no more threads to give: those that it gave do the work, or the taker itself.
+    // No more threads can be started. Those that run do the work; without any, TakeNext() does it.
   }
 }
 
@@ -27,7 +27,7 @@ CPrepareAhead::~CPrepareAhead() {
     Stopping = true;
   }
   RoomMade.notify_all();
-  Threads.clear();  // joins, while the members that the threads use still stand
+  Threads.clear();  // joins them, before the members that they use are destroyed
 }
 
 PreparedPhoto CPrepareAhead::TakeNext() {

@@ -21,8 +21,7 @@ std::string FirstCharacters(std::string_view path, std::size_t count) {
 
 bool IsAscii(char byte) { return static_cast<unsigned char>(byte) < 0x80; }
 
-/// False only if the path begins with no spelling of the folder: they differ in letters that have no other
-/// case. Spares most folders the work of a real comparison.
+/// False if the path can't begin with any spelling of the folder. A cheap test before the real comparison.
 bool MayBeginWith(std::string_view path, std::string_view folder) {
   const std::size_t common = std::min(path.size(), folder.size());
   for (std::size_t i = 0; i < common; ++i) {

@@ -81,7 +81,7 @@ bool IsAsciiTitle(const c4_View& photos, int row) {
   return platform::IsAscii(photos.GetTextAt(props::Filename, row));
 }
 
-/// Whether the storage sorts all titles as people do.
+/// Whether all titles are ASCII, which the storage sorts by letters.
 bool AreAsciiTitles(const c4_View& photos) {
   for (int row = 0; row < photos.GetSize(); ++row) {
     if (!IsAsciiTitle(photos, row)) return false;
@@ -89,10 +89,10 @@ bool AreAsciiTitles(const c4_View& photos) {
   return true;
 }
 
-/// The rows of a view that the storage has sorted by title and date, in the order in which people look for
-/// titles. All titles of one first letter stand together.
+/// The rows of a view that the storage has sorted by title and date, in the order of the titles' letters. All
+/// titles of one first letter stand together.
 std::vector<int> OrderByLetters(const c4_View& sortedByTitle, bool descending) {
-  // ASCII titles stand in order, which is most of them nearly everywhere.
+  // ASCII titles are sorted already; usually that is most of them.
   std::vector<Title> ascii, others, all;
   for (int row = 0; row < sortedByTitle.GetSize(); ++row) {
     (IsAsciiTitle(sortedByTitle, row) ? ascii : others)
@@ -136,7 +136,7 @@ void CQuerySet::Rebuild() {
   const SortColumns& columns = GetSortColumns()[static_cast<std::size_t>(GetSortKind())];
   const c4_View sorted = IsDescending() ? Source.SortOnReverse(columns.Ascending, columns.Descending)
                                         : Source.SortOn(columns.Ascending);
-  // The rows are looked at in the order in which they lie in memory: in that of a sort it takes far longer.
+  // The filters look at the rows in the order of memory, which is much faster than in sorted order.
   const bool areAll = !HasFilters();
   const CAssetIdSet matches = FindMatches();
   CGroupKeyFinder groupKeys(GetSortKind());
