@@ -108,16 +108,3 @@ TEST_F(Process, WriteProtectedDiskIsToldAndLeftWithoutATrace) {
   EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 1);
   fs::permissions(folder, fs::perms::owner_all);
 }
-
-TEST_F(Process, WithoutADisplayItSaysSo) {
-  QProcess process;
-  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-  environment.insert("QT_QPA_PLATFORM", "xcb");
-  environment.insert("DISPLAY", ":4242");
-  process.setProcessEnvironment(environment);
-  process.start(VELLUMAR_PROGRAM, QStringList());
-  ASSERT_TRUE(process.waitForFinished(kPatience));
-  EXPECT_EQ(process.exitStatus(), QProcess::NormalExit) << "no core dump";
-  EXPECT_NE(process.exitCode(), 0);
-  EXPECT_TRUE(process.readAllStandardError().contains("no display"));
-}

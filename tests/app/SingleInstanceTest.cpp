@@ -60,14 +60,6 @@ TEST(SingleInstance, TakesOverFromOneThatEndsMeanwhile) {
   EXPECT_EQ(Wait(std::move(second)), Claimed::ByThis);
 }
 
-TEST(SingleInstance, WhatAKilledOneLeavesDoesNotBlock) {
-  const CScratchFolder scratch;
-  scratch.Write("vellumar.lock", "1\nnowhere\n/nowhere\n");
-  scratch.Write("vellumar.socket", "");
-  scratch.Write("my.db.lock", "1\nnowhere\n/nowhere\n");
-  EXPECT_EQ(CSingleInstance(scratch.GetPath(), scratch.File("my.db")).Claim(), Claimed::ByThis);
-}
-
 TEST(SingleInstance, OneHoldsACatalogForAllSessions) {
   const CScratchFolder scratch;
   const std::string catalog = scratch.Write("data/my.db", "");

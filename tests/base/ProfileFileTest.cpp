@@ -24,14 +24,4 @@ TEST(ProfileFile, ChangesOneLineAndKeepsAllOthers) {
     EXPECT_EQ(After("x\n", key, "1"), "x\n") << key;
 }
 
-TEST(ProfileFile, ReadsNumbersAsTheProfileCallsDo) {
-  EXPECT_EQ(ParseProfileInt(" -7 apples"), -7);
-  EXPECT_EQ(ParseProfileInt("0xfFg"), 255);
-  EXPECT_EQ(ParseProfileInt("-0x10"), -16);
-  EXPECT_EQ(ParseProfileInt("010"), 10);
-  for (const char* none : {"", "x", "-", "--5", "0x"}) EXPECT_EQ(ParseProfileInt(none), 0) << none;
-  EXPECT_EQ(ParseProfileInt("99999999999999999999999"), 2147483647);
-  EXPECT_EQ(ParseProfileInt("-2147483649"), -2147483647 - 1);
-}
-
 }  // namespace

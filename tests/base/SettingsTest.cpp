@@ -109,14 +109,8 @@ TEST(RegistrySettings, ReadsAValueAsItsOwnTypeAlone) {
   CRegistrySettings settings(folder.File("settings"));
   settings.SetString("Text", "12");
   settings.SetInt("Number", 12);
-  settings.SetBinary("Block", std::array<std::uint8_t, 3>{1, 2, 3});
   EXPECT_EQ(settings.GetInt("Text"), -1);
   EXPECT_EQ(settings.GetString("Number"), "");
-  std::array<std::uint8_t, 2> room{};
-  std::size_t size = 0;
-  EXPECT_TRUE(settings.GetBinary("Block", room, size)) << "as much as there is room for";
-  EXPECT_EQ(size, 3U);
-  EXPECT_THAT(room, ElementsAre(1, 2));
   settings.SetString("number", "a\r\n\"Sort\"=dword:00000001\nb");
   EXPECT_EQ(settings.GetString("Number"), "a\r\n\"Sort\"=dword:00000001\nb") << "it stays one value";
   EXPECT_FALSE(settings.HasValue("Sort"));
@@ -151,34 +145,6 @@ TEST(IniSettings, ReadsWhatOthersWrote) {
   EXPECT_TRUE(settings.HasValue("Empty"));
   EXPECT_EQ(settings.GetInt("Word"), 0);
   EXPECT_FALSE(settings.HasValue("Marker")) << "the marker is compared without regard to case";
-}
-
-TEST(IniSettings, ABlockOfAnotherSizeOrSumIsRefused) {
-  const CScratchFolder folder;
-  const std::string path = folder.File("prefs.ini");
-  CIniSettings settings(path);
-  settings.SetBinary("Window", std::array<std::uint8_t, 3>{0x0A, 0xFF, 0x01});
-  EXPECT_EQ(ReadBytes(path), "[prefs]\nWindow=0AFF010A\n");
-  std::array<std::uint8_t, 3> room{};
-  std::size_t size = 0;
-  EXPECT_TRUE(settings.GetBinary("Window", room, size));
-  EXPECT_FALSE(settings.GetBinary("Window", std::span(room).first(2), size));
-  for (const char* bad : {"0AFF010B", "0AFF01", "0AFF010", "0AFG010A", ""}) {
-    settings.SetString("Window", bad);
-    EXPECT_FALSE(settings.GetBinary("Window", room, size)) << bad;
-    EXPECT_EQ(size, 0U);
-  }
-}
-
-TEST(SettingsRef, UsesTheProgramsStoreIfThereIsOne) {
-  const CScratchFolder folder;
-  CSettingsRef reference;
-  reference.SetInt("Sort", 5);
-  EXPECT_EQ(reference.GetInt("Sort"), -1);
-  SetSettings(std::make_unique<CIniSettings>(folder.File("prefs.ini")));
-  reference.SetBool("Sort", true);
-  EXPECT_EQ(GetSettings()->GetInt("Sort"), 1);
-  SetSettings(nullptr);
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <regex>
 
 #include "base/Guid.h"
-#include "base/Messages.h"
 #include "base/Texts.h"
 #include "base/Times.h"
 #include "resources/StringTable.h"
@@ -89,14 +88,6 @@ TEST(Guid, GoesThroughItsBytes) {
                                            136, 153, 170, 187, 204, 221, 238, 255};
   EXPECT_EQ(CGuid::FromBytes(bytes).ToString(), "00112233-4455-6677-8899-aabbccddeeff");
   EXPECT_FALSE(CGuid::FromBytes(std::vector<std::uint8_t>(17)).IsValid());
-}
-
-TEST(Messages, WithoutABoxAnswerNoQuestionWithYes) {
-  testing::internal::CaptureStderr();
-  EXPECT_TRUE(ShowMessage("first"));
-  EXPECT_FALSE(ShowMessage("second", true));
-  EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "Vellumar Photo Organizer: first\nVellumar Photo Organizer: second\n");
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <string>
 
 #include "platform/LocalTime.h"
@@ -115,16 +114,6 @@ TEST(LocalTime, CanLeaveDaylightSavingOffInSummer) {
   const CEnvironmentVariable other("TZ", "Asia/Tokyo");
   ASSERT_TRUE(platform::ToLocalTime(0, local));
   EXPECT_EQ(local.tm_hour, 9) << "a change of the zone is followed";
-}
-
-TEST(LocalTime, TellsTheLastSecondBefore1970FromAFailure) {
-  const CEnvironmentVariable zone("TZ", "UTC");
-  std::tm date = Date(1969, 12, 31, 23, 59);
-  date.tm_sec = 59;
-  EXPECT_EQ(platform::FromLocalTime(date, DaylightSaving::Off), -1);
-  date.tm_year = std::numeric_limits<int>::max();
-  date.tm_mon = std::numeric_limits<int>::max();
-  EXPECT_EQ(platform::FromLocalTime(date, DaylightSaving::Off), std::nullopt);
 }
 
 TEST(FormatTime, DropsLeadingZerosAndSpeaksEnglish) {

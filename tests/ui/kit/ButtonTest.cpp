@@ -1,7 +1,6 @@
 #include <QAccessible>
 
 #include "ui/WindowTest.h"
-#include "ui/kit/Pictures.h"
 #include "ui/kit/RatingControl.h"
 #include "ui/kit/Toolbar.h"
 
@@ -206,14 +205,4 @@ TEST(Toolbar, GivesUpMarginsThenGapsThenLettersThenTheEndsOfCaptions) {
     EXPECT_EQ(got, (std::vector{left, width, caption, left2, width2, caption2})) << row;
     EXPECT_EQ(plan.CaptionFont, kCaptionFonts[static_cast<std::size_t>(font)]) << row;
   }
-}
-
-TEST(Toolbar, PlaceOfAButtonHasRoomForItsOtherPicture) {
-  const CFontTable fonts(false);
-  CNotedCommands target;
-  CToolbar row(target, nullptr);
-  const auto& fix = row.AddButton(0, CommandId::AutoFix, StringId::AutoFix, PictureId::UndoAutoFix);
-  row.resize(1000, kToolbarHeight);
-  EXPECT_GT(GetPictureSize(PictureId::UndoAutoFix).width(), GetPictureSize(PictureId::AutoFix).width());
-  EXPECT_EQ(fix.width(), GetPictureSize(PictureId::UndoAutoFix).width() / 2);
 }

@@ -18,14 +18,3 @@ TEST(PhotoViewLayout, ReloadsOnlyWhatIsTooSmallAndHasMore) {
   const HeldPhoto whole{{500, 375}, {500, 375}, {400, 300}};
   EXPECT_FALSE(NeedsReload(whole, {2000, 2000})) << "the file has no more to give";
 }
-
-TEST(PhotoViewLayout, MarksStandFromTheCornerLeftwards) {
-  const QRect photo(10, 10, 200, 100);
-  const bool firstTwo[] = {true, true, false};
-  const bool firstAlone[] = {true, false};
-  const auto both = PlaceMarks(photo, firstTwo, 1);
-  EXPECT_EQ(both[1], QRect(174, 74, 32, 32));
-  EXPECT_EQ(both[0], QRect(156, 74, 32, 32));
-  EXPECT_TRUE(both[2].isEmpty());
-  EXPECT_EQ(PlaceMarks(photo, firstAlone, 1)[0], QRect(174, 74, 32, 32)) << "alone, it takes the corner";
-}

@@ -22,23 +22,6 @@ TEST(SearchProgressLayout, BarFillsFromNothingToItsWholeWidth) {
   EXPECT_EQ(ProgressFill(346, 12, 10), 346);
 }
 
-TEST_F(SearchProgressWindow, PicturesGoRoundTheFiveCells) {
-  CSearchProgressWindow window(true);
-  window.show();
-  window.SetTotal(10);
-  const auto middle = [&](int cell) { return Painted(window).pixelColor(ProgressCell(true, cell).center()); };
-  const QColor hues[] = {Qt::red, Qt::green, Qt::blue, Qt::cyan, Qt::magenta, Qt::yellow};
-  for (int i = 0; i < 6; ++i) {
-    QImage picture(64, 48, QImage::Format_RGB32);
-    picture.fill(hues[i]);
-    window.SetCurrent(i, picture);
-  }
-  window.SetCurrent(6, {});  // a photo without a picture takes no cell
-  EXPECT_EQ(middle(0), QColor(Qt::yellow));
-  EXPECT_EQ(middle(1), QColor(Qt::green));
-  EXPECT_EQ(middle(4), QColor(Qt::magenta));
-}
-
 TEST_F(SearchProgressWindow, StopsByButtonEscAndCloseAndGoesOnByAnyOtherKey) {
   CSearchProgressWindow window(false);
   window.ShowCentered();
@@ -90,18 +73,4 @@ TEST_F(SearchProgressWindow, FastReportsArePassedOverButTheLastIsShown) {
   EXPECT_LT(timer.elapsed(), 5'000) << "each would wait for a paint";
   const QRect bar = ProgressBar(false);
   EXPECT_EQ(Painted(window).pixelColor(bar.topRight()), colours::kProgress);
-}
-
-TEST(ReportThrottle, LetsThirtyASecondThrough) {
-  CReportThrottle throttle;
-  CReportThrottle::Time now{};
-  now += std::chrono::hours(1);
-  int shown = 0;
-  for (int i = 0; i < 10'000; ++i, now += std::chrono::microseconds(100))
-    shown += throttle.IsDue(now) ? 1 : 0;
-  EXPECT_LE(shown, 31);
-  EXPECT_GE(shown, 29);
-  now += std::chrono::seconds(5);
-  EXPECT_TRUE(throttle.IsDue(now)) << "a pause isn't made up for";
-  EXPECT_FALSE(throttle.IsDue(now));
 }

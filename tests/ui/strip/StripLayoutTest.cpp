@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "ui/strip/PushBars.h"
-#include "ui/strip/StripCache.h"
 #include "ui/strip/StripLayout.h"
 
 TEST(StripLayout, MiddleCellIsCentredAndTheWindowCovered) {
@@ -62,21 +61,4 @@ TEST(PushBarLayout, PressFindsThePhotoThere) {
   EXPECT_EQ((PushBarForm{BarSide::Left, 1.0, 412, 27, 0}).FindTarget({411, 13}, 0, 1), 0) << "no body";
   EXPECT_EQ(GetRestPercent(99, 100), 100.0);
   EXPECT_DOUBLE_EQ(GetSlidePercent(40, 101, -302, 151), 40 - 200.0 / 101);
-}
-
-TEST(CacheRun, IdleTimeFillsAheadFirstThenBehindThenTheRestAhead) {
-  const auto fill = [](int current, int setCount) {
-    CacheRun run(7);
-    for (const CacheSide side : {CacheSide::Before, CacheSide::After})
-      run.Extend(run.GetMissing(side, 0), side);
-    std::string order;
-    while (const std::optional<CacheSide> side = run.FindIdleSide(current, setCount)) {
-      order += *side == CacheSide::After ? 'a' : 'b';
-      run.Extend(1, *side);
-    }
-    return order;
-  };
-  EXPECT_EQ(fill(50, 100), "aaabbbb");
-  EXPECT_EQ(fill(0, 100), "aaaaaaa") << "behind the first photo are only the empty places that are shown";
-  EXPECT_EQ(fill(1, 3), "ab") << "a set that fits has an end";
 }
