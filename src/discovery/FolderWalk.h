@@ -11,8 +11,8 @@
 #include "platform/Mounts.h"
 
 /// One search of one folder: a walk that lists the photo files that need work, and an update that imports
-/// them. Photos that were missing and are found are back after the walk. A folder that the catalog
-/// knows by another path, over a link or a mount, is walked as the folder of that path.
+/// them. The walk marks photos of the catalog that it finds as present. If the catalog knows a folder by
+/// another path, over a link or a mount, the photos in it get that path.
 class CFolderWalk {
  public:
   /// Walks at once. `progress` may be null. CStorageException if the catalog can't be written.
