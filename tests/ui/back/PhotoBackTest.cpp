@@ -249,6 +249,8 @@ TEST_F(PhotoBack, TheListAddsAndRemovesTexts) {
   Back->OnStampChanged = [&](StampId) { Back->SetPhoto(Photo); };  // who is told may give a photo
   Enter(StampId::Thing, "Boats; ,wind");
   EXPECT_EQ(Shown(StampId::Thing), "boats, wind");
+  Enter(StampId::Thing, "wind");
+  EXPECT_EQ(Texts(Photo, StampId::Thing), "wind");
   EXPECT_EQ(Entry(OpenMenu(StampId::Thing), "sun"), nullptr) << "no photo has it any more";
 }
 
