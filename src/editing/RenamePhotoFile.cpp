@@ -86,7 +86,7 @@ bool IsThere(const std::string& path) {
   return !platform::GetEntryStatus(path, status);
 }
 
-/// Whether a name that isn't the file's own leads to that file all the same, on a disk that knows no case:
+/// Whether a name that isn't the file's own leads to that file all the same, on a disk that ignores case:
 /// both names are there, and the folder lists one. Inode numbers can't be relied on there.
 bool LeadsToOwnFile(const std::string& folder, const std::string& name, const std::string& own) {
   if (name == own || !platform::EqualNoCase(name, own)) return false;
@@ -116,7 +116,7 @@ bool Settle(CCatalog& catalog, const PhotoRename& rename) {
   if (photo.GetPath() != rename.OldPath || IsThere(rename.OldPath)) return true;
   if (!IsThere(rename.NewPath)) return false;  // the disk may be away
   const CAssetRecord owner = catalog.FindAssetByPath(rename.NewPath);
-  if (owner.IsValid() && owner.GetAssetID() != rename.AssetId) return true;  // another photo has come there
+  if (owner.IsValid() && owner.GetAssetID() != rename.AssetId) return true;  // another photo is there now
   if (!platform::RenameToNewName(rename.NewPath, rename.OldPath)) return true;
   if (IsThere(rename.OldPath)) return false;
   photo.SetPath(rename.NewPath);
@@ -131,7 +131,7 @@ void SettleLast(CCatalog& catalog) {
   if (!rename || Settle(catalog, *rename)) intent.Drop();
 }
 
-/// Moves the file and then the row; both stay, or both have gone.
+/// Renames the file and then the row: both or neither.
 std::error_code MoveBoth(CAssetRecord photo, const std::string& newPath) {
   CCatalog& catalog = *CCatalog::GetInstance();
   const PhotoRename rename{photo.GetAssetID(), photo.GetPath(), newPath};
@@ -176,7 +176,7 @@ std::error_code RenamePhotoFile(CAssetRecord photo, const std::string& newName) 
   if (!IsNameFree(photo, name)) return make_error_code(std::errc::file_exists);
   if (!IsThere(newPath)) return MoveBoth(photo, newPath);
 
-  // Where case isn't known the system takes both names for one and does nothing: the file goes by a third.
+  // On a disk that ignores case a rename to another spelling does nothing, so the file is renamed twice.
   const std::string between = FindFreeName(photo, photo.GetTitle(), GetExtension(oldPath), kFirstNumber);
   if (const auto error = MoveBoth(photo, photo.GetFolder() + between)) return error;
   const std::error_code error = MoveBoth(photo, newPath);

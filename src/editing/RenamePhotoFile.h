@@ -6,8 +6,8 @@
 class CAssetRecord;
 class CCatalog;
 
-/// Whether the photo's file can have that name in its folder: the one that it has, also in other letters on a
-/// disk that knows no case, or one under which nothing stands. The name of an original copy that stands there
+/// Whether the photo's file can have that name in its folder: the one that it has, also in another case on a
+/// disk that ignores case, or one under which nothing stands. The name of an original copy that stands there
 /// is taken too: it belongs to another photo, or to an earlier state of this one. A link takes a name even if
 /// it leads nowhere.
 bool IsNameFree(const CAssetRecord& photo, const std::string& name);

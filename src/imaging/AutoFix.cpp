@@ -210,8 +210,8 @@ class CColorTable {
   void Fill(unsigned brightest, int mapped) {
     std::uint8_t* next = &Values[Start[brightest]];
     const double gain = brightest == 0 ? 0.0 : static_cast<double>(mapped) / brightest;
-    std::array<double, kLevels> shifted;  // what each colour becomes beside its equals,
-    std::array<double, kLevels> scaled;   // and beside black
+    std::array<double, kLevels> shifted;  // what each colour becomes in a grey pixel
+    std::array<double, kLevels> scaled;   // and in a fully saturated one
     for (unsigned color = 0; color <= brightest; ++color) {
       shifted[color] = brightest * gain - (brightest - color);
       scaled[color] = color * gain;
@@ -226,8 +226,9 @@ class CColorTable {
     }
   }
 
-  // For each brightest colour the values begin at Start, and within them at Spread for each distance down to
-  // the darkest one, whose value is the first. Room before them all lets each be found by the colour itself.
+  // The values of a brightest colour begin at Start, and within them those of each difference to the darkest
+  // colour at Spread, indexed by the colour less the darkest one. The first kLevels values are unused, so
+  // that this subtraction stays inside the array.
   std::array<std::uint32_t, kLevels> Start{};
   std::array<std::uint32_t, kLevels> Spread{};
   std::unique_ptr<std::uint8_t[]> Values;

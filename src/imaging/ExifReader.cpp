@@ -17,12 +17,12 @@ constexpr int kMaxFillBytes = 7;
 constexpr std::uint8_t kApp1 = 0xE1;
 constexpr std::string_view kExifMark{"Exif\0\0", 6};
 
-// A real file has its segment among the first few. Entropy-coded data, which the search may run into, takes
-// it forward by 32 KB a step; only a file made for it would take this many.
+// A real file has the segment among its first few. In entropy-coded data a step of the search is 32 KB on
+// average, so only a forged file takes this many.
 constexpr int kMaxSegments = 1 << 22;
 
 // Offsets in the segment.
-constexpr std::size_t kByteOrder = 8;  // also what all offsets in it count from
+constexpr std::size_t kByteOrder = 8;  // all offsets count from here
 constexpr std::size_t kFirstDirectory = 12;
 
 constexpr std::size_t kEntrySize = 12;
@@ -87,7 +87,7 @@ std::span<const std::uint8_t> FindExif(std::span<const std::uint8_t> file) {
   return {};
 }
 
-/// The number at the start of a text, blanks before it passed over; 0 if there is none.
+/// The number at the start of a text, behind any blanks; 0 if there is none.
 int ReadNumber(std::string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
   int number = 0;
@@ -134,7 +134,7 @@ ExifStatus CExifReader::LoadBytes(std::span<const std::uint8_t> file) {
   return ExifStatus::Success;
 }
 
-/// 0 outside the segment, as in Read32: an end of whatever is being read.
+/// 0 outside the segment, which ends whatever is being read; so does Read32.
 std::uint16_t CExifReader::Read16(std::uint64_t offset) const {
   if (offset + 2 > Segment.size()) return 0;
   const unsigned first = Segment[offset];
@@ -195,8 +195,8 @@ bool CExifReader::MoveOn() {
   return Settle();
 }
 
-/// Takes the position from where it may stand behind a directory's end or on a pointer to the next entry to
-/// be delivered.
+/// Moves on to the next entry that is delivered, if the position is behind the last entry of a directory or
+/// on a pointer.
 bool CExifReader::Settle() {
   while (++Steps <= kMaxSteps) {
     const Level& level = Levels[static_cast<std::size_t>(Depth)];

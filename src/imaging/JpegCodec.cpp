@@ -43,7 +43,7 @@ inline std::uint8_t DivideBy255(unsigned product) {
   return static_cast<std::uint8_t>((product + 128 + ((product + 128) >> 8)) >> 8);
 }
 
-/// `Flip` makes amounts of light of amounts of ink.
+/// `Flip` turns ink into light: 255 if full ink is 255, otherwise 0.
 template <unsigned Flip>
 void InksToPixels(const JSAMPLE* inks, std::uint8_t* pixels, JDIMENSION count) {
   for (; count > 0; --count, inks += 4, pixels += 3) {
@@ -141,7 +141,7 @@ class CJpegDecoder::Impl {
     if (Form == ColorForm::Unsupported) throw CException("Unsupported number of channels");
     if (!IsAffordable(Info)) throw CTooLargeException();
     const bool started = RunGuarded(Errors, [&] { return Start(reduction, target.Size); });
-    if (started && !TakeInScans() && mayTryAgain && EndOfLastScan > 0 && !Budget.IsSpent()) {
+    if (started && !ReadScans() && mayTryAgain && EndOfLastScan > 0 && !Budget.IsSpent()) {
       // The library gave up on what stands between two scans, and its state can't be relied on any more. The
       // scans before the flaw are the picture: it is decoded anew, as if the file ended there.
       jpeg_destroy_decompress(&Info);  // or the coefficients would be held twice
@@ -154,8 +154,8 @@ class CJpegDecoder::Impl {
   }
 
  private:
-  /// Takes in the scans of a progressive file, or of one with a scan for each channel.
-  bool TakeInScans() {
+  /// Reads the scans of a progressive file, or of one with a scan for each channel.
+  bool ReadScans() {
     Failed = Info.buffered_image && !RunGuarded(Errors, [this] { return ReadAllScans(); });
     return !Failed;
   }
@@ -175,7 +175,7 @@ class CJpegDecoder::Impl {
   bool ReadAllScans() {
     for (int status = JPEG_REACHED_SOS; status != JPEG_REACHED_EOI; status = jpeg_consume_input(&Info)) {
       if (status == JPEG_SCAN_COMPLETED) {
-        constexpr std::size_t kMarkerBytes = 2;  // read already, of what follows the scan
+        constexpr std::size_t kMarkerBytes = 2;  // of the marker behind the scan, already read
         EndOfLastScan = Bytes.size() - std::min(Info.src->bytes_in_buffer, Bytes.size());
         if (Info.unread_marker != 0) EndOfLastScan -= std::min(kMarkerBytes, EndOfLastScan);
       }
@@ -195,7 +195,7 @@ class CJpegDecoder::Impl {
       const JDIMENSION first = Info.output_scanline;
       const JDIMENSION count = wide ? ReadConverted(target, wide) : ReadDirect(target);
       if (count == 0) return false;
-      // Rows still on their way through the library hold picture; all after them would be grey.
+      // The rows that the library has buffered still hold picture; all after them would be grey.
       if (HasNoMoreData() && end == Info.output_height) end = std::min(end, first + count + 3 * RowsOfMCU());
     }
     for (JDIMENSION y = end; y < Info.output_height; ++y)
@@ -239,7 +239,7 @@ class CJpegDecoder::Impl {
   jpeg_decompress_struct Info{};
   ColorForm Form = ColorForm::Unsupported;
   CScanBudget Budget;
-  std::size_t EndOfLastScan = 0;  // how many bytes end with a whole scan
+  std::size_t EndOfLastScan = 0;  // bytes up to the end of the last whole scan
   bool Failed = false;
 };
 

@@ -7,9 +7,9 @@
 
 #include "imaging/PixelBuffer.h"
 
-/// The door between JPEGs and pixels. Bytes in, pixels out, and the other way; no files. Every object and
-/// call stands for itself, so threads need no lock. Failures raise the exceptions of the system, with the
-/// texts given here; the library's warnings about flawed data are passed over.
+/// Converts between JPEG files in memory and pixels. Objects and calls share nothing, so threads need no
+/// lock. Failures raise exceptions with the texts given here; the library's warnings about flawed data are
+/// ignored.
 ///
 /// What a file can cost is limited: 2^30 pixels (2^26 with arithmetic coding), 500 scans, and a number of
 /// blocks that one core works through in eight seconds at most, less for a small file. Its memory is for the
@@ -26,7 +26,7 @@ class CJpegDecoder {
 
   ImageSize GetSize() const;
 
-  /// Bytes that Decode holds besides the target while it works, but for a few rows.
+  /// Bytes that Decode holds besides the target while it works, except a few rows.
   std::uint64_t GetHeldBytes() const;
 
   /// Decodes at 1/1, 1/2, 1/4 or 1/8 of the size (`reduction` 1, 2, 4, 8) into `target`, which has
@@ -35,8 +35,8 @@ class CJpegDecoder {
   /// JPEG data from file\n" or "Unsupported number of channels", CTooLargeException.
   ///
   /// A JPEG of four channels with an Adobe marker is CMYK or YCCK, with inverted inks as all such files
-  /// have them; without that marker it is CMYK if its channels are named C, M, Y, K. What any other means
-  /// can't be told, and it isn't decoded.
+  /// have them; without that marker it is CMYK if its channels are named C, M, Y, K. Any other file of
+  /// four channels is refused.
   void Decode(int reduction, const PixelBuffer& target);
 
   /// A side of a picture decoded at that reduction.
@@ -48,6 +48,6 @@ class CJpegDecoder {
 };
 
 /// Encodes pixels as a whole JPEG with chroma halved in both directions. `quality` is 1 to 100. Pixels of
-/// 3 bytes become YCbCr with a JFIF header; there is no way to write others that every reader takes alike.
-/// CException "Unsupported bitcount" or "Cannot write JPEG data to file\n".
+/// 3 bytes become YCbCr with a JFIF header; others are refused, since readers don't agree about alpha in a
+/// JPEG. CException "Unsupported bitcount" or "Cannot write JPEG data to file\n".
 std::vector<std::uint8_t> EncodeJpeg(const PixelSource& pixels, int quality);

@@ -58,7 +58,7 @@ class CScanBudget {
   bool Spent = false;
 };
 
-/// A comment or application data of a file, as it lies there.
+/// A comment or application data of a file.
 struct JpegHeader {
   int Marker = 0;
   std::span<const std::uint8_t> Data;
@@ -99,7 +99,7 @@ class CJpegSource {
 /// A block of bytes that grows as the library fills it. Must outlive the library's object.
 class CJpegDestination {
  public:
-  /// `expected` bytes are taken at first.
+  /// `expected` bytes are allocated at first.
   explicit CJpegDestination(std::size_t expected);
   CJpegDestination(const CJpegDestination&) = delete;
   CJpegDestination& operator=(const CJpegDestination&) = delete;

@@ -12,8 +12,7 @@
 
 namespace {
 
-/// How a picture is turned clockwise by quarters: rows become columns or stay, and then the columns and the
-/// rows are put in reverse order or stay.
+/// A clockwise turn: rows become columns or stay, and then the columns and the rows are mirrored or stay.
 struct QuarterTurn {
   bool Transposes = false;
   bool MirrorsColumns = false;
@@ -45,7 +44,7 @@ JCOEF Sign(JCOEF value) {
 
 constexpr std::ptrdiff_t kSide = DCTSIZE;
 
-/// `Step` is the way between two coefficients in the source that are neighbours in the target's row.
+/// `Step` is the distance in the source between coefficients that are neighbours in the target's row.
 template <std::ptrdiff_t Step, bool NegatesEven, bool NegatesOdd>
 void TurnRow(const JCOEF* source, JCOEF* target) {
   for (std::ptrdiff_t x = 0; x < kSide; x += 2) {
@@ -123,7 +122,7 @@ QuarterTurn GetTurn(int angle) {
   }
 }
 
-/// What a side keeps of itself when it is mirrored in units of `unit` pixels. False if it has no whole one.
+/// Cuts a side to whole units, which can be mirrored. False, with nothing cut, if it has none.
 bool Trim(JDIMENSION& side, JDIMENSION unit) {
   const JDIMENSION whole = side / unit * unit;
   if (whole > 0) side = whole;
@@ -172,7 +171,7 @@ class CJpegTurn {
   /// reads back, and the arithmetic encoder refuses none.
   bool IsInDoubt() const { return Errors.Flawed || From.arith_code; }
 
-  /// What stands behind the end of the picture.
+  /// The bytes behind the end of the picture.
   std::span<const std::uint8_t> GetTrailer() const { return Source.GetRest(); }
 
  private:
@@ -277,8 +276,8 @@ class CJpegTurn {
     KeepRestarts();
   }
 
-  /// The library interleaves no more than ten blocks. What has more is written channel by channel, as it must
-  /// have come.
+  /// The library interleaves no more than ten blocks. A picture that has more is written channel by channel,
+  /// as it must have been read.
   void SplitScansIfNeeded() {
     int blocks = 0;
     for (int k = 0; k < To.num_components; ++k)

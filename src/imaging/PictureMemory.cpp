@@ -11,7 +11,7 @@ namespace {
 // A picture of 200 megapixels takes 1.2 GB to be turned with its chroma halved both ways, 2.4 GB without.
 constexpr std::uint64_t kMostPictureMemory = std::uint64_t{3} << 30;
 constexpr std::uint64_t kMostFileMemory = std::uint64_t{1} << 30;
-constexpr std::uint64_t kRoomToGrow = std::uint64_t{1} << 20;  // of a file that is being written
+constexpr std::uint64_t kRoomToGrow = std::uint64_t{1} << 20;  // for a file that is still being written
 
 CMemoryPool& GetFileMemory() {
   static CMemoryPool pool(kMostFileMemory);
@@ -24,7 +24,7 @@ CTooLargeException::CTooLargeException() : CException(StringId::PhotoTooLarge) {
 
 void CMemoryPool::Take(std::uint64_t bytes) {
   if (bytes > Capacity) throw CTooLargeException();
-  // One after the other, or small shares would pass a large one for ever.
+  // In the order of the calls, or small shares could keep a large one waiting for ever.
   const std::lock_guard first(Queue);
   std::unique_lock lock(Mutex);
   Freed.wait(lock, [&] { return bytes <= Capacity - Used; });

@@ -26,9 +26,9 @@ PreparedPhoto PreparePhoto(const std::string& path) {
     prepared.Thumbnail = MakeThumbnail(path, file.GetBytes());
     prepared.WasRead = true;
   } catch (const CTooLargeException&) {
-    prepared.WasRead = true;  // it won't be smaller when it is looked at again
+    prepared.WasRead = true;  // another try would end the same way
   } catch (...) {
-    // Out of memory at worst: this photo goes without, the others don't.
+    // Most likely out of memory. This photo alone gets no thumbnail.
   }
   return prepared;
 }

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-/// No thumbnail is larger, in pixels, nor than the photo.
+/// The largest thumbnail, in pixels. A photo is never enlarged.
 constexpr int kThumbnailBoxWidth = 140;
 constexpr int kThumbnailBoxHeight = 105;
 constexpr int kThumbnailQuality = 50;
@@ -16,6 +16,6 @@ struct PreparedPhoto {
   std::vector<std::uint8_t> Thumbnail;  // a JPEG; empty if the file gives no picture
 };
 
-/// Reads the file once, for both. A file that is gone, no regular one or damaged gives what it has, maybe
-/// nothing; never an exception. Any thread.
+/// Reads the file once, for both. A file that is gone, no regular one or damaged gives less or nothing; never
+/// an exception. Any thread.
 PreparedPhoto PreparePhoto(const std::string& path);

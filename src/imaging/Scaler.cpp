@@ -9,7 +9,7 @@ namespace {
 // Samples are cut to whole numbers.
 constexpr float kRounding = 0.5F;
 
-// All that a reduction to no less than half can meet in one direction.
+// The most source pixels that a target pixel covers in one direction in a reduction to half the side or more.
 constexpr int kFewTaps = 3;
 
 /// Which source pixels make up a target pixel, in one direction.
@@ -132,7 +132,7 @@ void AddRow(const std::uint8_t* row, float weight, float* sums, std::size_t samp
   for (; i < samples; ++i) sums[i] += weight * row[i];
 }
 
-/// Mixes the rows of a source into one row of finer samples.
+/// Mixes the rows of a source into one row of floating-point samples.
 class CRowMixer {
  public:
   CRowMixer(const PixelSource& source, int firstColumn, int columns)
