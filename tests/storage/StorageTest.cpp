@@ -46,15 +46,15 @@ TEST_F(CStorageKeepTest, AnyBytesAreATextAndAnyLengthAValue) {
   // Long texts that are replaced make the column move those that stay.
   for (int i = 0; i < 200; ++i) pText.Set(Things[1], std::string(1000, 'x') + std::to_string(i));
   pText.Set(Things[1], std::string(600, 'p') + "b");
+  std::string ends;
+  const c4_View sorted = Things.SortOn({pText});
+  for (int i = 0; i < 5; ++i) ends += pText.Get(sorted[i]).back();
+  EXPECT_EQ(ends, odd.back() + std::string("abBC"));
   Storage->Commit();
   Open(Mode::ReadOnly);
   EXPECT_EQ(Things.Find(pText[odd]), 0);
   EXPECT_EQ(Things.Find(pText["nul"]), -1);
   EXPECT_TRUE(pBytes.Get(Things[0]) == large);
-  std::string ends;
-  const c4_View sorted = Things.SortOn({pText});
-  for (int i = 0; i < 5; ++i) ends += pText.Get(sorted[i]).back();
-  EXPECT_EQ(ends, odd.back() + std::string("abBC"));
 }
 
 TEST_F(CStorageKeepTest, ViewsAndRowsOutliveTheirStorageAsEmptyOnes) {
