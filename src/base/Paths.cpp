@@ -22,8 +22,6 @@ PathParts SplitPath(std::string_view path) {
 
 std::string GetExtension(std::string_view path) { return std::string(path.substr(FindExtension(path))); }
 
-std::string GetBaseName(std::string_view path) { return SplitPath(path.substr(0, FindExtension(path))).Name; }
-
 std::string JoinPath(std::string_view folder, std::string_view name) {
   std::string path = WithClosingSlash(folder);
   if (!path.empty()) name.remove_prefix(std::min(name.find_first_not_of('/'), name.size()));

@@ -15,9 +15,6 @@ PathParts SplitPath(std::string_view path);
 /// no extension.
 std::string GetExtension(std::string_view path);
 
-/// The name of the path without folder and extension.
-std::string GetBaseName(std::string_view path);
-
 /// Folder and name with one "/" between them.
 std::string JoinPath(std::string_view folder, std::string_view name);
 

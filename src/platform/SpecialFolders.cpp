@@ -108,8 +108,6 @@ std::string DataHome() { return BaseFolder("XDG_DATA_HOME", "/.local/share"); }
 
 std::string ConfigHome() { return BaseFolder("XDG_CONFIG_HOME", "/.config"); }
 
-std::string CacheHome() { return BaseFolder("XDG_CACHE_HOME", "/.cache"); }
-
 std::string RuntimeFolder() {
   std::string folder = FromEnvironment("XDG_RUNTIME_DIR");
   if (!folder.empty() && IsFolder(folder)) return folder;

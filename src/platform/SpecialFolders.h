@@ -19,9 +19,6 @@ std::string DataHome();
 /// XDG_CONFIG_HOME, else ~/.config.
 std::string ConfigHome();
 
-/// XDG_CACHE_HOME, else ~/.cache.
-std::string CacheHome();
-
 /// XDG_RUNTIME_DIR, private to the user; where it isn't set, a private folder in the temporary folder,
 /// which is made. Empty if that can't be had.
 std::string RuntimeFolder();

@@ -109,15 +109,6 @@ std::size_t CharacterLength(std::string_view text, std::size_t offset) {
   return offset < text.size() ? Decode(text, offset).Length : 0;
 }
 
-std::size_t PreviousCharacter(std::string_view text, std::size_t offset) {
-  offset = std::min(offset, text.size());
-  // The longest character that ends here: its last byte alone would pass for a stray one.
-  for (std::size_t length = std::min<std::size_t>(4, offset); length > 1; --length) {
-    if (CharacterLength(text, offset - length) == length) return offset - length;
-  }
-  return offset == 0 ? 0 : offset - 1;
-}
-
 std::string_view FirstCharacter(std::string_view text) { return text.substr(0, CharacterLength(text, 0)); }
 
 std::string_view Truncated(std::string_view text, std::size_t limit) {

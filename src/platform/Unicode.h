@@ -24,9 +24,6 @@ std::size_t CountCharacters(std::string_view text);
 /// The bytes of the character that begins at `offset`: 1 to 4, and 0 at the end of the text.
 std::size_t CharacterLength(std::string_view text, std::size_t offset);
 
-/// The offset of the character before the one that begins at `offset`; 0 at the start of the text.
-std::size_t PreviousCharacter(std::string_view text, std::size_t offset);
-
 /// The first character, empty if the text is.
 std::string_view FirstCharacter(std::string_view text);
 

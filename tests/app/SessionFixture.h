@@ -3,13 +3,8 @@
 #include <filesystem>
 #include <string>
 
-#include "base/Folders.h"
-#include "base/Settings.h"
-#include "discovery/FolderSearch.h"
-#include "support/EnvironmentVariable.h"
-#include "support/ScratchFolder.h"
 #include "support/Sql.h"
-#include "ui/WindowTest.h"
+#include "ui/HomeFixture.h"
 
 /// Reads one number from a database file, as any other program would; -1 if it can't be read.
 inline int ReadNumber(const std::string& path, const std::string& query) {
@@ -26,19 +21,13 @@ inline int ReadNumber(const std::string& path, const std::string& query) {
   return number;
 }
 
-/// A user with a home of its own.
-class CSessionFixture : public testing::Test {
+/// A user with a data folder in a home of its own.
+class CSessionFixture : public CHomeFixture {
  protected:
-  CSessionFixture()
-      : Home("HOME", Scratch.GetPath()),
-        Data("XDG_DATA_HOME", std::nullopt),
-        Config("XDG_CONFIG_HOME", std::nullopt),
-        Runtime("XDG_RUNTIME_DIR", Scratch.GetPath() + "/run") {
-    std::filesystem::create_directory(Scratch.GetPath() + "/run");
-    std::filesystem::permissions(Scratch.GetPath() + "/run", std::filesystem::perms::owner_all);
-    std::filesystem::create_directory(PicturesFolder());
+  CSessionFixture() : Data("XDG_DATA_HOME", std::nullopt), Runtime("XDG_RUNTIME_DIR", InHome("run")) {
+    std::filesystem::create_directory(InHome("run"));
+    std::filesystem::permissions(InHome("run"), std::filesystem::perms::owner_all);
     CRegistrySettings().SetBool("DontShowAddFolderTip", true);
-    ForgetLastSession();
   }
   ~CSessionFixture() override { ForgetLastSession(); }
 
@@ -48,7 +37,7 @@ class CSessionFixture : public testing::Test {
     ForgetMyPicturesFolder();
   }
 
-  std::string PicturesFolder() const { return Scratch.GetPath() + "/Pictures"; }
+  std::string PicturesFolder() const { return InHome("Pictures"); }
   std::string CatalogPath() const { return DataFolder() + "/vellumar.db"; }
   std::string CachePath() const { return DataFolder() + "/vellumar.thumbs"; }
 
@@ -65,7 +54,5 @@ class CSessionFixture : public testing::Test {
     }
   }
 
-  CScratchFolder Scratch;
-  const CEnvironmentVariable Home, Data, Config, Runtime;
-  CNotedMessages Messages;
+  const CEnvironmentVariable Data, Runtime;
 };

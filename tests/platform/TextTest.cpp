@@ -26,13 +26,7 @@ TEST(Unicode, CaseChangesNothingThatIsNoLetter) {
 }
 
 TEST(Unicode, TextIsCutBetweenCharacters) {
-  const std::string text = "aé€😀\xFF\xC3";
-  EXPECT_EQ(platform::CountCharacters(text), 6U);
-  for (std::size_t at = 0; at < text.size();) {
-    const std::size_t next = at + platform::CharacterLength(text, at);
-    EXPECT_EQ(platform::PreviousCharacter(text, next), at);
-    at = next;
-  }
+  EXPECT_EQ(platform::CountCharacters("aé€😀\xFF\xC3"), 6U);
   EXPECT_EQ(Truncated("aé€😀", 10), "aé€😀");
   EXPECT_EQ(Truncated("aé€😀", 5), "aé");
   EXPECT_EQ(Truncated("\x80\x80\x80\x80\x80", 3), "\x80\x80\x80");

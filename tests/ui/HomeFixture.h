@@ -79,7 +79,7 @@ class CHomeFixture : public testing::Test {
 
   CScratchFolder Scratch;
   const CEnvironmentVariable Home, Config;
-  CNotedMessages Messages;
+  CScriptedMessages Messages;
   const CFontTable Fonts{false};
   CFolderSearch& Search = CFolderSearch::GetInstance();
 };

@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "base/Messages.h"
+#include "support/ScriptedMessages.h"
 #include "support/TestJpeg.h"
 #include "ui/kit/Application.h"
 #include "ui/kit/FontTable.h"
@@ -37,27 +37,6 @@ class CApplicationEnvironment : public testing::Environment {
 /// Registered before main; the environment goes when the tests have run.
 inline testing::Environment* const kApplicationEnvironment =
     testing::AddGlobalTestEnvironment(std::make_unique<CApplicationEnvironment>().release());
-
-/// Message boxes by script: each is noted and answered at once.
-class CNotedMessages : public CMessageBox {
- public:
-  struct Message {
-    std::string Title;
-    std::string Text;
-    bool OkCancel;
-    MessageParent Parent;
-  };
-
-  CNotedMessages() { SetMessageBox(this); }
-  ~CNotedMessages() override { SetMessageBox(nullptr); }
-  bool Show(const std::string& title, const std::string& text, bool okCancel, MessageParent parent) override {
-    Shown.push_back({title, text, okCancel, parent});
-    return Answer;
-  }
-
-  std::vector<Message> Shown;
-  bool Answer = true;
-};
 
 /// A photo of one colour, as a file's bytes.
 inline std::string MakePhoto(unsigned width, unsigned height, const QColor& hue) {

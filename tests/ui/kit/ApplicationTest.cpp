@@ -19,7 +19,7 @@ int RunLoopWith(const std::function<void()>& work) {
 }  // namespace
 
 TEST(Application, RefusedWriteIsToldAndOtherExceptionsEndTheLoop) {
-  CNotedMessages messages;
+  CScriptedMessages messages;
   EXPECT_EQ(RunLoopWith([] { throw CStorageException("/data/vellumar.db: no space left"); }), 7);
   ASSERT_EQ(messages.Shown.size(), 1U);
   EXPECT_EQ(messages.Shown[0].Text, "/data/vellumar.db: no space left");

@@ -1,4 +1,3 @@
-#include <QMessageBox>
 #include <QPushButton>
 #include <chrono>
 #include <stdexcept>
@@ -8,7 +7,6 @@
 #include "storage/DataThread.h"
 #include "ui/WindowTest.h"
 #include "ui/kit/Job.h"
-#include "ui/kit/MessageBox.h"
 #include "ui/search/SearchProgressWindow.h"
 
 namespace {
@@ -108,7 +106,7 @@ TEST(Job, StopReachesItAndPutOffWorkComesAfterIt) {
 }
 
 TEST(Job, FailureOfAHandlerStopsItAndReachesTheCaller) {
-  CNotedMessages messages;
+  CScriptedMessages messages;
   std::atomic<bool> stopped = false;
   bool finished = false;
   QTimer::singleShot(0, [] { throw CError("broken"); });
@@ -140,24 +138,4 @@ TEST(Job, OutlastsTheEndOfTheLoopAroundIt) {
   });
   EXPECT_EQ(application.RunLoop(), 3);
   EXPECT_TRUE(finished);
-}
-
-TEST(Job, AsksThroughAMessageBoxAndWaitsForTheAnswer) {
-  CWindowMessageBox messages;
-  const auto ask = [&](Qt::Key key) {
-    bool seen = false;
-    When([] { return QApplication::activeModalWidget() != nullptr; },
-         [&seen, key] {
-           seen = true;
-           QTest::keyClick(QApplication::activeModalWidget(), key);
-         });
-    bool answer = true;
-    RunJob([&] {
-      answer = messages.Show("Title", "Bring in 5000 photos?", true, MessageParent::ProgressWindow);
-    });
-    EXPECT_TRUE(seen);
-    return answer;
-  };
-  EXPECT_FALSE(ask(Qt::Key_Escape));
-  EXPECT_FALSE(ask(Qt::Key_Return)) << "Cancel is the default";
 }
