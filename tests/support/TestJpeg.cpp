@@ -142,9 +142,10 @@ std::vector<std::uint8_t> MakeNoisyJpeg(JpegRecipe recipe, int width, int height
   recipe.Width = width;
   recipe.Height = height;
   recipe.Quality = 90;
-  return MakeJpeg(recipe, [random = std::minstd_rand(3)](int, int) mutable {
-    const auto byte = [&random] { return static_cast<std::uint8_t>(random() >> 8); };
-    return std::array{byte(), byte(), byte(), std::uint8_t{0}};
+  return MakeJpeg(recipe, [random = std::mt19937(3)](int, int) mutable {
+    const auto bits = random();
+    return std::array{static_cast<std::uint8_t>(bits), static_cast<std::uint8_t>(bits >> 8),
+                      static_cast<std::uint8_t>(bits >> 16), std::uint8_t{0}};
   });
 }
 
