@@ -18,10 +18,10 @@ bool HasBecome(const std::string& former, const std::string& path) {
   platform::FileStatus first, second;
   if (platform::GetEntryStatus(path, second)) return false;
   if (const std::error_code error = platform::GetEntryStatus(former, first)) {
-    // A disk is mounted, not renamed: where another one was, its photos are others.
+    // A mount point is no renamed folder: another disk holds other photos.
     return error == std::errc::no_such_file_or_directory && !second.IsMountPoint;
   }
-  // Two names of one file are one photo twice, and stay so.
+  // Two names of one file stay two photos.
   const bool hasOneName = first.IsFolder || first.LinkCount == 1;
   return hasOneName && AreOneThing(first, second);
 }

@@ -11,7 +11,7 @@ namespace platform {
 std::error_code LastError() { return {errno, std::generic_category()}; }
 
 Descriptor::~Descriptor() {
-  // Whoever wants to know the outcome has called Close.
+  // A caller that needs the result has called Close before.
   static_cast<void>(Close());
 }
 

@@ -21,7 +21,7 @@ class Descriptor {
   /// open(2), closed on exec. Without O_CREAT `mode` means nothing.
   std::error_code Open(const std::string& path, int flags, unsigned mode = 0);
 
-  /// Closes and tells what the system still had to say about what was written.
+  /// Closes the file; returns the error of a write that the system had delayed.
   std::error_code Close();
 
   int Get() const { return Number; }

@@ -78,7 +78,7 @@ std::error_code LinkThenRemove(const std::string& from, const std::string& to) {
   std::error_code error = Link(from, to);
   if (!error) {
     error = RemoveFile(from);
-    // Both names must not stay: the caller believes that nothing happened.
+    // The new name is removed again: for the caller nothing has happened.
     if (error) static_cast<void>(RemoveFile(to));
     return error;
   }

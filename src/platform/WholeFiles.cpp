@@ -68,7 +68,7 @@ std::error_code MakeRandomSuffix(std::string& suffix) {
 }
 
 TemporaryName::~TemporaryName() {
-  // What made the file useless is the error to report, not a removal that fails as well.
+  // Only the first error is reported, not one of the removal.
   if (!Path.empty()) static_cast<void>(RemoveFile(Path));
 }
 

@@ -6,7 +6,8 @@
 #include "base/Messages.h"
 
 CApplication::CApplication(int& argumentCount, char** arguments) : QApplication(argumentCount, arguments) {
-  // The main window ends the loop when it is closed. The progress window goes before, and more than once.
+  // The main window ends the loop when it is closed; the progress window is closed before, and more than
+  // once.
   setQuitOnLastWindowClosed(false);
 }
 

@@ -39,7 +39,7 @@ QRect PlaceButtonTip(const QSize& tip, const QRect& owner, TipSide side, const Q
   } else if (top + tip.height() > end) {
     top = above;
   }
-  // The text stands in the middle; the last column is its copy's.
+  // The text is centred; the last column belongs to its copy.
   const int left = (2 * owner.left() + owner.width() - tip.width() + 1) / 2;
   const int last = bounds.left() + bounds.width() - tip.width();
   return {QPoint(std::max(std::min(left, last), bounds.left()), top), tip};
@@ -105,7 +105,7 @@ void CButtonTip::paintEvent(QPaintEvent*) {
   }
   const int offset = painter.Scaled(1);
   const QRect text = area.adjusted(0, 0, -offset, -offset);
-  // One that stays stands on its row, and lets the shadow of its button through.
+  // A caption that stays is transparent, so that the shadow of its button shows.
   if (parentWidget()->isWindow()) painter.Fill(area, colours::kPage);
   painter.DrawText(text.translated(offset, offset), Qt::AlignCenter | Qt::TextSingleLine, font, Qt::white,
                    Text);

@@ -55,7 +55,7 @@ class COutsideClicks final : public QObject {
       const bool isDown = (QGuiApplication::mouseButtons() & button) != 0;
       // Sent, not posted, for the release may be the next event.
       Send(*window, QEvent::MouseButtonPress, place, button, button, modifiers);
-      // The release has come before.
+      // The button was released already.
       if (!isDown) Send(*window, QEvent::MouseButtonRelease, place, button, Qt::NoButton, modifiers);
     };
     QMetaObject::invokeMethod(window, passOn, Qt::QueuedConnection);
@@ -68,7 +68,7 @@ class COutsideClicks final : public QObject {
 }  // namespace
 
 void KeepFocusOnClick(QWidget& widget) {
-  // The search for a widget that takes a click's focus ends at one that stands for the focused one.
+  // When a click looks for a widget to focus, it stops at a proxy of the focused one.
   const auto follow = [&widget](QWidget*, QWidget* now) {
     const bool isField = now != nullptr && now != widget.window() && now->window() == widget.window();
     widget.setFocusProxy(isField ? now : nullptr);

@@ -92,7 +92,8 @@ QPalette MakeEditPalette() {
   return palette;
 }
 
-/// What keeps a choice from being remembered; the choice itself stands, and is told of first.
+/// Runs `work` and returns the exception of a refused write: the choice itself holds, and is reported before
+/// that exception is raised again.
 std::exception_ptr KeepRefusal(const std::function<void()>& work) {
   try {
     work();
@@ -113,7 +114,7 @@ CDropControl::CDropControl(const QString& label, DropStyle style, QWidget* paren
 }
 
 CDropControl::~CDropControl() {
-  // What they tell while they go is no longer listened to.
+  // Their events during destruction must not reach this object.
   if (EditBox) EditBox->removeEventFilter(this);
   if (List) List->OnClosed = nullptr;
 }

@@ -168,7 +168,7 @@ void CPaintedButton::SetCaptionForm(FontId font, int widest) {
 }
 
 CButtonTip& CPaintedButton::GetTip() {
-  // Its parent's to delete, which may go before this button does.
+  // Deleted by its parent, which may be destroyed before this button.
   if (!Tip) Tip = std::make_unique<CButtonTip>(TipStays() ? parentWidget() : window()).release();
   return *Tip;
 }
@@ -207,7 +207,7 @@ void CPaintedButton::Fire() {
 
 bool CPaintedButton::event(QEvent* event) {
   if (event->type() == QEvent::WindowDeactivate) {
-    // The release of a held button may now go elsewhere.
+    // The release of a held button may be sent to another window.
     Press.Cancel();
     ApplyState();
   }

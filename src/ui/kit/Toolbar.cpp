@@ -17,7 +17,7 @@ constexpr int kLeastMargin = 2;   // with the room for its copy, a blank between
 constexpr int kLeastGap = 4;      // between groups of buttons
 constexpr int kLeastButton = 26;  // an icon of 20 and the ends of its plate
 
-/// What a row grants its buttons.
+/// What the width of a row allows its buttons.
 struct Grant {
   std::size_t Font = 0;  // index of kCaptionFonts
   int Margin = std::numeric_limits<int>::max() / 2;

@@ -23,7 +23,7 @@ std::string GetRollText(const CPhotoSet& set, int index, std::int32_t roll) {
   const int start = set.IsGroupStart(index) ? index : set.GetPreviousGroupStart(index);
   int end = index + 1;
   if (!set.IsGroupEnd(index)) {
-    // In the last group this is the group's last photo, else the first behind it.
+    // For the last group this is its last photo, else the first photo after the group.
     const int next = set.GetNextGroupStart(index);
     end = set.IsGroupStart(next) ? next : next + 1;
   }

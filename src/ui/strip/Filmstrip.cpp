@@ -233,7 +233,7 @@ void CFilmstrip::StampChanged(StampId type, std::int32_t assetId) {
 // The window.
 
 bool CFilmstrip::event(QEvent* event) {
-  // Told when the window has come to another screen, which may have another pixel ratio.
+  // Sent when the window has moved to another screen, which may have another pixel ratio.
   if (event->type() == QEvent::ScreenChangeInternal) UpdateLayout();
   return QWidget::event(event);
 }
@@ -287,7 +287,7 @@ void CFilmstrip::MoveBy(int delta) {
 }
 
 void CFilmstrip::MoveUnseen(int delta) {
-  MoveTo(Current + delta);  // every photo is told of, for nothing else shows where a held key has come to
+  MoveTo(Current + delta);  // the host hears of every photo, since nothing else shows where a held key is
   PaceTimer.start(milliseconds(std::lround(1000 * std::abs(delta) * Layout.GetMetrics().Pitch /
                                            (kSlideSpeed * Layout.GetMetrics().PixelRatio))));
 }
@@ -430,7 +430,7 @@ void CFilmstrip::StopSlideShow() {
 
 void CFilmstrip::StepSlideShow() {
   if (WaitsForJob()) return;
-  // Behind a question about the photo the show stands still.
+  // The show pauses while a message box is open.
   if (!SlideShowRuns || Set == nullptr || QApplication::activeModalWidget() != nullptr) return;
   FinishMove();
   if (Current < Set->GetCount() - 1) return MoveBy(1);

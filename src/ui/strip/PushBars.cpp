@@ -31,7 +31,7 @@ constexpr int kLabelLeft = 2;
 constexpr int kLongestPosition = 999999;
 constexpr int kTipAbove = 15;  // from the bar's top to the tip's
 
-/// A piece in the height of the bar, wide as it is drawn.
+/// A piece of the picture, scaled to the height of the bar.
 QPixmap GetPiece(int piece, const CDevicePainter& painter, int height) {
   return GetPicturePart(PictureId::PushBar, {piece * kPieceWidth, 0, kPieceWidth, kPieceHeight},
                         {painter.Scaled(kPieceWidth), height});
