@@ -150,8 +150,9 @@ OperationTimes MeasureOperations(const std::string& path, int photos) {
   }
   OperationTimes times;
   times.FindByPath = TimePicks(paths, random, [&](const std::string& picked) {
-    if (!catalog.FindAssetByPath(picked).IsValid())
+    if (!catalog.FindAssetByPath(picked).IsValid()) {
       throw std::runtime_error("a photo is not found by its path");
+    }
   });
   times.GetStamps = TimePicks(ids, random, [&](std::int32_t id) {
     const CAssetRecord photo = catalog.FindAssetById(id);

@@ -61,8 +61,9 @@ void RunProcess(std::vector<std::string> arguments) {
   for (std::string& argument : arguments) pointers.push_back(argument.data());
   pointers.push_back(nullptr);
   pid_t child = 0;
-  if (posix_spawnp(&child, pointers[0], nullptr, nullptr, pointers.data(), environ) != 0)
+  if (posix_spawnp(&child, pointers[0], nullptr, nullptr, pointers.data(), environ) != 0) {
     throw std::runtime_error(arguments[0] + " can't be started; is libjpeg-turbo-progs installed?");
+  }
   int status = 0;
   while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
   }
@@ -92,8 +93,9 @@ void CompareTurns(const Paths& photos, const CScratchFolder& scratch) {
 Bytes ReadFile(const std::string& path) {
   Bytes bytes(std::filesystem::file_size(path));
   std::ifstream file(path, std::ios::binary);
-  if (!file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size())))
+  if (!file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()))) {
     throw std::runtime_error("can't read " + path);
+  }
   return bytes;
 }
 
@@ -202,8 +204,9 @@ void MeasureCommand(const Paths& photos, const CScratchFolder& scratch) {
 void RunEditBench() {
   const BenchPhotos made = MakeBenchPhotos(kPhotos, 4000, 3000);
   Paths photos;
-  for (const auto& entry : std::filesystem::recursive_directory_iterator(made.Folder))
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(made.Folder)) {
     if (entry.path().extension() == ".jpg") photos.push_back(entry.path().string());
+  }
   const CScratchFolder scratch("edit");
   CompareTurns(photos, scratch);
   CompareFixes(photos, scratch);

@@ -198,8 +198,9 @@ void RunSetBench() {
   MeasureMemory(path);
   CCatalog catalog;
   catalog.Open(path);
-  if (catalog.GetStamps().GetSize() != kPhotos * kStampsPerPhoto)
+  if (catalog.GetStamps().GetSize() != kPhotos * kStampsPerPhoto) {
     throw std::runtime_error("stamps are missing");
+  }
   MeasureRebuilds(catalog);
   MeasureChanges(catalog);
 }

@@ -33,10 +33,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::span bytes(data, size);
   const bool isFile = size > 1 && data[0] == 0xFF && data[1] == 0xD8;
   CExifReader reader;
-  if (isFile)
+  if (isFile) {
     reader.LoadBytes(bytes);
-  else if (size < 65000)
+  } else if (size < 65000) {
     reader.LoadBytes(Wrap(bytes));
+  }
 
   ExifEntry entry;
   unsigned sum = 0;

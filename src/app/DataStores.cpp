@@ -21,7 +21,7 @@ namespace {
 std::string FindDataFolder(bool activeDisk) {
   if (activeDisk) return GetProgramFolder();
   std::string folder = GetApplicationDataFolder();
-  // What keeps the folder from being made shows when the catalog is opened in it.
+  // If the folder can't be made, opening the catalog in it reports why.
   static_cast<void>(platform::CreateFolders(folder));
   return folder;
 }
@@ -30,14 +30,14 @@ std::string FindStore(bool activeDisk, StringId name) {
   return JoinPath(FindDataFolder(activeDisk), LoadText(name));
 }
 
-/// Copies the file, or makes a link to where the old one leads, so that it stays the one in use.
+/// Copies the file. If it is a link, makes a link to the same target, so that the target stays in use.
 std::error_code BringFile(const std::string& oldPath, const std::string& path) {
   const std::string target = platform::FollowLinks(oldPath);
   return target == oldPath ? CopyStorageFile(oldPath, path) : platform::CreateLink(target, path);
 }
 
-/// What can't be seen may well stand, such as the end of a link whose disk is away.
-bool MayStand(const std::string& path) {
+/// An error other than "not found" counts as there: a link may lead to a disk that isn't mounted.
+bool MayExist(const std::string& path) {
   platform::FileStatus status;
   const std::error_code error = platform::GetEntryStatus(path, status);
   if (error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory) return false;
@@ -50,11 +50,11 @@ std::string DescribeFailure(const std::error_code& error) {
   return error.message();
 }
 
-/// Brings a file from where older versions kept it. One that can't be brought stays there.
+/// Moves a file from the folder of older versions. If that fails, the file stays there.
 std::error_code MoveFromOldLocation(const std::string& path) {
   const std::string oldPath = JoinPath(GetMyPicturesFolder(), SplitPath(path).Name);
   platform::FileStatus taken;
-  if (!platform::GetEntryStatus(path, taken) || !MayStand(oldPath)) return {};
+  if (!platform::GetEntryStatus(path, taken) || !MayExist(oldPath)) return {};
   const std::error_code error = BringFile(oldPath, path);
   if (!error) static_cast<void>(platform::RemoveFile(oldPath));
   return error;
@@ -66,7 +66,7 @@ void MoveStoresFromOldLocation() {
     throw CError("The file \"" + JoinPath(GetMyPicturesFolder(), SplitPath(catalog).Name) +
                  "\" can't be brought to \"" + catalog + "\": " + DescribeFailure(error) + ".");
   }
-  // Thumbnails that can't be brought are remade.
+  // Thumbnails that can't be moved are made again.
   static_cast<void>(MoveFromOldLocation(FindStore(false, StringId::ThumbnailFile)));
 }
 
@@ -78,7 +78,7 @@ bool OpenDataStores(CCatalog& catalog, CThumbnailCache& cache) {
   CFolderSearch& search = CFolderSearch::GetInstance();
   platform::RemoveUnfinishedFiles(FindDataFolder(search.ActiveDisk));
   if (!search.ActiveDisk) MoveStoresFromOldLocation();
-  // Backups and what else belongs to the catalog stand beside its file, not beside a link to it.
+  // Backups and the catalog's other files are beside the catalog file itself, not beside a link to it.
   const std::string catalogPath = platform::FollowLinks(FindCatalog(search.ActiveDisk));
   const std::string cachePath = FindStore(search.ActiveDisk, StringId::ThumbnailFile);
 

@@ -9,11 +9,11 @@ class CThumbnailCache;
 /// in the user's data folder, which is made. CError if the user has no home.
 std::string FindCatalog(bool activeDisk);
 
-/// Opens the catalog and the thumbnails beside it. In normal mode files of older versions are brought from
+/// Opens the catalog and the thumbnails beside it. In normal mode files of older versions are moved from
 /// the pictures folder first. A catalog of an older version is backed up before it is opened. Then looks
 /// which photos are in place.
 ///
 /// False, after a message, if the catalog was written by a newer version; nothing has been touched then.
-/// Raises what opening raises, and CError if an old catalog can't be brought; it stays, and no new one is
-/// made in its place. Runs as a job or on the window thread.
+/// Raises what opening raises, and CError if an old catalog can't be moved; it stays, and no new catalog is
+/// made instead. Runs as a job or on the window thread.
 bool OpenDataStores(CCatalog& catalog, CThumbnailCache& cache);

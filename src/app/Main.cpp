@@ -39,7 +39,7 @@ class CStartProgress {
   CWindowedSearchProgress Progress;
 };
 
-/// Closes the main window, and what stands before it, when the system asks the program to end.
+/// Closes the main window, and any dialog in front of it, when the system asks the program to end.
 class CStopSignalWatch {
  public:
   explicit CStopSignalWatch(CMainFrame& frame) : Notifier(Signals.GetDescriptor(), QSocketNotifier::Read) {
@@ -67,8 +67,8 @@ bool ChooseSettings(bool activeDisk) {
   return false;
 }
 
-/// The catalog that another process may have open; empty if there can be none, as the user is told when it is
-/// opened.
+/// The catalog that another process may have open; empty if there can be none. Opening it tells the user
+/// why.
 std::string FindCatalogToClaim(bool activeDisk) {
   try {
     return FindCatalog(activeDisk);
@@ -77,7 +77,7 @@ std::string FindCatalogToClaim(bool activeDisk) {
   }
 }
 
-/// False if another process runs; the user then sees that one, or is told of it.
+/// False if another process runs; its window then comes to the front, or a message names it.
 bool ClaimInstance(CSingleInstance& instance) {
   const CSingleInstance::Claimed claimed = instance.Claim();
   if (claimed == CSingleInstance::Claimed::ByOneOutOfReach) {
@@ -86,7 +86,7 @@ bool ClaimInstance(CSingleInstance& instance) {
   return claimed == CSingleInstance::Claimed::ByThis;
 }
 
-/// The window that stands in front: a message, else that of a search, else the main window.
+/// The front window: a message, else the window of a search, else the main window.
 QWidget* FindFrontWindow(CMainFrame& frame) {
   if (QWidget* box = QApplication::activeModalWidget()) return box;
   for (QWidget* window : QApplication::topLevelWidgets()) {
@@ -96,7 +96,7 @@ QWidget* FindFrontWindow(CMainFrame& frame) {
 }
 
 void BringToFront(CMainFrame& frame, const QByteArray& activationToken) {
-  // The desktop lets a window come to the front only on behalf of what the user has just started.
+  // The desktop lets a window come to the front only for an action of the user, which this token stands for.
   // A job's threads may be reading the environment, which must not change under them.
   if (!activationToken.isEmpty() && !IsJobRunning()) qputenv("XDG_ACTIVATION_TOKEN", activationToken);
   if (frame.isMinimized()) frame.setWindowState(frame.windowState() & ~Qt::WindowMinimized);
@@ -113,7 +113,7 @@ int RunSession(CMainFrame& frame, std::unique_ptr<CStartProgress>& start) {
   return frame.IsClosing() ? kNormalExitCode : CApplication::GetInstance()->RunLoop();
 }
 
-/// Who has asked the program to end isn't held up by a message about how it ended.
+/// When the system has asked the program to end, no message about the end waits for an answer.
 void ReportFatalFailure(const CMainFrame& frame, const std::string& message) {
   const std::string text = Format(LoadExpandedString(StringId::FatalProblem), message);
   if (frame.IsClosing()) {

@@ -20,10 +20,10 @@ constexpr int kRetryPause = 50;  // milliseconds
 constexpr qint64 kLongestRequest = 4096;
 constexpr const char* kAnswer = "ok\n";
 
-// What stands in the file of a lock: the holder's process, its machine, its socket, each with a line end.
+// Content of a lock file: the holder's process id, host and socket, one per line.
 constexpr int kNoteLines = 4;
 
-/// What a Wayland desktop gave this process for bringing a window to the front. X11 asks for nothing.
+/// The activation token that a Wayland desktop gave this process; X11 needs none.
 QByteArray GetActivationToken() { return qgetenv("XDG_ACTIVATION_TOKEN"); }
 
 }  // namespace
@@ -45,7 +45,7 @@ CSingleInstance::Claimed CSingleInstance::Claim() {
       Listen();
       return Claimed::ByThis;
     }
-    // The first process may be about to listen, or about to end: look again until it is clear.
+    // The first process may not listen yet, or may be ending: try again until it answers or the lock is free.
     if (AskFirstToShow(kPatience - static_cast<int>(timer.elapsed()))) return Claimed::ByOneInFront;
     QThread::msleep(kRetryPause);
   } while (timer.elapsed() < kPatience);
@@ -77,7 +77,7 @@ void CSingleInstance::Listen() {
     const QString path = ToQString(ListenPath.Get());
     QLocalServer::removeServer(path);  // of a process that was killed
     Server.setSocketOptions(QLocalServer::UserAccessOption);
-    Server.listen(path);  // without it, a later process ends by itself after its patience
+    Server.listen(path);  // if this fails, a later process gives up after kPatience
   }
   const std::string note = std::to_string(QCoreApplication::applicationPid()) + '\n' +
                            QSysInfo::machineHostName().toStdString() + '\n' + SocketPath + '\n';

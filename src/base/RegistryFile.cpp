@@ -109,8 +109,9 @@ std::string BytesText(const std::vector<std::uint8_t>& bytes) {
 
 std::string ValueText(const RegistryValue& value) {
   if (const auto* text = std::get_if<std::string>(&value)) return Quoted(*text);
-  if (const auto* number = std::get_if<std::int32_t>(&value))
+  if (const auto* number = std::get_if<std::int32_t>(&value)) {
     return std::string(kDword) + Format("%08x", *number);
+  }
   return BytesText(std::get<std::vector<std::uint8_t>>(value));
 }
 

@@ -65,8 +65,9 @@ bool IsSearched(StampId type) {
   // Asked for each stamp of the catalog.
   static constexpr std::uint64_t kSearched = [] {
     std::uint64_t types = 0;
-    for (const PhotoFact& fact : kFacts)
+    for (const PhotoFact& fact : kFacts) {
       types |= std::uint64_t{fact.Searched} << static_cast<unsigned>(fact.Id);
+    }
     return types;
   }();
   const auto number = static_cast<std::uint32_t>(type);

@@ -46,8 +46,9 @@ PhotoChange RotatePhoto(const CAssetRecord& photo, CImage* image, int angle, con
   if (!CheckPhotoWritable(photo)) return PhotoChange::None;
   if (workBegins) workBegins();
   if (!image) return PhotoChange::None;
-  if (!image->RotatesWithoutLoss() && !ShowMessageId(StringId::RotationLosesInformation, true))
+  if (!image->RotatesWithoutLoss() && !ShowMessageId(StringId::RotationLosesInformation, true)) {
     return PhotoChange::None;
+  }
   if (!ForgetThumbnail(photo)) return PhotoChange::None;
   // The file may have got another name since it was loaded.
   const bool isShown = image->GetPath() == photo.GetPath();

@@ -165,8 +165,9 @@ BrightnessCounts Count(const std::vector<PixelBuffer>& bands) {
     counts[k] = own;
   });
   BrightnessCounts sum{};
-  for (const Counts& part : counts)
+  for (const Counts& part : counts) {
     for (std::size_t i = 0; i < kLevels; ++i) sum[i] += std::int64_t{part.Even[i]} + part.Odd[i];
+  }
   return sum;
 }
 
@@ -182,8 +183,9 @@ class CColorTable {
       if (counts[brightest] > 0) size += (brightest + 1) * (brightest + 2) / 2;
     }
     Values = std::make_unique_for_overwrite<std::uint8_t[]>(size);
-    for (unsigned brightest = 0; brightest < kLevels; ++brightest)
+    for (unsigned brightest = 0; brightest < kLevels; ++brightest) {
       if (counts[brightest] > 0) Fill(brightest, map[brightest]);
+    }
   }
 
   /// Changes a row of pixels.
@@ -240,8 +242,9 @@ void Fix(const PixelBuffer& pixels) {
   const BrightnessCounts counts = Count<PixelBytes>(bands);
   const CColorTable table(MakeToneMap(counts), counts);
   ForEachBand(bands, [&](std::size_t k) {
-    for (int y = 0; y < bands[k].Size.Height; ++y)
+    for (int y = 0; y < bands[k].Size.Height; ++y) {
       table.Change<PixelBytes>(bands[k].Row(y), bands[k].Size.Width);
+    }
   });
 }
 
@@ -250,8 +253,9 @@ void Fix(const PixelBuffer& pixels) {
 void AutoFix(CImage& image) {
   const PixelBuffer pixels = image.GetPixels();
   if (!pixels.Top || pixels.Size.Width < 1 || pixels.Size.Height < 1) return;
-  if (pixels.BytesPerPixel == 3)
+  if (pixels.BytesPerPixel == 3) {
     Fix<3>(pixels);
-  else
+  } else {
     Fix<4>(pixels);
+  }
 }

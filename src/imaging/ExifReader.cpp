@@ -74,8 +74,9 @@ std::span<const std::uint8_t> FindExif(std::span<const std::uint8_t> file) {
   std::size_t position = 2;
   for (int segments = 0; segments < kMaxSegments; ++segments) {
     int fill = 0;
-    for (; position < file.size() && file[position] == 0xFF; ++position)
+    for (; position < file.size() && file[position] == 0xFF; ++position) {
       if (++fill > kMaxFillBytes) return {};
+    }
     if (file.size() - position < kMinRemaining) return {};
     const std::uint8_t marker = file[position++];
     const auto rest = file.subspan(position);
@@ -96,8 +97,9 @@ int ReadNumber(std::string_view text) {
 }
 
 std::optional<std::tm> ParseDate(std::string_view text) {
-  for (std::size_t i = 0; i < kDateForm.size(); ++i)
+  for (std::size_t i = 0; i < kDateForm.size(); ++i) {
     if (kDateForm[i] != '0' && text[i] != kDateForm[i]) return std::nullopt;
+  }
   std::tm local{};
   local.tm_year = ReadNumber(text.substr(0, 4)) - 1900;
   local.tm_mon = ReadNumber(text.substr(5, 2)) - 1;

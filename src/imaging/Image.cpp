@@ -43,8 +43,9 @@ platform::LargeMemory AllocateBitmap(ImageSize size) {
   const auto padding = static_cast<std::size_t>(GetRowPadding(size.Width));
   try {
     auto memory = platform::AllocateLargeMemory(rowBytes * height);
-    if (padding > 0)
+    if (padding > 0) {
       for (std::size_t y = 1; y <= height; ++y) std::fill_n(&memory[y * rowBytes - padding], padding, 0);
+    }
     return memory;
   } catch (const std::bad_alloc&) {
     throw CException("Cannot allocate memory for JPEG\n");
@@ -144,9 +145,10 @@ void CImage::HoldNoPixels(ImageSize naturalSize) {
 }
 
 void CImage::ReplaceFile(const std::string& path, std::span<const std::uint8_t> bytes) const {
-  if (platform::WriteFileAtomically(path, bytes.data(), bytes.size()))
+  if (platform::WriteFileAtomically(path, bytes.data(), bytes.size())) {
     throw CException(Type == ImageType::Jpeg ? "Cannot write JPEG data to file\n"
                                              : "Cannot write TIFF data to file\n");
+  }
 }
 
 CJpegImage::CJpegImage(ImageSize size) : CImage(ImageType::Jpeg) {
@@ -200,8 +202,9 @@ bool TransformJpeg(const std::string& sourcePath, const std::string& destination
   if (!turned) return false;
   const std::error_code error =
       platform::WriteFileAtomically(destinationPath, turned->data(), turned->size());
-  if (IsDiskTrouble(error))
+  if (IsDiskTrouble(error)) {
     throw CStorageException("\"" + destinationPath + "\" can't be written: " + error.message() + ".");
+  }
   if (error) throw CException("Cannot open destination file");
   return true;
 }

@@ -10,8 +10,9 @@ namespace {
 /// What a file is decoded as; more than ImageTypeOfFile, by which photos are searched for.
 ImageType ChooseVariant(const std::string& path) {
   const std::string extension = GetExtension(path);
-  if (platform::EqualNoCaseAscii(extension, ".tif") || platform::EqualNoCaseAscii(extension, ".tiff"))
+  if (platform::EqualNoCaseAscii(extension, ".tif") || platform::EqualNoCaseAscii(extension, ".tiff")) {
     return ImageType::Tiff;
+  }
   return ImageTypeFromExtension(extension);
 }
 

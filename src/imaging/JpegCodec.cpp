@@ -187,9 +187,10 @@ class CJpegDecoder::Impl {
 
   bool ReadRows(const PixelBuffer& target) {
     JSAMPARRAY wide = nullptr;
-    if (Form != ColorForm::Direct)
+    if (Form != ColorForm::Direct) {
       wide = Info.mem->alloc_sarray(reinterpret_cast<j_common_ptr>(&Info), JPOOL_IMAGE, Info.output_width * 4,
                                     kRowsAtOnce);
+    }
     JDIMENSION end = Info.output_height;
     while (Info.output_scanline < end) {
       const JDIMENSION first = Info.output_scanline;
@@ -198,9 +199,10 @@ class CJpegDecoder::Impl {
       // The rows that the library has buffered still hold picture; all after them would be grey.
       if (HasNoMoreData() && end == Info.output_height) end = std::min(end, first + count + 3 * RowsOfMCU());
     }
-    for (JDIMENSION y = end; y < Info.output_height; ++y)
+    for (JDIMENSION y = end; y < Info.output_height; ++y) {
       std::memset(target.Row(static_cast<int>(y)), kGrey,
                   static_cast<std::size_t>(target.Size.Width) * kBytesPerPixel);
+    }
     return true;
   }
 
@@ -225,10 +227,11 @@ class CJpegDecoder::Impl {
     const JDIMENSION count = jpeg_read_scanlines(&Info, wide, kRowsAtOnce);
     for (JDIMENSION k = 0; k < count; ++k) {
       std::uint8_t* row = target.Row(first + static_cast<int>(k));
-      if (Form == ColorForm::Inks)
+      if (Form == ColorForm::Inks) {
         InksToPixels<255>(wide[k], row, Info.output_width);
-      else
+      } else {
         InksToPixels<0>(wide[k], row, Info.output_width);
+      }
     }
     return count;
   }

@@ -52,8 +52,9 @@ constexpr std::size_t kMostHeaders = std::size_t{1} << 20;
 void TellLibrary(const JpegHeader& header, jpeg_decompress_struct& info) {
   using namespace std::string_view_literals;
   const std::string_view text(reinterpret_cast<const char*>(header.Data.data()), header.Data.size());
-  if (header.Marker == JPEG_APP0 && text.size() >= 14 && text.starts_with("JFIF\0"sv))
+  if (header.Marker == JPEG_APP0 && text.size() >= 14 && text.starts_with("JFIF\0"sv)) {
     info.saw_JFIF_marker = TRUE;
+  }
   if (header.Marker == JPEG_APP0 + 14 && text.size() >= 12 && text.starts_with("Adobe"sv)) {
     info.saw_Adobe_marker = TRUE;
     info.Adobe_transform = header.Data[11];

@@ -69,8 +69,9 @@ using BlockTurn = void (*)(const JCOEF* source, JCOEF* target);
 
 template <bool Transposes>
 BlockTurn ChooseMirrored(const QuarterTurn& turn) {
-  if (turn.MirrorsColumns)
+  if (turn.MirrorsColumns) {
     return turn.MirrorsRows ? TurnBlock<Transposes, true, true> : TurnBlock<Transposes, true, false>;
+  }
   return turn.MirrorsRows ? TurnBlock<Transposes, false, true> : TurnBlock<Transposes, false, false>;
 }
 
@@ -130,8 +131,9 @@ bool Trim(JDIMENSION& side, JDIMENSION unit) {
 }
 
 void Transpose(JQUANT_TBL& table) {
-  for (int y = 0; y < DCTSIZE; ++y)
+  for (int y = 0; y < DCTSIZE; ++y) {
     for (int x = 0; x < y; ++x) std::swap(table.quantval[y * DCTSIZE + x], table.quantval[x * DCTSIZE + y]);
+  }
 }
 
 /// The two library objects of one turn. A failure of either jumps to the guard of the step.
@@ -230,8 +232,9 @@ class CJpegTurn {
     SetCoding();
     RequestPlanes();
     jpeg_write_coefficients(&To, Turned.data());
-    for (const JpegHeader& header : Source.GetHeaders())
+    for (const JpegHeader& header : Source.GetHeaders()) {
       jpeg_write_marker(&To, header.Marker, header.Data.data(), static_cast<unsigned>(header.Data.size()));
+    }
     for (int k = 0; k < To.num_components; ++k) {
       const jpeg_component_info& channel = To.comp_info[k];
       const TurnedPlane target{{AsCommon(&To), Turned[static_cast<std::size_t>(k)]},
@@ -252,10 +255,12 @@ class CJpegTurn {
     }
     if (Turn.Transposes) {
       std::swap(To.image_width, To.image_height);
-      for (int k = 0; k < To.num_components; ++k)
+      for (int k = 0; k < To.num_components; ++k) {
         std::swap(To.comp_info[k].h_samp_factor, To.comp_info[k].v_samp_factor);
-      for (JQUANT_TBL* table : To.quant_tbl_ptrs)
+      }
+      for (JQUANT_TBL* table : To.quant_tbl_ptrs) {
         if (table) Transpose(*table);
+      }
     }
     for (int k = 0; k < To.num_components; ++k) {
       UnitWidth = std::max(UnitWidth, static_cast<JDIMENSION>(To.comp_info[k].h_samp_factor * DCTSIZE));
@@ -280,12 +285,14 @@ class CJpegTurn {
   /// as it must have been read.
   void SplitScansIfNeeded() {
     int blocks = 0;
-    for (int k = 0; k < To.num_components; ++k)
+    for (int k = 0; k < To.num_components; ++k) {
       blocks += To.comp_info[k].h_samp_factor * To.comp_info[k].v_samp_factor;
+    }
     if (blocks <= C_MAX_BLOCKS_IN_MCU) return;
     if (!To.scan_info) {
-      for (int k = 0; k < To.num_components; ++k)
+      for (int k = 0; k < To.num_components; ++k) {
         Scans[static_cast<std::size_t>(k)] = {1, {k}, 0, DCTSIZE2 - 1, 0, 0};
+      }
       To.num_scans = To.num_components;
     } else {
       int count = 0;
@@ -307,10 +314,11 @@ class CJpegTurn {
     const int across = From.num_components == 1 ? 1 : From.max_h_samp_factor;
     const JDIMENSION unit = static_cast<JDIMENSION>(across * DCTSIZE);
     const JDIMENSION unitsPerRow = RoundUp(From.image_width, unit) / unit;
-    if (From.restart_interval % unitsPerRow == 0)
+    if (From.restart_interval % unitsPerRow == 0) {
       To.restart_in_rows = static_cast<int>(From.restart_interval / unitsPerRow);
-    else
+    } else {
       To.restart_interval = From.restart_interval;
+    }
   }
 
   void RequestPlanes() {

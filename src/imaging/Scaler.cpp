@@ -26,10 +26,11 @@ class CAxis {
   CAxis(int source, int target, int from, int to) {
     Positions.reserve(static_cast<std::size_t>(to - from));
     for (int position = from; position < to; ++position) {
-      if (target <= source)
+      if (target <= source) {
         AddAverage(source, target, position);
-      else
+      } else {
         AddBlend(source, target, position);
+      }
     }
   }
 

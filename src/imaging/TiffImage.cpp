@@ -143,8 +143,9 @@ TiffHandle OpenTiff(Stream& stream, const char* mode) {
 ImageSize GetPictureSize(TIFF* tiff) {
   std::uint32_t width = 0;
   std::uint32_t height = 0;
-  if (!TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &width) || !TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &height))
+  if (!TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &width) || !TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &height)) {
     return {};
+  }
   constexpr std::uint32_t kMaxSide = std::numeric_limits<int>::max() / kBytesPerPixel;
   if (width > kMaxSide || height > kMaxSide) return {};
   return {static_cast<int>(width), static_cast<int>(height)};
@@ -242,10 +243,12 @@ void CTiffImage::Decode(std::span<const std::uint8_t> bytes, ImageSize) {
   auto* raster = reinterpret_cast<std::uint32_t*>(memory.get());
   constexpr int kGoOnAfterErrors = 0;  // as for a JPEG, what a damaged file has is shown
   if (!TIFFReadRGBAImage(tiff.get(), static_cast<std::uint32_t>(size.Width),
-                         static_cast<std::uint32_t>(size.Height), raster, kGoOnAfterErrors))
+                         static_cast<std::uint32_t>(size.Height), raster, kGoOnAfterErrors)) {
     return;
-  for (std::uint64_t i = 0; i < bitmapBytes / kBytesPerPixel; ++i)
+  }
+  for (std::uint64_t i = 0; i < bitmapBytes / kBytesPerPixel; ++i) {
     StoreColors(raster[i], &memory[i * kBytesPerPixel]);
+  }
   std::uint16_t compression = 0;
   std::uint16_t page = 0;
   std::uint16_t pages = 0;

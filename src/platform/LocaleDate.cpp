@@ -13,11 +13,11 @@
 namespace platform {
 namespace {
 
-constexpr int kYearsAhead = 20;  // that a year of two digits may lie in the future
+constexpr int kYearsAhead = 20;  // how far in the future a two-digit year may be
 constexpr int kShortestMonthName = 3;
 constexpr qsizetype kLongestText = 100;
 
-/// The user's locale for dates, which may be another one than that of the texts.
+/// The user's locale for dates. It may differ from the locale of the texts.
 std::string NameOfUsersLocale() {
   for (const char* variable : {"LC_ALL", "LC_TIME", "LANG"}) {
     const char* value = std::getenv(variable);
@@ -30,7 +30,7 @@ QLocale LocaleOf(const std::string& name) {
   return QLocale(QString::fromStdString(name.empty() ? NameOfUsersLocale() : name));
 }
 
-/// Letters without case and accents, so that "aout" is "août".
+/// Letters without case and accents: "aout" equals "août".
 QString Fold(const QString& word) {
   QString folded;
   for (const QChar c : word.normalized(QString::NormalizationForm_KD)) {
@@ -99,8 +99,8 @@ QString LiteralsOf(const QString& format) {
   return literals;
 }
 
-/// The words that a date may hold, of one language and of English. A word can be a month and a day of the
-/// week at once: French "mar." is a Tuesday, and the beginning of March.
+/// The words that a date may contain, in one language and in English. A word can mean a month and a day of
+/// the week: French "mar." is Tuesday, and also the beginning of March.
 class CDateWords {
  public:
   explicit CDateWords(const QLocale& locale) {
@@ -116,7 +116,7 @@ class CDateWords {
   bool IsFiller(const QString& word) const { return Fillers.contains(word) || IsWeekday(word); }
   bool IsWeekday(const QString& word) const { return Weekdays.contains(word); }
 
-  /// 1 to 12; 0 if the word is no month or the beginning of several.
+  /// 1 to 12; 0 if the word isn't a month, or is the beginning of several.
   int FindMonth(const QString& word) const {
     int found = 0;
     for (const Name& name : Months) {
@@ -145,7 +145,7 @@ class CDateWords {
     }
   }
 
-  /// A name with a number in it, "8月", leaves the number to be read as one.
+  /// A month name that contains a number, such as "8月", is read as that number.
   void AddMonth(const QString& name, int month) {
     const auto tokens = Divide(name);
     if (tokens && tokens->size() == 1 && !tokens->front().IsNumber()) {
@@ -160,8 +160,8 @@ class CDateWords {
   QStringList Fillers;
 };
 
-/// The month that the words name: 1 to 12, or 0 if none does. None if there is a word that is no part of a
-/// date, or if they name several months.
+/// The month that the words name: 1 to 12, or 0 if there is none. nullopt if a word isn't part of a date, or
+/// if the words name several months.
 std::optional<int> FindNamedMonth(const QStringList& typed, const CDateWords& words) {
   int named = 0;      // by a word that can't be a day of the week
   int uncertain = 0;  // by one that can

@@ -18,17 +18,17 @@ struct CalendarDate {
 
 enum class DateOrder { DayMonthYear, MonthDayYear, YearMonthDay };
 
-/// The order of the fields in short dates. Without a locale, as in "C", it is that of English in the USA.
+/// The order of the fields in short dates. Without a locale, as in "C", the order of US English.
 DateOrder GetDateOrder(const std::string& locale = {});
 
 /// What stands between the fields of short dates, "/" or "." for example.
 std::string GetDateSeparator(const std::string& locale = {});
 
 /// Reads a typed date. Its fields stand in the locale's order, between any separators, or with four digits
-/// of a year in front, or as eight digits; a month can be a name or its beginning, of the locale or English,
-/// and then stands anywhere. A year of one or two digits is the one from 79 years before to 20 years behind
-/// `thisYear`. A day of the week is passed over,
-/// also one whose short name is a month's too. None for what can't be read or a day that doesn't exist.
+/// of a year in front, or as eight digits. A month can be a name or its beginning, in the locale's language
+/// or in English, at any place. A year of one or two digits lies between 79 years before and 20 years after
+/// `thisYear`. The day of the week is ignored, even if its short name is also that of a month. nullopt if the
+/// text can't be read or the day doesn't exist.
 std::optional<CalendarDate> ReadDate(std::string_view text, int thisYear, const std::string& locale = {});
 
 }  // namespace platform

@@ -90,8 +90,9 @@ std::string HomeFolder() {
   std::array<char, 4096> buffer{};
   passwd entry{};
   passwd* found = nullptr;
-  if (::getpwuid_r(::getuid(), &entry, buffer.data(), buffer.size(), &found) != 0 || found == nullptr)
+  if (::getpwuid_r(::getuid(), &entry, buffer.data(), buffer.size(), &found) != 0 || found == nullptr) {
     return {};
+  }
   return WithoutSlash(found->pw_dir);
 }
 

@@ -10,9 +10,9 @@
 namespace platform {
 namespace {
 
-constexpr char16_t kFirstMark = 0x300;  // all characters before are composed and stay so
+constexpr char16_t kFirstMark = 0x300;  // all characters before this one are composed already
 
-/// The text in small letters, if it is ASCII. Bytes beyond come out as they are.
+/// The text in lower case, if it is ASCII. Other bytes stay as they are.
 bool FoldAscii(std::string_view text, std::string& folded) {
   folded.resize(text.size());
   unsigned char all = 0;
@@ -29,7 +29,7 @@ bool IsStrayByte(std::string_view text, std::size_t offset) {
   return static_cast<unsigned char>(text[offset]) >= 0x80 && CharacterLength(text, offset) == 1;
 }
 
-/// Appends the text with its whole characters changed, each run of them between stray bytes by itself.
+/// Appends the text with `change` applied to each run of valid UTF-8; invalid bytes are copied.
 void AppendChanged(std::string_view text, QString (*change)(QString), std::string& result) {
   const auto append = [&](std::string_view run) {
     const QString whole = QString::fromUtf8(run.data(), static_cast<qsizetype>(run.size()));
@@ -52,7 +52,7 @@ QString Composed(QString text) {
   return isSurelyComposed ? text : text.normalized(QString::NormalizationForm_C);
 }
 
-/// Each character by itself: "ß" is a letter of its own, and no two of "s".
+/// Folds each character separately, so "ß" stays one letter and doesn't become "ss".
 QString FoldedCharacters(QString text) {
   QChar* const end = text.end();
   for (QChar* unit = text.begin(); unit != end; ++unit) {
@@ -60,7 +60,7 @@ QString FoldedCharacters(QString text) {
       *unit = unit->toCaseFolded();
       continue;
     }
-    // Both cases of a letter take two units, if one does.
+    // If one case of a letter takes two UTF-16 units, the other does too.
     const char32_t folded = QChar::toCaseFolded(QChar::surrogateToUcs4(unit[0], unit[1]));
     *unit++ = QChar(QChar::highSurrogate(folded));
     *unit = QChar(QChar::lowSurrogate(folded));
@@ -69,16 +69,16 @@ QString FoldedCharacters(QString text) {
 }
 
 QString Folded(QString text) {
-  // A capital letter with a mark may be two characters where the small one is a single one.
+  // An upper-case letter with a mark may be two characters where the lower-case one is a single one.
   return Composed(FoldedCharacters(Composed(std::move(text))));
 }
 
-/// Without the accents above and below. Marks that are vowels stay.
+/// Removes accents. Combining vowels stay.
 QString WithoutAccents(QString text) {
   constexpr unsigned char kFirstAccentClass = 200;
   QString parts = text.normalized(QString::NormalizationForm_D);
   parts.removeIf([](QChar c) { return c.combiningClass() >= kFirstAccentClass; });
-  // A mark by itself is all that is there.
+  // The text is a single mark: keep it.
   return parts.isEmpty() ? text : parts.normalized(QString::NormalizationForm_C);
 }
 
@@ -101,7 +101,7 @@ bool EqualLetters(std::string_view a, std::string_view b) {
 }
 
 std::string GetFirstLetter(std::string_view text) {
-  // Only what isn't ASCII can make one letter of the first two characters.
+  // Two ASCII characters never make one letter.
   if (IsAscii(text.substr(0, 2))) return FoldLetters(text.substr(0, 1));
   const std::string folded = FoldLetters(text);
   return std::string(FirstCharacter(folded));

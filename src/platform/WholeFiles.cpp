@@ -258,8 +258,9 @@ std::error_code WriteFileAtomically(const std::string& path, const void* bytes, 
   const unsigned mode = replaces ? 0600U : kNewFileMode;
   if (const auto error = temporary.Create(FolderPart(target), kUnfinishedPrefix, mode)) return error;
   if (replaces) {
-    if (const auto error = TakeOverRights(temporary.GetFile(), temporary.GetPath(), target, old))
+    if (const auto error = TakeOverRights(temporary.GetFile(), temporary.GetPath(), target, old)) {
       return error;
+    }
   }
   if (const auto error = WriteAll(temporary.GetFile(), temporary.GetPath(), bytes, size)) return error;
   if (const auto error = FlushAndClose(temporary)) return error;

@@ -46,8 +46,9 @@ std::uint32_t GetCrc32(std::string_view bytes) {
 
 /// The first letter of the text, whatever its case, as a number; 0 for an empty text.
 std::int32_t GetInitial(std::string_view text) {
-  if (text.size() > 1 && text[0] >= 'a' && text[0] <= 'z' && platform::IsAscii(text.substr(1, 1)))
+  if (text.size() > 1 && text[0] >= 'a' && text[0] <= 'z' && platform::IsAscii(text.substr(1, 1))) {
     return text[0];
+  }
   // The bytes of the character, high to low, so that stray bytes have a number too.
   std::uint32_t initial = 0;
   for (const char byte : platform::GetFirstLetter(text)) {

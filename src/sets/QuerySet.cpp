@@ -141,8 +141,9 @@ void CQuerySet::Rebuild() {
   const CAssetIdSet matches = FindMatches();
   CGroupKeyFinder groupKeys(GetSortKind());
   std::vector<int> rows;  // none: as they are sorted
-  if (GetSortKind() == SortKind::Title && !AreAsciiTitles(Source))
+  if (GetSortKind() == SortKind::Title && !AreAsciiTitles(Source)) {
     rows = OrderByLetters(sorted, IsDescending());
+  }
   Members.clear();
   std::vector<std::string_view> folders;
   Members.reserve(static_cast<std::size_t>(sorted.GetSize()));

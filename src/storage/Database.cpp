@@ -26,8 +26,9 @@ class CScratchFile {
  public:
   CScratchFile() {
     const std::error_code error = platform::CreateTemporaryFile("", "vel", Path);
-    if (error)
+    if (error) {
       throw CDatabaseError(SQLITE_CANTOPEN, "no temporary file can be made (" + error.message() + ")");
+    }
   }
   ~CScratchFile() {
     // A file that stays in the temporary folder does no harm.

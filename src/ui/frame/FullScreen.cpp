@@ -39,7 +39,7 @@ void CFullScreenState::OnStateChanged() {
 
 void CFullScreenState::Settle() {
   if (Window.isFullScreen() == Wanted) return;
-  // The toolkit doesn't pass on a request for what it wrongly takes for the state.
+  // Qt ignores a request for the state that it believes the window is in already, even if it is wrong.
   if (!std::exchange(AskedAgain, true)) return Ask();
   if (!Window.isFullScreen()) End();
 }
@@ -52,7 +52,7 @@ CFullScreenTools::CFullScreenTools(QWidget& window, QWidget& photo, QWidget& row
     : Window(window), Photo(photo), Row(row), LastMousePoint(QCursor::pos()) {
   HideTimer.setSingleShot(true);
   QObject::connect(&HideTimer, &QTimer::timeout, &HideTimer, [this] { Hide(); });
-  // A timer without a delay comes after all events of the windowing system that are queued.
+  // A timer without a delay fires after all queued events of the windowing system.
   DropTimer.setSingleShot(true);
   DropTimer.setInterval(0);
 }

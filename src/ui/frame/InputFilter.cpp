@@ -17,7 +17,7 @@ CInputFilter::CInputFilter(QWidget& window, QWidget& panel, InputHandlers handle
 CInputFilter::~CInputFilter() { QCoreApplication::instance()->removeEventFilter(this); }
 
 bool CInputFilter::eventFilter(QObject* watched, QEvent* event) {
-  // The window of the system gets each key once, before its widgets do.
+  // The native window gets each key once, before the widgets do.
   const bool isKey = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease;
   if (isKey && watched->isWindowType() &&
       !AdmitKey(static_cast<QWindow&>(*watched), static_cast<QKeyEvent&>(*event))) {
@@ -26,7 +26,7 @@ bool CInputFilter::eventFilter(QObject* watched, QEvent* event) {
   if (Blocked && IsInput(event->type()) && IsOfWindow(watched)) return true;
   switch (event->type()) {
     case QEvent::MouseMove:
-      // The window of the system gets every move, its widgets only those that they ask for.
+      // The native window gets every mouse move; widgets get only those that they track.
       if (watched == Window.windowHandle()) {
         Handlers.OnPointerMoved(static_cast<QMouseEvent*>(event)->globalPosition().toPoint());
       }

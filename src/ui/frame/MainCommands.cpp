@@ -33,7 +33,7 @@
 
 namespace {
 
-constexpr int kManyPhotos = 20;  // who has as many needs no tip
+constexpr int kManyPhotos = 20;  // a user with more photos gets no tip
 constexpr const char* kDoNotShowTipSetting = "DontShowAddFolderTip";
 constexpr int kQuarterRight = 90;  // degrees clockwise
 constexpr int kQuarterLeft = 270;

@@ -151,16 +151,16 @@ void CMainFrame::OnCommand(CommandId id) {
 void CMainFrame::Run(CommandId id) {
   const Command* command = FindCommand(id);
   if (command == nullptr || command->Run == nullptr) return;
-  // All that isn't a move acts on the photo that the strip is about to rest on.
+  // All commands but moves act on the photo at which the strip will stop.
   const bool isMove = command->Held == KeyHeld::MovesStrip;
   if (!isMove) GetStrip().AnnounceNow();
   (Commands.*command->Run)(id);
-  // What is typed into an open field next belongs to the photo moved to.
+  // Text typed into the open field from now on belongs to the new photo.
   if (isMove && Parts.PhotoBack->IsEditing()) GetStrip().AnnounceNow();
 }
 
 void CMainFrame::OnCurrentPhotoChanged(const CAssetRecord* record) {
-  Parts.PhotoBack->CommitEdits();  // to the photo that is left
+  Parts.PhotoBack->CommitEdits();  // to the previous photo
   const CWaitCursor waiting;
   const auto photo = record != nullptr ? std::optional<CAssetRecord>(*record) : std::nullopt;
   Parts.PhotoView->SetPhoto(photo);
@@ -174,7 +174,7 @@ void CMainFrame::RefreshStrip(StripPosition position) { GetStrip().Refresh(stati
 void CMainFrame::MoveStrip(int index) { GetStrip().MoveTo(index); }
 
 void CMainFrame::OnEditBegins() {
-  // What is typed belongs to the photo under the lens, which stays there.
+  // The typed text belongs to the photo under the lens, so that photo stays there.
   StopSlideShow();
   GetStrip().AnnounceNow();
 }
@@ -188,7 +188,7 @@ void CMainFrame::PrepareForSearch() {
 }
 
 void CMainFrame::OnStampChanged(StampId type) {
-  // While the current photo changes this is still the photo that is left.
+  // While the current photo changes, this is still the previous one.
   if (const auto& photo = Parts.PhotoView->GetPhoto()) GetStrip().StampChanged(type, photo->GetAssetID());
 }
 
@@ -205,7 +205,7 @@ void CMainFrame::OnPhotoChanged() {
   Parts.PhotoBack->UpdateFormat();
   UpdateCommands();
   GetStrip().RedrawCurrentThumbnail();  // the old one has been forgotten
-  photo.MakeThumbnail();                // late, for the disk may refuse it
+  photo.MakeThumbnail();                // last, since writing it may fail
   GetStrip().RedrawCurrentThumbnail();
   DropMouseMoves();
 }
@@ -293,7 +293,7 @@ void CMainFrame::closeEvent(QCloseEvent* event) {
   if (!IsJobRunning()) {
     if (Parts.PhotoBack) {
       Parts.PhotoBack->CommitEdits();
-      // A refused write is told by an event, which must not be lost with the loop.
+      // A failed write is reported by an event; that event must not be lost when the loop ends.
       QCoreApplication::sendPostedEvents(QCoreApplication::instance(), QEvent::MetaCall);
     }
     if (CApplication* application = CApplication::GetInstance()) application->EndLoop(kNormalExitCode);
@@ -331,7 +331,7 @@ void CMainFrame::changeEvent(QEvent* event) {
 }
 
 void CMainFrame::keyPressEvent(QKeyEvent* event) {
-  // A key that a field has let pass is none of the window's.
+  // A key that an open field ignored isn't a command of the window.
   if (!hasFocus()) return QWidget::keyPressEvent(event);
   const KeyChord chord = ReadKeyChord(*event);
   const bool isRepeat = InputFilter && InputFilter->IsRepeat(*event);
@@ -345,7 +345,7 @@ void CMainFrame::keyPressEvent(QKeyEvent* event) {
 
 void CMainFrame::OnKey(const Command& command, bool isRepeat) {
   if (isRepeat && command.Held == KeyHeld::Nothing) return;
-  if (!isRepeat) GetStrip().FinishMove();  // every press counts; what a held key adds is merged
+  if (!isRepeat) GetStrip().FinishMove();  // every press counts; repeats of a held key are merged
   OnCommand(command.Id);
 }
 
@@ -356,7 +356,7 @@ void CMainFrame::OnSpace(bool backward, bool isRepeat) {
 }
 
 void CMainFrame::wheelEvent(QWheelEvent* event) {
-  // It stays with an open editor, also past the end of its text.
+  // The wheel scrolls an open editor and does nothing else, even at the end of its text.
   WheelTravel = IsEditing() ? 0 : WheelTravel + event->angleDelta().y();
   const int steps = WheelTravel / kWheelStep;
   WheelTravel -= steps * kWheelStep;

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int kLongRange = 10;  // photos that take a moment to mark
+constexpr int kLongRange = 10;  // marking more photos than this takes noticeable time
 
 struct TabFlag {
   ViewTabId Tab;
@@ -24,7 +24,7 @@ constexpr TabFlag kTabFlags[] = {{ViewTabId::Upload, PhotoFlag::ToRemotePrint, 0
 
 const TabFlag& GetTabFlag(ViewTabId tab) { return tab == ViewTabId::Email ? kTabFlags[1] : kTabFlags[0]; }
 
-/// The new state.
+/// Returns the new state.
 bool ToggleFlag(CAssetRecord photo, PhotoFlag flag) {
   const bool on = !photo.GetFlag(flag);
   photo.SetFlag(flag, on);

@@ -13,7 +13,7 @@ struct Slot {
   int Gap;
   CommandId Id;
   PictureId Picture;
-  PictureId Changed{};  // the picture while IsChanged holds
+  PictureId Changed{};  // the picture while IsChanged() is true
   bool PhotoToolState::*IsChanged = nullptr;
 };
 constexpr Slot kSlots[] = {
