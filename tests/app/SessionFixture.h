@@ -6,21 +6,6 @@
 #include "support/Sql.h"
 #include "ui/HomeFixture.h"
 
-/// Reads one number from a database file, as any other program would; -1 if it can't be read.
-inline int ReadNumber(const std::string& path, const std::string& query) {
-  sqlite3* database = nullptr;
-  sqlite3_stmt* statement = nullptr;
-  int number = -1;
-  if (sqlite3_open_v2(path.c_str(), &database, SQLITE_OPEN_READWRITE, nullptr) == SQLITE_OK &&
-      sqlite3_prepare_v2(database, query.c_str(), -1, &statement, nullptr) == SQLITE_OK &&
-      sqlite3_step(statement) == SQLITE_ROW) {
-    number = sqlite3_column_int(statement, 0);
-  }
-  sqlite3_finalize(statement);
-  sqlite3_close(database);
-  return number;
-}
-
 /// A user with a data folder in a home of its own.
 class CSessionFixture : public CHomeFixture {
  protected:

@@ -26,21 +26,16 @@ Claimed Wait(std::future<Claimed> start) {
 
 }  // namespace
 
-TEST(SingleInstance, SecondHandsOverItsTokenAndGivesWay) {
+TEST(SingleInstance, SecondGivesWayToOneThatAnswersAndTakesOverFromOneThatEnds) {
   const CScratchFolder scratch;
   const CEnvironmentVariable token("XDG_ACTIVATION_TOKEN", "token-17");
-  CSingleInstance first(scratch.GetPath(), "");
+  auto first = std::make_unique<CSingleInstance>(scratch.GetPath(), "");
   QByteArray received;
-  first.OnAnotherStart = [&](const QByteArray& given) { received = given; };
-  ASSERT_EQ(first.Claim(), Claimed::ByThis);
+  first->OnAnotherStart = [&](const QByteArray& given) { received = given; };
+  ASSERT_EQ(first->Claim(), Claimed::ByThis);
   EXPECT_EQ(Wait(StartAnother(scratch.GetPath())), Claimed::ByOneInFront);
   EXPECT_EQ(received, "token-17");
-}
 
-TEST(SingleInstance, FirstThatDoesNotAnswerIsNotWaitedForLong) {
-  const CScratchFolder scratch;
-  CSingleInstance first(scratch.GetPath(), "");
-  ASSERT_EQ(first.Claim(), Claimed::ByThis);
   QElapsedTimer timer;
   timer.start();
   CSingleInstance second(scratch.GetPath(), "");  // on this thread, so the first one can't answer
@@ -48,16 +43,11 @@ TEST(SingleInstance, FirstThatDoesNotAnswerIsNotWaitedForLong) {
   EXPECT_EQ(second.GetHolder(), "process " + std::to_string(::getpid()));
   EXPECT_GE(timer.elapsed(), 2000);
   EXPECT_LT(timer.elapsed(), 6000);
-}
 
-TEST(SingleInstance, TakesOverFromOneThatEndsMeanwhile) {
-  const CScratchFolder scratch;
-  auto first = std::make_unique<CSingleInstance>(scratch.GetPath(), "");
-  ASSERT_EQ(first->Claim(), Claimed::ByThis);
-  std::future<Claimed> second = StartAnother(scratch.GetPath());
+  std::future<Claimed> third = StartAnother(scratch.GetPath());
   QThread::msleep(200);  // without an event loop: no answer
   first.reset();
-  EXPECT_EQ(Wait(std::move(second)), Claimed::ByThis);
+  EXPECT_EQ(Wait(std::move(third)), Claimed::ByThis);
 }
 
 TEST(SingleInstance, OneHoldsACatalogForAllSessions) {

@@ -10,6 +10,7 @@
 inline std::vector<std::string> RunSql(const std::string& path, const std::string& statements) {
   sqlite3* database = nullptr;
   EXPECT_EQ(sqlite3_open(path.c_str(), &database), SQLITE_OK);
+  sqlite3_busy_timeout(database, 5000);
   std::vector<std::string> rows;
   const auto collect = [](void* out, int columns, char** values, char**) {
     std::string row;
