@@ -1,4 +1,3 @@
-#include <QMouseEvent>
 #include <thread>
 
 #include "sets/QuerySet.h"
@@ -103,15 +102,6 @@ class Filmstrip : public CCatalogFixture {
   void Click(QPoint point, Qt::KeyboardModifiers keys = {}) {
     QTest::mouseClick(&Strip, Qt::LeftButton, keys, point);
   }
-  static void Point(QWidget& widget, QPoint point, Qt::MouseButtons held = Qt::NoButton) {
-    QMouseEvent move(QEvent::MouseMove, point, widget.mapToGlobal(point), Qt::NoButton, held, Qt::NoModifier);
-    QCoreApplication::sendEvent(&widget, &move);
-  }
-  static void Leave(QWidget& widget) {
-    QEvent leave(QEvent::Leave);
-    QCoreApplication::sendEvent(&widget, &leave);
-  }
-  QWidget& Find(const char* name) { return *Window.findChild<QWidget*>(QLatin1String(name)); }
 
   const CFontTable Fonts{false};
   std::unique_ptr<CPhotoSet> Set;
@@ -124,22 +114,19 @@ class Filmstrip : public CCatalogFixture {
 
 TEST_F(Filmstrip, SlideTakesItsTimeAndTellsOfThePhotoWhenItHasRested) {
   Begin(30, 10);
-  const QImage before = Painted(Strip);
   QElapsedTimer clock;
   clock.start();
   Strip.MoveBy(1);
-  bool between = false;
-  ASSERT_TRUE(QTest::qWaitFor([&] {
-    if (Strip.GetCurrentIndex() == 11) return true;
-    between = between || Painted(Strip) != before;
-    return false;
-  }));
-  EXPECT_TRUE(between) << "the cells pass by";
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Strip.GetCurrentIndex() == 11; }));
   EXPECT_GE(clock.elapsed(), kSlideTime);
   EXPECT_TRUE(Host.Shown.empty());
   ASSERT_TRUE(WaitForPhoto());
   EXPECT_GE(clock.elapsed(), kSlideTime + 50);
-  EXPECT_EQ(Host.Shown, std::vector{IdAt(11)});
+  for (const int delta : {1, 3, -2, -1}) Strip.MoveBy(delta);
+  ASSERT_TRUE(WaitForPhoto(2));
+  EXPECT_EQ(Host.Shown, (std::vector{IdAt(11), IdAt(10)})) << "the last move replaces what was put off";
+  Strip.MoveBy(kVisible + 1);
+  EXPECT_EQ(Host.Shown.back(), IdAt(10 + kVisible + 1)) << "farther than the cache reaches is a jump";
 }
 
 TEST_F(Filmstrip, NoCellIsPaintedOrReadTwice) {
@@ -178,15 +165,6 @@ TEST_F(Filmstrip, HeldKeySlidesOnLoadsNothingAndStopsWhenLetGo) {
   EXPECT_EQ(Host.Shown, std::vector{IdAt(Strip.GetCurrentIndex())});
 }
 
-TEST_F(Filmstrip, OtherDirectionReplacesTheMoveThatWasPutOff) {
-  Begin(30, 10);
-  for (const int delta : {1, 3, -2, -1}) Strip.MoveBy(delta);
-  ASSERT_TRUE(WaitForPhoto());
-  EXPECT_EQ(Host.Shown, std::vector{IdAt(9)});
-  Strip.MoveBy(kVisible + 1);
-  EXPECT_EQ(Host.Shown.back(), IdAt(9 + kVisible + 1)) << "farther than the cache reaches is a jump";
-}
-
 TEST_F(Filmstrip, WhatIsAskedDuringASlideActsOnTheStripAtRest) {
   Begin(30, 10);
   Strip.MoveBy(1);
@@ -213,29 +191,12 @@ TEST_F(Filmstrip, WhatIsAskedDuringASlideActsOnTheStripAtRest) {
   EXPECT_EQ(IdAt(6), next);
 }
 
-TEST_F(Filmstrip, NothingLeadsOutOfTheSet) {
-  Begin(4, 2);
-  Strip.MoveBy(2);
-  Strip.MoveBy(-3);
-  Strip.MoveTo(4);
-  Strip.MoveTo(-5);
-  EXPECT_TRUE(Host.Shown.empty());
-  Strip.MovePage(false);
-  ASSERT_TRUE(WaitForPhoto());
-  EXPECT_EQ(Strip.GetCurrentIndex(), 3);
-  Strip.MovePage(true);
-  Strip.MovePage(true);
-  ASSERT_TRUE(WaitForPhoto(2));
-  EXPECT_EQ(Strip.GetCurrentIndex(), 0);
-}
-
 TEST_F(Filmstrip, HiddenStripMovesAtOnceAndThenAtItsPace) {
   Begin(100, 50);
   Window.hide();
-  Strip.MoveBy(1);
-  EXPECT_EQ(Host.Shown, std::vector{IdAt(51)}) << "nobody sees a slide";
   for (int repeats = 0; repeats < 5; ++repeats) Strip.MoveBy(1);
-  EXPECT_EQ(Host.Shown.size(), 1U) << "a held key runs no faster";
+  EXPECT_EQ(Host.Shown, std::vector{IdAt(51)})
+      << "at once, as nobody sees a slide; a held key runs no faster";
   EXPECT_TRUE(QTest::qWaitFor([&] { return Host.Shown == std::vector{IdAt(51), IdAt(52)}; }, 2000));
   Strip.MoveBy(1);
   Strip.FinishMove();
@@ -243,21 +204,27 @@ TEST_F(Filmstrip, HiddenStripMovesAtOnceAndThenAtItsPace) {
   EXPECT_EQ(Host.Shown.back(), IdAt(53)) << "a press ends the pause";
 }
 
-TEST_F(Filmstrip, SlideShowStepsTellsAtOnceAndGoesRound) {
+TEST_F(Filmstrip, OnlyTheSlideShowGoesRound) {
   Begin(4, 2);
+  Strip.MoveBy(2);
+  Strip.MoveBy(-3);
+  Strip.MoveTo(4);
+  EXPECT_TRUE(Host.Shown.empty()) << "nothing leads out of the set";
+  Strip.MovePage(true);
+  ASSERT_TRUE(WaitForPhoto());
+  EXPECT_EQ(Strip.GetCurrentIndex(), 0);
+  Strip.MovePage(false);
+  ASSERT_TRUE(WaitForPhoto(2));
   EXPECT_TRUE(Strip.StartSlideShow());
   EXPECT_TRUE(Strip.StartSlideShow());
   QElapsedTimer clock;
   clock.start();
-  ASSERT_TRUE(WaitForPhoto());
-  EXPECT_LT(clock.elapsed(), 1500);
-  ASSERT_TRUE(WaitForPhoto(2));
+  ASSERT_TRUE(WaitForPhoto(4));
   EXPECT_GE(clock.elapsed(), 1500);
-  EXPECT_EQ(Host.Shown, (std::vector{IdAt(3), IdAt(0)})) << "from the last photo to the first";
+  EXPECT_EQ(Host.Shown, (std::vector{IdAt(0), IdAt(3), IdAt(0), IdAt(1)}));
   EXPECT_TRUE(Strip.IsSlideShowRunning());
   Click(CellPoint(1));
   EXPECT_FALSE(Strip.IsSlideShowRunning());
-  Strip.StopSlideShow();
   EXPECT_EQ(Host.ShowChanges, 2);
 }
 
@@ -307,74 +274,24 @@ TEST_F(Filmstrip, RemovingThePhotoGoesToItsNeighbourAndAtLastToNone) {
   EXPECT_EQ(Strip.accessibleDescription(), "2 of 3, IMG_1.jpg");
   Set->RemoveAt(2);
   Set->SetGuest(expected[0]);
-  for (int i = 0; i < 4; ++i) {
-    EXPECT_EQ(Find("LensTop").isHidden(), i == 3);
-    Strip.RemoveCurrent();
-  }
+  Strip.StartSlideShow();
+  Strip.MoveTo(1);
+  Host.Shown.clear();
+  for (int i = 0; i < 4; ++i) Strip.RemoveCurrent();
   EXPECT_EQ(Host.Shown, expected);
   EXPECT_EQ(Set->GetGuest(), -1) << "a guest that was removed is none";
   EXPECT_TRUE(Strip.isHidden());
-}
-
-TEST_F(Filmstrip, EmptySetEndsTheShowAndComesBack) {
-  Begin(5, 2);
-  Strip.StartSlideShow();
-  Set->SetTextFilter("no such text");
-  Set->Rebuild();
-  Strip.Refresh(CFilmstrip::kKeepPhoto);
-  EXPECT_EQ(Host.Shown, std::vector{-1});
   EXPECT_EQ(Strip.GetCurrentRecord(), nullptr);
   EXPECT_FALSE(Strip.IsSlideShowRunning() || Strip.StartSlideShow());
-  Set->ClearTextFilter();
   Set->Rebuild();
   Strip.Refresh(CFilmstrip::kKeepPhoto);
   EXPECT_EQ(Host.Shown.back(), IdAt(0));
   EXPECT_TRUE(Strip.isVisible());
 }
 
-TEST_F(Filmstrip, ChangedPhotoIsPaintedAnewWhenTheStripIsTold) {
-  Begin(5, 2);
-  Sort(SortKind::Rating);
-  Strip.Refresh(CFilmstrip::kKeepPhoto);
-  QImage before = Painted(Strip);
-  StoreThumbnail(IdAt(2), Qt::white);
-  Strip.RedrawCurrentThumbnail();
-  EXPECT_NE(Painted(Strip).copy(0, 0, 1000, 110), before.copy(0, 0, 1000, 110));
-  before = Painted(Strip);
-  Set->GetAsset(3).SetFlag(PhotoFlag::ToEmail, true);
-  Strip.RedrawBand(3, 1);
-  EXPECT_NE(Painted(Strip), before);
-  before = Painted(Strip);
-  Strip.GetCurrentRecord()->GetStamps(StampId::Rating).SetNumber(0, 0);
-  Strip.StampChanged(StampId::Date, IdAt(2));
-  EXPECT_EQ(Painted(Strip), before);
-  Strip.StampChanged(StampId::Rating, IdAt(2));
-  EXPECT_NE(Painted(Strip), before);
-}
-
-TEST_F(Filmstrip, ClickOnACellSlidesItUnderTheLens) {
-  Begin(13, 10);
-  Click(CellPoint(0));
-  Click(QPoint(CellPoint(2).x(), 118));  // its label
-  Click(CellPoint(3));                   // behind the last photo
-  QTest::mouseClick(&Strip, Qt::RightButton, {}, CellPoint(2));
-  Click(CellPoint(-3));
-  ASSERT_TRUE(WaitForPhoto());
-  EXPECT_EQ(Host.Shown, std::vector{IdAt(7)});
-}
-
-TEST_F(Filmstrip, MarksLightUpAndToggleInTheirTabs) {
+TEST_F(Filmstrip, MarksToggleInTheirTabs) {
   Begin(30, 10);
   const QImage plain = Painted(Strip);
-  Point(Strip, MarkPoint(1, 0));
-  const QImage first = Painted(Strip);
-  EXPECT_NE(first, plain);
-  Point(Strip, MarkPoint(1, 1));
-  EXPECT_NE(Painted(Strip), first);
-  Leave(Strip);
-  EXPECT_EQ(Painted(Strip), plain);
-  Point(Strip, MarkPoint(1, 0), Qt::LeftButton);
-  EXPECT_EQ(Painted(Strip), plain) << "the button went down elsewhere";
   Click(MarkPoint(0, 0));
   Click(MarkPoint(-2, 1), Qt::ShiftModifier);
   QTest::mouseDClick(&Strip, Qt::LeftButton, {}, MarkPoint(0, 0));
@@ -384,21 +301,23 @@ TEST_F(Filmstrip, MarksLightUpAndToggleInTheirTabs) {
   EXPECT_NE(Painted(Strip), plain) << "shown at once";
 }
 
-TEST_F(Filmstrip, DoubleClickUnderTheLensOpensThePhoto) {
-  Begin(30, 10);
+TEST_F(Filmstrip, ClickSlidesACellUnderTheLensAndDoubleClickThereOpensIt) {
+  Begin(13, 10);
+  Click(QPoint(CellPoint(2).x(), 118));  // its label
+  Click(CellPoint(3));                   // behind the last photo
   QTest::mouseDClick(&Strip, Qt::LeftButton, {}, QPoint(CellPoint(0).x(), 118));
-  Click(CellPoint(1));
-  QTest::mouseDClick(&Strip, Qt::LeftButton, {}, CellPoint(1));
-  EXPECT_TRUE(Host.Selected.empty());
+  Click(CellPoint(-3));
+  QTest::mouseDClick(&Strip, Qt::LeftButton, {}, CellPoint(-3));
   ASSERT_TRUE(WaitForPhoto());
-  EXPECT_EQ(Strip.GetCurrentIndex(), 11) << "one move";
+  EXPECT_EQ(Host.Shown, std::vector{IdAt(7)}) << "one move";
+  EXPECT_TRUE(Host.Selected.empty());
   QTest::mouseDClick(&Strip, Qt::LeftButton, {}, CellPoint(0));
   EXPECT_EQ(Host.Selected, std::vector{ViewTabId::CurrentPhoto});
 }
 
 TEST_F(Filmstrip, NoQuickClickOnALensButtonIsLost) {
   Begin(30, 10);
-  QList<CPaintedButton*> buttons = Find("LensBottom").findChildren<CPaintedButton*>();
+  QList<CPaintedButton*> buttons = Window.findChild<QWidget*>("LensBottom")->findChildren<CPaintedButton*>();
   std::sort(buttons.begin(), buttons.end(), [](auto* left, auto* right) { return left->x() < right->x(); });
   for (CPaintedButton* button : buttons) QTest::mouseClick(button, Qt::LeftButton);
   EXPECT_EQ(Host.Commands, (std::vector{CommandId::PreviousGroup, CommandId::PreviousPhoto,
@@ -409,23 +328,13 @@ TEST_F(Filmstrip, NoQuickClickOnALensButtonIsLost) {
   EXPECT_EQ(Strip.GetCurrentIndex(), 18);
 }
 
-TEST_F(Filmstrip, PressOnABarJumpsAndThePointerShowsTheLabelThere) {
+TEST_F(Filmstrip, PressOnABarJumpsAndEndsTheShow) {
   Begin(101, 50);
   Strip.StartSlideShow();
-  QWidget& right = Find("PushBarRight");
-  QWidget& tip = Find("PushBarTip");
-  Point(right, {30, 13});
-  EXPECT_TRUE(tip.isHidden()) << "photos in no order have no labels";
-  QTest::mousePress(&right, Qt::LeftButton, {}, {(right.width() - 12) / 4, 13});
+  auto* right = Window.findChild<QWidget*>("PushBarRight");
+  QTest::mousePress(right, Qt::LeftButton, {}, {(right->width() - 12) / 4, 13});
   EXPECT_FALSE(Strip.IsSlideShowRunning());
   EXPECT_NEAR(Strip.GetCurrentIndex(), 76, 1);
-  Sort(SortKind::Folder);
-  Strip.Refresh(0);
-  Point(right, {right.width() - 3, 13});
-  EXPECT_FALSE(tip.isHidden());
-  EXPECT_LE(tip.geometry().right(), Window.width()) << "pushed inside";
-  Leave(right);
-  EXPECT_TRUE(tip.isHidden());
 }
 
 TEST_F(Filmstrip, LabelsNameThePlaceInTheOrder) {
@@ -440,9 +349,7 @@ TEST_F(Filmstrip, LabelsNameThePlaceInTheOrder) {
   };
   EXPECT_EQ(label(SortKind::None, 0), "");
   EXPECT_EQ(label(SortKind::Month, 26), "Jan 2, 2003");
-  EXPECT_EQ(label(SortKind::Folder, 0), "in /nowhere/");
   EXPECT_EQ(label(SortKind::Title, 2), "R100.b");
-  EXPECT_EQ(label(SortKind::Rating, 0), "Not rated");
   EXPECT_EQ(label(SortKind::Rating, 0, true), "1 star");
   // The rolls' photos have numbers from 0 on.
   const std::string roll = "Roll " + std::to_string(Set->GetAsset(5).GetRollID() + 1);

@@ -59,6 +59,4 @@ TEST(PushBarLayout, PressFindsThePhotoThere) {
   for (const auto& [form, x, y, target] : cases)
     EXPECT_EQ(form.FindTarget({x, y}, 40, 100), target) << x << y;
   EXPECT_EQ((PushBarForm{BarSide::Left, 1.0, 412, 27, 0}).FindTarget({411, 13}, 0, 1), 0) << "no body";
-  EXPECT_EQ(GetRestPercent(99, 100), 100.0);
-  EXPECT_DOUBLE_EQ(GetSlidePercent(40, 101, -302, 151), 40 - 200.0 / 101);
 }
