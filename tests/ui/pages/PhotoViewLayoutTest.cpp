@@ -2,12 +2,6 @@
 
 #include "ui/pages/PhotoViewLayout.h"
 
-TEST(PhotoViewLayout, PhotoStandsInTheMiddleOfItsMargins) {
-  EXPECT_EQ(PhotoArea({400, 300}, 10), QRect(10, 10, 380, 280));
-  EXPECT_EQ(PlacePhoto({400, 300}, 10, {380, 100}, true), QRect(10, 100, 380, 100));
-  EXPECT_EQ(PlacePhoto({400, 300}, 10, {380, 100}, false), QRect(10, 10, 380, 100));
-}
-
 TEST(PhotoViewLayout, ReloadsOnlyWhatIsTooSmallAndHasMore) {
   const HeldPhoto reduced{{4000, 3000}, {500, 375}, {400, 300}};
   EXPECT_FALSE(NeedsReload(reduced, {400, 300}));
