@@ -8,7 +8,6 @@ import sys
 
 from desktop import NORMAL_EXIT, Desktop, make_photo, need
 
-NO_TIP = '"DontShowAddFolderTip"=dword:00000001'
 SORT_BY_ROLL = '"Sort"=dword:000000ea'
 CAPTION, SUBJECT = 2, 4
 
@@ -46,7 +45,7 @@ def read_stamps(desktop, kind):
 def main(program, photos=6):
     need("Xvfb", "openbox", "xdotool", "import", "cjpeg")
     with Desktop() as desktop:
-        desktop.set_settings(NO_TIP, SORT_BY_ROLL)
+        desktop.set_settings(SORT_BY_ROLL)
         for number in range(photos):
             make_photo(desktop.pictures / f"{number:02}.jpg", hue(number), (320, 240))
         child = desktop.start(program)

@@ -14,6 +14,7 @@ SKIPPED = 77  # what ctest takes for "could not be run here"
 TITLE = "^Vellumar Photo Organizer$"
 PATIENCE = 60  # seconds
 NORMAL_EXIT = 1
+NO_TIP = '"DontShowAddFolderTip"=dword:00000001'
 
 
 def need(*tools):
@@ -74,23 +75,20 @@ class Desktop:
             if not key.startswith(("XDG_", "QT_", "WAYLAND_", "VELLUMAR_"))
         }
         self.environment.update(HOME=str(self.home), XDG_RUNTIME_DIR=str(runtime), QT_QPA_PLATFORM="xcb")
-        self._set_sanitizers()
-        self.children = []
-        self.set_settings('"DontShowAddFolderTip"=dword:00000001')
-        self._start_display(size)
-
-    def set_settings(self, *lines):
-        """Gives the program these settings and no others."""
-        folder = self.home / ".config" / "Vellumar Photo Organizer"
-        folder.mkdir(parents=True, exist_ok=True)
-        (folder / "settings").write_text("".join(line + "\n" for line in lines))
-
-    def _set_sanitizers(self):
-        """Lets a sanitizer's finding be told from a normal exit, and passes over a leak of a system library."""
+        # A sanitizer's finding is told from a normal exit, and a leak of a system library is passed over.
         passed_over = self.folder / "leaks"
         passed_over.write_text("leak:libdbus-1\n")
         self.environment["ASAN_OPTIONS"] = "exitcode=99"
         self.environment["LSAN_OPTIONS"] = f"suppressions={passed_over}:print_suppressions=0"
+        self.children = []
+        self.set_settings()
+        self._start_display(size)
+
+    def set_settings(self, *lines):
+        """Gives the program these settings and no others, but for the tip at the start, which is not shown."""
+        folder = self.home / ".config" / "Vellumar Photo Organizer"
+        folder.mkdir(parents=True, exist_ok=True)
+        (folder / "settings").write_text("".join(line + "\n" for line in (NO_TIP, *lines)))
 
     def _start_display(self, size):
         reading, writing = os.pipe()

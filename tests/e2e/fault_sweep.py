@@ -17,7 +17,7 @@ import subprocess
 import sys
 import tempfile
 
-from desktop import NORMAL_EXIT, need
+from desktop import NO_TIP, NORMAL_EXIT, need
 
 HOWS = ["kill", "eio", "late", "full", "read"]
 # The command, and what the session is told to do before it and for it.
@@ -34,7 +34,6 @@ COMMANDS = {
 }
 CAPTION_TYPES = "select Filename, StampType, SortedString, IndexInt from Stamp join Asset using (AssetID)"
 HANGS = 124
-SETTINGS = '"DontShowAddFolderTip"=dword:00000001\n'
 
 
 def make_photo(path, seed):
@@ -55,6 +54,11 @@ def digest(data):
     return hashlib.sha1(bytes(data or b"")).hexdigest()[:8]
 
 
+def replace_folder(target, source):
+    shutil.rmtree(target, ignore_errors=True)
+    shutil.copytree(source, target, symlinks=True, ignore=shutil.ignore_patterns("run"))
+
+
 class Home:
     """A home folder, and what a person would find in it. The catalog holds whole paths, so a home is only ever
     used at one place."""
@@ -68,17 +72,7 @@ class Home:
         shutil.rmtree(self.folder, ignore_errors=True)
         settings = self.folder / ".config" / "Vellumar Photo Organizer" / "settings"
         settings.parent.mkdir(parents=True)
-        settings.write_text(SETTINGS)
-
-    def copy(self, source, target):
-        shutil.rmtree(target, ignore_errors=True)
-        shutil.copytree(source, target, symlinks=True, ignore=shutil.ignore_patterns("run"))
-
-    def keep(self, copy):
-        self.copy(self.folder, copy)
-
-    def bring_back(self, copy):
-        self.copy(copy, self.folder)
+        settings.write_text(NO_TIP + "\n")
 
     def run(self, session, command, **environment):
         runtime = self.folder / "run"
@@ -135,7 +129,7 @@ class Sweep:
             self.home.run(self.session, first)
         if command == "import":
             make_photo(self.home.pictures / "2.jpg", 2)
-        self.home.keep(self.kept)
+        replace_folder(self.kept, self.home.folder)
         before = self.home.look()
         self.home.run(self.session, then)
         self.home.run(self.session, "start")
@@ -143,7 +137,7 @@ class Sweep:
 
     def meet(self, command, how, call):
         """Runs the command with the fault. How the program ended, and the number of calls."""
-        self.home.bring_back(self.kept)
+        replace_folder(self.home.folder, self.kept)
         count = self.folder / "count"
         count.write_text("0")
         then = COMMANDS[command][1]

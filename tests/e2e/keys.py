@@ -12,7 +12,6 @@ from desktop import NORMAL_EXIT, Desktop, is_near, make_photo, need
 
 HUES = [(200, 40, 40), (40, 160, 50), (50, 70, 200), (210, 190, 30), (150, 50, 180), (30, 160, 170), (90, 90, 90)]
 SORT_BY_TITLE = '"Sort"=dword:000000e9'
-NO_TIP = '"DontShowAddFolderTip"=dword:00000001'
 CELL_PITCH = 151
 SCREEN = (1280, 900)
 STRIP_MIDDLE_Y = 900 - 156 + 50
@@ -115,7 +114,7 @@ def main(program, entries=8):
         desktop.wait_for_window(child)
         assert desktop.end(child) == NORMAL_EXIT
 
-        desktop.set_settings(SORT_BY_TITLE, NO_TIP)
+        desktop.set_settings(SORT_BY_TITLE)
         child = desktop.start(program)
         window = desktop.wait_for_window(child)
         mark_and_rate(desktop)

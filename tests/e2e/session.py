@@ -11,10 +11,6 @@ from desktop import NORMAL_EXIT, Desktop, make_photo, need
 HUES = [(200, 40, 40), (40, 160, 50), (50, 70, 200), (210, 190, 30), (150, 50, 180)]
 
 
-def check(condition, what):
-    assert condition, what
-
-
 def first_and_next_session(desktop, program):
     for number, hue in enumerate(HUES):
         make_photo(desktop.pictures / f"{number}.jpg", hue)
@@ -30,13 +26,13 @@ def first_and_next_session(desktop, program):
     desktop.wait_for_photo(HUES[4])
 
     second = desktop.start(program)
-    check(second.wait(20) == 0, "a second start must end with 0")
-    check(child.poll() is None, "the first one must go on")
+    assert second.wait(20) == 0, "a second start must end with 0"
+    assert child.poll() is None, "the first one must go on"
 
     desktop.press("alt+F4")
-    check(child.wait(20) == NORMAL_EXIT, f"a closed session must end with {NORMAL_EXIT}, not {child.returncode}")
+    assert child.wait(20) == NORMAL_EXIT, f"a closed session must end with {NORMAL_EXIT}, not {child.returncode}"
     rows = desktop.query("vellumar.db", "select Filename, RollID from Asset order by AssetID")
-    check(rows == [(f"{number}.jpg", 0) for number in range(len(HUES))], f"the catalog holds {rows}")
+    assert rows == [(f"{number}.jpg", 0) for number in range(len(HUES))], f"the catalog holds {rows}"
 
     make_photo(desktop.pictures / "new" / "5.jpg", (20, 150, 160))
     child = desktop.start(program)
@@ -44,15 +40,15 @@ def first_and_next_session(desktop, program):
     desktop.wait_for_photo((20, 150, 160))  # the session opens on the new roll
     desktop.press("Home")
     desktop.wait_for_photo(HUES[0])
-    check(desktop.end(child) == NORMAL_EXIT, "a stop signal must end the session in the normal way")
+    assert desktop.end(child) == NORMAL_EXIT, "a stop signal must end the session in the normal way"
 
     child = desktop.start(program)
     desktop.wait_for_window(child)
-    check(desktop.end(child) == NORMAL_EXIT, "the third session")
+    assert desktop.end(child) == NORMAL_EXIT, "the third session"
     rows = desktop.query("vellumar.db", "select count(*), max(RollID) from Asset")
-    check(rows == [(len(HUES) + 1, 1)], f"nothing was to be added: {rows}")
+    assert rows == [(len(HUES) + 1, 1)], f"nothing was to be added: {rows}"
     rows = desktop.query("vellumar.thumbs", "select count(*) from Cache where length(Thumbnail) > 0")
-    check(rows == [(len(HUES) + 1,)], f"thumbnails: {rows}")
+    assert rows == [(len(HUES) + 1,)], f"thumbnails: {rows}"
 
 
 def other_screens(program):
@@ -62,7 +58,7 @@ def other_screens(program):
             child = desktop.start(program, QT_SCALE_FACTOR=scale)
             desktop.wait_for_window(child)
             desktop.wait_for_photo(HUES[3])
-            check(desktop.end(child) == NORMAL_EXIT, f"a screen of {size} at {scale}")
+            assert desktop.end(child) == NORMAL_EXIT, f"a screen of {size} at {scale}"
 
 
 def main(program):

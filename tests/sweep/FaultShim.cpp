@@ -116,21 +116,7 @@ int open(const char* path, int flags, ...) {
   va_end(list);
   return OpenFile("openat", AT_FDCWD, path, flags, mode);
 }
-int open64(const char* path, int flags, ...) {
-  va_list list;
-  va_start(list, flags);
-  const mode_t mode = GetMode(flags, list);
-  va_end(list);
-  return OpenFile("openat", AT_FDCWD, path, flags, mode);
-}
 int openat(int folder, const char* path, int flags, ...) {
-  va_list list;
-  va_start(list, flags);
-  const mode_t mode = GetMode(flags, list);
-  va_end(list);
-  return OpenFile("openat", folder, path, flags, mode);
-}
-int openat64(int folder, const char* path, int flags, ...) {
   va_list list;
   va_start(list, flags);
   const mode_t mode = GetMode(flags, list);
@@ -144,22 +130,17 @@ ssize_t pwrite(int file, const void* bytes, size_t size, off_t at) {
   return Call<ssize_t(int, const void*, size_t, off_t)>(MeetCall(Kind::Growth, file), "pwrite", file, bytes,
                                                         size, at);
 }
-ssize_t pwrite64(int file, const void* bytes, size_t size, off64_t at) {
-  return pwrite(file, bytes, size, at);
-}
 ssize_t read(int file, void* bytes, size_t size) {
   return Call<ssize_t(int, void*, size_t)>(MeetCall(Kind::Read, file), "read", file, bytes, size);
 }
 ssize_t pread(int file, void* bytes, size_t size, off_t at) {
   return Call<ssize_t(int, void*, size_t, off_t)>(MeetCall(Kind::Read, file), "pread", file, bytes, size, at);
 }
-ssize_t pread64(int file, void* bytes, size_t size, off64_t at) { return pread(file, bytes, size, at); }
 int fsync(int file) { return Call<int(int)>(MeetCall(Kind::Change, file), "fsync", file); }
 int fdatasync(int file) { return Call<int(int)>(MeetCall(Kind::Change, file), "fdatasync", file); }
 int ftruncate(int file, off_t size) {
   return Call<int(int, off_t)>(MeetCall(Kind::Change, file), "ftruncate", file, size);
 }
-int ftruncate64(int file, off64_t size) { return ftruncate(file, size); }
 int fchmod(int file, mode_t mode) {
   return Call<int(int, mode_t)>(MeetCall(Kind::Change, file), "fchmod", file, mode);
 }
@@ -186,4 +167,11 @@ int linkat(int fromFolder, const char* from, int toFolder, const char* to, int f
   return Call<int(int, const char*, int, const char*, int)>(MeetCall(Kind::Change, toFolder, to), "linkat",
                                                             fromFolder, from, toFolder, to, flags);
 }
+
+// Sizes have 64 bits under either name.
+int open64(const char*, int, ...) __attribute__((alias("open")));
+int openat64(int, const char*, int, ...) __attribute__((alias("openat")));
+ssize_t pwrite64(int, const void*, size_t, off64_t) __attribute__((alias("pwrite")));
+ssize_t pread64(int, void*, size_t, off64_t) __attribute__((alias("pread")));
+int ftruncate64(int, off64_t) __attribute__((alias("ftruncate")));
 }
