@@ -3,7 +3,7 @@
 #include "base/Exceptions.h"
 #include "catalog/Catalog.h"
 #include "catalog/ThumbnailCache.h"
-#include "support/FileSizeLimit.h"
+#include "support/FaultSteps.h"
 
 namespace {
 

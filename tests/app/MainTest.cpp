@@ -4,7 +4,7 @@
 #include "app/SessionFixture.h"
 #include "base/Exceptions.h"
 #include "catalog/Catalog.h"
-#include "support/FileSizeLimit.h"
+#include "support/FaultSteps.h"
 #include "ui/frame/MainFrame.h"
 
 namespace {
@@ -39,17 +39,16 @@ TEST_F(Program, NewerCatalogGivesTwoMessagesAndIsLeftAlone) {
   EXPECT_EQ(Main(""), 0);
   EXPECT_EQ(ReadBytes(CatalogPath()), before);
   EXPECT_FALSE(FileExists(CachePath(), false));
-  ASSERT_EQ(Messages.Shown.size(), 2U);
-  EXPECT_NE(Messages.Shown[0].Text.find("older version"), std::string::npos);
-  EXPECT_NE(Messages.Shown[1].Text.find("Could not create the main window."), std::string::npos);
+  ASSERT_EQ(Messages.Texts.size(), 2U);
+  EXPECT_NE(Messages.Texts[0].find("older version"), std::string::npos);
+  EXPECT_NE(Messages.Texts[1].find("Could not create the main window."), std::string::npos);
 }
 
 TEST_F(Program, ThrowableInTheLoopEndsItInOrder) {
   AddPhotos(1);
   EXPECT_EQ(RunUntilShown([](CMainFrame&) { throw CError("no strip %1"); }), 0);
-  ASSERT_EQ(Messages.Shown.size(), 1U);
-  EXPECT_NE(Messages.Shown[0].Text.find("    no strip %1\n\n"), std::string::npos)
-      << "values aren't expanded";
+  ASSERT_EQ(Messages.Texts.size(), 1U);
+  EXPECT_NE(Messages.Texts[0].find("    no strip %1\n\n"), std::string::npos) << "values aren't expanded";
   EXPECT_EQ(CountPhotos(), "1");
 }
 
@@ -64,7 +63,7 @@ TEST_F(Program, FullDiskIsToldOnceAndThePhotosAreShown) {
     const CFileSizeLimit full(0);
     EXPECT_EQ(RunAndClose(), 1);
   }
-  EXPECT_EQ(Messages.Shown.size(), 1U);
+  EXPECT_EQ(Messages.Texts.size(), 1U);
   EXPECT_EQ(CountPhotos(), "1");
   EXPECT_EQ(RunAndClose(), 1);
   EXPECT_EQ(CountPhotos(), "3");

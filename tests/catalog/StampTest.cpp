@@ -5,7 +5,7 @@
 #include "base/Exceptions.h"
 #include "catalog/StringHistory.h"
 #include "support/CatalogFixture.h"
-#include "support/FileSizeLimit.h"
+#include "support/FaultSteps.h"
 
 using testing::ElementsAre;
 

@@ -2,7 +2,7 @@
 
 #include "base/Exceptions.h"
 #include "support/CatalogFixture.h"
-#include "support/FileSizeLimit.h"
+#include "support/FaultSteps.h"
 #include "support/TestJpeg.h"
 
 using testing::ElementsAre;

@@ -9,8 +9,7 @@
 #include "imaging/Image.h"
 #include "sets/QuerySet.h"
 #include "support/CatalogFixture.h"
-#include "support/FileSizeLimit.h"
-#include "support/KilledChild.h"
+#include "support/FaultSteps.h"
 #include "support/ScriptedMessages.h"
 #include "support/TestJpeg.h"
 
@@ -295,11 +294,11 @@ TEST_F(FolderSearchTest, AnImportKilledAtAnyMomentLeavesWholeStores) {
     Scratch.Write("vellumar.db", emptyCatalog);
     std::filesystem::remove(In(nameOf(kill)));
     interrupted += RunAndKill(
-        [this](const CReport& report) {
+        [this](const auto& report) {
           OpenStores();
-          report.Send(1);
+          report(1);
           Search.SearchFolder(Pictures(), true);
-          report.Send(0);
+          report(0);
         },
         std::chrono::microseconds(random() % 60000));
     Restart();

@@ -7,7 +7,6 @@
 #include "platform/Faults.h"
 #include "support/CatalogFixture.h"
 #include "support/FaultSteps.h"
-#include "support/FileSizeLimit.h"
 #include "support/ScriptedMessages.h"
 #include "support/TestJpeg.h"
 

@@ -4,7 +4,6 @@
 #include "platform/Files.h"
 #include "platform/WholeFiles.h"
 #include "support/FaultSteps.h"
-#include "support/FileSizeLimit.h"
 #include "support/ScratchFolder.h"
 
 using testing::UnorderedElementsAre;
@@ -12,7 +11,7 @@ using testing::UnorderedElementsAre;
 namespace {
 
 const std::string kOld(3000, 'o');
-const std::string kNew(300000, 'n');  // more than one block of a copy
+const std::string kNew = std::string(300000, 'n') + "end";  // more than one block of a copy
 
 std::error_code Replace(const std::string& path) {
   return platform::WriteFileAtomically(path, kNew.data(), kNew.size());

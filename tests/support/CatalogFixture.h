@@ -1,12 +1,6 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
-#include <time.h>
-
-#include <filesystem>
-#include <optional>
-#include <string>
 
 #include "base/Folders.h"
 #include "catalog/Catalog.h"
@@ -20,18 +14,12 @@
 /// time zone is one that has summer time.
 class CCatalogFixture : public testing::Test {
  protected:
-  CCatalogFixture() : Home("HOME", Scratch.GetPath()), Config("XDG_CONFIG_HOME", std::nullopt) {
-    ::setenv("TZ", "Europe/Berlin", 1);
-    ::tzset();
+  CCatalogFixture() {
     std::filesystem::create_directory(Pictures());
     ForgetMyPicturesFolder();
     OpenStores();
   }
-  ~CCatalogFixture() override {
-    ForgetMyPicturesFolder();
-    ::unsetenv("TZ");
-    ::tzset();
-  }
+  ~CCatalogFixture() override { ForgetMyPicturesFolder(); }
 
   void OpenStores() {
     ASSERT_TRUE(Catalog.Open(CatalogPath));
@@ -70,7 +58,8 @@ class CCatalogFixture : public testing::Test {
   const CScratchFolder Scratch;
   const std::string CatalogPath = Scratch.GetPath() + "/vellumar.db";
   const std::string CachePath = Scratch.GetPath() + "/vellumar.thumbs";
-  const CEnvironmentVariable Home, Config;
+  const CEnvironmentVariable Home{"HOME", Scratch.GetPath()}, Config{"XDG_CONFIG_HOME", std::nullopt};
+  const CEnvironmentVariable Zone{"TZ", "Europe/Berlin"};
   CCatalog Catalog;
   CThumbnailCache Cache;
 };

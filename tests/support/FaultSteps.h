@@ -1,12 +1,12 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
-#include <functional>
-#include <system_error>
+#include <thread>
 
 #include "platform/Faults.h"
 
@@ -28,6 +28,26 @@ class CFailingStep {
 
  private:
   int Steps = 0;
+};
+
+/// Limits how large any file may grow, which a full disk looks like from inside.
+class CFileSizeLimit {
+ public:
+  explicit CFileSizeLimit(rlim_t bytes) : FormerHandler(std::signal(SIGXFSZ, SIG_IGN)) {
+    getrlimit(RLIMIT_FSIZE, &Former);
+    const rlimit limited{bytes, Former.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limited);
+  }
+  ~CFileSizeLimit() {
+    setrlimit(RLIMIT_FSIZE, &Former);
+    std::signal(SIGXFSZ, FormerHandler);
+  }
+  CFileSizeLimit(const CFileSizeLimit&) = delete;
+  CFileSizeLimit& operator=(const CFileSizeLimit&) = delete;
+
+ private:
+  rlimit Former{};
+  void (*FormerHandler)(int);
 };
 
 /// Runs `work` in a child process, which ends with its result. Returns what waitpid tells of the child.
@@ -68,4 +88,29 @@ inline bool RunAsNobody(const std::function<bool()>& work) {
     return work() ? 0 : 1;
   });
   return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+/// Runs `work` in a child and kills it, unless it has ended by then, `delay` after its first report. Returns
+/// the last value that it reported. Call it before the test makes threads.
+inline int RunAndKill(const std::function<void(const std::function<void(int)>& report)>& work,
+                      std::chrono::microseconds delay) {
+  int ends[2] = {};
+  EXPECT_EQ(::pipe(ends), 0);
+  const pid_t child = ::fork();
+  if (child < 0) throw std::runtime_error("no child");
+  if (child == 0) {
+    work([&ends](int value) {
+      if (::write(ends[1], &value, sizeof value) != sizeof value) ::_exit(3);
+    });
+    ::_exit(0);
+  }
+  ::close(ends[1]);
+  int last = 0;
+  EXPECT_EQ(::read(ends[0], &last, sizeof last), sizeof last);
+  std::this_thread::sleep_for(delay);
+  ::kill(child, SIGKILL);
+  for (int value = 0; ::read(ends[0], &value, sizeof value) == sizeof value;) last = value;
+  ::close(ends[0]);
+  ::waitpid(child, nullptr, 0);
+  return last;
 }

@@ -1,10 +1,7 @@
 #pragma once
 
-#include <stdlib.h>
-
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 
 /// A private folder of a test, removed with all that is in it when the object goes.

@@ -18,9 +18,8 @@ inline std::vector<std::string> RunSql(const std::string& path, const std::strin
     static_cast<std::vector<std::string>*>(out)->push_back(row);
     return 0;
   };
-  char* message = nullptr;
-  EXPECT_EQ(sqlite3_exec(database, statements.c_str(), collect, &rows, &message), SQLITE_OK) << message;
-  sqlite3_free(message);
+  EXPECT_EQ(sqlite3_exec(database, statements.c_str(), collect, &rows, nullptr), SQLITE_OK)
+      << sqlite3_errmsg(database);
   sqlite3_close(database);
   return rows;
 }

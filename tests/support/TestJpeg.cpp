@@ -11,106 +11,47 @@
 
 namespace {
 
-class CJpegMaker {
- public:
-  explicit CJpegMaker(const JpegRecipe& recipe) : Recipe(recipe) {
-    Info.err = jpeg_std_error(&Errors);
-    jpeg_create_compress(&Info);
+void SetColors(jpeg_compress_struct& info, const JpegRecipe& recipe) {
+  static constexpr std::pair<J_COLOR_SPACE, int> kInputs[] = {
+      {JCS_GRAYSCALE, 1}, {JCS_UNKNOWN, 2}, {JCS_RGB, 3}, {JCS_RGB, 3}, {JCS_CMYK, 4}, {JCS_CMYK, 4}};
+  std::tie(info.in_color_space, info.input_components) = kInputs[static_cast<std::size_t>(recipe.Colors)];
+  jpeg_set_defaults(&info);
+  if (recipe.Colors == StoredColors::Ycck) jpeg_set_colorspace(&info, JCS_YCCK);
+  if (recipe.Colors == StoredColors::Rgb) {
+    // As an editor writes it: numbered channels, which the Adobe marker alone makes RGB.
+    jpeg_set_colorspace(&info, JCS_RGB);
+    for (int k = 0; k < 3; ++k) info.comp_info[k].component_id = k + 1;
+    info.write_Adobe_marker = TRUE;
   }
-  ~CJpegMaker() { jpeg_destroy_compress(&Info); }
-  CJpegMaker(const CJpegMaker&) = delete;
-  CJpegMaker& operator=(const CJpegMaker&) = delete;
+  if (!recipe.AdobeMarker) info.write_Adobe_marker = FALSE;
+  if (!recipe.Jfif) info.write_JFIF_header = FALSE;
+}
 
-  std::vector<std::uint8_t> Make(const Painter& painter) {
-    unsigned char* block = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&Info, &block, &size);
-    Info.image_width = static_cast<JDIMENSION>(Recipe.Width);
-    Info.image_height = static_cast<JDIMENSION>(Recipe.Height);
-    SetColors();
-    SetSampling();
-    jpeg_set_quality(&Info, Recipe.Quality, TRUE);
-    Info.restart_interval = Recipe.RestartInterval;
-    Info.arith_code = Recipe.Arithmetic ? TRUE : FALSE;
-    if (Recipe.Progressive) jpeg_simple_progression(&Info);
-    SeparateScansIfNeeded();
-    jpeg_start_compress(&Info, TRUE);
-    if (!Recipe.DateTime.empty()) WriteDate();
-    WriteRows(painter);
-    jpeg_finish_compress(&Info);
-    const std::unique_ptr<unsigned char, decltype(&std::free)> owner(block, std::free);
-    return {block, block + size};
+/// Returns the scans, if the channels have too many blocks to share one.
+std::vector<jpeg_scan_info> SetSampling(jpeg_compress_struct& info, const JpegRecipe& recipe) {
+  std::vector<jpeg_scan_info> scans;
+  int blocks = 0;
+  for (int k = 0; k < info.num_components; ++k) {
+    std::array<int, 2> sampling = {1, 1};
+    if (k == 0 || k == 3) sampling = {recipe.HorizontalSampling, recipe.VerticalSampling};
+    if (!recipe.Samplings.empty()) sampling = recipe.Samplings.at(static_cast<std::size_t>(k));
+    info.comp_info[k].h_samp_factor = sampling[0];
+    info.comp_info[k].v_samp_factor = sampling[1];
+    blocks += sampling[0] * sampling[1];
+    scans.push_back({1, {k}, 0, recipe.Progressive ? 0 : 63, 0, 0});
+    if (recipe.Progressive) scans.push_back({1, {k}, 1, 63, 0, 0});
   }
+  if (blocks <= C_MAX_BLOCKS_IN_MCU) scans.clear();
+  return scans;
+}
 
- private:
-  void SetColors() {
-    static constexpr std::pair<J_COLOR_SPACE, int> kInputs[] = {
-        {JCS_GRAYSCALE, 1}, {JCS_UNKNOWN, 2}, {JCS_RGB, 3}, {JCS_RGB, 3}, {JCS_CMYK, 4}, {JCS_CMYK, 4}};
-    std::tie(Info.in_color_space, Info.input_components) = kInputs[static_cast<std::size_t>(Recipe.Colors)];
-    jpeg_set_defaults(&Info);
-    if (Recipe.Colors == StoredColors::Ycck) jpeg_set_colorspace(&Info, JCS_YCCK);
-    if (Recipe.Colors == StoredColors::Rgb) {
-      // As an editor writes it: numbered channels, which the Adobe marker alone makes RGB.
-      jpeg_set_colorspace(&Info, JCS_RGB);
-      for (int k = 0; k < 3; ++k) Info.comp_info[k].component_id = k + 1;
-      Info.write_Adobe_marker = TRUE;
-    }
-    if (!Recipe.AdobeMarker) Info.write_Adobe_marker = FALSE;
-    if (!Recipe.Jfif) Info.write_JFIF_header = FALSE;
-  }
-
-  void SetSampling() {
-    for (int k = 0; k < Info.num_components; ++k) {
-      const bool isFull = k == 0 || k == 3;
-      Info.comp_info[k].h_samp_factor = isFull ? Recipe.HorizontalSampling : 1;
-      Info.comp_info[k].v_samp_factor = isFull ? Recipe.VerticalSampling : 1;
-    }
-    for (std::size_t k = 0; k < Recipe.Samplings.size(); ++k) {
-      Info.comp_info[k].h_samp_factor = Recipe.Samplings[k][0];
-      Info.comp_info[k].v_samp_factor = Recipe.Samplings[k][1];
-    }
-  }
-
-  /// Channels that have too many blocks to share a scan get scans of their own.
-  void SeparateScansIfNeeded() {
-    int blocks = 0;
-    for (int k = 0; k < Info.num_components; ++k)
-      blocks += Info.comp_info[k].h_samp_factor * Info.comp_info[k].v_samp_factor;
-    if (blocks <= C_MAX_BLOCKS_IN_MCU) return;
-    for (int k = 0; k < Info.num_components; ++k) {
-      Scans.push_back({1, {k}, 0, Recipe.Progressive ? 0 : 63, 0, 0});
-      if (Recipe.Progressive) Scans.push_back({1, {k}, 1, 63, 0, 0});
-    }
-    Info.scan_info = Scans.data();
-    Info.num_scans = static_cast<int>(Scans.size());
-  }
-
-  void WriteDate() {
-    std::string exif("Exif\0\0II*\0\x08\0\0\0", 14);
-    exif += std::string("\x01\0\x32\x01\x02\0\x14\0\0\0\x1a\0\0\0\0\0\0\0", 18);
-    exif += Recipe.DateTime + '\0';
-    jpeg_write_marker(&Info, JPEG_APP0 + 1, reinterpret_cast<const JOCTET*>(exif.data()),
-                      static_cast<unsigned>(exif.size()));
-  }
-
-  void WriteRows(const Painter& painter) {
-    std::vector<JSAMPLE> row;
-    for (int y = 0; y < Recipe.Height; ++y) {
-      row.clear();
-      for (int x = 0; x < Recipe.Width; ++x) {
-        const auto samples = painter(x, y);
-        row.insert(row.end(), samples.begin(), samples.begin() + Info.input_components);
-      }
-      JSAMPROW rows = row.data();
-      jpeg_write_scanlines(&Info, &rows, 1);
-    }
-  }
-
-  const JpegRecipe& Recipe;
-  jpeg_error_mgr Errors{};
-  jpeg_compress_struct Info{};
-  std::vector<jpeg_scan_info> Scans;
-};
+void WriteDate(jpeg_compress_struct& info, const std::string& dateTime) {
+  std::string exif("Exif\0\0II*\0\x08\0\0\0", 14);
+  exif += std::string("\x01\0\x32\x01\x02\0\x14\0\0\0\x1a\0\0\0\0\0\0\0", 18);
+  exif += dateTime + '\0';
+  jpeg_write_marker(&info, JPEG_APP0 + 1, reinterpret_cast<const JOCTET*>(exif.data()),
+                    static_cast<unsigned>(exif.size()));
+}
 
 }  // namespace
 
@@ -120,7 +61,40 @@ std::array<std::uint8_t, 4> PaintSoftly(int x, int y) {
 }
 
 std::vector<std::uint8_t> MakeJpeg(const JpegRecipe& recipe, const Painter& painter) {
-  return CJpegMaker(recipe).Make(painter);
+  jpeg_error_mgr errors{};
+  jpeg_compress_struct info{};
+  info.err = jpeg_std_error(&errors);
+  jpeg_create_compress(&info);
+  unsigned char* block = nullptr;
+  unsigned long size = 0;
+  jpeg_mem_dest(&info, &block, &size);
+  info.image_width = static_cast<JDIMENSION>(recipe.Width);
+  info.image_height = static_cast<JDIMENSION>(recipe.Height);
+  SetColors(info, recipe);
+  const auto scans = SetSampling(info, recipe);
+  jpeg_set_quality(&info, recipe.Quality, TRUE);
+  info.restart_interval = recipe.RestartInterval;
+  info.arith_code = recipe.Arithmetic ? TRUE : FALSE;
+  if (recipe.Progressive) jpeg_simple_progression(&info);
+  if (!scans.empty()) {
+    info.scan_info = scans.data();
+    info.num_scans = static_cast<int>(scans.size());
+  }
+  jpeg_start_compress(&info, TRUE);
+  if (!recipe.DateTime.empty()) WriteDate(info, recipe.DateTime);
+  for (int y = 0; y < recipe.Height; ++y) {
+    std::vector<JSAMPLE> row;
+    for (int x = 0; x < recipe.Width; ++x) {
+      const auto samples = painter(x, y);
+      row.insert(row.end(), samples.begin(), samples.begin() + info.input_components);
+    }
+    JSAMPROW rows = row.data();
+    jpeg_write_scanlines(&info, &rows, 1);
+  }
+  jpeg_finish_compress(&info);
+  jpeg_destroy_compress(&info);
+  const std::unique_ptr<unsigned char, decltype(&std::free)> owner(block, std::free);
+  return {block, block + size};
 }
 
 std::string MakeJpeg(unsigned width, unsigned height, unsigned red, unsigned green, unsigned blue,

@@ -8,7 +8,7 @@
 #include "base/Settings.h"
 #include "discovery/FolderHistory.h"
 #include "sets/QuerySet.h"
-#include "support/FileSizeLimit.h"
+#include "support/FaultSteps.h"
 #include "ui/HomeFixture.h"
 #include "ui/back/FilterBar.h"
 #include "ui/back/FilterBarHost.h"
@@ -136,8 +136,8 @@ TEST_F(FilterBar, AddedFolderIsSearchedListedAndShown) {
   PickFolder(FolderItem::AddFolder);
   for (int i = 0; i < 3001; ++i) std::ofstream(Scratch.File("Many/" + std::to_string(i) + ".jpg"));
   AddFolder("Many");
-  EXPECT_THAT(Messages.Shown.at(0).Text, StartsWith("Are you sure you want to search for all the photos"));
-  EXPECT_THAT(Messages.Shown.at(1).Text, StartsWith("You have 3001 photos in"));
+  EXPECT_THAT(Messages.Texts.at(0), StartsWith("Are you sure you want to search for all the photos"));
+  EXPECT_THAT(Messages.Texts.at(1), StartsWith("You have 3001 photos in"));
   EXPECT_EQ(State(), "101 Pictures: ash | Trip Scans") << "cancelled";
   EXPECT_TRUE(Refreshed.empty());
 
@@ -173,7 +173,7 @@ TEST_F(FilterBar, ChoiceSearchesOnceASessionAndClearsTextAndRating) {
 TEST_F(FilterBar, FoldersAreChosenAndRemovedFromTheList) {
   Start();
   PickFolder(FolderItem::MoreFolders);
-  EXPECT_THAT(Messages.Shown.at(0).Text, StartsWith("You have not added any additional photo folders."));
+  EXPECT_THAT(Messages.Texts.at(0), StartsWith("You have not added any additional photo folders."));
   AddFolder("Trip");
   AddFolder("Scans");
   PickFromList(FolderItem::MoreFolders, -1);
@@ -207,7 +207,7 @@ TEST_F(FilterBar, TypedTextNarrowsTheSetAndIsRemembered) {
     const CFileSizeLimit fullDisk(0);
     Find("ash");
   }
-  EXPECT_EQ(Messages.Shown.size(), 1U);
+  EXPECT_EQ(Messages.Texts.size(), 1U);
   EXPECT_EQ(Shown(), "ash ") << "also if it can't be remembered";
 }
 

@@ -7,7 +7,7 @@
 
 #include "base/Times.h"
 #include "platform/Faults.h"
-#include "support/FileSizeLimit.h"
+#include "support/FaultSteps.h"
 #include "ui/HomeFixture.h"
 #include "ui/back/DateText.h"
 #include "ui/back/FieldText.h"
@@ -299,9 +299,9 @@ TEST_F(PhotoBack, WhatCannotBeStoredIsToldAndTheStoredValueShows) {
   }
   EXPECT_EQ(Shown(StampId::Thing), "lake");
   EXPECT_EQ(Texts(Photo, StampId::Thing), "lake");
-  EXPECT_TRUE(Messages.Shown.empty()) << "not in the middle of it";
+  EXPECT_TRUE(Messages.Texts.empty()) << "not in the middle of it";
   QCoreApplication::processEvents();
-  EXPECT_EQ(Messages.Shown.size(), 3U);
+  EXPECT_EQ(Messages.Texts.size(), 3U);
   EXPECT_TRUE(Changed.empty());
   Enter(StampId::Thing, "there is room again");
   EXPECT_EQ(Texts(Photo, StampId::Thing), "there is room again");

@@ -5,7 +5,7 @@
 
 #include "imaging/Image.h"
 #include "sets/PhotoSet.h"
-#include "support/FileSizeLimit.h"
+#include "support/FaultSteps.h"
 #include "ui/HomeFixture.h"
 #include "ui/back/FilterBar.h"
 #include "ui/back/PhotoBack.h"
@@ -150,7 +150,7 @@ TEST_F(MainFrame, PhotosAreMarkedAndDeleted) {
     const CFileSizeLimit fullDisk(0);
     Press({Qt::Key_M});
   }
-  EXPECT_EQ(Messages.Shown.size(), 1U);
+  EXPECT_EQ(Messages.Texts.size(), 1U);
   EXPECT_TRUE(IsToEmail(3)) << "as it was";
   std::filesystem::permissions(InHome(PhotoName(3)), std::filesystem::perms::owner_all);
   Press({Qt::Key_Delete, Qt::Key_Delete, Qt::Key_Delete, Qt::Key_Delete});
@@ -198,7 +198,7 @@ TEST_F(MainFrame, EditsBelongToThePhotoUnderTheLensAndSurviveTheClose) {
   Type("lost");
   const CFileSizeLimit fullDisk(0);
   frame.close();
-  EXPECT_EQ(Messages.Shown.size(), 1U) << "told before the program ends";
+  EXPECT_EQ(Messages.Texts.size(), 1U) << "told before the program ends";
 }
 
 TEST_F(MainFrame, OpensOnTheFirstPhotoOfANewRollOrInTheStoredOrder) {

@@ -21,11 +21,11 @@ int RunLoopWith(const std::function<void()>& work) {
 TEST(Application, RefusedWriteIsToldAndOtherExceptionsEndTheLoop) {
   CScriptedMessages messages;
   EXPECT_EQ(RunLoopWith([] { throw CStorageException("/data/vellumar.db: no space left"); }), 7);
-  ASSERT_EQ(messages.Shown.size(), 1U);
-  EXPECT_EQ(messages.Shown[0].Text, "/data/vellumar.db: no space left");
+  ASSERT_EQ(messages.Texts.size(), 1U);
+  EXPECT_EQ(messages.Texts[0], "/data/vellumar.db: no space left");
   EXPECT_THROW(RunLoopWith([] { throw CError("broken"); }), CError);
   EXPECT_THROW(RunLoopWith([] { throw std::bad_alloc(); }), std::bad_alloc);
-  EXPECT_EQ(messages.Shown.size(), 1U);
+  EXPECT_EQ(messages.Texts.size(), 1U);
   EXPECT_EQ(RunLoopWith([] {}), 7) << "a failure is raised once";
 }
 
