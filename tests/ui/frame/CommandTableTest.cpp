@@ -30,13 +30,11 @@ TEST(CommandTable, KeysOfEveryLayoutReachTheirCommand) {
       {Qt::Key_Comma, {}, 58, kNone, kNone},  // where others have M
       {Qt::Key_2, Qt::ShiftModifier, 11, CommandId::Rate2, kNone},
       {Qt::Key_0, Qt::KeypadModifier, 0, CommandId::Rate0, kNone},
-      {Qt::Key_Home, {}, 0, CommandId::FirstPhoto, kNone},
       {Qt::Key_R, Qt::ControlModifier, 0, kNone, kNone},
       {Qt::Key_R, Qt::AltModifier | Qt::ControlModifier, 0, kNone, kNone},
       {Qt::Key_M, Qt::AltModifier | Qt::ShiftModifier, 0, kNone, CommandId::ToggleEmail},
       {Qt::Key_Enter, Qt::KeypadModifier, 0, kNone, CommandId::EndEdit},
       {Qt::Key_Backtab, Qt::ShiftModifier, 0, kNone, CommandId::PreviousField},
-      {Qt::Key_Pause, {}, 0, kNone, CommandId::ToggleSlideShow},
   };
   for (const auto& [key, modifiers, scanCode, bare, accelerator] : rows) {
     const KeyChord chord = ReadKeyChord(QKeyEvent(QEvent::KeyPress, key, modifiers, scanCode, 0, 0));

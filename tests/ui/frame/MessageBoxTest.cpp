@@ -27,9 +27,6 @@ TEST(MessageBox, ShowsItsTextAsItIsAndTakesAnythingButTheButtonForARefusal) {
   EXPECT_TRUE(Answer(true, [](QMessageBox& box) { box.button(QMessageBox::Ok)->click(); }));
   EXPECT_FALSE(Answer(true, [](QMessageBox& box) { box.close(); }));
   EXPECT_FALSE(Answer(true, [](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Return); }));
-}
-
-TEST(MessageBox, StandsOnTheProgressWindowWhileThatShows) {
   const CFontTable fonts(false);
   CSearchProgressWindow progress(false);
   EXPECT_EQ(FindMessageParent(MessageParent::ProgressWindow), nullptr) << "there, but hidden";
