@@ -10,13 +10,11 @@ class CScriptedMessages : public CMessageBox {
  public:
   CScriptedMessages() { SetMessageBox(this); }
   ~CScriptedMessages() override { SetMessageBox(nullptr); }
-  bool Show(const std::string&, const std::string& text, bool okCancel, MessageParent parent) override {
+  bool Show(const std::string&, const std::string& text, bool okCancel, MessageParent) override {
     Texts.push_back(text);
-    Parents.push_back(parent);
     return !okCancel || Answer;
   }
 
   bool Answer = true;
   std::vector<std::string> Texts;
-  std::vector<MessageParent> Parents;
 };
