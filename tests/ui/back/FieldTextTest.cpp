@@ -4,7 +4,6 @@
 #include "ui/HomeFixture.h"
 #include "ui/back/Completion.h"
 #include "ui/back/DateText.h"
-#include "ui/back/FieldText.h"
 #include "ui/back/PhotoBackLayout.h"
 #include "ui/back/PhotoFieldSet.h"
 #include "ui/back/TokenList.h"
@@ -39,8 +38,6 @@ TEST(Completion, TheTokenBeforeTheCaretBecomesTheFirstChoiceThatBeginsSo) {
   completion.Complete("la", 2);
   completion.Complete("la, new", 7);
   EXPECT_EQ(completion.TakeOverSpelling(" LAKE ;new york,, Newt"), " lake ;New York,, Newt");
-  completion.Complete("LAKE", 4);
-  EXPECT_EQ(completion.TakeOverSpelling("LAKE, new york"), "LAKE, New York") << "typed to its end";
 }
 
 TEST_F(FieldText, ATitleBecomesAFreeNameWithThePhotosExtension) {
@@ -82,23 +79,7 @@ TEST(DateText, ATypedDayStaysThatDayInEveryLocaleAndTimeZone) {
   for (const char* typed : {"1/2/1969", "1/20/2038", "1/1/9999"}) EXPECT_EQ(ReadEditDate(typed, "en_US"), 0);
 }
 
-TEST_F(FieldText, LinesAndRowsKeepToTheirRoom) {
-  const QFont& font = GetFont(FontId::Label);
-  const QString text = "Light\r\nover the lake, " + QString(60, u'w') + " end";
-  const QStringList lines = BreakIntoLines(text, font, 160, 3);
-  EXPECT_EQ(lines[0], "Light");
-  EXPECT_TRUE(lines[2].endsWith(QChar(0x2026)));
-  for (const QString& line : lines) EXPECT_LE(QFontMetricsF(font).horizontalAdvance(line.trimmed()), 160.5);
-  const QString path = "/home/anna/Pictures/Holidays/Lakes in August";
-  EXPECT_TRUE(ShortenLine(path, true, QFontMetricsF(font), 150).endsWith("/Lakes in August"));
-  EXPECT_TRUE(ShortenLine(path, false, QFontMetricsF(font), 150).startsWith("/home/anna"));
-
-  // The fields alone take 21 + 2 * (20 + 3 * 21) = 187.
-  const std::pair<int, FieldRoom> rooms[] = {{187 + 19, {1, 1, 9, 0}},        {187 + 40, {1, 1, 10, 10}},
-                                             {187 + 41, {1, 2, 10, 0}},       {187 + 20 + 42, {2, 2, 10, 0}},
-                                             {187 + 20 + 94, {2, 3, 10, 15}}, {187 + 300, {2, 3, 10, 20}}};
-  for (const auto& [height, room] : rooms) EXPECT_EQ(DivideRoom(height, {15, 14, 21}), room) << height;
-  // The smallest main window on a small screen.
+TEST(PhotoBackLayout, FieldsStandAboveTheFilterBarInTheSmallestWindow) {
   const PhotoBackLayout small = LayOutPhotoBack({267, 355}, 104, {13, 12, 21});
   EXPECT_LT(small.Fields.back().bottom(), 355 - 104);
 }
