@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <string>
 #include <string_view>
@@ -56,10 +55,7 @@ std::string FailureOf(const Work& work) {
 /// disk there.
 class CStorageTest : public testing::Test {
  protected:
-  static void WriteBytes(const std::string& path, const std::string& bytes) {
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    ASSERT_TRUE(file << bytes);
-  }
+  void WriteFile(const std::string& bytes) const { Scratch.Write("test.db", bytes); }
 
   /// All files of the folder with their bytes.
   std::map<std::string, std::string> ReadFolder() const {
