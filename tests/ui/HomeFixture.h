@@ -4,7 +4,6 @@
 #include <QKeyEvent>
 #include <filesystem>
 #include <initializer_list>
-#include <memory>
 #include <string>
 
 #include "base/Folders.h"

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QAbstractButton>
 #include <QColor>
 #include <QImage>
 #include <QTest>
@@ -11,7 +10,6 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "support/ScriptedMessages.h"
 #include "support/TestJpeg.h"
@@ -59,14 +57,4 @@ inline void When(const std::function<bool()>& condition, const std::function<voi
 /// What a widget paints, one pixel for one of the layout.
 inline QImage Painted(QWidget& widget) {
   return widget.grab().toImage().convertToFormat(QImage::Format_RGB32);
-}
-
-/// Whether anything but `background` is painted in `area`.
-inline bool HoldsInk(const QImage& image, const QRect& area, QColor background) {
-  for (int y = area.top(); y <= area.bottom(); ++y) {
-    for (int x = area.left(); x <= area.right(); ++x) {
-      if (image.pixelColor(x, y) != background) return true;
-    }
-  }
-  return false;
 }
