@@ -94,8 +94,9 @@ TEST_F(StampTest, SeveralSubjectsKeepTheirOrderAndTheirCounts) {
 
 TEST_F(StampTest, AnEditThatTheDiskRefusesChangesNothing) {
   CStampList places = Photo.GetStamps(StampId::PersonalPlace), ratings = Photo.GetStamps(StampId::Rating);
-  for (CAssetRecord& record : {std::ref(Photo), std::ref(Other)})
+  for (CAssetRecord& record : {std::ref(Photo), std::ref(Other)}) {
     record.GetStamps(StampId::PersonalPlace).SetText("Lake", 0);
+  }
   ratings.SetNumber(3, 0);
   const std::string before = ReadBytes(CatalogPath);
   {

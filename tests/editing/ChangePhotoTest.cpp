@@ -121,7 +121,7 @@ TEST_F(ChangePhotoTest, WhatCannotBeChangedStaysAndTheUserIsTold) {
 }
 
 TEST_F(ChangePhotoTest, AfterAFaultOrAKillAtAnyStepThePhotoIsWhole) {
-  for (const auto& [turns, corrected] : {std::pair(true, false), {false, false}, {false, true}})
+  for (const auto& [turns, corrected] : {std::pair(true, false), {false, false}, {false, true}}) {
     for (const bool kills : {false, true}) {
       const std::string after = turns ? Turned : corrected ? Original : Fixed;
       int step = 0;
@@ -151,6 +151,7 @@ TEST_F(ChangePhotoTest, AfterAFaultOrAKillAtAnyStepThePhotoIsWhole) {
       }
       EXPECT_GT(step, corrected ? 2 : 4);
     }
+  }
 }
 
 TEST_F(ChangePhotoTest, AFullDiskAndAReadOnlyFolderAreToldAndChangeNothing) {

@@ -24,8 +24,9 @@ class CEditingFixture : public CCatalogFixture {
 
   std::vector<std::string> NamesInFolder() const {
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(Pictures()))
+    for (const auto& entry : std::filesystem::directory_iterator(Pictures())) {
       names.push_back(entry.path().filename().string());
+    }
     std::ranges::sort(names);
     return names;
   }

@@ -45,8 +45,9 @@ TEST_F(RenamePhotoFileTest, FileAndRowGoTogetherAndNothingIsOverwritten) {
   Scratch.Write("Pictures/boat.jpg.orig", "the original");
   Scratch.Write("Pictures/kept.jpg.orig", "the original of another photo");
   for (const char* name : {"taken", "kept"}) EXPECT_EQ(RenamePhotoFile(Photo, name), std::errc::file_exists);
-  for (const char* name : {"", "a/b", "..", "../up.jpg"})
+  for (const char* name : {"", "a/b", "..", "../up.jpg"}) {
     EXPECT_EQ(RenamePhotoFile(Photo, name), std::errc::invalid_argument) << name;
+  }
   EXPECT_EQ(FindFreeName(Photo, std::string(300, 'x'), ".jpg").size(), 250U) << "with room for .orig";
   {
     const CFileSizeLimit full(0);

@@ -41,12 +41,14 @@ void ExpectFixed(const std::vector<Part>& parts, const char* what) {
     const int height = static_cast<int>(rows.size());
     CRowsImage image(height, bytesPerPixel);
     const auto place = [&](int i) { return image.GetPixels().Row(i / 3) + i % 3 * bytesPerPixel; };
-    for (int i = 0; i < 3 * height; ++i)
+    for (int i = 0; i < 3 * height; ++i) {
       std::ranges::copy(rows[static_cast<std::size_t>(i / 3)].Before, place(i));
+    }
     AutoFix(image);
-    for (int i = 0; i < 3 * height; ++i)
+    for (int i = 0; i < 3 * height; ++i) {
       ASSERT_TRUE(std::ranges::equal(rows[static_cast<std::size_t>(i / 3)].After, std::span(place(i), 3)))
           << what;
+    }
     EXPECT_EQ(place(3 * height - 1)[3], 77) << "the fourth byte, or the padding";
   }
 }

@@ -40,8 +40,9 @@ class CExifFile {
     Bytes file = {0xFF, 0xD8};
     file.insert(file.end(), before.begin(), before.end());
     const auto length = static_cast<unsigned>(Block.size() + 8);
-    for (const unsigned byte : {0xFFU, 0xE1U, length >> 8, length % 256, 69U, 120U, 105U, 102U, 0U, 0U})
+    for (const unsigned byte : {0xFFU, 0xE1U, length >> 8, length % 256, 69U, 120U, 105U, 102U, 0U, 0U}) {
       file.push_back(static_cast<std::uint8_t>(byte));
+    }
     file.insert(file.end(), Block.begin(), Block.end());
     file.resize(file.size() + 34);  // very short files are refused
     return file;
@@ -49,8 +50,9 @@ class CExifFile {
 
  private:
   CExifFile& Put(std::uint32_t value, unsigned bytes) {
-    for (unsigned k = 0; k < bytes; ++k)
+    for (unsigned k = 0; k < bytes; ++k) {
       Block.push_back(static_cast<std::uint8_t>(value >> 8 * (BigEndian ? bytes - 1 - k : k)));
+    }
     return *this;
   }
 
@@ -83,25 +85,29 @@ Tags TagsOf(const CExifFile& file) {
   CExifReader reader;
   reader.LoadBytes(file.Jpeg());
   Tags tags;
-  for (ExifEntry entry; reader.GetEntry(entry, tags.empty()) == ExifStatus::Success; entry.Tag = 0)
+  for (ExifEntry entry; reader.GetEntry(entry, tags.empty()) == ExifStatus::Success; entry.Tag = 0) {
     tags.push_back(entry.Tag);
+  }
   return tags;
 }
 
 }  // namespace
 
 TEST(ExifReaderTest, ReadsDatesOfTheOneFormInBothByteOrders) {
-  for (const bool bigEndian : {false, true})
+  for (const bool bigEndian : {false, true}) {
     EXPECT_EQ(DateOf(DateFile(kSomeDate, 20, 2, bigEndian).Jpeg()), Local(kSomeDate));
+  }
   EXPECT_EQ(DateOf(DateFile("2004: 1: 2  3: 4: 5").Jpeg()), Local("2004:01:02 03:04:05"));
   EXPECT_EQ(DateOf(DateFile("2004:02:30 00:00:00").Jpeg()), Local("2004:03:01 00:00:00"));
-  for (const unsigned count : {4U, 19U, 21U})
+  for (const unsigned count : {4U, 19U, 21U}) {
     EXPECT_EQ(DateOf(DateFile(kSomeDate, count).Jpeg()), 0) << count;
+  }
   EXPECT_EQ(DateOf(DateFile(kSomeDate, 20, 7).Jpeg()), 0);
   for (const char* text :
        {"2004-07:15 13:45:59", "2004:07-15 13:45:59", "2004:07:15T13:45:59", "2004:07:15 13.45:59",
-        "2004:07:15 13:45.59", "0000:00:00 00:00:00", "1969:12:01 00:00:00", "2038:02:01 00:00:00"})
+        "2004:07:15 13:45.59", "0000:00:00 00:00:00", "1969:12:01 00:00:00", "2038:02:01 00:00:00"}) {
     EXPECT_EQ(DateOf(DateFile(text).Jpeg()), 0) << text;
+  }
 }
 
 TEST(ExifReaderTest, FindsTheSegmentBehindOthersAndFillBytes) {
@@ -178,8 +184,9 @@ TEST(ExifReaderTest, DepthCyclesAndStormsOfPointersAreLimited) {
   };
   for (const int levels : {16, 17}) {
     CExifFile file;
-    for (int level = 1; level < levels; ++level)
+    for (int level = 1; level < levels; ++level) {
       file.Count(2).Entry(256, 3, 1, 0).Entry(kExif, 4, 1, file.Here() + 16).Link(0);
+    }
     file.Count(1).Entry(kDateTimeTag, 3, 1, 0).Link(0, "tail");
     EXPECT_EQ(find(file), levels == 16 ? ExifStatus::Success : ExifStatus::NoMoreItems);
   }
@@ -196,6 +203,7 @@ TEST(ExifReaderTest, DepthCyclesAndStormsOfPointersAreLimited) {
     storm.Link(0);
   }
   storm.Count(1).Entry(256, 3, 1, 0).Link(0, "tail");
-  for (const CExifFile* file : {&link, &empty, &pointer, &storm})
+  for (const CExifFile* file : {&link, &empty, &pointer, &storm}) {
     EXPECT_EQ(find(*file), ExifStatus::NoMoreItems);
+  }
 }

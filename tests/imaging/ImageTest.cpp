@@ -42,10 +42,12 @@ std::string Tiff(bool pageNumber = false) {
 }  // namespace
 
 TEST(ImageTest, TypesFollowTheExtensionInAnyCase) {
-  for (const char* name : {"a.jpg", "a.JPG", "/p/a.jpeg", "a.JPEG", "a.b.jPg"})
+  for (const char* name : {"a.jpg", "a.JPG", "/p/a.jpeg", "a.JPEG", "a.b.jPg"}) {
     EXPECT_EQ(ImageTypeOfFile(name), ImageType::Jpeg) << name;
-  for (const char* name : {"a.bmp", "a", "", "a.jpg.orig", "a.tif", "jpg", "a.jpg/b", "a.jp", "a.jpgx"})
+  }
+  for (const char* name : {"a.bmp", "a", "", "a.jpg.orig", "a.tif", "jpg", "a.jpg/b", "a.jp", "a.jpgx"}) {
     EXPECT_EQ(ImageTypeOfFile(name), ImageType::None) << name;
+  }
 }
 
 TEST(ImageTest, TheDecodedSizeIsTheSmallestThatCoversTheBox) {
@@ -186,12 +188,14 @@ TEST(TiffImageTest, DamageLeavesItEmptyAndPictureBombsAreNotDecoded) {
   }
   for (const char side : {'\0', '\x7F'}) {
     std::string bomb = Tiff();
-    for (const std::size_t entry : {10U, 22U})
+    for (const std::size_t entry : {10U, 22U}) {
       bomb.replace(entry + 2, 10, {4, 0, 1, 0, 0, 0, 127, 127, side, side});
-    if (side == 0)
+    }
+    if (side == 0) {
       EXPECT_THROW(load(bomb), CException) << "32,639 by 32,639 pixels";
-    else
+    } else {
       load(bomb);
+    }
     EXPECT_EQ(image.GetPixels().Top, nullptr);
   }
 }

@@ -45,13 +45,15 @@ int LargestError(const Bytes& jpeg, const Painter& expected, int reduction = 1) 
   const auto image = Decode(jpeg, reduction);
   const int rest = reduction > 1 ? 1 : 0;
   int largest = 0;
-  for (int y = 0; y < image->GetCurrentSize().Height - rest; ++y)
+  for (int y = 0; y < image->GetCurrentSize().Height - rest; ++y) {
     for (int x = 0; x < image->GetCurrentSize().Width - rest; ++x) {
       const auto pixel = expected(x * reduction + reduction / 2, y * reduction + reduction / 2);
-      for (std::size_t k = 0; k < 3; ++k)
+      for (std::size_t k = 0; k < 3; ++k) {
         largest = std::max(largest,
                            std::abs(image->GetPixels().Row(y)[x * 3 + 2 - static_cast<int>(k)] - pixel[k]));
+      }
     }
+  }
   return largest;
 }
 
@@ -128,23 +130,27 @@ TEST(JpegCodecTest, ColorsOfEveryCodingComeOutAsPaintedAtEverySize) {
       {.HorizontalSampling = 2, .VerticalSampling = 2, .Arithmetic = true},
       {.HorizontalSampling = 2, .VerticalSampling = 2, .RestartInterval = 3},
   };
-  for (const JpegRecipe& recipe : recipes)
-    for (const int reduction : {1, 2, 4, 8})
+  for (const JpegRecipe& recipe : recipes) {
+    for (const int reduction : {1, 2, 4, 8}) {
       EXPECT_LE(LargestError(MakeJpeg(recipe), PaintSoftly, reduction), reduction == 1 ? 4 : 8)
           << &recipe - recipes;
+    }
+  }
   const auto flat = [](std::array<std::uint8_t, 4> samples) {
     return [samples](int, int) { return samples; };
   };
   EXPECT_LE(LargestError(MakeJpeg({.Colors = StoredColors::Grey}, flat({90})), flat({90, 90, 90})), 1);
   // Writers of the Adobe marker invert inks. Without it the names of the channels tell that there are inks.
   const auto inks = flat({200, 100, 50, 220});
-  for (const StoredColors colors : {StoredColors::Cmyk, StoredColors::Ycck})
+  for (const StoredColors colors : {StoredColors::Cmyk, StoredColors::Ycck}) {
     EXPECT_LE(LargestError(MakeJpeg({.Colors = colors}, inks), flat({173, 86, 43})), 2);
+  }
   const JpegRecipe plain{.Colors = StoredColors::Cmyk, .AdobeMarker = false};
   EXPECT_LE(LargestError(MakeJpeg(plain, inks), flat({8, 21, 28})), 2);
   for (const JpegRecipe& recipe : {JpegRecipe{.Colors = StoredColors::TwoChannels},
-                                   {.Colors = StoredColors::Ycck, .AdobeMarker = false}})
+                                   {.Colors = StoredColors::Ycck, .AdobeMarker = false}}) {
     EXPECT_EQ(FailureOf(MakeJpeg(recipe)), "Unsupported number of channels");
+  }
 }
 
 TEST(JpegCodecTest, EncodesWithChromaHalvedAndAtTheQualityAskedFor) {
@@ -174,14 +180,16 @@ TEST(JpegCodecTest, AFileCutShortShowsWhatItHasAndGreyBelow) {
     frame.insert(frame.begin(), 0xFF);
     Bytes twice = jpeg;
     twice.insert(std::ranges::find_end(twice, kScan).begin(), frame.begin(), frame.end());
-    for (const int reduction : {1, 8})  // the scans before the second frame header are shown
+    // The scans before the second frame header are shown.
+    for (const int reduction : {1, 8}) {
       EXPECT_LE(LargestError(twice, PaintSoftly, reduction), 8) << width << "x" << height;
+    }
   }
 }
 
 TEST(JpegTest, ForgedSizesAndScansAreRefusedOrCostLittle) {
   const std::string tooLarge = CTooLargeException().GetMessage();
-  for (const bool arithmetic : {false, true})
+  for (const bool arithmetic : {false, true}) {
     for (const bool progressive : {false, true}) {
       const Bytes jpeg = MakeJpeg({.Progressive = progressive, .Arithmetic = arithmetic});
       EXPECT_EQ(FailureOf(ForgeSize(jpeg, 65500, 65500), 8), tooLarge);
@@ -193,6 +201,7 @@ TEST(JpegTest, ForgedSizesAndScansAreRefusedOrCostLittle) {
       EXPECT_EQ(FailureOf(large, 8), progressive || arithmetic ? tooLarge : "none");
       EXPECT_THROW(TurnJpeg(large, 90), CTooLargeException);
     }
+  }
   const Bytes jpeg = MakeJpeg({.Width = 200, .Height = 200, .Progressive = true});
   EXPECT_EQ(FailureOf(RepeatLastScan(jpeg, 50)), "none");
   EXPECT_EQ(FailureOf(RepeatLastScan(jpeg, 600)), tooLarge);
@@ -224,7 +233,7 @@ TEST(JpegTurnTest, EveryKindIsTurnedAsJpegtranTurnsItAndKeepsItsForm) {
   };
   for (const JpegRecipe& kind : kinds) {
     const auto number = &kind - kinds;
-    for (const auto& [width, height] : {std::pair(151, 93), {5, 70}})
+    for (const auto& [width, height] : {std::pair(151, 93), {5, 70}}) {
       for (const int angle : {90, 180, 270}) {
         const Bytes jpeg = MakeNoisyJpeg(kind, width, height);
         const Bytes turned = Turn(jpeg, angle);
@@ -235,6 +244,7 @@ TEST(JpegTurnTest, EveryKindIsTurnedAsJpegtranTurnsItAndKeepsItsForm) {
         EXPECT_EQ(RestartsOf(turned).size(), RestartsOf(jpeg).size()) << number;
         EXPECT_EQ(HeadersOf(turned), HeadersOf(jpeg)) << number;
       }
+    }
     // Of whole blocks nothing is lost.
     const Bytes jpeg = MakeNoisyJpeg(kind, 96, 192);
     const Bytes turned = Turn(jpeg, 90);
@@ -271,8 +281,9 @@ TEST(JpegTurnTest, HeadersAndTrailersAreKeptByteForByteInTheirOrder) {
 }
 
 TEST(JpegTurnTest, ADamagedPictureIsTurnedAsItShowsUnlessHeadersWouldBeLost) {
-  for (const Bytes& rubbish : {Bytes(), Bytes(100, 0xFF), Bytes{0xFF, 0xD8, 0xFF, 0xD9}})
+  for (const Bytes& rubbish : {Bytes(), Bytes(100, 0xFF), Bytes{0xFF, 0xD8, 0xFF, 0xD9}}) {
     EXPECT_FALSE(TurnJpeg(rubbish, 90));
+  }
   Bytes holed = MakeNoisyJpeg({});
   EXPECT_THROW(TurnJpeg(holed, 45), CError);
   holed.insert(holed.begin() + 2, 600, 0x55);
@@ -281,7 +292,7 @@ TEST(JpegTurnTest, ADamagedPictureIsTurnedAsItShowsUnlessHeadersWouldBeLost) {
   std::mt19937 random(5);
   int turned = 0;
   for (const JpegRecipe& recipe :
-       {JpegRecipe{}, {.Progressive = true}, {.Arithmetic = true}, {.RestartInterval = 5}})
+       {JpegRecipe{}, {.Progressive = true}, {.Arithmetic = true}, {.RestartInterval = 5}}) {
     for (int k = 0; k < 12; ++k) {
       Bytes damaged = MakeNoisyJpeg(recipe, 160, 160);
       const std::size_t place = damaged.size() / 8 + random() % (damaged.size() / 8 * 6);
@@ -293,5 +304,6 @@ TEST(JpegTurnTest, ADamagedPictureIsTurnedAsItShowsUnlessHeadersWouldBeLost) {
       EXPECT_TRUE(IsAsByJpegtran(damaged, 90, result)) << k;
       EXPECT_TRUE(IsWhole(result)) << k;
     }
+  }
   EXPECT_GT(turned, 32);
 }

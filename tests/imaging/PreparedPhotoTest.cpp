@@ -23,8 +23,9 @@ TEST(PreparedPhotoTest, GivesDateAndThumbnailOfWhatIsAPhoto) {
   EXPECT_EQ(thumbnail.GetCurrentSize(), (ImageSize{140, 105}));
 
   ASSERT_EQ(::mkfifo(scratch.File("fifo.jpg").c_str(), 0600), 0);
-  for (const char* path : {"fifo.jpg", "gone.jpg"})
+  for (const char* path : {"fifo.jpg", "gone.jpg"}) {
     EXPECT_FALSE(PreparePhoto(scratch.File(path)).WasRead) << path;
+  }
   const PreparedPhoto garbage = PreparePhoto(scratch.Write("garbage.jpg", std::string(5000, 'g')));
   EXPECT_TRUE(garbage.WasRead && garbage.Thumbnail.empty());
   std::filesystem::resize_file(scratch.Write("huge.jpg", ""), std::uintmax_t{1} << 40);
@@ -39,7 +40,7 @@ TEST(PictureMemoryTest, SharesWaitForEachOtherAndNoneIsLargerThanAll) {
   std::atomic<int> used = 0;
   std::atomic<bool> tooMuch = false;
   std::vector<std::jthread> threads;
-  for (const int bytes : {10, 40, 70, 100})
+  for (const int bytes : {10, 40, 70, 100}) {
     threads.emplace_back([&, bytes] {
       for (int k = 0; k < 200; ++k) {
         const CMemoryShare share(pool, static_cast<std::uint64_t>(bytes));
@@ -47,6 +48,7 @@ TEST(PictureMemoryTest, SharesWaitForEachOtherAndNoneIsLargerThanAll) {
         used -= bytes;
       }
     });
+  }
   threads.clear();
   EXPECT_FALSE(tooMuch);
 }

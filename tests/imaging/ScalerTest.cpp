@@ -26,8 +26,9 @@ struct Picture {
 /// The weight of source pixel j in target pixel i, by the definition.
 double Weigh(int j, int i, int source, int target) {
   const double ratio = static_cast<double>(source) / target;
-  if (target <= source)
+  if (target <= source) {
     return std::max(0.0, std::min(j + 1.0, (i + 1) * ratio) - std::max<double>(j, i * ratio)) / ratio;
+  }
   const double centre = std::clamp((i + 0.5) * ratio - 0.5, 0.0, source - 1.0);
   return std::max(0.0, 1.0 - std::abs(centre - j));
 }
@@ -38,9 +39,10 @@ double Exact(const Picture& source, ImageSize size, std::int64_t x, std::int64_t
   double sum = 0;
   for (int u = 0; u < source.Rows.Size.Width; ++u) {
     const double columnWeight = Weigh(u, static_cast<int>(x), source.Rows.Size.Width, size.Width);
-    for (int v = 0; columnWeight > 0 && v < source.Rows.Size.Height; ++v)
+    for (int v = 0; columnWeight > 0 && v < source.Rows.Size.Height; ++v) {
       sum += columnWeight * Weigh(v, static_cast<int>(y), source.Rows.Size.Height, size.Height) *
              source.At(u, v, channel);
+    }
   }
   return sum;
 }
@@ -70,7 +72,7 @@ TEST(ScalerTest, EqualsTheExactAverageOrBlendToHalfALevelInsideTheTarget) {
                {{4, 4}, {0, 4}, {4, 4}},
                {{4, 4}, {4, -1}, {4, 4}}};
   std::mt19937 random(7);
-  for (const auto& c : cases)
+  for (const auto& c : cases) {
     for (const int bytes : {33, 34, 43, 44}) {
       Picture source(c.From, bytes / 10, bytes / 10 == 4);
       for (auto& byte : source.Bytes) byte = static_cast<std::uint8_t>(random());
@@ -86,6 +88,7 @@ TEST(ScalerTest, EqualsTheExactAverageOrBlendToHalfALevelInsideTheTarget) {
       StretchPixels(source.Rows, target.Rows, 0, 0, c.To);
       EXPECT_EQ(std::ranges::min(target.Bytes), 255) << "white stays white, and alpha is full";
     }
+  }
   Picture target({4, 4}, 3);
   StretchPixels({}, target.Rows, 0, 0, {4, 4});
   EXPECT_EQ(std::ranges::max(target.Bytes), 0);

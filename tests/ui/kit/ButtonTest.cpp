@@ -166,8 +166,9 @@ TEST(Toolbar, GivesUpMarginsThenGapsThenLettersThenTheEndsOfCaptions) {
   for (const auto& [row, font, left, width, caption, left2, width2, caption2] : cases) {
     const ToolbarPlan plan = ArrangeToolbar(items, row);
     std::vector<int> got;
-    for (const auto& place : plan.Places)
+    for (const auto& place : plan.Places) {
       got.insert(got.end(), {place.Left, place.Width, place.CaptionWidth});
+    }
     EXPECT_EQ(got, (std::vector{left, width, caption, left2, width2, caption2})) << row;
     EXPECT_EQ(plan.CaptionFont, kCaptionFonts[static_cast<std::size_t>(font)]) << row;
   }

@@ -56,7 +56,8 @@ TEST(PushBarLayout, PressFindsThePhotoThere) {
       {right, 0, 13, 41},  {right, cap - 12, 13, 99}, {right, cap + 15, 13, 99}, {right, cap + 16, 13, -1},
       {left, 331, 4, 20},  {left, 331, 3, -1},        {left, 331, 22, 20},       {left, 331, 23, -1},
   };
-  for (const auto& [form, x, y, target] : cases)
+  for (const auto& [form, x, y, target] : cases) {
     EXPECT_EQ(form.FindTarget({x, y}, 40, 100), target) << x << y;
+  }
   EXPECT_EQ((PushBarForm{BarSide::Left, 1.0, 412, 27, 0}).FindTarget({411, 13}, 0, 1), 0) << "no body";
 }
