@@ -180,8 +180,15 @@ TEST(TiffImageTest, DamageLeavesItEmptyAndPictureBombsAreNotDecoded) {
   const auto load = [&image](const std::string& tiff) {
     image.LoadMemory({reinterpret_cast<const std::uint8_t*>(tiff.data()), tiff.size()}, 0, 0);
   };
-  load(Tiff(true));
-  EXPECT_FALSE(image.RotatesWithoutLoss() || image.IsCompressedAsJpeg());
+  load(Tiff());
+  EXPECT_TRUE(image.RotatesWithoutLoss());
+  std::string pages = Tiff();  // with a second directory, which shows the same pixels
+  pages += pages.substr(8, 2 + 8 * 12 + 4);
+  pages[8 + 2 + 8 * 12] = static_cast<char>(Tiff().size());
+  for (const std::string& tiff : {Tiff(true), pages}) {
+    load(tiff);
+    EXPECT_FALSE(image.RotatesWithoutLoss() || image.IsCompressedAsJpeg());
+  }
   for (std::size_t size = 0; size < 110; ++size) {
     load(Tiff().substr(0, size));
     EXPECT_EQ(image.GetPixels().Top == nullptr, image.GetCurrentSize() == ImageSize{});

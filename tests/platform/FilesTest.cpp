@@ -164,6 +164,16 @@ TEST(NewNames, AreNeverTakenFromAnother) {
   EXPECT_THAT(NamesIn(folder.GetPath()), UnorderedElementsAre("from", "taken", "dangling"));
   EXPECT_EQ(ReadBytes(taken), kOld);
 
+  // A file that takes the name while the copy is made isn't replaced.
+  platform::SetFaultPlan([&folder](std::string_view operation, std::string_view) {
+    if (operation == "sync") folder.Write("to", kOld);
+    return std::error_code();
+  });
+  EXPECT_EQ(platform::CopyToNewFile(from, to), std::errc::file_exists);
+  platform::SetFaultPlan({});
+  EXPECT_EQ(ReadBytes(to), kOld);
+  std::filesystem::remove(to);
+
   ASSERT_EQ(::chmod(from.c_str(), 0464), 0);
   const auto written = std::filesystem::last_write_time(from) - std::chrono::hours(1);
   std::filesystem::last_write_time(from, written);
