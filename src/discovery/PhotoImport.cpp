@@ -40,7 +40,7 @@ void CPhotoImport::ImportFile(const CFoundFile& found, const PreparedPhoto& prep
   if (found.Known) return Cache.StorePrepared(*found.Known, prepared);
   CAssetRecord record = Catalog.AddAsset(found.Path);
   if (!record.StampNewPhoto(TimeFromFile(found.Created), TimeFromFile(found.Written), prepared.CameraDate)) {
-    throw CError("The catalog takes no dates.");
+    throw CStorageException("The catalog takes no dates.");
   }
   Cache.StorePrepared(record.GetAssetID(), prepared);
 }
