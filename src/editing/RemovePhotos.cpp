@@ -1,0 +1,93 @@
+#include "editing/RemovePhotos.h"
+
+#include <algorithm>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "base/Exceptions.h"
+#include "base/PathIdentity.h"
+#include "base/Paths.h"
+#include "catalog/Catalog.h"
+#include "catalog/ThumbnailCache.h"
+#include "editing/SafeFiles.h"
+#include "platform/Files.h"
+#include "platform/RecycleBin.h"
+#include "platform/Unicode.h"
+
+namespace {
+
+/// Whether the two paths lead to one entry of one folder. Two names of one file aren't that.
+bool AreOneEntry(const std::string& a, const std::string& b) {
+  platform::FileStatus first, second;
+  if (platform::GetEntryStatus(a, first) || platform::GetEntryStatus(b, second)) return false;
+  if (first.Device != second.Device || first.Inode != second.Inode) return false;
+  if (first.LinkCount == 1) return true;
+  const PathParts one = SplitPath(a), other = SplitPath(b);
+  return one.Name == other.Name && IsSameFolder(one.Folder, other.Folder);
+}
+
+/// The photos that stay in the collection and whose file has the name of one that goes.
+class CShownNamesakes {
+ public:
+  CShownNamesakes(CCatalog& catalog, const std::vector<std::string>& goingPaths) {
+    for (const std::string& path : goingPaths) Paths[GetName(path)];
+    const c4_View assets = catalog.GetAssets();
+    for (int i = 0; i < assets.GetSize(); ++i) {
+      const CAssetRecord photo(&catalog, assets[i]);
+      if (photo.GetFlag(PhotoFlag::Tossed) || photo.GetMissing() != MissingState::InPlace) continue;
+      const auto found = Paths.find(platform::FoldCase(photo.GetFilename()));
+      if (found != Paths.end()) found->second.push_back(photo.GetPath());
+    }
+  }
+
+  bool Show(const std::string& path) const {
+    return std::ranges::any_of(Paths.at(GetName(path)),
+                               [&path](const std::string& shown) { return AreOneEntry(shown, path); });
+  }
+
+ private:
+  static std::string GetName(const std::string& path) { return platform::FoldCase(SplitPath(path).Name); }
+
+  std::unordered_map<std::string, std::vector<std::string>> Paths;  // by name without case
+};
+
+/// What can't be moved stays where it is, and its photo goes all the same.
+void MoveFiles(const std::string& path) {
+  static_cast<void>(platform::MoveToRecycleBin(path));
+  const std::string copy = OriginalCopyPath(path);
+  platform::FileStatus status;
+  if (!platform::GetEntryStatus(copy, status) && status.IsRegular) {
+    static_cast<void>(platform::MoveToRecycleBin(copy));
+  }
+}
+
+/// No photo gets the number of one that is gone: a thumbnail that can't be removed takes up room and does no
+/// harm.
+void RemoveThumbnails(CThumbnailCache& cache, std::span<const std::int32_t> assetIds) {
+  try {
+    CAutoCommitPause pause(cache);
+    for (const std::int32_t id : assetIds) cache.Remove(id);
+    pause.Commit();
+  } catch (const CStorageException&) {
+    static_cast<void>(cache.RenewIfDamaged());
+  }
+}
+
+}  // namespace
+
+void RemovePhotos(CCatalog& catalog, CThumbnailCache& cache, std::span<const std::int32_t> assetIds) {
+  CAutoCommitPause pause(catalog);
+  std::vector<std::string> paths;
+  for (const std::int32_t id : assetIds) {
+    const std::string path = catalog.FindAssetById(id).GetPath();
+    if (!SplitPath(path).Name.empty()) paths.push_back(path);
+    catalog.DeleteAsset(id);
+  }
+  const CShownNamesakes namesakes(catalog, paths);
+  for (const std::string& path : paths) {
+    if (!namesakes.Show(path)) MoveFiles(path);
+  }
+  pause.Commit();
+  RemoveThumbnails(cache, assetIds);
+}
