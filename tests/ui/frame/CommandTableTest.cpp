@@ -1,9 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <QKeyEvent>
+#include <QKeySequence>
+#include <QRegularExpression>
+#include <map>
 #include <set>
 #include <tuple>
 
+#include "base/Folders.h"
+#include "support/ScratchFolder.h"
 #include "ui/frame/CommandTable.h"
 #include "ui/frame/PhotoMarks.h"
 
@@ -40,6 +45,38 @@ TEST(CommandTable, KeysOfEveryLayoutReachTheirCommand) {
     const KeyChord chord = ReadKeyChord(QKeyEvent(QEvent::KeyPress, key, modifiers, scanCode, 0, 0));
     EXPECT_EQ(idOf(FindBareKey(chord)), bare) << key;
     EXPECT_EQ(idOf(FindAccelerator(chord)), accelerator) << key;
+  }
+}
+
+TEST(HelpPage, ListsTheKeysOfEveryCommandAndNeedsNothingFromElsewhere) {
+  const auto nameOf = [](const KeyChord& chord) {
+    const QKeyCombination keys(chord.Modifiers, static_cast<Qt::Key>(chord.Key));
+    QString name = QKeySequence(keys).toString(QKeySequence::PortableText);
+    const std::pair<const char*, const char*> names[] = {
+        {"Return", "Enter"}, {"Del", "Delete"}, {"PgUp", "Page Up"}, {"PgDown", "Page Down"}};
+    for (const auto& [former, shown] : names) name.replace(former, shown);
+    return name.toStdString();
+  };
+  std::map<int, std::string> commandsOfPage;  // the row that tells of a command
+  std::map<std::string, std::set<std::string>> keysOfPage, keys;
+  const QString page = QString::fromStdString(ReadBytes(GetProgramFolder() + "QuickStart.htm"));
+  const QRegularExpression rows(QStringLiteral("<tr data-commands=\"([0-9 ]+)\">(.*?)</tr>"));
+  const QRegularExpression kbd(QStringLiteral("<kbd>([^<]*)</kbd>"));
+  for (const auto& row : rows.globalMatch(page)) {
+    for (const QString& id : row.captured(1).split(u' '))
+      commandsOfPage[id.toInt()] = row.captured(1).toStdString();
+    auto& told = keysOfPage[row.captured(1).toStdString()];
+    for (const auto& key : kbd.globalMatch(row.captured(2))) told.insert(key.captured(1).toStdString());
+  }
+  for (const Command& command : GetCommandTable()) {
+    for (const KeyChord& chord :
+         {command.Accelerators[0], command.Accelerators[1], KeyChord{command.BareKey}}) {
+      if (chord.Key != 0) keys[commandsOfPage[static_cast<int>(command.Id)]].insert(nameOf(chord));
+    }
+  }
+  EXPECT_EQ(keysOfPage, keys);
+  for (const char* foreign : {"<script", "src=", "href=\"http", "url(", "@import"}) {
+    EXPECT_FALSE(page.contains(QLatin1String(foreign))) << foreign;
   }
 }
 
