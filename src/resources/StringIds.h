@@ -218,4 +218,7 @@ enum class StringId : int {
   // Photos that can't be worked on.
   PhotoTooLarge = 20110,
   PhotoTooDamagedToTurn = 20111,
+
+  // Addresses that the desktop opens no program for.
+  CannotOpenAddress = 20120,
 };

@@ -254,6 +254,7 @@ constexpr auto kTable = std::to_array<Entry>({
     {StringId::PhotoTooDamagedToTurn,
      "This photo can't be turned: its file is damaged, and what can't be read of it would be lost.\n\nThe "
      "photo has not been changed."},
+    {StringId::CannotOpenAddress, "%s could not be opened."},
 });
 
 constexpr bool IsBefore(const Entry& a, const Entry& b) { return a.Id < b.Id; }

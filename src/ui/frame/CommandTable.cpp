@@ -78,8 +78,8 @@ constexpr Command kCommands[] = {
      &Do::ToggleFullScreen},
     {CommandId::NextTab, kNoCaption, {Plain(Qt::Key_F6), Ctrl(Qt::Key_Tab)}, 0, kOnce, &Do::NextTab},
     {CommandId::CloseWindow, kNoCaption, {Alt(Qt::Key_F4)}, 0, kOnce, &Do::CloseWindow},
-    {CommandId::ShowInfo, kNoCaption, {Plain(Qt::Key_F1)}, 0, kOnce, nullptr},
-    {CommandId::Help, StringId::Help, {}, 0, kOnce, nullptr},
+    {CommandId::ShowInfo, kNoCaption, {Plain(Qt::Key_F1)}, 0, kOnce, &Do::ShowInfo},
+    {CommandId::Help, StringId::Help, {}, 0, kOnce, &Do::ShowInfo},
     {CommandId::TipAtStart, kNoCaption, {}, 0, kOnce, &Do::ShowTipAtStart},
 
     {CommandId::NextField, kNoCaption, {Plain(Qt::Key_Tab)}, 0, kRepeats, &Do::MoveByField},

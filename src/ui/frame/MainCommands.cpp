@@ -23,6 +23,7 @@
 #include "ui/back/FilterBar.h"
 #include "ui/back/PhotoBack.h"
 #include "ui/back/PhotoField.h"
+#include "ui/frame/InfoWindow.h"
 #include "ui/frame/MainParts.h"
 #include "ui/frame/PhotoMarks.h"
 #include "ui/kit/QtText.h"
@@ -199,6 +200,11 @@ void CMainCommands::NextTab(CommandId) {
 }
 
 void CMainCommands::CloseWindow(CommandId) { Parts.Window->close(); }
+
+void CMainCommands::ShowInfo(CommandId) {
+  Parts.Window->setFocus();  // keeps what is being edited; a slide show goes on
+  ShowInfoWindow(*Parts.Window);
+}
 
 void CMainCommands::ShowTipAtStart(CommandId) {
   CCatalog& catalog = *CCatalog::GetInstance();

@@ -47,6 +47,7 @@ class CMainCommands {
   void ToggleFullScreen(CommandId id);
   void NextTab(CommandId id);
   void CloseWindow(CommandId id);
+  void ShowInfo(CommandId id);
   void ShowTipAtStart(CommandId id);
 
  private:

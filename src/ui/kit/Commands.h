@@ -50,6 +50,11 @@ enum class CommandId : int {
   NextGroup = 5037,
   PreviousGroup = 5038,
   NextTab = 5049,
+  // In the information window, where 1, EndEdit, closes it.
+  OpenWebsite = 12033,
+  OpenFeedbackPage = 12034,
+  OpenPromotionsPage = 12036,
+  OpenHelpPage = 12037,
   Copy = 57634,
   Cut = 57635,
   Paste = 57637,

@@ -144,6 +144,29 @@ TEST_F(MainFrame, PhotosAreMarkedAndDeleted) {
   EXPECT_FALSE(frame.IsFullScreen() || frame.IsSlideShowRunning());
 }
 
+TEST_F(MainFrame, InformationKeepsAnEditAndLetsASlideShowGoOn) {
+  WritePhotos(3);
+  CMainFrame& frame = Start(0);
+  int shown = 0;
+  const auto look = [&] {
+    When([] { return QApplication::activeModalWidget() != nullptr; },
+         [&] {
+           shown += QApplication::activeModalWidget()->objectName() == "InfoWindow";
+           QApplication::activeModalWidget()->close();
+         });
+    Press({Qt::Key_F1});
+  };
+  Press({Qt::Key_C});
+  Type("kept");
+  look();
+  EXPECT_EQ(Texts(Photo(0), StampId::Note), "kept");
+  Activate(frame);
+  Press({Qt::Key_F11, Qt::Key_F5});
+  look();
+  EXPECT_TRUE(frame.IsFullScreen() && frame.IsSlideShowRunning());
+  EXPECT_EQ(shown, 2);
+}
+
 TEST_F(MainFrame, EditsBelongToThePhotoUnderTheLensAndSurviveTheClose) {
   WritePhotos(3);
   CMainFrame& frame = Start(0);

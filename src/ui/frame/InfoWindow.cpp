@@ -1,0 +1,170 @@
+#include "ui/frame/InfoWindow.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPainter>
+#include <QScreen>
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <string>
+
+#include "base/Folders.h"
+#include "base/Texts.h"
+#include "ui/kit/Colours.h"
+#include "ui/kit/FontTable.h"
+#include "ui/kit/OpenAddress.h"
+#include "ui/kit/PaintedButton.h"
+#include "ui/kit/Pictures.h"
+#include "ui/kit/QtText.h"
+#include "ui/search/SearchProgressLayout.h"
+
+namespace {
+
+struct InfoRow {
+  CommandId Command;
+  StringId Button;
+  StringId Text;
+  StringId Address;
+};
+
+constexpr auto kRows = std::to_array<InfoRow>({
+    {CommandId::OpenHelpPage, StringId::HelpButton, StringId::HelpText, StringId::HelpFile},
+    {CommandId::OpenFeedbackPage, StringId::FeedbackButton, StringId::FeedbackText, StringId::FeedbackPage},
+    {CommandId::OpenPromotionsPage, StringId::FreePrintsButton, StringId::FreePrintsText,
+     StringId::PromotionsPage},
+    {CommandId::OpenWebsite, StringId::WebsiteButton, StringId::WebsiteText, StringId::WebsitePage},
+    {CommandId::EndEdit, StringId::Close, StringId::CloseText, StringId{}},
+});
+
+constexpr QSize kWindow(400, 330);
+constexpr QRect kHeading(25, 95, 350, 26);
+constexpr QRect kVersion(25, 123, 350, 17);
+constexpr QRect kLegal(25, 141, 350, 30);
+constexpr QRect kFirstButton(25, 184, 95, 20);
+constexpr QRect kFirstText(125, 180, 260, 28);  // room for two lines
+constexpr int kRowPitch = 28;
+
+constexpr const char* kHelpFolder = "../share/vellumar/";  // where the program is installed
+
+std::string FindHelpPage() {
+  const std::string name = LoadText(StringId::HelpFile);
+  const std::string beside = GetProgramFolder() + name;
+  const std::string installed = GetProgramFolder() + kHelpFolder + name;
+  return !FileExists(beside, false) && FileExists(installed, false) ? installed : beside;
+}
+
+QString Load(StringId id) { return ToQString(LoadExpandedString(id)); }
+
+class CInfoWindow : public QDialog, private CCommandTarget {
+ public:
+  explicit CInfoWindow(QWidget& mainWindow);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  void AddText(const QRect& place, FontId font, const QString& text);
+  void AddRow(int position);
+  void OnCommand(CommandId id) override;
+
+  std::array<std::unique_ptr<CPaintedButton>, kRows.size()> Buttons;
+};
+
+CInfoWindow::CInfoWindow(QWidget& mainWindow) : QDialog(&mainWindow, Qt::Dialog | Qt::FramelessWindowHint) {
+  setObjectName(QStringLiteral("InfoWindow"));
+  setWindowTitle(Load(StringId::Information));
+  setAccessibleName(windowTitle());
+  setFixedSize(kWindow);
+  // The mask shapes the window where windows can be shaped; elsewhere what isn't painted is seen through.
+  setAttribute(Qt::WA_TranslucentBackground);
+  setMask(ProgressOutline(true));  // of the same picture
+
+  AddText(kHeading, FontId::Heading, windowTitle());
+  AddText(kVersion, FontId::Panel, Load(StringId::SplashProduct) + ", " + Load(StringId::SplashVersion));
+  AddText(
+      kLegal, FontId::Band,
+      Load(StringId::SplashLegal1) + ' ' + Load(StringId::SplashLegal2) + ' ' + Load(StringId::SplashLegal3));
+  for (int i = 0; i < std::ssize(kRows); ++i) AddRow(i);
+  Buttons.back()->setFocus();
+  move(CentreInWorkArea(size(), mainWindow.frameGeometry(), mainWindow.screen()->availableGeometry()));
+}
+
+void CInfoWindow::AddText(const QRect& place, FontId font, const QString& text) {
+  auto* label = new QLabel(text, this);
+  label->setTextFormat(Qt::PlainText);
+  label->setWordWrap(true);
+  label->setFont(GetFont(font));
+  QPalette colors = label->palette();
+  colors.setColor(QPalette::WindowText, colours::kInk);
+  colors.setColor(QPalette::Window, colours::kPage);
+  label->setPalette(colors);
+  label->setAutoFillBackground(true);
+  label->setGeometry(place);
+}
+
+void CInfoWindow::AddRow(int position) {
+  const InfoRow& row = kRows[static_cast<std::size_t>(position)];
+  const int down = position * kRowPitch;
+  AddText(kFirstText.translated(0, down), FontId::Band, Load(row.Text));
+  auto& button = Buttons[static_cast<std::size_t>(position)];
+  CCommandTarget& target = *this;
+  button = std::make_unique<CPaintedButton>(target, this);
+  button->EnableTip(false);
+  button->CreateText(kFirstButton.translated(0, down), row.Command, Load(row.Button), ButtonFlags::None,
+                     row.Command == CommandId::EndEdit);
+  button->setFocusPolicy(Qt::TabFocus);
+  button->setAccessibleDescription(Load(row.Text));
+}
+
+void CInfoWindow::OnCommand(CommandId id) {
+  if (id == CommandId::EndEdit) return accept();
+  if (id == CommandId::OpenHelpPage) return OpenFile(FindHelpPage());
+  const auto row = std::ranges::find(kRows, id, &InfoRow::Command);
+  if (row != kRows.end()) OpenWebPage("http://" + LoadExpandedString(row->Address));
+}
+
+void CInfoWindow::keyPressEvent(QKeyEvent* event) {
+  switch (event->key()) {
+    case Qt::Key_Down:
+    case Qt::Key_Right:
+      focusNextChild();
+      break;
+    case Qt::Key_Up:
+    case Qt::Key_Left:
+      focusPreviousChild();
+      break;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      accept();
+      break;
+    default:
+      QDialog::keyPressEvent(event);  // Esc closes
+  }
+}
+
+void CInfoWindow::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  painter.setClipRegion(ProgressOutline(true));
+  painter.drawPixmap(0, 0, GetPicture(PictureId::SearchBackgroundWithSplash, devicePixelRatioF()));
+}
+
+}  // namespace
+
+QPoint CentreInWorkArea(QSize size, const QRect& owner, const QRect& workArea) {
+  const auto fit = [](int wanted, int length, int from, int room) {
+    return std::max(from, std::min(wanted, from + room - length));
+  };
+  return {
+      fit(owner.x() + (owner.width() - size.width()) / 2, size.width(), workArea.x(), workArea.width()),
+      fit(owner.y() + (owner.height() - size.height()) / 2, size.height(), workArea.y(), workArea.height())};
+}
+
+void ShowInfoWindow(QWidget& mainWindow) {
+  if (QApplication::activeModalWidget() != nullptr) return;
+  CInfoWindow window(mainWindow);
+  window.exec();
+}

@@ -1,0 +1,27 @@
+#include "ui/kit/OpenAddress.h"
+
+#include <QDesktopServices>
+#include <QUrl>
+
+#include "base/Folders.h"
+#include "base/Messages.h"
+#include "base/Texts.h"
+
+namespace {
+
+void TellFailure(const std::string& address) {
+  ShowMessage(FormatString(StringId::CannotOpenAddress, address));
+}
+
+}  // namespace
+
+void OpenWebPage(const std::string& address) {
+  const QUrl url = QUrl::fromEncoded(QByteArray::fromStdString(address), QUrl::StrictMode);
+  if (!url.isValid() || !QDesktopServices::openUrl(url)) TellFailure(address);
+}
+
+void OpenFile(const std::string& path) {
+  // Made of the bytes: a path through QString loses those that aren't text.
+  const QByteArray encoded = "file://" + QByteArray::fromStdString(path).toPercentEncoding("/");
+  if (!FileExists(path, false) || !QDesktopServices::openUrl(QUrl::fromEncoded(encoded))) TellFailure(path);
+}
