@@ -94,11 +94,8 @@ bool MakeSharedTrash(const std::string& folder) {
 /// The root of the disk that the folder is on, with its closing "/".
 std::string FindTop(std::string folder) {
   FileStatus status;
-  while (folder != "/" && !GetStatus(folder, status) && !status.IsMountPoint) {
-    const std::string above = folder.substr(0, folder.rfind('/', folder.size() - 2) + 1);
-    FileStatus statusAbove;
-    if (GetStatus(above, statusAbove) || statusAbove.Device != status.Device) break;
-    folder = above;
+  while (folder != "/" && (GetStatus(folder, status) || !status.IsMountPoint)) {
+    folder.resize(folder.rfind('/', folder.size() - 2) + 1);
   }
   return folder;
 }
