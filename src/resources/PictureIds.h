@@ -18,6 +18,9 @@ enum class PictureId : int {
   RotateLeft = 328,
   Help = 329,
   EmailMark = 336,  // on the large photo
+  ClearAllEmail = 343,
+  EmptyTrash = 345,
+  Restore = 346,
   NextPhoto = 353,
   PreviousPhoto = 354,
   BandStars = 356,        // 0 to 4 stars
@@ -27,7 +30,10 @@ enum class PictureId : int {
   PanelCorners = 393,     // 3 by 3 tiles
   FieldButton = 394,      // rest, pressed
   DeletePhoto = 1007,
+  SendPhotos = 1009,
   EmailPhoto = 1012,
+  ClearAllUpload = 1015,
+  ClearOneUpload = 1016,
   DoNotUploadPhoto = 1017,
   DoNotEmailPhoto = 5005,
   NextGroup = 5037,
@@ -41,10 +47,14 @@ enum class PictureId : int {
   FolderItems = 5063,  // all folders, the pictures folder, a folder, search, add a folder, remove one
   SearchBackground = 5065,
   UploadStripMarks = 5069,
-  PhotoShadow = 5105,  // five pieces
-  TabTiles = 5107,     // eleven tiles
-  ThumbnailShadow = 5112,
-  PushBar = 5116,     // left end, middle, right end
+  UploadPhotos = 5076,
+  ClearOneEmail = 5077,
+  OrderPrints = 5094,
+  PhotoShadow = 5105,          // five pieces
+  TabTiles = 5107,             // eleven tiles
+  ThumbnailShadow = 5112,      // in the strip
+  PageThumbnailShadow = 5114,  // on a page
+  PushBar = 5116,              // left end, middle, right end
   Separators = 5118,  // before the first cell, between cells, between groups, after the last; three rows each
   RatingItemsOnYellow = 5120,
   TextButtons = 5121,  // rest, pressed, default, default pressed
@@ -52,6 +62,7 @@ enum class PictureId : int {
   SearchBackgroundWithSplash = 10032,
   Logo = 10045,
   AutoFix = 10046,
+  AddRecent = 15002,
 
   // Pictures that belong to no command, text or field are numbered from 20000.
   DropControl = 20010,  // at rest, open; with an edit box at rest, open
