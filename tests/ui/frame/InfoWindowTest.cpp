@@ -62,10 +62,13 @@ TEST_F(InfoWindow, KeysGoThroughTheButtonsAndPressThem) {
     EXPECT_EQ(window.focusWidget()->accessibleName(), "Close");
     ShowInfoWindow(Main);  // not a second time
     std::vector<std::string> told;
-    for (const Qt::Key next : {Qt::Key_Tab, Qt::Key_Down, Qt::Key_Right, Qt::Key_Tab}) {
+    for (const auto& [next, press] : {std::pair(Qt::Key_Tab, Qt::Key_Space),
+                                      {Qt::Key_Down, Qt::Key_Return},
+                                      {Qt::Key_Right, Qt::Key_Space},
+                                      {Qt::Key_Tab, Qt::Key_Enter}}) {
       Press({next});
       told.push_back(window.focusWidget()->accessibleDescription().toStdString());
-      Press({Qt::Key_Space});
+      Press({press});
     }
     EXPECT_THAT(told, ElementsAre("Guide to key commands and quick answers", "Send us your feedback",
                                   "Learn about our current promotional offers",
