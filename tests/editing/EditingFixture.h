@@ -22,14 +22,17 @@ class CEditingFixture : public CCatalogFixture {
 
   std::string InFolder(const std::string& name) const { return Pictures() + "/" + name; }
 
-  std::vector<std::string> NamesInFolder() const {
+  /// In order; none if there is no such folder.
+  static std::vector<std::string> NamesIn(const std::string& folder) {
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(Pictures())) {
+    std::error_code missing;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, missing)) {
       names.push_back(entry.path().filename().string());
     }
     std::ranges::sort(names);
     return names;
   }
+  std::vector<std::string> NamesInFolder() const { return NamesIn(Pictures()); }
 
   std::string Now() const { return ReadBytes(Photo.GetPath()); }
 
