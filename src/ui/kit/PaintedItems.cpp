@@ -1,0 +1,215 @@
+#include "ui/kit/PaintedItems.h"
+
+#include <QAccessibleWidget>
+#include <QPointer>
+#include <QWidget>
+#include <QWindow>
+#include <memory>
+#include <unordered_map>
+#include <utility>
+
+namespace {
+
+CPaintedItems* ItemsOf(QObject* widget) { return dynamic_cast<CPaintedItems*>(widget); }
+
+/// One item, known by its key. Invalid while the widget has none of that key.
+class CItemFace final : public QAccessibleInterface, public QAccessibleActionInterface {
+ public:
+  CItemFace(QWidget& widget, int key) : Widget(&widget), Key(key) {}
+
+  const QWidget* GetWidget() const { return Widget; }
+  /// -1 if the item is gone.
+  int GetIndex() const {
+    const CPaintedItems* items = ItemsOf(Widget);
+    return items != nullptr ? items->FindItem(Key) : -1;
+  }
+
+  bool isValid() const override { return GetIndex() >= 0; }
+  QObject* object() const override { return nullptr; }
+  QWindow* window() const override { return isValid() ? Widget->window()->windowHandle() : nullptr; }
+  QAccessibleInterface* parent() const override { return QAccessible::queryAccessibleInterface(Widget); }
+  QAccessibleInterface* child(int) const override { return nullptr; }
+  QAccessibleInterface* childAt(int, int) const override { return nullptr; }
+  int childCount() const override { return 0; }
+  int indexOfChild(const QAccessibleInterface*) const override { return -1; }
+  QString text(QAccessible::Text text) const override {
+    if (text == QAccessible::Name) return Describe().Name;
+    return text == QAccessible::Description ? Describe().Description : QString();
+  }
+  void setText(QAccessible::Text, const QString&) override {}
+  QRect rect() const override {
+    const QRect place = Describe().Place;
+    return place.isEmpty() ? QRect() : QRect(Widget->mapToGlobal(place.topLeft()), place.size());
+  }
+  QAccessible::Role role() const override {
+    return isValid() ? ItemsOf(Widget)->GetItemRole() : QAccessible::NoRole;
+  }
+  QAccessible::State state() const override;
+
+  void* interface_cast(QAccessible::InterfaceType type) override {
+    return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this) : nullptr;
+  }
+  QStringList actionNames() const override { return {pressAction()}; }
+  QStringList keyBindingsForAction(const QString&) const override { return {}; }
+  void doAction(const QString& action) override {
+    if (action != pressAction() || !isValid()) return;
+    DoAsClicked(*Widget, [widget = Widget.data(), key = Key] {
+      CPaintedItems& items = *ItemsOf(widget);
+      const int index = items.FindItem(key);
+      if (index >= 0) items.ActivateItem(index);
+    });
+  }
+
+ private:
+  PaintedItem Describe() const {
+    const int index = GetIndex();
+    return index >= 0 ? ItemsOf(Widget)->DescribeItem(index) : PaintedItem();
+  }
+
+  const QPointer<QWidget> Widget;
+  const int Key;
+};
+
+QAccessible::State CItemFace::state() const {
+  QAccessible::State state;
+  const int index = GetIndex();
+  if (index < 0) {
+    state.invalid = true;
+    return state;
+  }
+  const CPaintedItems& items = *ItemsOf(Widget);
+  const bool isCurrent = index == items.GetCurrentItem();
+  state.disabled = !Widget->isEnabled();
+  state.invisible = !Widget->isVisible();
+  state.offscreen = !Widget->rect().intersects(items.DescribeItem(index).Place);
+  state.selectable = true;
+  state.selected = items.IsItemSelected(index);
+  state.focusable = Widget->focusPolicy() != Qt::NoFocus;
+  state.focused = isCurrent && Widget->hasFocus();
+  state.active = isCurrent;
+  return state;
+}
+
+/// The widget with its items as children. It owns their faces.
+class CListFace final : public QAccessibleWidget {
+ public:
+  explicit CListFace(QWidget& widget) : QAccessibleWidget(&widget) {}
+  ~CListFace() override {
+    for (const auto& [key, id] : Faces) QAccessible::deleteAccessibleInterface(id);
+  }
+
+  QAccessible::Role role() const override {
+    return GetItems() != nullptr ? GetItems()->GetListRole() : QAccessible::NoRole;
+  }
+  int childCount() const override { return GetItems() != nullptr ? GetItems()->CountItems() : 0; }
+  QAccessibleInterface* child(int index) const override {
+    return index >= 0 && index < childCount() ? FaceOf(GetItems()->GetItemKey(index)) : nullptr;
+  }
+  int indexOfChild(const QAccessibleInterface* child) const override {
+    const auto* item = dynamic_cast<const CItemFace*>(child);
+    return item != nullptr && item->GetWidget() == object() ? item->GetIndex() : -1;
+  }
+  QAccessibleInterface* childAt(int x, int y) const override {
+    const QPoint place = widget()->mapFromGlobal(QPoint(x, y));
+    for (int i = 0; i < childCount(); ++i) {
+      if (GetItems()->DescribeItem(i).Place.contains(place)) return child(i);
+    }
+    return nullptr;
+  }
+  QAccessibleInterface* focusChild() const override {
+    return GetItems() != nullptr && widget()->hasFocus() ? child(GetItems()->GetCurrentItem()) : nullptr;
+  }
+
+  void TellItems() {
+    std::erase_if(Faces, [this](const auto& face) {
+      if (GetItems()->FindItem(face.first) >= 0) return false;
+      QAccessible::deleteAccessibleInterface(face.second);
+      return true;
+    });
+    Tell(*this, QAccessible::ObjectReorder);
+  }
+
+  void TellCurrentItem() {
+    const int index = GetItems()->GetCurrentItem();
+    const int last = std::exchange(LastCurrent, index >= 0 ? GetItems()->GetItemKey(index) : -1);
+    const auto known = Faces.find(last);
+    if (last != LastCurrent && known != Faces.end()) Tell(*FaceOf(last), QAccessible::SelectionRemove);
+    if (QAccessibleInterface* item = child(index)) {
+      if (widget()->hasFocus()) Tell(*item, QAccessible::Focus);
+      Tell(*item, QAccessible::Selection);
+    }
+    Tell(*this, QAccessible::SelectionWithin);
+  }
+
+  static void Tell(QAccessibleInterface& face, QAccessible::Event what) {
+    QAccessibleEvent event(&face, what);
+    QAccessible::updateAccessibility(&event);
+  }
+
+ private:
+  CPaintedItems* GetItems() const { return ItemsOf(object()); }
+
+  QAccessibleInterface* FaceOf(int key) const {
+    const auto known = Faces.find(key);
+    if (known != Faces.end()) return QAccessible::accessibleInterface(known->second);
+    QAccessibleInterface* face = std::make_unique<CItemFace>(*widget(), key).release();
+    Faces.emplace(key, QAccessible::registerAccessibleInterface(face));
+    return face;
+  }
+
+  mutable std::unordered_map<int, QAccessible::Id> Faces;  // by key; of items that a tool has asked for
+  int LastCurrent = -1;                                    // key of the item that was told as current
+};
+
+CListFace* FindListFace(QWidget* widget) {
+  return dynamic_cast<CListFace*>(QAccessible::queryAccessibleInterface(widget));
+}
+
+}  // namespace
+
+int CPaintedItems::FindItem(int key) const {
+  for (int i = 0; i < CountItems(); ++i) {
+    if (GetItemKey(i) == key) return i;
+  }
+  return -1;
+}
+
+QAccessibleInterface* CPaintedItems::MakeFace() {
+  return std::make_unique<CListFace>(dynamic_cast<QWidget&>(*this)).release();
+}
+
+void CPaintedItems::TellCurrentItem() {
+  CurrentChanged = true;
+  TellSoon();
+}
+
+void CPaintedItems::TellItems() {
+  ItemsChanged = true;
+  TellSoon();
+}
+
+void CPaintedItems::TellItemName(int index) {
+  if (!QAccessible::isActive()) return;
+  const CListFace* list = FindListFace(dynamic_cast<QWidget*>(this));
+  if (QAccessibleInterface* item = list != nullptr ? list->child(index) : nullptr) {
+    CListFace::Tell(*item, QAccessible::NameChanged);
+  }
+}
+
+void CPaintedItems::TellSoon() {
+  if (!QAccessible::isActive() || Telling) return;
+  Telling = true;
+  QMetaObject::invokeMethod(
+      dynamic_cast<QWidget*>(this), [this] { TellNow(); }, Qt::QueuedConnection);
+}
+
+void CPaintedItems::TellNow() {
+  Telling = false;
+  auto* widget = dynamic_cast<QWidget*>(this);
+  CListFace* list = FindListFace(widget);
+  const bool items = std::exchange(ItemsChanged, false);
+  const bool current = std::exchange(CurrentChanged, false);
+  if (list == nullptr) return;
+  if (items) list->TellItems();
+  if (current && widget->isVisible()) list->TellCurrentItem();
+}
