@@ -56,9 +56,14 @@ void DrawLines(CDevicePainter& painter, const QRect& area, const QString& captio
   }
 }
 
+QString LoadTip(ViewTabId id) { return ToQString(LoadExpandedString(static_cast<StringId>(id))); }
+
 }  // namespace
 
-CViewTabBar::CViewTabBar(QWidget* parent) : QWidget(parent) { setObjectName(QStringLiteral("ViewTab")); }
+CViewTabBar::CViewTabBar(QWidget* parent) : QWidget(parent) {
+  setObjectName(QStringLiteral("ViewTab"));
+  setAccessibleName(QStringLiteral("Views"));
+}
 
 int CViewTabBar::Find(ViewTabId id) const {
   const auto found =
@@ -71,11 +76,13 @@ void CViewTabBar::AddTab(ViewTabId id, int order) {
   const auto behind =
       std::find_if(Items.begin(), Items.end(), [&](const Item& item) { return item.Order > order; });
   Items.insert(behind, Item{.Id = id, .Order = order, .Caption = {}});
+  TellItems();
   update();
 }
 
 void CViewTabBar::RemoveTab(ViewTabId id) {
   std::erase_if(Items, [&](const Item& item) { return item.Id == id; });
+  TellItems();
   update();
 }
 
@@ -97,13 +104,13 @@ void CViewTabBar::SetCount(ViewTabId id, int count) {
   const int index = Find(id);
   if (index < 0) return;
   GetItem(index).Count = count;
-  TellAccessibleName();
+  TellItemName(index);
   update();
 }
 
 void CViewTabBar::SelectTab(ViewTabId id) {
   Selected = id;
-  TellAccessibleName();
+  TellCurrentItem();
   update();
   if (OnTabChanged) OnTabChanged();
 }
@@ -113,10 +120,10 @@ void CViewTabBar::SelectNextTab() {
   SelectTab(GetItem((Find(Selected) + 1) % CountTabs()).Id);
 }
 
-void CViewTabBar::TellAccessibleName() {
-  const int index = Find(Selected);
-  setAccessibleName(index < 0 ? QString()
-                              : OnOneLine(TabCaption(GetItem(index).Caption, GetItem(index).Count)));
+PaintedItem CViewTabBar::DescribeItem(int index) const {
+  const Item& item = GetItem(index);
+  return {OnOneLine(TabCaption(item.Caption, item.Count)), LoadTip(item.Id),
+          TabRect(index, CountTabs(), width())};
 }
 
 QRect CViewTabBar::GetPageRect() const { return TabPageRect(size()); }
@@ -132,9 +139,7 @@ bool CViewTabBar::event(QEvent* event) {
     event->ignore();
     return true;
   }
-  const ViewTabId id = GetItem(tab).Id;
-  ShowToolTip(help.globalPos(), ToQString(LoadExpandedString(static_cast<StringId>(id))), *this,
-              TabRect(tab, CountTabs(), width()));
+  ShowToolTip(help.globalPos(), LoadTip(GetItem(tab).Id), *this, TabRect(tab, CountTabs(), width()));
   return true;
 }
 

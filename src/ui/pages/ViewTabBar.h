@@ -8,12 +8,14 @@
 #include "resources/PictureIds.h"
 #include "resources/StringIds.h"
 #include "ui/kit/Commands.h"
+#include "ui/kit/PaintedItems.h"
 
 class CDevicePainter;
 
 /// The tabs of the notebook above the strip, and the panel below them on which a page stands. It shows and
-/// selects tabs; the pages are the main window's, which swaps them when a tab has been selected.
-class CViewTabBar : public QWidget {
+/// selects tabs; the pages are the main window's, which swaps them when a tab has been selected. To assistive
+/// tools it is a list of page tabs.
+class CViewTabBar : public QWidget, public CPaintedItems {
  public:
   explicit CViewTabBar(QWidget* parent);
 
@@ -58,7 +60,15 @@ class CViewTabBar : public QWidget {
   Item& GetItem(int index) { return Items[static_cast<std::size_t>(index)]; }
   int CountTabs() const { return static_cast<int>(Items.size()); }
   int FindTabAt(QPoint point) const;
-  void TellAccessibleName();
+
+  QAccessible::Role GetListRole() const override { return QAccessible::PageTabList; }
+  QAccessible::Role GetItemRole() const override { return QAccessible::PageTab; }
+  int CountItems() const override { return CountTabs(); }
+  int GetItemKey(int index) const override { return static_cast<int>(GetItem(index).Id); }
+  PaintedItem DescribeItem(int index) const override;
+  int GetCurrentItem() const override { return Find(Selected); }
+  void ActivateItem(int index) override { SelectTab(GetItem(index).Id); }
+
   void PaintPanel(CDevicePainter& painter) const;
   void PaintTab(CDevicePainter& painter, int index) const;
   void PaintContent(CDevicePainter& painter, const QRect& tab, const Item& item) const;

@@ -1,3 +1,4 @@
+#include <QAccessible>
 #include <QMouseEvent>
 
 #include "ui/WindowTest.h"
@@ -79,6 +80,20 @@ TEST_F(ViewTabBar, ClickSelectsATabAndBesideThemIsLeftToTheWindow) {
   EXPECT_FALSE(Click({332, 10}));
   EXPECT_FALSE(Click({500, 300}));
   EXPECT_EQ(Selections.size(), 1U);
+}
+
+TEST_F(ViewTabBar, AssistiveToolsSeeTheTabsAndSelectThem) {
+  Bar.show();
   Bar.SetCount(ViewTabId::Email, 1);
-  EXPECT_EQ(Bar.accessibleName(), "1 photo to email");
+  QAccessibleInterface* list = QAccessible::queryAccessibleInterface(&Bar);
+  EXPECT_EQ(list->role(), QAccessible::PageTabList);
+  ASSERT_EQ(list->childCount(), 3);
+  QAccessibleInterface* tab = list->child(2);
+  EXPECT_EQ(tab->role(), QAccessible::PageTab);
+  EXPECT_EQ(tab->text(QAccessible::Name), "1 photo to email");
+  EXPECT_EQ(tab->text(QAccessible::Description), "View photos to email");
+  EXPECT_FALSE(tab->state().selected);
+  tab->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Selections == std::vector{ViewTabId::Email}; }));
+  EXPECT_TRUE(tab->state().selected);
 }
