@@ -1,20 +1,32 @@
 #include "sets/ListPhotoSet.h"
 
 #include <algorithm>
+#include <unordered_map>
 
 #include "catalog/Catalog.h"
 
+namespace {
+
+constexpr int kMostThumbnails = 1000;  // of 44 kB each
+
+}  // namespace
+
 int CListPhotoSet::FindEntry(int index) const {
-  if (index < 0 || index >= static_cast<int>(Members.size())) return -1;
+  if (index < 0 || index >= static_cast<int>(Places.size())) return -1;
+  return static_cast<int>(Places[static_cast<std::size_t>(index)]);
+}
+
+void CListPhotoSet::FindPlaces() {
   // A photo that stands in the list several times passes the filters each time, so its n-th place among the
   // members is its n-th place in the list.
-  const std::int32_t assetId = Members[static_cast<std::size_t>(index)].AssetID;
-  auto before = std::count_if(Members.begin(), Members.begin() + index,
-                              [assetId](const CPhotoSetEntry& member) { return member.AssetID == assetId; });
-  for (std::size_t i = 0; i < Entries.size(); ++i) {
-    if (Entries[i].AssetID == assetId && before-- == 0) return static_cast<int>(i);
+  std::unordered_map<std::int32_t, std::vector<std::size_t>> placesById;
+  for (std::size_t i = Entries.size(); i-- > 0;) placesById[Entries[i].AssetID].push_back(i);
+  Places.clear();
+  for (const CPhotoSetEntry& member : Members) {
+    std::vector<std::size_t>& places = placesById[member.AssetID];
+    Places.push_back(places.back());
+    places.pop_back();
   }
-  return -1;
 }
 
 std::unique_ptr<CImage> CListPhotoSet::MakeThumbnail(std::int32_t assetId) const {
@@ -23,24 +35,42 @@ std::unique_ptr<CImage> CListPhotoSet::MakeThumbnail(std::int32_t assetId) const
   return catalog->FindAssetById(assetId).LoadThumbnail();
 }
 
+void CListPhotoSet::ForgetThumbnails() {
+  for (CListEntry& entry : Entries) entry.Thumbnail.reset();
+  HeldThumbnails = 0;
+}
+
 void CListPhotoSet::RemoveAt(int index) {
   if (!IsValid()) return;
-  if (const int entry = FindEntry(index); entry >= 0) Entries.erase(Entries.begin() + entry);
+  const int entry = FindEntry(index);
   CPhotoSet::RemoveAt(index);
+  if (entry < 0) return;
+  Entries.erase(Entries.begin() + entry);
+  FindPlaces();
+}
+
+void CListPhotoSet::RemoveAll(const CAssetIdSet& assetIds) {
+  const auto isRemoved = [&](const auto& entry) { return assetIds.Contains(entry.AssetID); };
+  std::erase_if(Entries, isRemoved);
+  std::erase_if(Members, isRemoved);
+  FindPlaces();
 }
 
 void CListPhotoSet::Rebuild() {
   CPhotoSet::Rebuild();
   Members.clear();
   CCatalog* const catalog = CCatalog::GetInstance();
-  if (catalog == nullptr) return;
   for (const CListEntry& entry : Entries) {
-    if (Matches(catalog->FindAssetById(entry.AssetID))) Members.push_back({entry.AssetID, 0});
+    if (catalog != nullptr && Matches(catalog->FindAssetById(entry.AssetID))) {
+      Members.push_back({entry.AssetID, 0});
+    }
   }
+  FindPlaces();
 }
 
 void CListPhotoSet::Clear() {
   Entries.clear();
+  HeldThumbnails = 0;
   SetGuest(-1);
   Rebuild();
 }
@@ -49,11 +79,15 @@ void CListPhotoSet::AddAll(const CPhotoSet& set) {
   for (int i = 0; i < set.GetCount(); ++i) Add(set.GetAssetId(i));
 }
 
-void CListPhotoSet::Add(std::int32_t assetId) { Entries.push_back({assetId, MakeThumbnail(assetId)}); }
+void CListPhotoSet::Add(std::int32_t assetId) { Entries.push_back({assetId, std::nullopt}); }
 
 void CListPhotoSet::InsertBefore(std::int32_t assetId, int index) {
   const int entry = FindEntry(index);
-  if (entry >= 0) Entries.insert(Entries.begin() + entry, {assetId, MakeThumbnail(assetId)});
+  if (entry < 0) return;
+  Entries.insert(Entries.begin() + entry, {assetId, std::nullopt});
+  for (std::size_t& place : Places) {
+    if (place >= static_cast<std::size_t>(entry)) ++place;
+  }
 }
 
 void CListPhotoSet::Move(int fromIndex, int toIndex) {
@@ -66,16 +100,23 @@ void CListPhotoSet::Move(int fromIndex, int toIndex) {
   } else {
     std::rotate(begin + to, begin + from, begin + from + 1);
   }
+  FindPlaces();
 }
 
-CImage* CListPhotoSet::GetThumbnail(int index) const {
-  const int entry = FindEntry(index);
-  return entry >= 0 ? Entries[static_cast<std::size_t>(entry)].Thumbnail.get() : nullptr;
+CImage* CListPhotoSet::GetThumbnail(int index) {
+  const int place = FindEntry(index);
+  if (!HoldThumbnails || place < 0) return nullptr;
+  CListEntry& entry = Entries[static_cast<std::size_t>(place)];
+  if (!entry.Thumbnail) {
+    if (HeldThumbnails >= kMostThumbnails) ForgetThumbnails();
+    entry.Thumbnail = MakeThumbnail(entry.AssetID);
+    ++HeldThumbnails;
+  }
+  return entry.Thumbnail->get();
 }
 
 void CListPhotoSet::RefreshThumbnail(std::int32_t assetId) {
-  if (!HoldThumbnails) return;
   for (CListEntry& entry : Entries) {
-    if (entry.AssetID == assetId) entry.Thumbnail = MakeThumbnail(assetId);
+    if (entry.AssetID == assetId) entry.Thumbnail.reset();
   }
 }

@@ -1,15 +1,18 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "imaging/Image.h"
+#include "sets/AssetIdSet.h"
 #include "sets/PhotoSet.h"
 
 /// A photo of a list.
 struct CListEntry {
   std::int32_t AssetID;
-  std::unique_ptr<CImage> Thumbnail;  // null if none is held or there is none
+  std::optional<std::unique_ptr<CImage>> Thumbnail;  // null: there is none; no value: not read yet
 };
 
 /// Photos that the user has put together, in the user's order. Members are those of them that pass the
@@ -17,7 +20,8 @@ struct CListEntry {
 /// ask IndexOf first.
 class CListPhotoSet : public CPhotoSet {
  public:
-  /// With `holdThumbnails` each photo's thumbnail is kept decoded, so that painting the list reads nothing.
+  /// With `holdThumbnails` thumbnails are kept decoded once they have been asked for, so that painting the
+  /// list again reads nothing.
   explicit CListPhotoSet(bool holdThumbnails) : HoldThumbnails(holdThumbnails) {}
 
   void RemoveAt(int index) override;
@@ -30,15 +34,25 @@ class CListPhotoSet : public CPhotoSet {
   virtual void InsertBefore(std::int32_t assetId, int index);
   /// Before the photo at `toIndex`; nothing unless both are there.
   virtual void Move(int fromIndex, int toIndex);
-  /// The held thumbnail, owned by the set, or null.
-  virtual CImage* GetThumbnail(int index) const;
-  /// Reads the photo's held thumbnail anew.
+  /// The thumbnail, owned by the set, or null. One that isn't held yet is read; what was given before may
+  /// then be gone, since only so many are held. Data thread.
+  virtual CImage* GetThumbnail(int index);
+  /// Forgets the photo's held thumbnail, so that it is read anew.
   virtual void RefreshThumbnail(std::int32_t assetId);
+
+  /// Forgets all held thumbnails.
+  void ForgetThumbnails();
+
+  /// Takes several photos out at once, in a time that grows with the length of the list alone.
+  void RemoveAll(const CAssetIdSet& assetIds);
 
  private:
   int FindEntry(int index) const;
+  void FindPlaces();
   std::unique_ptr<CImage> MakeThumbnail(std::int32_t assetId) const;
 
   const bool HoldThumbnails;
   std::vector<CListEntry> Entries;  // the whole list
+  std::vector<std::size_t> Places;  // of the members among the entries
+  int HeldThumbnails = 0;
 };
