@@ -202,7 +202,7 @@ std::string CFilterBar::SelectAddedFolder(const std::string& folder) {
 
 void CFilterBar::OnFolderPicked(FolderItem item) {
   FirstFolderShown = true;
-  Host.PrepareForSearch();
+  Host.PrepareForJob();
   // Even if the pick changes nothing, the strip must show what the cleared controls say.
   const bool wasNarrowed = HasTextOrRatingFilter();
   ClearTextFilter();
@@ -211,8 +211,10 @@ void CFilterBar::OnFolderPicked(FolderItem item) {
     ApplyFolderPick(item, wasNarrowed);
   } catch (const CException&) {
     RebuildSet(StripPosition::KeepPhoto);
+    Host.OnFoldersSearched();
     throw;
   }
+  Host.OnFoldersSearched();
 }
 
 void CFilterBar::ApplyFolderPick(FolderItem item, bool rebuild) {

@@ -29,5 +29,7 @@ class CFilterBarHost {
   virtual void FocusMainWindow() = 0;
 
   /// The data is about to be lent to a job: what is being edited is committed, a slide show stops.
-  virtual void PrepareForSearch() = 0;
+  virtual void PrepareForJob() = 0;
+  /// Photos may have come, gone or come back.
+  virtual void OnFoldersSearched() = 0;
 };

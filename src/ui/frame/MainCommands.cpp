@@ -1,5 +1,6 @@
 #include "ui/frame/MainCommands.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QCheckBox>
 #include <QMessageBox>
@@ -25,9 +26,12 @@
 #include "ui/back/PhotoField.h"
 #include "ui/frame/InfoWindow.h"
 #include "ui/frame/MainParts.h"
-#include "ui/frame/PhotoMarks.h"
+#include "ui/frame/MarkPhotos.h"
 #include "ui/kit/QtText.h"
+#include "ui/kit/Toolbar.h"
 #include "ui/kit/WaitCursor.h"
+#include "ui/marks/PhotoMarks.h"
+#include "ui/pages/PhotoTab.h"
 #include "ui/pages/PhotoView.h"
 #include "ui/pages/ViewTabBar.h"
 #include "ui/strip/StripWindow.h"
@@ -59,7 +63,13 @@ void ShowAddFolderTip(QWidget* parent) {
 
 CFilmstrip& CMainCommands::GetStrip() const { return Parts.StripWindow->GetStrip(); }
 
-void CMainCommands::EndEdit(CommandId) { Parts.Window->setFocus(); }
+void CMainCommands::EndEdit(CommandId) {
+  QWidget* const focus = Parts.Window->focusWidget();
+  if (auto* const button = qobject_cast<QAbstractButton*>(focus)) return button->click();
+  auto* const page = Parts.GetPhotoTab(Parts.TabBar->GetSelectedTab());
+  if (page != nullptr && focus == page) page->OpenSelected();
+  Parts.Window->setFocus();
+}
 
 void CMainCommands::Cancel(CommandId) {
   if (Parts.FilterBar->IsEditing()) return Parts.FilterBar->CancelEdit();
@@ -80,7 +90,8 @@ void CMainCommands::GoToField(CommandId id) {
 void CMainCommands::MoveByField(CommandId id) {
   if (!Parts.PhotoBack->isVisible()) return;
   if (Parts.FilterBar->IsEditing()) return Parts.FilterBar->CommitEdit();
-  Parts.PhotoBack->FocusNextField(id == CommandId::NextField);
+  const bool forward = id == CommandId::NextField;
+  if (Parts.PhotoBack->IsEditing()) return Parts.PhotoBack->FocusNextField(forward);
 }
 
 void CMainCommands::Rename(CommandId) {
@@ -111,8 +122,9 @@ void CMainCommands::ToggleInTab(CommandId id) {
   const CAssetRecord* photo = GetStrip().GetCurrentRecord();
   if (photo == nullptr) return;
   const bool extendRange = QApplication::keyboardModifiers().testFlag(Qt::ShiftModifier);
-  Actions.ToggleInTab(CAssetRecord(*photo),
-                      id == CommandId::ToggleEmail ? ViewTabId::Email : ViewTabId::Upload, extendRange);
+  for (const PhotoMark& mark : kPhotoMarks) {
+    if (mark.Toggle == id) return Actions.ToggleInTab(CAssetRecord(*photo), mark.Tab, extendRange);
+  }
 }
 
 void CMainCommands::DeletePhoto(CommandId) {
@@ -124,7 +136,7 @@ void CMainCommands::DeletePhoto(CommandId) {
   const CWaitCursor waiting;
   GetStrip().StopSlideShow();
   Parts.Window->setFocus();
-  TossPhoto(*CCatalog::GetInstance(), tossed);
+  TossPhoto(*CCatalog::GetInstance(), Parts, tossed);
   GetStrip().RemoveCurrent();
 }
 

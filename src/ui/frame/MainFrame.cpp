@@ -5,6 +5,7 @@
 #include <QPointer>
 #include <QTimer>
 #include <QWheelEvent>
+#include <algorithm>
 #include <optional>
 #include <vector>
 
@@ -18,7 +19,7 @@
 #include "ui/back/FilterBar.h"
 #include "ui/back/PhotoBack.h"
 #include "ui/frame/CommandTable.h"
-#include "ui/frame/PhotoMarks.h"
+#include "ui/frame/MarkPhotos.h"
 #include "ui/frame/PhotoToolRow.h"
 #include "ui/kit/Application.h"
 #include "ui/kit/Colours.h"
@@ -28,7 +29,11 @@
 #include "ui/kit/Pictures.h"
 #include "ui/kit/QtText.h"
 #include "ui/kit/Toolbar.h"
+#include "ui/marks/PhotoMarks.h"
+#include "ui/pages/EmailTab.h"
 #include "ui/pages/PhotoView.h"
+#include "ui/pages/TrashTab.h"
+#include "ui/pages/UploadTab.h"
 #include "ui/pages/ViewTabBar.h"
 #include "ui/search/WindowedSearchProgress.h"
 #include "ui/strip/StripWindow.h"
@@ -82,12 +87,29 @@ bool CMainFrame::Create(const OpenStep& openDataStores, CWindowedSearchProgress&
   // A folder that can't be remembered is shown all the same.
   TellRefusal(&progress, [&] { Parts.FilterBar->SelectFolder(folder); });
   GetStrip().SetPhotoSet(Parts.PhotoSet.get());
+  for (const auto& tab : Parts.PhotoTabs) {
+    tab->LoadSet();
+    tab->UpdatePresence();
+  }
   if (Catalog.GetCurrentRollID() > rollBefore) {
     Parts.FilterBar->ShowNewestRoll();
   } else {
     Parts.FilterBar->SelectStoredSort();
   }
   return true;
+}
+
+CPhotoTab* MainParts::GetPhotoTab(ViewTabId tab) const {
+  const auto found = std::find_if(PhotoTabs.begin(), PhotoTabs.end(),
+                                  [tab](const auto& page) { return page->GetTab() == tab; });
+  return found != PhotoTabs.end() ? found->get() : nullptr;
+}
+
+const TabPage& MainParts::GetShownPage() const {
+  const auto found = std::find_if(Pages.begin(), Pages.end(), [this](const TabPage& page) {
+    return page.Tab == TabBar->GetSelectedTab();
+  });
+  return found != Pages.end() ? *found : Pages.front();
 }
 
 void CMainFrame::CreateParts() {
@@ -114,6 +136,7 @@ void CMainFrame::CreatePhotoBack() {
   back.OnStampChanged = [this](StampId type) { OnStampChanged(type); };
   back.OnPhotoRenamed = [this] {
     Parts.PhotoView->OnPhotoRenamed();
+    if (const auto& photo = Parts.PhotoView->GetPhoto()) RefreshInTabs(photo->GetAssetID());
     UpdateCommands();
   };
   back.GetPictureSize = [this] { return GetPictureSize(); };
@@ -131,6 +154,14 @@ void CMainFrame::CreatePages() {
   Parts.ToolRow = std::make_unique<CToolbar>(*this, this);
   FillPhotoToolRow(*Parts.ToolRow);
   Parts.Pages.push_back({ViewTabId::CurrentPhoto, Parts.PhotoView.get(), Parts.ToolRow.get()});
+
+  Parts.PhotoTabs.push_back(std::make_unique<CEmailTab>(Catalog, bar, *this, this));
+  Parts.PhotoTabs.push_back(std::make_unique<CTrashTab>(Catalog, bar, *this, this));
+  Parts.PhotoTabs.push_back(std::make_unique<CUploadTab>(Catalog, bar, *this, this));
+  for (const auto& tab : Parts.PhotoTabs) {
+    Parts.Pages.push_back({tab->GetTab(), tab.get(), nullptr});
+    tab->hide();
+  }
 }
 
 CFilmstrip& CMainFrame::GetStrip() const { return Parts.StripWindow->GetStrip(); }
@@ -150,7 +181,12 @@ void CMainFrame::OnCommand(CommandId id) {
 
 void CMainFrame::Run(CommandId id) {
   const Command* command = FindCommand(id);
-  if (command == nullptr || command->Run == nullptr) return;
+  if (command == nullptr) {
+    GetStrip().AnnounceNow();
+    CPhotoTab* page = Parts.GetPhotoTab(Parts.TabBar->GetSelectedTab());
+    if (page != nullptr) page->OnCommand(id);
+    return;
+  }
   // All commands but moves act on the photo at which the strip will stop.
   const bool isMove = command->Held == KeyHeld::MovesStrip;
   if (!isMove) GetStrip().AnnounceNow();
@@ -163,6 +199,9 @@ void CMainFrame::OnCurrentPhotoChanged(const CAssetRecord* record) {
   Parts.PhotoBack->CommitEdits();  // to the previous photo
   const CWaitCursor waiting;
   const auto photo = record != nullptr ? std::optional<CAssetRecord>(*record) : std::nullopt;
+  for (const PhotoMark& mark : kPhotoMarks) {
+    Parts.GetPhotoTab(mark.Tab)->SelectPhoto(photo ? photo->GetAssetID() : -1);
+  }
   Parts.PhotoView->SetPhoto(photo);
   Parts.PhotoBack->SetPhoto(photo);
   UpdateCommands();
@@ -179,12 +218,46 @@ void CMainFrame::OnEditBegins() {
   GetStrip().AnnounceNow();
 }
 
+bool CMainFrame::TakesBareKeys() const {
+  if (hasFocus()) return true;
+  const QWidget* focus = focusWidget();
+  return std::any_of(Parts.Pages.begin(), Parts.Pages.end(), [&](const TabPage& page) {
+    return page.Page == focus || (page.ToolRow != nullptr && page.ToolRow->isAncestorOf(focus));
+  });
+}
+
 bool CMainFrame::IsEditing() const { return Parts.PhotoBack->IsEditing() || Parts.FilterBar->IsEditing(); }
 
-void CMainFrame::PrepareForSearch() {
+void CMainFrame::PrepareForJob() {
   Parts.PhotoBack->CommitEdits();
   StopSlideShow();
   GetStrip().FinishMove();
+}
+
+void CMainFrame::OnFoldersSearched() {
+  for (const auto& tab : Parts.PhotoTabs) tab->LoadSet();
+}
+
+void CMainFrame::OnMarksChanged(const CAssetIdSet& photos) {
+  GetStrip().RedrawMarks(photos);
+  Parts.PhotoView->UpdateFlags();
+  UpdateCommands();
+}
+
+void CMainFrame::ShowInStrip(std::int32_t assetId) {
+  CPhotoSet& set = *Parts.PhotoSet;
+  if (const int index = set.IndexOf(assetId); index >= 0) return MoveStrip(index);
+  set.SetGuest(assetId);
+  GetStrip().Refresh(set.GetCount() - 1);
+}
+
+void CMainFrame::RebuildStrip() {
+  CPhotoSet& set = *Parts.PhotoSet;
+  const std::int32_t guest = set.GetGuest();
+  set.SetGuest(-1);
+  set.Rebuild();
+  if (set.IndexOf(guest) < 0 && Catalog.FindAssetById(guest).IsValid()) set.SetGuest(guest);
+  RefreshStrip(StripPosition::KeepPhoto);
 }
 
 void CMainFrame::OnStampChanged(StampId type) {
@@ -207,7 +280,12 @@ void CMainFrame::OnPhotoChanged() {
   GetStrip().RedrawCurrentThumbnail();  // the old one has been forgotten
   photo.MakeThumbnail();                // last, since writing it may fail
   GetStrip().RedrawCurrentThumbnail();
+  RefreshInTabs(photo.GetAssetID());
   DropMouseMoves();
+}
+
+void CMainFrame::RefreshInTabs(std::int32_t assetId) {
+  for (const auto& tab : Parts.PhotoTabs) tab->RefreshThumbnail(assetId);
 }
 
 void CMainFrame::OnSlideShowStateChanged() {
@@ -232,7 +310,6 @@ void CMainFrame::UpdateCommands() {
 void CMainFrame::ToggleInTab(const CAssetRecord& photo, ViewTabId tab, bool extendRange) {
   CApplication::GetInstance()->RunGuarded([&] {
     ToggleMarks(Catalog, Parts, photo, tab, extendRange);
-    UpdateCommands();
     DropMouseMoves();
   });
 }
@@ -246,11 +323,21 @@ std::string CMainFrame::GetFolderLabel(const std::string& folder) const {
 }
 
 void CMainFrame::OnTabChanged() {
-  for (const TabPage& page : Parts.Pages) {
+  const bool hadFocus = !hasFocus() && TakesBareKeys();  // in the page that was shown, or its buttons
+  for (TabPage& page : Parts.Pages) {
     const bool isSelected = page.Tab == Parts.TabBar->GetSelectedTab();
+    if (isSelected && page.ToolRow == nullptr) CreateToolRow(page);
+    if (hadFocus && isSelected) page.Page->focusPolicy() != Qt::NoFocus ? page.Page->setFocus() : setFocus();
     page.Page->setVisible(isSelected);
-    page.ToolRow->setVisible(isSelected);
+    if (page.ToolRow != nullptr) page.ToolRow->setVisible(isSelected);
   }
+}
+
+void CMainFrame::CreateToolRow(TabPage& page) {
+  CToolbar& row = *Parts.PhotoTabRows.emplace_back(std::make_unique<CToolbar>(*this, this));
+  Parts.GetPhotoTab(page.Tab)->FillButtonRow(row);
+  page.ToolRow = &row;
+  Mode->PlaceTools(Parts);
 }
 
 void CMainFrame::ToggleFullScreen(FullScreenChange change) {
@@ -332,7 +419,7 @@ void CMainFrame::changeEvent(QEvent* event) {
 
 void CMainFrame::keyPressEvent(QKeyEvent* event) {
   // A key that an open field ignored isn't a command of the window.
-  if (!hasFocus()) return QWidget::keyPressEvent(event);
+  if (!TakesBareKeys()) return QWidget::keyPressEvent(event);
   const KeyChord chord = ReadKeyChord(*event);
   const bool isRepeat = InputFilter && InputFilter->IsRepeat(*event);
   if (chord.Key == Qt::Key_Space && (chord.Modifiers & ~Qt::ShiftModifier) == 0) {

@@ -13,6 +13,7 @@
 #include "ui/frame/MainCommands.h"
 #include "ui/frame/MainParts.h"
 #include "ui/frame/ViewMode.h"
+#include "ui/pages/PhotoTab.h"
 #include "ui/strip/Filmstrip.h"
 
 class CFilmstrip;
@@ -27,7 +28,7 @@ inline constexpr int kNormalExitCode = 1;
 /// selected tab with its button row, the photo back. Commands and keys arrive here, and here a change of the
 /// current photo goes round. Nothing needs to be saved when it is closed, for every change is in the catalog
 /// already.
-class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost {
+class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost, public CPhotoTabHost {
  public:
   /// Opens the data stores; false if the program can't go on.
   using OpenStep = std::function<bool(CCatalog& catalog, CThumbnailCache& cache)>;
@@ -62,7 +63,13 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost 
   void MoveStrip(int index) override;
   void OnEditBegins() override;
   void FocusMainWindow() override { setFocus(); }
-  void PrepareForSearch() override;
+  void PrepareForJob() override;
+  void OnFoldersSearched() override;
+
+  // What the pages of photos need.
+  void OnMarksChanged(const CAssetIdSet& photos) override;
+  void ShowInStrip(std::int32_t assetId) override;
+  void RebuildStrip() override;
 
   /// The current photo's file was changed, and the photo view holds its new picture: what else shows the
   /// photo is renewed.
@@ -100,6 +107,9 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost 
   void CreateParts();
   void CreatePhotoBack();
   void CreatePages();
+  void CreateToolRow(TabPage& page);
+  /// The photo's file or its name is another now.
+  void RefreshInTabs(std::int32_t assetId);
   void Run(CommandId id);
   /// A key of that command was pressed, or is being held.
   void OnKey(const Command& command, bool isRepeat);
@@ -110,6 +120,8 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost 
   /// Of the current photo, as it was decoded; 0 by 0 without a picture.
   ImageSize GetPictureSize() const;
   bool IsEditing() const;
+  /// Whether bare keys are commands of the window where the focus is.
+  bool TakesBareKeys() const;
   void OnSpace(bool backward, bool isRepeat);
 
   CCatalog Catalog;

@@ -10,6 +10,7 @@ class CFullScreenState;
 class CPaintedButton;
 class CPhotoBack;
 class CPhotoSet;
+class CPhotoTab;
 class CPhotoView;
 class CStripWindow;
 class CToolbar;
@@ -20,7 +21,7 @@ class QWidget;
 struct TabPage {
   ViewTabId Tab;
   QWidget* Page;
-  CToolbar* ToolRow;
+  CToolbar* ToolRow;  // null until the page is first shown
 };
 
 /// What stands in the main window, and the photos that it shows. CMainFrame makes and owns all of it; the
@@ -34,7 +35,14 @@ struct MainParts {
   std::unique_ptr<CFilterBar> FilterBar;  // in the photo back
   std::unique_ptr<CToolbar> ToolRow;      // of the current photo's page
   std::unique_ptr<CViewTabBar> TabBar;
-  std::unique_ptr<CPhotoView> PhotoView;      // the current photo's page
-  std::unique_ptr<CStripWindow> StripWindow;  // shows the set
+  std::unique_ptr<CPhotoView> PhotoView;              // the current photo's page
+  std::unique_ptr<CStripWindow> StripWindow;          // shows the set
+  std::vector<std::unique_ptr<CPhotoTab>> PhotoTabs;  // the other pages
+  std::vector<std::unique_ptr<CToolbar>> PhotoTabRows;
   std::vector<TabPage> Pages;
+
+  /// Null for the current photo's tab.
+  CPhotoTab* GetPhotoTab(ViewTabId tab) const;
+  /// What the selected tab shows, or has shown if there is no tab bar, as in full-screen mode.
+  const TabPage& GetShownPage() const;
 };

@@ -86,7 +86,9 @@ class CNormalMode : public CViewMode {
 
   void PlaceTools(const MainParts& parts) const override {
     parts.ToolRow->SetFullScreenLook(false);
-    for (const TabPage& page : parts.Pages) page.ToolRow->setGeometry(GetToolsRect(parts));
+    for (const TabPage& page : parts.Pages) {
+      if (page.ToolRow != nullptr) page.ToolRow->setGeometry(GetToolsRect(parts));
+    }
   }
 };
 

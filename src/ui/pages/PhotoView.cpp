@@ -22,17 +22,7 @@ constexpr int kMargin = 10;
 constexpr int kShadowPiece = 8;
 constexpr bool kEnlarge = true;  // a photo smaller than the page is scaled up
 
-/// The marks in the order of their slots.
-struct Mark {
-  PhotoFlag Flag;
-  PictureId Picture;
-};
-constexpr Mark kMarks[] = {{PhotoFlag::ToRemotePrint, PictureId::UploadMark},
-                           {PhotoFlag::ToEmail, PictureId::EmailMark}};
-
 }  // namespace
-
-static_assert(std::size(kMarks) == CPhotoView::kMarkSlots);
 
 CPhotoView::CPhotoView(QWidget* parent) : QWidget(parent) {
   setObjectName(QStringLiteral("SlideVue"));
@@ -57,9 +47,9 @@ void CPhotoView::OnPhotoRenamed() {
 }
 
 void CPhotoView::UpdateFlags() {
-  std::array<bool, kMarkSlots> flags{};
-  for (std::size_t slot = 0; Photo && slot < kMarkSlots; ++slot) {
-    flags[slot] = Photo->GetFlag(kMarks[slot].Flag);
+  decltype(ShownFlags) flags{};
+  for (std::size_t slot = 0; Photo && slot < flags.size(); ++slot) {
+    flags[slot] = Photo->GetFlag(kPhotoMarks[slot].Flag);
   }
   if (flags == ShownFlags) return;
   ShownFlags = flags;
@@ -137,9 +127,9 @@ void CPhotoView::paintEvent(QPaintEvent*) {
   painter.GetPainter().drawImage(Place.topLeft(), Picture);
   if (TheLook.Margin) DrawDropShadow(painter, PictureId::PhotoShadow, kShadowPiece, Place);
   const std::vector<QRect> marks = PlaceMarks(Place, ShownFlags, painter.GetPixelRatio());
-  for (std::size_t slot = 0; slot < kMarkSlots; ++slot) {
+  for (std::size_t slot = 0; slot < marks.size(); ++slot) {
     if (marks[slot].isEmpty()) continue;
-    painter.Draw(marks[slot].topLeft(), GetPicture(kMarks[slot].Picture, painter.GetPixelRatio()));
+    painter.Draw(marks[slot].topLeft(), GetPicture(kPhotoMarks[slot].PhotoPicture, painter.GetPixelRatio()));
   }
 }
 

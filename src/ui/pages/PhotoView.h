@@ -9,6 +9,7 @@
 #include <string>
 
 #include "catalog/AssetRecord.h"
+#include "ui/marks/PhotoMarks.h"
 
 class CImage;
 
@@ -17,8 +18,6 @@ class CImage;
 /// is decoded when it is set, or when the page first shows; a paint only copies.
 class CPhotoView : public QWidget {
  public:
-  static constexpr std::size_t kMarkSlots = 2;
-
   explicit CPhotoView(QWidget* parent = nullptr);
   ~CPhotoView() override;
 
@@ -75,5 +74,5 @@ class CPhotoView : public QWidget {
   QImage Picture;           // the image, fitted to the page as it is now
   QRect Place;              // of the picture, in device pixels
   Look TheLook;
-  std::array<bool, kMarkSlots> ShownFlags{};
+  std::array<bool, std::size(kPhotoMarks)> ShownFlags{};
 };

@@ -11,6 +11,7 @@
 #include "ui/kit/FontTable.h"
 #include "ui/kit/Pictures.h"
 #include "ui/kit/QtText.h"
+#include "ui/marks/PhotoMarks.h"
 
 namespace {
 
@@ -53,14 +54,7 @@ constexpr int kTextLine = 12;
 constexpr int kLabelMargin = 2;
 constexpr int kStarImages = 5;
 
-struct Mark {
-  PictureId Picture;
-  PhotoFlag Flag;
-};
-constexpr Mark kMarks[kMarkCount] = {
-    {PictureId::UploadStripMarks, PhotoFlag::ToRemotePrint},
-    {PictureId::EmailStripMarks, PhotoFlag::ToEmail},
-};
+static_assert(std::size(kPhotoMarks) == kMarkCount);
 constexpr int kMarkImages = 4;  // off, on, off under the pointer, on under the pointer
 
 }  // namespace
@@ -172,9 +166,9 @@ void CCellPainter::PaintMarks(CDevicePainter& painter, int left, int index, int 
   painter.Fill(Metrics.MarksAt(left), colours::kCell);
   const CAssetRecord record = Set->GetAsset(index);
   for (int i = 0; i < kMarkCount; ++i) {
-    const int image = (record.GetFlag(kMarks[i].Flag) ? 1 : 0) + (i == hotMark ? 2 : 0);
+    const int image = (record.GetFlag(kPhotoMarks[i].Flag) ? 1 : 0) + (i == hotMark ? 2 : 0);
     painter.Draw(Metrics.MarkCornerAt(left, i),
-                 GetPictureImage(kMarks[i].Picture, image, kMarkImages, Metrics.PixelRatio));
+                 GetPictureImage(kPhotoMarks[i].StripPicture, image, kMarkImages, Metrics.PixelRatio));
   }
 }
 

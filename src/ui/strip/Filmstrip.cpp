@@ -16,6 +16,7 @@
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/Job.h"
 #include "ui/kit/QtText.h"
+#include "ui/marks/PhotoMarks.h"
 
 namespace {
 
@@ -27,8 +28,6 @@ constexpr milliseconds kShowInterval{2000};
 constexpr double kSlideSpeed = 1000;         // pixels of the layout a second
 constexpr int kShortestFrame = 4;            // milliseconds
 constexpr milliseconds kLongestCatchUp{50};  // of a slide that follows another one late
-
-ViewTabId GetTabOfMark(int mark) { return mark == 0 ? ViewTabId::Upload : ViewTabId::Email; }
 
 }  // namespace
 
@@ -222,6 +221,16 @@ void CFilmstrip::RedrawCurrentThumbnail() {
 void CFilmstrip::RedrawBand(int index, int icon) {
   Cache.RepaintMarks(index);
   if (icon == kBandAndMarks) Cache.RepaintLabel(index);
+  update();
+}
+
+void CFilmstrip::RedrawMarks(const CAssetIdSet& photos) {
+  if (Set == nullptr) return;
+  const int first = Current - Cache.GetRun().GetBefore();
+  const int end = Current + Cache.GetRun().GetAfter();
+  for (int index = first; index < end; ++index) {
+    if (photos.Contains(Set->GetAssetId(index))) Cache.RepaintMarks(index);
+  }
   update();
 }
 
@@ -486,9 +495,7 @@ void CFilmstrip::SetHighlight(StripHit hit) {
 }
 
 void CFilmstrip::ToggleMark(const StripHit& hit, bool extendRange) {
-  const int index = IndexOfCell(hit.Cell);
-  const CAssetRecord photo = Set->GetAsset(index);
+  const CAssetRecord photo = Set->GetAsset(IndexOfCell(hit.Cell));
   if (!photo.IsValid()) return;
-  Host.ToggleInTab(photo, GetTabOfMark(hit.Mark), extendRange);
-  RedrawBand(index, hit.Mark);
+  Host.ToggleInTab(photo, kPhotoMarks[hit.Mark].Tab, extendRange);
 }

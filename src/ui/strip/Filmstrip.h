@@ -8,6 +8,7 @@
 #include <string>
 
 #include "catalog/AssetRecord.h"
+#include "sets/AssetIdSet.h"
 #include "ui/kit/Commands.h"
 #include "ui/strip/Lens.h"
 #include "ui/strip/PushBars.h"
@@ -86,6 +87,8 @@ class CFilmstrip : public QWidget {
   void RedrawCurrentThumbnail();
   /// The marks of a cell and, with kBandAndMarks, its label too.
   void RedrawBand(int index, int icon);
+  /// The marks of all cells of these photos.
+  void RedrawMarks(const CAssetIdSet& photos);
   /// A stamp of a photo, or its folder (12) or title (13), has another value.
   /// It may be the photo that the strip has just left.
   void StampChanged(StampId type, std::int32_t assetId);

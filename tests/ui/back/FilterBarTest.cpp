@@ -37,7 +37,8 @@ class FilterBar : public CStoresFixture, public CFilterBarHost {
   void MoveStrip(int index) override { MovedTo = index; }
   void OnEditBegins() override {}
   void FocusMainWindow() override { Window.setFocus(); }
-  void PrepareForSearch() override { ++Prepared; }
+  void PrepareForJob() override { ++Prepared; }
+  void OnFoldersSearched() override {}
 
   /// Makes the bar, which shows the pictures folder.
   void Start() {

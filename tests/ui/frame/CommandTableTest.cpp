@@ -10,7 +10,7 @@
 #include "base/Folders.h"
 #include "support/ScratchFolder.h"
 #include "ui/frame/CommandTable.h"
-#include "ui/frame/PhotoMarks.h"
+#include "ui/marks/PhotoMarks.h"
 
 TEST(CommandTable, NoKeyLeadsToTwoCommands) {
   for (const Command& command : GetCommandTable()) {

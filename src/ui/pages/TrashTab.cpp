@@ -1,0 +1,49 @@
+#include "ui/pages/TrashTab.h"
+
+#include "catalog/ThumbnailCache.h"
+#include "editing/RemovePhotos.h"
+#include "ui/kit/Job.h"
+#include "ui/kit/Toolbar.h"
+#include "ui/kit/WaitCursor.h"
+
+namespace {
+
+constexpr PhotoTabForm kForm{.WindowName = "TossedVue",
+                             .Tab = ViewTabId::Trash,
+                             .Order = 400,
+                             .Icon = PictureId::TrashTab,
+                             .IconFrames = 1,
+                             .Caption = StringId::TrashTabCaption,
+                             .Flag = PhotoFlag::Tossed,
+                             .Kind = SetKind::Deleted};
+
+}  // namespace
+
+CTrashTab::CTrashTab(CCatalog& catalog, CViewTabBar& bar, CPhotoTabHost& host, QWidget* parent)
+    : CPhotoTab(kForm, catalog, bar, host, parent) {}
+
+void CTrashTab::FillButtonRow(CToolbar& row) {
+  row.setAccessibleName(QStringLiteral("What to do with the deleted photos"));
+  row.AddButton(0, CommandId::Restore);
+  row.AddButton(20, CommandId::EmptyTrash);
+}
+
+void CTrashTab::OnCommand(CommandId id) {
+  if (id == CommandId::Restore) Restore();
+  if (id == CommandId::EmptyTrash) EmptyTrash();
+}
+
+void CTrashTab::Restore() {
+  if (GetSelected() < 0) return;
+  RemovePhoto(GetPhotos().GetAsset(GetSelected()));
+  GetHost().RebuildStrip();
+}
+
+void CTrashTab::EmptyTrash() {
+  const CWaitCursor waiting;
+  GetHost().PrepareForJob();
+  const std::vector<std::int32_t> photos = ListPhotos();
+  ChangePhotos(photos,
+               [&] { RunJob([&] { RemovePhotos(GetCatalog(), *CThumbnailCache::GetInstance(), photos); }); });
+  GetHost().RebuildStrip();
+}
