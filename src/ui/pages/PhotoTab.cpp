@@ -103,7 +103,7 @@ void CPhotoTab::FollowFlags(std::span<const std::int32_t> assetIds) {
   CAssetIdSet here, leaving, changed;
   for (const std::int32_t assetId : ListPhotos()) here.Add(assetId);
   std::vector<std::int32_t> coming;
-  int leavingCount = 0;
+  bool isAnyLeaving = false;
   for (const std::int32_t assetId : assetIds) {
     if (changed.Contains(assetId)) continue;
     const bool isHere = here.Contains(assetId);
@@ -111,18 +111,19 @@ void CPhotoTab::FollowFlags(std::span<const std::int32_t> assetIds) {
     changed.Add(assetId);
     if (isHere) {
       leaving.Add(assetId);
-      ++leavingCount;
+      isAnyLeaving = true;
     } else {
       coming.push_back(assetId);
     }
   }
-  if (leavingCount == 0 && coming.empty()) return;
+  if (!isAnyLeaving && coming.empty()) return;
   int firstChanged = 0;
   while (firstChanged < GetCount() && !leaving.Contains(Photos.GetAssetId(firstChanged))) ++firstChanged;
   Photos.RemoveAll(leaving);
   for (const std::int32_t assetId : coming) Photos.Add(assetId);
   Photos.Rebuild();
   ShowMembers(firstChanged, selectedId);
+  TellItems();
   Host.OnMarksChanged(changed);
 }
 
@@ -164,13 +165,18 @@ void CPhotoTab::SetSelected(int index) {
   for (const int changed : {std::exchange(Selected, index), index}) {
     if (changed >= 0) update(Grid.GetFrame(changed));
   }
+  TellCurrentItem();
 }
 
 void CPhotoTab::SelectPhoto(std::int32_t assetId) {
   SetSelected(assetId == -1 ? -1 : Photos.IndexOf(assetId));
 }
 
-void CPhotoTab::NavigateTo(int index) { Host.ShowInStrip(Photos.GetAssetId(index)); }
+void CPhotoTab::NavigateTo(int index) {
+  const std::int32_t assetId = Photos.GetAssetId(index);
+  Host.ShowInStrip(assetId);
+  SelectPhoto(assetId);  // the strip tells nothing of a photo that it shows already
+}
 
 void CPhotoTab::OpenPhoto() { Bar.SelectTab(ViewTabId::CurrentPhoto); }
 
@@ -317,3 +323,11 @@ void CPhotoTab::TellAccessibleName() {
   setAccessibleName(TabCaption(ToQString(LoadText(Form.Caption)), GetCount()).replace(u'\n', u' '));
   setAccessibleDescription(GetCount() > 0 ? QString() : LoadHelp(Form.Help1));
 }
+
+PaintedItem CPhotoTab::DescribeItem(int index) const {
+  // A job owns the catalog.
+  const QString title = IsJobRunning() ? QString() : ToQString(Photos.GetAsset(index).GetTitle());
+  return {title, {}, Grid.GetCell(index)};
+}
+
+void CPhotoTab::focusInEvent(QFocusEvent*) { TellCurrentItem(); }

@@ -14,6 +14,7 @@
 #include "sets/ListPhotoSet.h"
 #include "sets/QuerySet.h"
 #include "ui/kit/Commands.h"
+#include "ui/kit/PaintedItems.h"
 #include "ui/pages/GridPicture.h"
 #include "ui/pages/PhotoGrid.h"
 
@@ -56,7 +57,7 @@ struct PhotoTabForm {
 /// a work list that lasts, since the flag is in the catalog. Base of the pages behind the current photo's.
 /// Only these pages change the flags. Each change is one transaction; an operation for several photos takes a
 /// time that grows with the number of photos. Raises CStorageException, with the page as the catalog is then.
-class CPhotoTab : public QWidget {
+class CPhotoTab : public QWidget, public CPaintedItems {
  public:
   CPhotoTab(const PhotoTabForm& form, CCatalog& catalog, CViewTabBar& bar, CPhotoTabHost& host,
             QWidget* parent);
@@ -95,8 +96,13 @@ class CPhotoTab : public QWidget {
   /// Gives the bar the page's tab, or takes it away.
   void UpdatePresence();
 
-  /// In pixels of the layout.
-  QRect GetCell(int index) const { return Grid.GetCell(index); }
+  // Its photos, for assistive tools.
+  int CountItems() const override { return GetCount(); }
+  int GetItemKey(int index) const override { return Photos.GetAssetId(index); }
+  int FindItem(int key) const override { return Photos.IndexOf(key); }
+  PaintedItem DescribeItem(int index) const override;
+  int GetCurrentItem() const override { return Selected; }
+  void ActivateItem(int index) override { NavigateTo(index); }
 
  protected:
   /// Whether the bar has the tab also while the page is empty.
@@ -126,6 +132,7 @@ class CPhotoTab : public QWidget {
   void mousePressEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
 
  private:
   bool BelongsHere(const CAssetRecord& photo) const;

@@ -24,7 +24,7 @@ class Tabs : public CMainFrameFixture {
   }
   void ClickPhoto(int index) {
     CPhotoTab& tab = Tab(SelectedTab());
-    QTest::mouseClick(&tab, Qt::LeftButton, {}, tab.GetCell(index).center());
+    QTest::mouseClick(&tab, Qt::LeftButton, {}, tab.DescribeItem(index).Place.center());
     Rest();
   }
 
@@ -66,6 +66,9 @@ TEST_F(Tabs, ListsSurviveARestartAndFollowTheStrip) {
   EXPECT_TRUE(Email().hasFocus());
   Press({Qt::Key_Left, Qt::Key_Left, Qt::Key_Down});
   EXPECT_EQ(Email().GetSelected(), 1);
+  Press({Qt::Key_Left});
+  ClickPhoto(1);
+  EXPECT_EQ(Email().GetSelected(), 1) << "the photo under the lens";
   Press({Qt::Key_Home});
   Rest();
   EXPECT_EQ(Position(), 0) << "other keys are the window's";
@@ -173,7 +176,7 @@ TEST_F(Tabs, DeletedPhotosCanBeRestoredUntilTheTrashIsEmptied) {
   Press({Qt::Key_Delete});
   Click(CommandId::Restore);
   EXPECT_EQ(Trash().GetCount(), 1) << "only from the current photo's page; and nothing is selected";
-  QTest::mouseDClick(&Trash(), Qt::LeftButton, {}, Trash().GetCell(0).center());
+  QTest::mouseDClick(&Trash(), Qt::LeftButton, {}, Trash().DescribeItem(0).Place.center());
   EXPECT_EQ(SelectedTab(), ViewTabId::Trash);
   EXPECT_EQ(Trash().GetSelected(), 0);
   Click(CommandId::Restore);
