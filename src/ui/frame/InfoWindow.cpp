@@ -10,7 +10,6 @@
 #include <array>
 #include <memory>
 #include <string>
-#include <utility>
 
 #include "base/Folders.h"
 #include "base/Texts.h"
@@ -48,10 +47,6 @@ constexpr QRect kFirstButton(25, 184, 95, 20);
 constexpr QRect kFirstText(125, 180, 260, 28);  // room for two lines
 constexpr int kRowPitch = 28;
 
-// The frame of the button that has the focus.
-constexpr double kFocusWidth = 2;
-constexpr double kFocusRadius = 5;
-
 constexpr const char* kHelpFolder = "../share/vellumar/";  // where the program is installed
 
 std::string FindHelpPage() {
@@ -59,16 +54,6 @@ std::string FindHelpPage() {
   const std::string beside = GetProgramFolder() + name;
   const std::string installed = GetProgramFolder() + kHelpFolder + name;
   return !FileExists(beside, false) && FileExists(installed, false) ? installed : beside;
-}
-
-/// A frame around the button that has the focus.
-void PaintFocus(QPainter& painter, const QRect& button) {
-  painter.setRenderHint(QPainter::Antialiasing);
-  for (const auto& [colour, width] :
-       {std::pair(colours::kInk, kFocusWidth + 2), {colours::kSelection, kFocusWidth}}) {
-    painter.setPen(QPen(colour, width));
-    painter.drawRoundedRect(QRectF(button).adjusted(-1, -1, 1, 0), kFocusRadius, kFocusRadius);
-  }
 }
 
 QString Load(StringId id) { return ToQString(LoadExpandedString(id)); }
@@ -105,7 +90,6 @@ CInfoWindow::CInfoWindow(QWidget& mainWindow) : QDialog(&mainWindow, Qt::Dialog 
       Load(StringId::SplashLegal1) + ' ' + Load(StringId::SplashLegal2) + ' ' + Load(StringId::SplashLegal3));
   for (int i = 0; i < std::ssize(kRows); ++i) AddRow(i);
   Buttons.back()->setFocus();
-  connect(qApp, &QApplication::focusChanged, this, [this] { update(); });
   move(CentreInWorkArea(size(), mainWindow.frameGeometry(), mainWindow.screen()->availableGeometry()));
 }
 
@@ -132,7 +116,6 @@ void CInfoWindow::AddRow(int position) {
   button->EnableTip(false);
   button->CreateText(kFirstButton.translated(0, down), row.Command, Load(row.Button), ButtonFlags::None,
                      row.Command == CommandId::EndEdit);
-  button->setFocusPolicy(Qt::TabFocus);
   button->setAccessibleDescription(Load(row.Text));
 }
 
@@ -153,12 +136,6 @@ void CInfoWindow::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_Left:
       focusPreviousChild();
       break;
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-      if (auto* button = qobject_cast<QAbstractButton*>(focusWidget()); button && !event->isAutoRepeat()) {
-        button->click();
-      }
-      break;
     default:
       QDialog::keyPressEvent(event);  // Esc closes
   }
@@ -168,7 +145,6 @@ void CInfoWindow::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.setClipRegion(ProgressOutline(true));
   painter.drawPixmap(0, 0, GetPicture(PictureId::SearchBackgroundWithSplash, devicePixelRatioF()));
-  if (const QWidget* button = focusWidget()) PaintFocus(painter, button->geometry());
 }
 
 }  // namespace

@@ -60,7 +60,6 @@ CButtonTip::CButtonTip(QWidget* parent) : QWidget(parent) {
 void CButtonTip::SetText(const QString& text) {
   if (text == Text) return;
   Text = text;
-  setAccessibleName(text);
   update();
 }
 

@@ -11,7 +11,7 @@ enum class TipSide : int { Above = 0, Below = 1 };
 
 /// A small label with a button's caption. It never takes input. A caption that stays on view is a child of
 /// the button's parent, so it is clipped by that and goes with it; one that comes with the pointer is a
-/// child of the top-level window and overlaps all else.
+/// child of the top-level window and overlaps all else. Assistive tools have the caption from the button.
 class CButtonTip : public QWidget {
  public:
   explicit CButtonTip(QWidget* parent);

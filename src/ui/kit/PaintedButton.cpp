@@ -1,11 +1,15 @@
 #include "ui/kit/PaintedButton.h"
 
+#include <QFocusEvent>
 #include <QFontMetricsF>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScopeGuard>
 #include <algorithm>
 #include <memory>
+#include <utility>
 
+#include "ui/kit/ButtonFace.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/Pictures.h"
@@ -25,68 +29,47 @@ constexpr int kSkinSide = 17;
 constexpr int kSkinCorner = 8;
 constexpr int kPressedOffset = 2;
 
+// The frame of the button that has the focus: ink in place of the plate's outline, and inside it the colour
+// of what is selected.
+constexpr int kFocusLine = 1;
+constexpr int kFocusWidth = 2;
+constexpr double kFocusRadius = 5;
+// What isn't plate but shadow, at the right and at the bottom.
+constexpr QSize kPictureShadow(0, 3);
+constexpr QSize kTextShadow(2, 2);
+
 // The ends of a picture in a button of another width; what is left out, or repeated, lies between them and
 // the middle.
 constexpr int kPictureEnd = 6;
 
+/// Space or Enter, without another key.
+bool IsPressKey(const QKeyEvent& event) {
+  const bool isOne =
+      event.key() == Qt::Key_Space || event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+  return isOne && (event.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+}
+
+bool IsKeyReason(Qt::FocusReason reason) {
+  return reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
+         reason == Qt::ShortcutFocusReason;
+}
+
+/// The window, or a menu, has taken the focus for a while.
+bool IsPassing(Qt::FocusReason reason) {
+  return reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason;
+}
+
 }  // namespace
-
-bool CButtonPress::Press() {
-  if (State == ButtonState::Disabled) return false;
-  State = ButtonState::Pressed;
-  Held = true;
-  DelayPending = HasFlag(Flags, ButtonFlags::RepeatWhileHeld);
-  return HasFlag(Flags, ButtonFlags::FireOnPress);
-}
-
-void CButtonPress::Hover() {
-  if (!Held && State != ButtonState::Disabled) State = ButtonState::Hover;
-}
-
-void CButtonPress::Move(bool inside) {
-  if (Held) State = inside ? ButtonState::Pressed : ButtonState::Normal;
-}
-
-bool CButtonPress::Release() {
-  if (!Held) return false;
-  const bool fire = State == ButtonState::Pressed && !Repeating && !HasFlag(Flags, ButtonFlags::FireOnPress);
-  Held = DelayPending = Repeating = false;
-  if (!fire || !HasFlag(Flags, ButtonFlags::StayPressedUntilHandled)) State = ButtonState::Normal;
-  return fire;
-}
-
-void CButtonPress::Settle() {
-  if (State == ButtonState::Pressed && !Held) State = ButtonState::Normal;
-}
-
-void CButtonPress::Leave() {
-  if (State == ButtonState::Hover) State = ButtonState::Normal;
-}
-
-void CButtonPress::SetEnabled(bool on) {
-  Cancel();
-  State = on ? ButtonState::Normal : ButtonState::Disabled;
-}
-
-void CButtonPress::Cancel() {
-  Held = DelayPending = Repeating = false;
-  if (State != ButtonState::Disabled) State = ButtonState::Normal;
-}
-
-bool CButtonPress::EndDelay() {
-  if (!IsDelayRunning()) return false;
-  DelayPending = false;
-  Repeating = true;
-  return true;
-}
 
 CPaintedButton::CPaintedButton(CCommandTarget& target, QWidget* parent)
     : QAbstractButton(parent), Target(target) {
   setFocusPolicy(Qt::NoFocus);
   setMouseTracking(true);
-  // The mouse is handled here; this is the press of an assistive tool or a key.
+  // Mouse and keys are handled here; this is the press of an assistive tool.
   connect(this, &QAbstractButton::clicked, this, [this] { Fire(); });
 }
+
+QAccessibleInterface* CPaintedButton::MakeFace() { return MakeButtonFace(*this); }
 
 CPaintedButton::~CPaintedButton() {
   if (!Tip) return;
@@ -107,6 +90,7 @@ void CPaintedButton::CreateText(const QRect& place, CommandId id, const QString&
   TextForm = true;
   DefaultLook = defaultLook;
   Start(id, flags);
+  TakeFocusByTab();
   TakeTexts(text, {});
   setGeometry(place);
 }
@@ -134,20 +118,23 @@ void CPaintedButton::TakePicture(PictureId picture, int imageCount) {
 
 void CPaintedButton::TakeTexts(const QString& caption, const QString& tip) {
   setText(caption);
-  if (!HasTipString) SetToolTip(*this, tip);
-  if (!caption.isEmpty()) {
-    setAccessibleName(caption);
-  } else if (!HasTipString) {
-    setAccessibleName(tip.section(u'\n', 0, 0));
-  }
+  if (!caption.isEmpty()) setAccessibleName(caption);
+  if (!HasTipString) TellTexts(tip);
   if (Tip && Tip->isVisible()) ShowTip(true);
 }
 
 void CPaintedButton::SetTipString(StringId id) {
   HasTipString = true;
-  const QString tip = LoadCaptionAndTip(id).Tip;
+  TellTexts(LoadCaptionAndTip(id).Tip);
+}
+
+void CPaintedButton::TellTexts(const QString& tip) {
   SetToolTip(*this, tip);
-  if (GetText().isEmpty()) setAccessibleName(tip.section(u'\n', 0, 0));
+  const TipParts parts = DivideTip(tip);
+  KeyName = parts.Key;
+  if (!GetText().isEmpty()) return setAccessibleDescription(parts.Text);
+  setAccessibleName(parts.Text);
+  setAccessibleDescription({});
 }
 
 void CPaintedButton::EnableTip(bool on) {
@@ -243,6 +230,10 @@ void CPaintedButton::mouseReleaseEvent(QMouseEvent* event) {
   event->setAccepted(event->button() == Qt::LeftButton);
   if (!event->isAccepted() || !Press.IsHeld()) return;
   if (GetState() != ButtonState::Pressed && !TipStays()) ShowTip(false);
+  EndPress();
+}
+
+void CPaintedButton::EndPress() {
   const bool fire = Press.Release();
   ApplyState();
   if (!fire) return;
@@ -252,6 +243,42 @@ void CPaintedButton::mouseReleaseEvent(QMouseEvent* event) {
     button->update();
   });
   Fire();
+}
+
+void CPaintedButton::keyPressEvent(QKeyEvent* event) {
+  event->setAccepted(IsPressKey(*event));
+  // A held key may come as a release and a press of the same time.
+  const bool isRepeat =
+      event->isAutoRepeat() || (KeyReleaseTime != 0 && event->timestamp() == KeyReleaseTime);
+  if (!event->isAccepted() || isRepeat || Press.IsHeld()) return;
+  if (event->key() != Qt::Key_Space) return Fire();
+  HeldBySpace = true;
+  const bool fire = Press.Press();
+  ApplyState();
+  if (fire) Fire();
+}
+
+void CPaintedButton::keyReleaseEvent(QKeyEvent* event) {
+  event->setAccepted(IsPressKey(*event) || (HeldBySpace && event->key() == Qt::Key_Space));
+  if (!event->isAccepted() || event->isAutoRepeat()) return;
+  KeyReleaseTime = event->timestamp();
+  if (event->key() == Qt::Key_Space && std::exchange(HeldBySpace, false)) EndPress();
+}
+
+void CPaintedButton::focusInEvent(QFocusEvent* event) {
+  if (!IsPassing(event->reason())) FocusCameByKey = IsKeyReason(event->reason());
+  update();
+}
+
+void CPaintedButton::focusOutEvent(QFocusEvent*) {
+  if (std::exchange(HeldBySpace, false)) Press.Cancel();
+  ApplyState();
+}
+
+bool CPaintedButton::focusNextPrevChild(bool next) {
+  if (isEnabled() && isVisible()) return QAbstractButton::focusNextPrevChild(next);
+  window()->setFocus();
+  return true;
 }
 
 void CPaintedButton::leaveEvent(QEvent*) {
@@ -302,6 +329,7 @@ void CPaintedButton::paintEvent(QPaintEvent*) {
   } else {
     PaintPicture(painter);
   }
+  if (hasFocus() && FocusCameByKey) PaintFocus(painter);
 }
 
 void CPaintedButton::PaintPicture(CDevicePainter& painter) {
@@ -350,4 +378,23 @@ void CPaintedButton::PaintText(CDevicePainter& painter) {
   const QFont& font = GetFont(FontId::Note);
   painter.DrawText(place.translated(offset, offset), flags, font, Qt::white, GetText());
   painter.DrawText(place, flags, font, colours::kInk, GetText());
+}
+
+void CPaintedButton::PaintFocus(CDevicePainter& painter) {
+  const QSize shadow = TextForm ? kTextShadow : kPictureShadow;
+  const QRectF plate =
+      painter.GetArea().adjusted(0, 0, -painter.Scaled(shadow.width()), -painter.Scaled(shadow.height()));
+  QPainter& pen = painter.GetPainter();
+  pen.setRenderHint(QPainter::Antialiasing);
+  pen.setBrush(Qt::NoBrush);
+  const auto draw = [&](const QColor& colour, int outside, int lineWidth) {
+    const int width = painter.Scaled(lineWidth);
+    const double inset = painter.Scaled(outside) + width / 2.0;
+    const double radius = painter.GetPixelRatio() * kFocusRadius - inset;
+    pen.setPen(QPen(colour, width));
+    pen.drawRoundedRect(plate.adjusted(inset, inset, -inset, -inset), radius, radius);
+  };
+  draw(colours::kInk, 0, kFocusLine);
+  pen.setCompositionMode(QPainter::CompositionMode_Multiply);  // strokes of icon and text go through
+  draw(colours::kSelection, kFocusLine, kFocusWidth);
 }

@@ -7,73 +7,24 @@
 
 #include "resources/PictureIds.h"
 #include "resources/StringIds.h"
+#include "ui/kit/AssistiveTools.h"
+#include "ui/kit/ButtonPress.h"
 #include "ui/kit/ButtonTip.h"
 #include "ui/kit/Commands.h"
-#include "ui/kit/Flags.h"
 
 class CDevicePainter;
 
-/// The numbers are the positions of the looks in a button's picture.
-enum class ButtonState : int { Normal = 0, Pressed = 1, Hover = 2, Disabled = 3 };
-
-/// How a button behaves; combined with `|`.
-enum class ButtonFlags : unsigned {
-  None = 0,
-  FireOnPress = 1,              // on mouse down; else on mouse up inside the button
-  RepeatWhileHeld = 2,          // the command
-  StayPressedUntilHandled = 4,  // for a command that takes a while
-  TipStays = 8,                 // the caption is on view with the button, not only under the pointer
-};
-
-template <>
-inline constexpr bool kIsFlagSet<ButtonFlags> = true;
-
-/// What the mouse does to a button: its state, when the command fires, when it repeats. It knows neither
-/// window nor clock: after each call its owner runs the two timers as asked, and sends the command if the
-/// call returned true.
-class CButtonPress {
- public:
-  explicit CButtonPress(ButtonFlags flags = ButtonFlags::None) : Flags(flags) {}
-
-  ButtonFlags GetFlags() const { return Flags; }
-  ButtonState GetState() const { return State; }
-  /// From mouse down to mouse up, wherever the pointer goes meanwhile.
-  bool IsHeld() const { return Held; }
-
-  bool Press();
-  /// The pointer moves over the button while nothing is held.
-  void Hover();
-  /// The pointer moves while the button is held.
-  void Move(bool inside);
-  bool Release();
-  /// The command that Release asked for has been handled.
-  void Settle();
-  void Leave();
-  /// Enabling and disabling, and what takes the mouse away, end a press without a command.
-  void SetEnabled(bool on);
-  void Cancel();
-
-  bool IsDelayRunning() const { return DelayPending && State == ButtonState::Pressed; }
-  /// The delay before repetition is over.
-  bool EndDelay();
-  /// While this holds the command fires at every tick.
-  bool IsRepeatRunning() const { return Repeating && State == ButtonState::Pressed; }
-
- private:
-  ButtonFlags Flags;
-  ButtonState State = ButtonState::Normal;
-  bool Held = false;
-  bool DelayPending = false;
-  bool Repeating = false;
-};
-
 /// Every push button of the windows. It paints itself, either from a picture that holds its looks side by
 /// side, or as a plate with a text, and sends its command straight to a target. A picture button also has a
-/// caption, beside or under it, and a tool tip. To assistive tools it is a button that can be pressed; it
-/// never takes the focus by itself.
+/// caption, beside or under it, and a tool tip.
+///
+/// It never takes the focus by a click. A text button takes it by Tab, a picture button if its row lets it
+/// (TakeFocusByTab). With the focus it is pressed by Space and Enter, and leaves all other keys to its
+/// parent; a frame shows that the focus came by a key. A button that loses the focus because it is disabled
+/// or hidden gives it to its window, not to the next button, which would be pressed instead.
 ///
 /// Made in two steps: the object, then one of the Create operations. The target outlives it.
-class CPaintedButton : public QAbstractButton {
+class CPaintedButton : public QAbstractButton, public CFaceMaker {
  public:
   CPaintedButton(CCommandTarget& target, QWidget* parent);
   ~CPaintedButton() override;
@@ -90,6 +41,8 @@ class CPaintedButton : public QAbstractButton {
   /// button takes the size of an image; one of another width leaves out or repeats columns beside the middle.
   void SetPicture(PictureId picture, int imageCount, bool resize);
 
+  void TakeFocusByTab() { setFocusPolicy(Qt::TabFocus); }
+
   /// Takes the tool tip from another string.
   void SetTipString(StringId id);
 
@@ -103,12 +56,17 @@ class CPaintedButton : public QAbstractButton {
 
   /// The caption of a picture button, the text of a text button.
   QString GetText() const { return text(); }
+  /// The key that the tool tip names; empty if it names none.
+  const QString& GetKeyName() const { return KeyName; }
   ButtonState GetState() const { return Press.GetState(); }
   /// While a command is sent: whether it comes of the button being held, not of a click.
   bool IsRepeating() const { return Press.IsRepeatRunning(); }
   CommandId GetCommand() const { return Command; }
+  bool HasDefaultLook() const { return DefaultLook; }
   /// The size of one image, in pixels of the layout.
   const QSize& GetImageSize() const { return ImageSize; }
+
+  QAccessibleInterface* MakeFace() override;
 
  protected:
   bool event(QEvent* event) override;
@@ -116,6 +74,11 @@ class CPaintedButton : public QAbstractButton {
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
+  bool focusNextPrevChild(bool next) override;
   void leaveEvent(QEvent* event) override;
   void timerEvent(QTimerEvent* event) override;
   void changeEvent(QEvent* event) override;
@@ -128,14 +91,17 @@ class CPaintedButton : public QAbstractButton {
   bool TipStays() const { return HasFlag(Press.GetFlags(), ButtonFlags::TipStays); }
   void Start(CommandId id, ButtonFlags flags);
   void ApplyState();
+  void EndPress();
   void Fire();
   void TakePicture(PictureId picture, int imageCount);
   void TakeTexts(const QString& caption, const QString& tip);
+  void TellTexts(const QString& tip);
   CButtonTip& GetTip();
   void ShowTip(bool on);
   void PlaceStayingTip();
   void PaintPicture(CDevicePainter& painter);
   void PaintText(CDevicePainter& painter);
+  void PaintFocus(CDevicePainter& painter);
 
   CCommandTarget& Target;
   CommandId Command{};
@@ -147,6 +113,11 @@ class CPaintedButton : public QAbstractButton {
   int ImageCount = 0;
   QSize ImageSize;
   bool HasTipString = false;
+  QString KeyName;
+
+  bool HeldBySpace = false;
+  quint64 KeyReleaseTime = 0;  // 0: unknown
+  bool FocusCameByKey = false;
 
   bool TextForm = false;
   bool DefaultLook = false;

@@ -19,6 +19,7 @@ namespace {
 
 constexpr int kLongestTip = 80;  // characters
 constexpr int kWidestTip = 275;
+constexpr QLatin1String kKeyLine("Shortcut key: ");
 
 /// The platform's tips in the colours and the font of the interface.
 void DressToolTips() {
@@ -76,6 +77,14 @@ CaptionAndTip SplitCaptionAndTip(const QString& text) {
 }
 
 CaptionAndTip LoadCaptionAndTip(StringId id) { return SplitCaptionAndTip(ToQString(LoadExpandedString(id))); }
+
+TipParts DivideTip(const QString& tip) {
+  TipParts parts;
+  QStringList lines = tip.split(u'\n');
+  if (lines.last().startsWith(kKeyLine)) parts.Key = lines.takeLast().mid(kKeyLine.size());
+  parts.Text = lines.join(u' ');
+  return parts;
+}
 
 QString WrapToolTip(const QString& text, const QFont& font, int width) {
   const QFontMetricsF metrics(font);

@@ -18,6 +18,13 @@ struct CaptionAndTip {
 CaptionAndTip SplitCaptionAndTip(const QString& text);
 CaptionAndTip LoadCaptionAndTip(StringId id);
 
+/// A tool tip's text on one line, and the key that it names behind "Shortcut key: ".
+struct TipParts {
+  QString Text;
+  QString Key;  // empty if it names none
+};
+TipParts DivideTip(const QString& tip);
+
 /// Gives a widget a tool tip; an empty text takes it away. The text is plain, whatever it looks like, and is
 /// broken into lines at 275 pixels.
 void SetToolTip(QWidget& widget, const QString& text);

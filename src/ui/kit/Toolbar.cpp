@@ -1,5 +1,6 @@
 #include "ui/kit/Toolbar.h"
 
+#include <QAccessibleWidget>
 #include <QMouseEvent>
 #include <algorithm>
 #include <limits>
@@ -96,6 +97,26 @@ void MakeRoom(ToolbarItem& place, PictureId picture) {
   }
 }
 
+class CRowFace final : public QAccessibleWidget {
+ public:
+  explicit CRowFace(CToolbar& row) : QAccessibleWidget(&row, QAccessible::ToolBar) {}
+
+  int childCount() const override { return GetRow() != nullptr ? GetRow()->CountButtons() : 0; }
+  QAccessibleInterface* child(int index) const override {
+    if (index < 0 || index >= childCount()) return nullptr;
+    return QAccessible::queryAccessibleInterface(&GetRow()->GetButtonAt(index));
+  }
+  int indexOfChild(const QAccessibleInterface* child) const override {
+    for (int i = 0; i < childCount(); ++i) {
+      if (&GetRow()->GetButtonAt(i) == child->object()) return i;
+    }
+    return -1;
+  }
+
+ private:
+  CToolbar* GetRow() const { return dynamic_cast<CToolbar*>(object()); }
+};
+
 }  // namespace
 
 int GetContentWidth(const std::vector<ToolbarItem>& items) { return GetWidth(items, Grant{}); }
@@ -126,6 +147,7 @@ CPaintedButton& CToolbar::AddButton(int gap, CommandId id, StringId picture, Pic
   if (other != PictureId{}) MakeRoom(item.Place, other);
   CPaintedButton& button = *item.Button;
   button.SetTipSide(TipSide::Below);
+  button.TakeFocusByTab();
   button.Create({}, id, ButtonFlags::TipStays, first, kImages);
   button.setVisible(true);
   LayOut();
@@ -136,6 +158,29 @@ CPaintedButton* CToolbar::GetButton(CommandId id) {
   const auto found = std::find_if(Items.begin(), Items.end(),
                                   [&](const Item& item) { return item.Button->GetCommand() == id; });
   return found == Items.end() ? nullptr : found->Button.get();
+}
+
+bool CToolbar::MoveFocus(bool forward) {
+  const auto focused =
+      std::find_if(Items.begin(), Items.end(), [](const Item& item) { return item.Button->hasFocus(); });
+  const int step = forward ? 1 : -1;
+  int index = forward ? 0 : CountButtons() - 1;
+  if (focused != Items.end()) index = static_cast<int>(focused - Items.begin()) + step;
+  for (; index >= 0 && index < CountButtons(); index += step) {
+    CPaintedButton& button = GetButtonAt(index);
+    if (!button.isEnabled() || !button.isVisible()) continue;
+    button.setFocus(forward ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    return true;
+  }
+  return false;
+}
+
+QAccessibleInterface* CToolbar::MakeFace() { return std::make_unique<CRowFace>(*this).release(); }
+
+bool CToolbar::focusNextPrevChild(bool next) {
+  if (isVisible()) return QWidget::focusNextPrevChild(next);
+  window()->setFocus();
+  return true;
 }
 
 void CToolbar::SetFullScreenLook(bool on) {

@@ -45,8 +45,8 @@ ToolbarPlan ArrangeToolbar(const std::vector<ToolbarItem>& items, int rowWidth);
 
 /// A row of picture buttons with their captions below, in the middle of a bordered panel. It has the height
 /// kToolbarHeight; whoever places it gives it a width. Commands of the buttons go straight to the target,
-/// which outlives the row.
-class CToolbar : public QWidget {
+/// which outlives the row. To assistive tools it is a tool bar of its buttons, without their captions.
+class CToolbar : public QWidget, public CFaceMaker {
  public:
   CToolbar(CCommandTarget& target, QWidget* parent);
 
@@ -57,6 +57,13 @@ class CToolbar : public QWidget {
 
   /// Null if the row has no such button.
   CPaintedButton* GetButton(CommandId id);
+  /// The buttons from left to right.
+  int CountButtons() const { return static_cast<int>(Items.size()); }
+  CPaintedButton& GetButtonAt(int index) const { return *Items[static_cast<std::size_t>(index)].Button; }
+
+  /// Puts the focus on the next button that is enabled, or the previous one; from outside the row on the
+  /// first, or the last. False if there is none further: then the focus stays where it is.
+  bool MoveFocus(bool forward);
 
   /// With a top edge, as a panel of its own, and not below a page.
   void SetFullScreenLook(bool on);
@@ -64,9 +71,13 @@ class CToolbar : public QWidget {
   /// The width of all buttons and the gaps between them, when nothing has to be given up.
   int GetContentWidth() const;
 
+  QAccessibleInterface* MakeFace() override;
+
  protected:
   /// A quick second click beside a button is none in what the row stands on.
   void mouseDoubleClickEvent(QMouseEvent* event) override;
+  /// A row that is hidden gives the focus of its buttons to the window.
+  bool focusNextPrevChild(bool next) override;
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
 

@@ -1,4 +1,5 @@
 #include <QAccessible>
+#include <QKeyEvent>
 
 #include "ui/WindowTest.h"
 #include "ui/kit/RatingControl.h"
@@ -118,12 +119,76 @@ TEST_F(PaintedButton, CaptionStaysWithItsButtonOrComesWithThePointer) {
 }
 
 TEST_F(PaintedButton, AssistiveToolsSeeAButtonAndPressIt) {
-  Make(ButtonFlags::None);
-  QAccessibleInterface* face = QAccessible::queryAccessibleInterface(&Button);
-  ASSERT_NE(face, nullptr);
-  EXPECT_EQ(face->text(QAccessible::Name), "Go to next group") << "without a caption the tip's first line";
-  face->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-  EXPECT_TRUE(QTest::qWaitFor([&] { return Target.Commands.size() == 1; }));
+  struct Texts {
+    PictureId Picture;
+    const char* Name;
+    const char* Description;
+    const char* Key;
+  };
+  for (const Texts& texts :
+       {Texts{PictureId::NextGroup, "Go to next group", "", "Down Arrow"},
+        {PictureId::AutoFix, "AutoFix", "Automatically adjust brightness and color balance", "F"},
+        {PictureId::Restore, "Restore", "", ""}}) {
+    Make(ButtonFlags::None, texts.Picture);
+    QAccessibleInterface* face = QAccessible::queryAccessibleInterface(&Button);
+    EXPECT_EQ(face->role(), QAccessible::Button);
+    EXPECT_EQ(face->text(QAccessible::Name), texts.Name);
+    EXPECT_EQ(face->text(QAccessible::Description), texts.Description);
+    EXPECT_EQ(face->text(QAccessible::Accelerator), texts.Key);
+    Target.Commands.clear();
+    face->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return Target.Commands.size() == 1; }));
+  }
+}
+
+TEST_F(PaintedButton, SpaceAndEnterPressItOnceAndOtherKeysAreItsParents) {
+  struct CParent : QWidget {
+    void keyPressEvent(QKeyEvent* event) override { Keys.push_back(event->key()); }
+    std::vector<int> Keys;
+  } parent;
+  CPaintedButton button(Target, &parent);
+  button.CreateText({0, 0, 80, 20}, CommandId::NextGroup, "Close", ButtonFlags::None, true);
+  CPaintedButton other(Target, &parent);
+  other.CreateText({0, 30, 80, 20}, CommandId::Help, "Help", ButtonFlags::None, false);
+  parent.show();
+  parent.setFocus();
+  parent.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&parent));
+  const QImage plain = Painted(button);
+  QTest::mouseClick(&button, Qt::LeftButton);
+  EXPECT_FALSE(button.hasFocus());
+  button.setFocus(Qt::TabFocusReason);
+  EXPECT_NE(Painted(button), plain);
+  Target.Commands.clear();
+
+  const auto send = [&](QEvent::Type type, int key, bool repeat, quint64 time) {
+    QKeyEvent event(type, key, Qt::NoModifier, 0, 0, 0, QString(), repeat);
+    event.setTimestamp(time);
+    QCoreApplication::sendEvent(&button, &event);
+  };
+  for (const int key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter}) {
+    const auto before = Target.Commands.size();
+    send(QEvent::KeyPress, key, false, 100);
+    send(QEvent::KeyRelease, key, true, 200);
+    send(QEvent::KeyPress, key, true, 200);
+    send(QEvent::KeyRelease, key, false, 300);  // a repeat that isn't told as one
+    send(QEvent::KeyPress, key, false, 300);
+    send(QEvent::KeyRelease, key, false, 400);
+    EXPECT_EQ(Target.Commands.size(), before + 1) << key;
+  }
+  send(QEvent::KeyPress, Qt::Key_Space, false, 500);
+  EXPECT_EQ(button.GetState(), ButtonState::Pressed);
+  other.setFocus(Qt::OtherFocusReason);
+  send(QEvent::KeyRelease, Qt::Key_Space, false, 600);
+  EXPECT_EQ(Target.Commands.size(), 3U) << "the focus left before the release";
+  button.setFocus(Qt::OtherFocusReason);
+  EXPECT_EQ(Painted(button), plain) << "no frame, for no key brought the focus";
+
+  for (const int key : {Qt::Key_Left, Qt::Key_Down, Qt::Key_A}) send(QEvent::KeyPress, key, false, 700);
+  EXPECT_EQ(parent.Keys, (std::vector<int>{Qt::Key_Left, Qt::Key_Down, Qt::Key_A}));
+  EXPECT_TRUE(button.hasFocus());
+  button.setEnabled(false);
+  EXPECT_TRUE(parent.hasFocus()) << "not the next button, which the next key would press";
 }
 
 TEST(ButtonTip, StandsBesideItsOwnerInsideTheBounds) {
@@ -172,4 +237,35 @@ TEST(Toolbar, GivesUpMarginsThenGapsThenLettersThenTheEndsOfCaptions) {
     EXPECT_EQ(got, (std::vector{left, width, caption, left2, width2, caption2})) << row;
     EXPECT_EQ(plan.CaptionFont, kCaptionFonts[static_cast<std::size_t>(font)]) << row;
   }
+}
+
+TEST(Toolbar, FocusGoesThroughTheEnabledButtonsAndLeavesWithTheRow) {
+  const CFontTable fonts(false);
+  CNotedCommands target;
+  QWidget window;
+  window.resize(600, 100);
+  window.setFocusPolicy(Qt::StrongFocus);
+  CToolbar row(target, &window);
+  row.setGeometry(0, 0, 600, kToolbarHeight);
+  for (const auto id : {CommandId::ClearOneUpload, CommandId::ClearAllUpload, CommandId::AddRecent}) {
+    row.AddButton(10, id);
+  }
+  row.GetButton(CommandId::ClearAllUpload)->setEnabled(false);
+  window.show();
+  window.setFocus();
+  window.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  const auto focused = [&] { return window.focusWidget()->accessibleName(); };
+  EXPECT_TRUE(row.MoveFocus(true));
+  EXPECT_EQ(focused(), "Clear One");
+  EXPECT_TRUE(row.MoveFocus(true));
+  EXPECT_EQ(focused(), "Add Recent");
+  EXPECT_FALSE(row.MoveFocus(true));
+  EXPECT_EQ(focused(), "Add Recent");
+  window.setFocus();
+  EXPECT_TRUE(row.MoveFocus(false));
+  EXPECT_EQ(focused(), "Add Recent");
+  EXPECT_EQ(QAccessible::queryAccessibleInterface(&row)->childCount(), 3) << "without the captions";
+  row.hide();
+  EXPECT_TRUE(window.hasFocus());
 }

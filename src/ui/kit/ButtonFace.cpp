@@ -1,0 +1,53 @@
+#include "ui/kit/ButtonFace.h"
+
+#include <QAccessibleWidget>
+#include <memory>
+
+#include "ui/kit/PaintedButton.h"
+
+namespace {
+
+class CButtonFace final : public QAccessibleWidget {
+ public:
+  explicit CButtonFace(CPaintedButton& button) : QAccessibleWidget(&button, QAccessible::Button) {}
+
+  QString text(QAccessible::Text text) const override {
+    const CPaintedButton* button = GetButton();
+    if (button == nullptr) return {};
+    if (text == QAccessible::Accelerator) return button->GetKeyName();
+    return text == QAccessible::Description ? button->accessibleDescription() : QAccessibleWidget::text(text);
+  }
+
+  QAccessible::State state() const override {
+    QAccessible::State state = QAccessibleWidget::state();
+    const CPaintedButton* button = GetButton();
+    state.pressed = button != nullptr && button->GetState() == ButtonState::Pressed;
+    state.defaultButton = button != nullptr && button->HasDefaultLook();
+    return state;
+  }
+
+  QStringList actionNames() const override {
+    const QStringList press = widget()->isEnabled() ? QStringList(pressAction()) : QStringList();
+    return press + QAccessibleWidget::actionNames();
+  }
+
+  void doAction(const QString& action) override {
+    CPaintedButton* button = GetButton();
+    if (action != pressAction()) return QAccessibleWidget::doAction(action);
+    if (button != nullptr) DoAsClicked(*button, [button] { button->click(); });
+  }
+
+  QStringList keyBindingsForAction(const QString& action) const override {
+    const QString key = text(QAccessible::Accelerator);
+    return action == pressAction() && !key.isEmpty() ? QStringList(key) : QStringList();
+  }
+
+ private:
+  CPaintedButton* GetButton() const { return dynamic_cast<CPaintedButton*>(object()); }
+};
+
+}  // namespace
+
+QAccessibleInterface* MakeButtonFace(CPaintedButton& button) {
+  return std::make_unique<CButtonFace>(button).release();
+}
