@@ -92,6 +92,20 @@ void CMainCommands::MoveByField(CommandId id) {
   if (Parts.FilterBar->IsEditing()) return Parts.FilterBar->CommitEdit();
   const bool forward = id == CommandId::NextField;
   if (Parts.PhotoBack->IsEditing()) return Parts.PhotoBack->FocusNextField(forward);
+  MoveFocus(forward);
+}
+
+void CMainCommands::MoveFocus(bool forward) {
+  // The window, the page, its buttons, and the window again. The current photo's page takes no focus.
+  const TabPage& shown = Parts.GetShownPage();
+  const bool hasPage = shown.Page->focusPolicy() != Qt::NoFocus;
+  const QWidget* const focus = Parts.Window->focusWidget();
+  const bool isInRow = focus != nullptr && shown.ToolRow->isAncestorOf(focus);
+  const bool isInPage = focus == shown.Page;
+  if (forward && !isInRow && !isInPage && hasPage) return shown.Page->setFocus(Qt::TabFocusReason);
+  if ((forward || !isInPage) && shown.ToolRow->MoveFocus(forward)) return;
+  if (!forward && isInRow && hasPage) return shown.Page->setFocus(Qt::BacktabFocusReason);
+  Parts.Window->setFocus();
 }
 
 void CMainCommands::Rename(CommandId) {

@@ -53,6 +53,7 @@ class CMainCommands {
  private:
   using PhotoEdit = std::function<PhotoChange(const CAssetRecord& photo, CImage* image, const WorkBegins&)>;
   void ChangePhoto(const PhotoEdit& edit);
+  void MoveFocus(bool forward);
 
   CFilmstrip& GetStrip() const;
 

@@ -231,3 +231,35 @@ TEST_F(Tabs, AChangeThatTheDiskRefusesShowsNowhere) {
   EXPECT_EQ(Titles(ViewTabId::Trash), "1000");
   EXPECT_TRUE(std::filesystem::exists(InHome(PhotoName(0))));
 }
+
+TEST_F(Tabs, TabLeadsThroughPageAndButtonsAndBack) {
+  WritePhotos(2);
+  CMainFrame& frame = Start(0);
+  Select(ViewTabId::Email);
+  CToolbar& row = *Parts().GetShownPage().ToolRow;
+  QWidget* const ring[] = {&frame,
+                           &Email(),
+                           row.GetButton(CommandId::ClearOneEmail),
+                           row.GetButton(CommandId::ClearAllEmail),
+                           row.GetButton(CommandId::AddRecent),
+                           row.GetButton(CommandId::SendPhotos),
+                           &frame};
+  for (std::size_t i = 1; i < std::size(ring); ++i) {
+    Press({Qt::Key_Tab});
+    EXPECT_EQ(QApplication::focusWidget(), ring[i]) << i;
+  }
+  for (std::size_t i = std::size(ring) - 1; i-- > 0;) {
+    Press({Qt::Key_Tab}, Qt::ShiftModifier);
+    EXPECT_EQ(QApplication::focusWidget(), ring[i]) << i;
+  }
+  row.GetButton(CommandId::AddRecent)->setFocus(Qt::TabFocusReason);
+  Press({Qt::Key_Space});
+  EXPECT_EQ(Email().GetCount(), 2);
+  row.GetButton(CommandId::ClearAllEmail)->setFocus(Qt::TabFocusReason);
+  Press({Qt::Key_Right, Qt::Key_Return});
+  Rest();
+  EXPECT_EQ(Email().GetCount(), 0);
+  EXPECT_EQ(Position(), 1) << "keys that a button doesn't take are the window's";
+  Press({Qt::Key_F6});
+  EXPECT_TRUE(frame.hasFocus());
+}
