@@ -6,11 +6,17 @@
 #include <QWindow>
 #include <memory>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 namespace {
 
 CPaintedItems* ItemsOf(QObject* widget) { return dynamic_cast<CPaintedItems*>(widget); }
+
+/// A widget that takes no focus has it while its window has, with no other widget.
+bool HasFocus(const QWidget& widget) {
+  return widget.hasFocus() || (widget.focusPolicy() == Qt::NoFocus && widget.window()->hasFocus());
+}
 
 /// One item, known by its key. Invalid while the widget has none of that key.
 class CItemFace final : public QAccessibleInterface, public QAccessibleActionInterface {
@@ -85,7 +91,7 @@ QAccessible::State CItemFace::state() const {
   state.selectable = true;
   state.selected = items.IsItemSelected(index);
   state.focusable = Widget->focusPolicy() != Qt::NoFocus;
-  state.focused = isCurrent && Widget->hasFocus();
+  state.focused = isCurrent && HasFocus(*Widget);
   state.active = isCurrent;
   return state;
 }
@@ -93,7 +99,7 @@ QAccessible::State CItemFace::state() const {
 /// The widget with its items as children. It owns their faces.
 class CListFace final : public QAccessibleWidget {
  public:
-  explicit CListFace(QWidget& widget) : QAccessibleWidget(&widget) {}
+  explicit CListFace(QWidget& widget) : QAccessibleWidget(&widget), Keys(ReadKeys(*ItemsOf(&widget))) {}
   ~CListFace() override {
     for (const auto& [key, id] : Faces) QAccessible::deleteAccessibleInterface(id);
   }
@@ -117,16 +123,20 @@ class CListFace final : public QAccessibleWidget {
     return nullptr;
   }
   QAccessibleInterface* focusChild() const override {
-    return GetItems() != nullptr && widget()->hasFocus() ? child(GetItems()->GetCurrentItem()) : nullptr;
+    return GetItems() != nullptr && HasFocus(*widget()) ? child(GetItems()->GetCurrentItem()) : nullptr;
   }
 
   void TellItems() {
+    const auto before = std::exchange(Keys, ReadKeys(*GetItems()));
     std::erase_if(Faces, [this](const auto& face) {
-      if (GetItems()->FindItem(face.first) >= 0) return false;
+      if (Keys.contains(face.first)) return false;
       QAccessible::deleteAccessibleInterface(face.second);
       return true;
     });
-    Tell(*this, QAccessible::ObjectReorder);
+    // Qt's own event for a changed order is sent in a form that tools don't read, so each new item is told.
+    for (const int key : Keys) {
+      if (!before.contains(key)) Tell(*FaceOf(key), QAccessible::ObjectCreated);
+    }
   }
 
   void TellCurrentItem() {
@@ -135,7 +145,7 @@ class CListFace final : public QAccessibleWidget {
     const auto known = Faces.find(last);
     if (last != LastCurrent && known != Faces.end()) Tell(*FaceOf(last), QAccessible::SelectionRemove);
     if (QAccessibleInterface* item = child(index)) {
-      if (widget()->hasFocus()) Tell(*item, QAccessible::Focus);
+      if (HasFocus(*widget())) Tell(*item, QAccessible::Focus);
       Tell(*item, QAccessible::Selection);
     }
     Tell(*this, QAccessible::SelectionWithin);
@@ -147,6 +157,12 @@ class CListFace final : public QAccessibleWidget {
   }
 
  private:
+  static std::unordered_set<int> ReadKeys(const CPaintedItems& items) {
+    std::unordered_set<int> keys;
+    for (int i = 0; i < items.CountItems(); ++i) keys.insert(items.GetItemKey(i));
+    return keys;
+  }
+
   CPaintedItems* GetItems() const { return ItemsOf(object()); }
 
   QAccessibleInterface* FaceOf(int key) const {
@@ -158,6 +174,7 @@ class CListFace final : public QAccessibleWidget {
   }
 
   mutable std::unordered_map<int, QAccessible::Id> Faces;  // by key; of items that a tool has asked for
+  std::unordered_set<int> Keys;                            // when the items were told last
   int LastCurrent = -1;                                    // key of the item that was told as current
 };
 

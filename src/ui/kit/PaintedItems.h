@@ -20,6 +20,9 @@ struct PaintedItem {
 /// more than "IMG_0042". The page calls TellCurrentItem when another photo is selected and in its
 /// focusInEvent, and TellItems when photos have come or gone.
 ///
+/// The current item counts as focused while its widget has the focus; where the widget takes none, as the tab
+/// bar does, while the window itself has it. A screen reader announces an item that has become focused.
+///
 /// The operations may be called at any time, also while a job runs: they answer from what the widget holds,
 /// don't touch the catalog and raise nothing. Nothing is asked while no assistive tool listens. The widget
 /// has no child widgets that a tool should know.
