@@ -10,7 +10,6 @@
 #include "base/Folders.h"
 #include "support/ScratchFolder.h"
 #include "ui/frame/CommandTable.h"
-#include "ui/marks/PhotoMarks.h"
 
 TEST(CommandTable, NoKeyLeadsToTwoCommands) {
   for (const Command& command : GetCommandTable()) {
@@ -78,19 +77,4 @@ TEST(HelpPage, ListsTheKeysOfEveryCommandAndNeedsNothingFromElsewhere) {
   for (const char* foreign : {"<script", "src=", "href=\"http", "url(", "@import"}) {
     EXPECT_FALSE(page.contains(QLatin1String(foreign))) << foreign;
   }
-}
-
-TEST(MarkedRange, SettingReachesForTheNearestAndTakingAwayForTheFarthest) {
-  const auto range = [](int position, bool on, std::set<int> marked) {
-    const auto [first, end] =
-        FindRangeToToggle(position, 20, on, [&](int index) { return marked.contains(index); });
-    return first < end ? std::pair(first, end) : std::pair(0, 0);
-  };
-  EXPECT_EQ(range(9, true, {2, 6, 9, 11}), std::pair(7, 9));
-  EXPECT_EQ(range(3, true, {0, 3}), std::pair(1, 3));
-  EXPECT_EQ(range(9, false, {2, 6}), std::pair(3, 9));
-  EXPECT_EQ(range(9, true, {9, 13, 15}), std::pair(10, 13));
-  EXPECT_EQ(range(9, false, {13, 19}), std::pair(10, 19));
-  EXPECT_EQ(range(9, true, {9}), std::pair(0, 0));
-  EXPECT_EQ(range(-1, true, {3}), std::pair(0, 0)) << "a photo that isn't in the strip";
 }

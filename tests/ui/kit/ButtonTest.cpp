@@ -238,34 +238,3 @@ TEST(Toolbar, GivesUpMarginsThenGapsThenLettersThenTheEndsOfCaptions) {
     EXPECT_EQ(plan.CaptionFont, kCaptionFonts[static_cast<std::size_t>(font)]) << row;
   }
 }
-
-TEST(Toolbar, FocusGoesThroughTheEnabledButtonsAndLeavesWithTheRow) {
-  const CFontTable fonts(false);
-  CNotedCommands target;
-  QWidget window;
-  window.resize(600, 100);
-  window.setFocusPolicy(Qt::StrongFocus);
-  CToolbar row(target, &window);
-  row.setGeometry(0, 0, 600, kToolbarHeight);
-  for (const auto id : {CommandId::ClearOneUpload, CommandId::ClearAllUpload, CommandId::AddRecent}) {
-    row.AddButton(10, id);
-  }
-  row.GetButton(CommandId::ClearAllUpload)->setEnabled(false);
-  window.show();
-  window.setFocus();
-  window.activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-  const auto focused = [&] { return window.focusWidget()->accessibleName(); };
-  EXPECT_TRUE(row.MoveFocus(true));
-  EXPECT_EQ(focused(), "Clear One");
-  EXPECT_TRUE(row.MoveFocus(true));
-  EXPECT_EQ(focused(), "Add Recent");
-  EXPECT_FALSE(row.MoveFocus(true));
-  EXPECT_EQ(focused(), "Add Recent");
-  window.setFocus();
-  EXPECT_TRUE(row.MoveFocus(false));
-  EXPECT_EQ(focused(), "Add Recent");
-  EXPECT_EQ(QAccessible::queryAccessibleInterface(&row)->childCount(), 3) << "without the captions";
-  row.hide();
-  EXPECT_TRUE(window.hasFocus());
-}
