@@ -38,7 +38,7 @@ constexpr int kNotAllowed = 77;
 }  // namespace
 
 TEST_F(RecycleBin, FilesGoUnderAFreeNameWithARecordOfTheirPlace) {
-  const std::string odd = "b\xf6\xef\xbf\xbd %\n.jpg", longest = std::string(251, 'n') + ".jpg";
+  const std::string odd = "b\xf6\xef\xbf\xbd %\n.jpg", longest = std::string(251, 'n').append(".jpg");
   for (const auto& name : {std::string("boat.jpg"), odd, longest}) {
     EXPECT_TRUE(Move("Pictures/" + name, "one"));
     EXPECT_TRUE(Move("Pictures/" + name, "two"));

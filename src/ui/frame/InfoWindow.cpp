@@ -94,16 +94,16 @@ CInfoWindow::CInfoWindow(QWidget& mainWindow) : QDialog(&mainWindow, Qt::Dialog 
 }
 
 void CInfoWindow::AddText(const QRect& place, FontId font, const QString& text) {
-  auto* label = new QLabel(text, this);
-  label->setTextFormat(Qt::PlainText);
-  label->setWordWrap(true);
-  label->setFont(GetFont(font));
-  QPalette colors = label->palette();
+  QLabel& label = *new QLabel(text, this);
+  label.setTextFormat(Qt::PlainText);
+  label.setWordWrap(true);
+  label.setFont(GetFont(font));
+  QPalette colors = label.palette();
   colors.setColor(QPalette::WindowText, colours::kInk);
   colors.setColor(QPalette::Window, colours::kPage);
-  label->setPalette(colors);
-  label->setAutoFillBackground(true);
-  label->setGeometry(place);
+  label.setPalette(colors);
+  label.setAutoFillBackground(true);
+  label.setGeometry(place);
 }
 
 void CInfoWindow::AddRow(int position) {

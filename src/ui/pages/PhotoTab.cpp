@@ -67,6 +67,7 @@ bool CPhotoTab::BelongsHere(const CAssetRecord& photo) const {
 
 std::vector<std::int32_t> CPhotoTab::ListPhotos() const {
   std::vector<std::int32_t> ids;
+  ids.reserve(static_cast<std::size_t>(GetCount()));
   for (int i = 0; i < GetCount(); ++i) ids.push_back(Photos.GetAssetId(i));
   return ids;
 }
