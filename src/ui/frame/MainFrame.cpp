@@ -375,6 +375,11 @@ bool CMainFrame::IsSlideShowRunning() const { return GetStrip().IsSlideShowRunni
 
 void CMainFrame::SetInputBlocked(bool on) { InputFilter->SetBlocked(on); }
 
+bool CMainFrame::focusNextPrevChild(bool) {
+  setFocus();
+  return true;
+}
+
 void CMainFrame::closeEvent(QCloseEvent* event) {
   Closing = true;
   if (!IsJobRunning()) {

@@ -95,6 +95,8 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost,
   CFilmstrip& GetStrip() const;
 
  protected:
+  /// A part that goes away leaves the focus to the window, not to the next button.
+  bool focusNextPrevChild(bool next) override;
   void closeEvent(QCloseEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
