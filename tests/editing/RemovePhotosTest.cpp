@@ -93,7 +93,7 @@ TEST_F(RemovePhotosTest, AfterAFaultOrAKillAtAnyStepASecondCallDoesTheRest) {
       fs::remove_all(Trash);
       Ids.clear();
       for (const char* name : {"boat.jpg", "lake.jpg"}) TossFile(name);
-      Scratch.Write("Pictures/boat.jpg.orig", "the original");
+      Scratch.Write("Pictures/boat.jpg.orig", "boat.jpg.orig");
       int steps = 0;
       const auto stops = [&] { return ++steps == step && (!kills || ::raise(SIGKILL) != 0); };
       const auto remove = [&] {
@@ -119,6 +119,11 @@ TEST_F(RemovePhotosTest, AfterAFaultOrAKillAtAnyStepASecondCallDoesTheRest) {
       EXPECT_TRUE(step > 1 || NamesInFolder().size() == 3)
           << "no file moves before the catalog can be written";
       EXPECT_TRUE(!kills || stays || NamesInTrash().size() == 3) << "no row goes before its file";
+      EXPECT_TRUE(kills || NamesIn(Trash + "/info").size() == NamesInTrash().size()) << "step " << step;
+      for (const std::string& name : NamesInTrash()) {
+        EXPECT_EQ(ReadBytes(Trash + "/files/" + name), name) << "step " << step;
+        EXPECT_TRUE(ReadBytes(Trash + "/info/" + name + ".trashinfo").ends_with("\n")) << "step " << step;
+      }
       if (stays) Remove();
       EXPECT_EQ(Stored(), "0 0");
       EXPECT_EQ(NamesInFolder().size() + NamesInTrash().size(), 3U) << "step " << step;

@@ -17,8 +17,6 @@ namespace fs = std::filesystem;
 
 class RecycleBin : public testing::Test {
  protected:
-  ~RecycleBin() override { platform::SetFaultPlan({}); }
-
   std::string In(const std::string& name) const { return Scratch.GetPath() + "/" + name; }
   std::string Read(const std::string& name) const { return ReadBytes(In(name)); }
   bool Move(const std::string& name, const std::string& bytes = "the photo") const {
@@ -75,29 +73,6 @@ TEST_F(RecycleBin, OfALinkTheLinkGoesAndOnlyFilesAndLinksToThem) {
   fs::permissions(In("folder"), fs::perms(0755));
   EXPECT_EQ(ReadBytes(target), "the photo");
   EXPECT_EQ(CountIn("data/Trash/info"), 2);
-}
-
-TEST_F(RecycleBin, AfterAFaultOrAKillAtAnyStepTheFileIsWholeInOneOfThePlaces) {
-  for (const bool kills : {false, true}) {
-    int step = 0;
-    for (bool done = false; !done;) {
-      fs::remove_all(In("data"));
-      bool moved = kills;
-      if (kills) {
-        done = !RunAndKillAtStep(++step, [&] { Move("boat.jpg"); });
-      } else {
-        const CFailingStep fault(++step);
-        moved = Move("boat.jpg");
-        done = fault.GetSteps() < step;
-        EXPECT_EQ(CountIn("data/Trash/info"), CountIn("data/Trash/files")) << "step " << step;
-      }
-      const std::string there = Read("data/Trash/files/boat.jpg");
-      EXPECT_EQ(Read("boat.jpg") + there, "the photo") << "step " << step;
-      EXPECT_TRUE(there.empty() ? kills || !moved
-                                : Read("data/Trash/info/boat.jpg.trashinfo").ends_with("\n"));
-    }
-    EXPECT_GT(step, 8);
-  }
 }
 
 TEST_F(RecycleBin, AFileOfAnotherDiskGoesToThatDisksTrashOrAsACopyToTheUsers) {
