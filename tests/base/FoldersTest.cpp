@@ -2,7 +2,6 @@
 
 #include "base/Folders.h"
 #include "base/PathIdentity.h"
-#include "base/Paths.h"
 #include "support/EnvironmentVariable.h"
 #include "support/FaultSteps.h"
 #include "support/ScratchFolder.h"
@@ -78,11 +77,6 @@ TEST(CheckDiskWritable, ReplacesAndRemovesItsFile) {
   const CFailingStep fault(2);
   EXPECT_FALSE(CheckDiskWritable(folder.GetPath()));
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.GetPath()), {}), 1);
-}
-
-TEST(Paths, ExtensionBeginsAtTheLastDotOfTheName) {
-  EXPECT_EQ(GetExtension("/p/photo.tar.JPG"), ".JPG");
-  EXPECT_EQ(GetExtension("/p/a.b/photo") + GetExtension("/p/.hidden"), "");
 }
 
 }  // namespace

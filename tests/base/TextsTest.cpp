@@ -3,7 +3,6 @@
 #include <limits>
 #include <regex>
 
-#include "base/Guid.h"
 #include "base/Texts.h"
 #include "base/Times.h"
 #include "resources/StringTable.h"
@@ -56,13 +55,6 @@ TEST(Times, FollowTheLocalCalendarAndNeverWrap) {
   ++date.tm_sec;
   EXPECT_EQ(TimeFromLocal(date), 0);
   EXPECT_EQ(TimeFromFile(-1), 0);
-}
-
-TEST(Guid, GoesThroughItsBytes) {
-  const std::vector<std::uint8_t> bytes = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 255};
-  EXPECT_EQ(CGuid::FromBytes(bytes).ToString(), "00010203-0405-0607-0809-0a0b0c0d0eff");
-  EXPECT_EQ(CGuid::FromBytes(bytes).ToBytes(), bytes);
-  EXPECT_FALSE(CGuid::FromBytes(std::vector<std::uint8_t>(17)).IsValid());
 }
 
 }  // namespace

@@ -41,15 +41,6 @@ std::string Tiff(bool pageNumber = false) {
 
 }  // namespace
 
-TEST(ImageTest, TypesFollowTheExtensionInAnyCase) {
-  for (const char* name : {"a.jpg", "a.JPG", "/p/a.jpeg", "a.JPEG", "a.b.jPg"}) {
-    EXPECT_EQ(ImageTypeOfFile(name), ImageType::Jpeg) << name;
-  }
-  for (const char* name : {"a.bmp", "a", "", "a.jpg.orig", "a.tif", "jpg", "a.jpg/b", "a.jp", "a.jpgx"}) {
-    EXPECT_EQ(ImageTypeOfFile(name), ImageType::None) << name;
-  }
-}
-
 TEST(ImageTest, TheDecodedSizeIsTheSmallestThatCoversTheBox) {
   const struct {
     ImageSize Natural, Box, Current;
@@ -80,13 +71,6 @@ TEST(ImageTest, ScalesAreCutToWholePixelsAndFittedBitmapsNeverEnlarged) {
   EXPECT_EQ(small->MakeFitted(140, 105)->GetCurrentSize(), (ImageSize{50, 40}));
   EXPECT_EQ(small->MakeFitted(0, 105), nullptr);
   EXPECT_EQ(CJpegImage().MakeFitted(140, 105), nullptr);
-
-  const auto image = Load({27, 20}, {});
-  const PixelBuffer pixels = image->GetPixels();
-  EXPECT_EQ(pixels.BytesPerPixel, 3);
-  EXPECT_EQ(pixels.RowStep, 84) << "27 pixels and 3 bytes of padding";
-  EXPECT_NEAR(pixels.Row(19)[26 * 3 + 2], PaintSoftly(26, 19)[0], 12);
-  EXPECT_EQ(pixels.Row(20)[-1], 0);
 }
 
 TEST(ImageTest, WhatFailsLeavesTheImageAndItsFileAsTheyWere) {

@@ -9,23 +9,20 @@
 namespace {
 
 TEST(SpecialFolders, PicturesAreKnownIfTheyAreNamedOrStandAndTheRuntimeFolderIsPrivate) {
-  struct Case {
-    const char* UserDirs;
-    std::string Folder;
-    bool Known;
-  };
   const CScratchFolder scratch;
   const std::string home = scratch.GetPath(), standard = home + "/Pictures";
   const CEnvironmentVariable homeVariable("HOME", home), temporary("TMPDIR", home);
   const CEnvironmentVariable config("XDG_CONFIG_HOME", std::nullopt),
       runtime("XDG_RUNTIME_DIR", std::nullopt);
-  const Case cases[] = {{"", standard, false},
-                        {"XDG_PICTURES_DIR=\"$HOME/\"\n", standard, false},  // switched off
-                        {"XDG_PICTURES_DIR=\"$HOME/Mes \\\"photos\\\"\"\n", home + "/Mes \"photos\"", true},
-                        {"#\n  XDG_PICTURES_DIR=\"/mnt/photos/\"", "/mnt/photos", true},
-                        {"XDG_PICTURES_DIR=\"relative\"", standard, false},
-                        {"XDG_PICTURES_DIR=\"$HOMEWARD/x\"", standard, false},
-                        {"XDG_PICTURES_DIR=\"/x\\", standard, false}};
+  // The user's file of folders, the folder of pictures, and whether it is known.
+  const std::tuple<const char*, std::string, bool> cases[] = {
+      {"", standard, false},
+      {"XDG_PICTURES_DIR=\"$HOME/\"\n", standard, false},  // switched off
+      {"XDG_PICTURES_DIR=\"$HOME/Mes \\\"photos\\\"\"\n", home + "/Mes \"photos\"", true},
+      {"#\n  XDG_PICTURES_DIR=\"/mnt/photos/\"", "/mnt/photos", true},
+      {"XDG_PICTURES_DIR=\"relative\"", standard, false},
+      {"XDG_PICTURES_DIR=\"$HOMEWARD/x\"", standard, false},
+      {"XDG_PICTURES_DIR=\"/x\\", standard, false}};
   bool isKnown = false;
   for (const auto& [userDirs, folder, known] : cases) {
     scratch.Write(".config/user-dirs.dirs", userDirs);

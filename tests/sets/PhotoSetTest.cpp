@@ -76,10 +76,7 @@ TEST_F(PhotoSetTest, EachKindPicksItsPhotos) {
 }
 
 TEST_F(PhotoSetTest, SortsRunUpwardsWithTiesInTheOrderOfImportAndGroupsAreRunsOfEqualKeys) {
-  const struct {
-    SortKind Kind;
-    Ids Photos, Starts;
-  } rows[] = {
+  const std::tuple<SortKind, Ids, Ids> rows[] = {
       {SortKind::None, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, {}},
       {SortKind::Month, {8, 1, 2, 3, 9, 7, 4, 5, 6, 10}, {8, 1, 2, 4, 10}},
       {SortKind::Folder, {10, 8, 9, 1, 2, 3, 7, 4, 5, 6}, {10, 8, 1, 7, 4, 6}},
@@ -88,9 +85,9 @@ TEST_F(PhotoSetTest, SortsRunUpwardsWithTiesInTheOrderOfImportAndGroupsAreRunsOf
       // From four stars down, within a rating from the newest photo back.
       {SortKind::Rating, {4, 5, 3, 7, 1, 9, 6, 10, 2, 8}, {4, 7, 9, 6, 10}},
   };
-  for (const auto& row : rows) {
-    EXPECT_EQ(Sorted(row.Kind), row.Photos);
-    EXPECT_EQ(Starts(), row.Starts);
+  for (const auto& [kind, photos, starts] : rows) {
+    EXPECT_EQ(Sorted(kind), photos);
+    EXPECT_EQ(Starts(), starts);
   }
   Catalog.FindAssetById(4).GetStamps(StampId::Rating).SetNumber(1, 0);
   Set.Rebuild();

@@ -32,12 +32,6 @@ TEST(Completion, TheTokenBeforeTheCaretBecomesTheFirstChoiceThatBeginsSo) {
   CTokenList list("  Anna ;Émile,, van der Meer , ;", GetListSeparators());
   list.Remove("émile");
   EXPECT_EQ(list.GetText(), "Anna, van der Meer");
-
-  CCompletion completion(choices, ",;");
-  EXPECT_EQ(completion.TakeOverSpelling(" LAKE ;new york"), " LAKE ;new york") << "nothing was completed";
-  completion.Complete("la", 2);
-  completion.Complete("la, new", 7);
-  EXPECT_EQ(completion.TakeOverSpelling(" LAKE ;new york,, Newt"), " lake ;New York,, Newt");
 }
 
 TEST_F(FieldText, ATitleBecomesAFreeNameWithThePhotosExtension) {

@@ -117,6 +117,18 @@ TEST_F(PhotoBack, ShowsWhatIsKnownAndNothingWithoutAPhoto) {
   EXPECT_EQ(values.Get(StampId::Thing).GetText(), "") << "of a photo that is gone";
 }
 
+TEST_F(PhotoBack, AClickGivesTheStarsAndOneOnTheLastTakesItAway) {
+  Show();
+  const int cases[][3] = {{0, 1, 1}, {0, 4, 4}, {1, 1, 0}, {3, 3, 2}, {3, 4, 4}, {3, 1, 1}, {4, 4, 3}};
+  for (const auto& [before, star, after] : cases) {
+    Back->SetRating(before);
+    QAbstractButton& clicked = *Stars()[star - 1];
+    EXPECT_EQ(Painted(clicked).pixelColor(10, 11).saturation() > 100, star <= before);
+    QTest::mousePress(&clicked, Qt::LeftButton, {}, {9, 9});
+    EXPECT_EQ(Photo.GetCachedRating(), after) << "star " << star << " of " << before;
+  }
+}
+
 TEST_F(PhotoBack, ATextIsStoredByWhateverWayItsFieldIsLeft) {
   const CAssetRecord other = AddPhoto("b.jpg");
   Show();

@@ -93,22 +93,18 @@ TEST_F(Tabs, ListsSurviveARestartAndFollowTheStrip) {
 TEST_F(Tabs, ShiftTogglesWhatLiesBetween) {
   WritePhotos(8);
   Start();
-  struct Row {
-    int Position;
-    bool Extend;
-    const char* Marks;
-  };
-  const Row rows[] = {
+  // Where the key is pressed, whether with Shift, and the marks then.
+  const std::tuple<int, bool, const char*> rows[] = {
       {6, true, "00000010"},  {2, true, "00111110"},  // up to the nearest one behind
       {0, false, "10111110"}, {7, true, "10111111"},  // down to the nearest one before
       {7, true, "11000000"},                          // off, to the farthest one before; photo 1 was off
       {4, true, "11111000"},  {0, true, "00001000"},  // off, to the farthest one behind
   };
-  for (const Row& row : rows) {
-    GoTo(row.Position);
-    Press({Qt::Key_M}, row.Extend ? Qt::ShiftModifier : Qt::NoModifier);
-    EXPECT_EQ(Marks(), row.Marks) << row.Position;
-    EXPECT_EQ(Email().GetCount(), QByteArray(row.Marks).count('1'));
+  for (const auto& [position, extends, marks] : rows) {
+    GoTo(position);
+    Press({Qt::Key_M}, extends ? Qt::ShiftModifier : Qt::NoModifier);
+    EXPECT_EQ(Marks(), marks) << position;
+    EXPECT_EQ(Email().GetCount(), QByteArray(marks).count('1'));
   }
 }
 

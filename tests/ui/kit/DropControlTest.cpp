@@ -11,7 +11,6 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr int kNone = CDropControlModel::kNone;
 constexpr auto kLine = DropItemFlags::LineBelow;
 constexpr int kAction = 7;
 constexpr QPoint kOnText(20, 10);
@@ -98,20 +97,6 @@ TEST(DropControlModel, HistoryHasARowForEachEntryThatIsShown) {
   EXPECT_FALSE(model.SelectText("> /a")) << "how it is written";
   EXPECT_FALSE(model.SelectText("/d")) << "beyond the limit";
   EXPECT_FALSE(model.SelectId(106));
-  const auto pick = [&model](int row) {
-    model.OpenList();
-    EXPECT_EQ(model.GetSelected(), kNone) << "no row while the list is open";
-    return model.CloseList(row);
-  };
-  EXPECT_TRUE(pick(0));
-  EXPECT_EQ(model.GetAction(), 1);
-  EXPECT_FALSE(pick(kNone)) << "closed without a pick";
-  EXPECT_EQ(model.GetAction(), kNone);
-  EXPECT_EQ(model.GetSelectedId(), 104) << "neither changes the selection";
-  EXPECT_TRUE(pick(4));
-  EXPECT_EQ(history.Entries.front(), "/c");
-  EXPECT_EQ(model.GetSelectedId(), 103);
-  EXPECT_EQ(model.GetShownText(), "> /c");
 }
 
 TEST_F(DropControl, RowIsPickedByMouseAndKeysWhileTheFocusStaysInAField) {
@@ -185,9 +170,6 @@ TEST(DropListLayout, ListOpensBelowElseAboveAndAlwaysOnTheScreen) {
   EXPECT_EQ(place({1180, 689}, 189), QPoint(1084, 711)) << "the last place below";
   EXPECT_EQ(place({-30, 712}, 189), QPoint(0, 523)) << "above";
   EXPECT_EQ(place({10, 20}, 1000), QPoint(10, 0)) << "higher than the screen";
-  const DropListLayout layout{3, 17, 100};
-  const int rows[][2] = {{0, -1}, {1, 0}, {17, 0}, {18, 1}, {51, 2}, {52, -1}};
-  for (const auto& [y, row] : rows) EXPECT_EQ(layout.FindRow({50, y}), row) << y;
 }
 
 TEST(DropText, PathLosesItsMiddleAndKeepsItsName) {

@@ -44,20 +44,14 @@ TEST(PushBarLayout, PressFindsThePhotoThere) {
   const double percent = GetRestPercent(40, 100);
   const PushBarForm left{BarSide::Left, 1.0, 412, 27, percent};
   const PushBarForm right{BarSide::Right, 1.0, 412, 27, percent};
-  struct Case {
-    const PushBarForm& Form;
-    int X, Y;
-    int Target;
-  };
-  const int body = left.GetBody().left();
+  const auto press = [](const PushBarForm& form, int x, int y) { return form.FindTarget({x, y}, 40, 100); };
   const int cap = right.GetCap().right();
-  const Case cases[] = {
-      {left, body, 13, 0}, {left, 411, 13, 40},       {left, body - 27, 13, 0},  {left, body - 28, 13, -1},
-      {right, 0, 13, 41},  {right, cap - 12, 13, 99}, {right, cap + 15, 13, 99}, {right, cap + 16, 13, -1},
-      {left, 331, 4, 20},  {left, 331, 3, -1},        {left, 331, 22, 20},       {left, 331, 23, -1},
-  };
-  for (const auto& [form, x, y, target] : cases) {
-    EXPECT_EQ(form.FindTarget({x, y}, 40, 100), target) << x << y;
+  EXPECT_EQ(press(left, left.GetBody().left() - 27, 13), 0) << "beyond its end";
+  EXPECT_EQ(press(left, left.GetBody().left() - 28, 13), -1);
+  for (const auto& [y, target] : {std::pair(3, -1), {4, 20}, {22, 20}, {23, -1}}) {
+    EXPECT_EQ(press(left, 331, y), target) << y;
   }
-  EXPECT_EQ((PushBarForm{BarSide::Left, 1.0, 412, 27, 0}).FindTarget({411, 13}, 0, 1), 0) << "no body";
+  for (const auto& [x, target] : {std::pair(0, 41), {cap - 12, 99}, {cap + 15, 99}, {cap + 16, -1}}) {
+    EXPECT_EQ(press(right, x, 13), target) << x;
+  }
 }
