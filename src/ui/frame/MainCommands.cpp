@@ -150,7 +150,12 @@ void CMainCommands::DeletePhoto(CommandId) {
   const CWaitCursor waiting;
   GetStrip().StopSlideShow();
   Parts.Window->setFocus();
-  TossPhoto(*CCatalog::GetInstance(), Parts, tossed);
+  try {
+    TossPhoto(*CCatalog::GetInstance(), Parts, tossed);
+  } catch (const CStorageException&) {
+    if (tossed.GetFlag(PhotoFlag::Tossed)) GetStrip().RemoveCurrent();  // the commit took effect
+    throw;
+  }
   GetStrip().RemoveCurrent();
 }
 

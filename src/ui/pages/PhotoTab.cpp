@@ -82,13 +82,17 @@ void CPhotoTab::LoadSet() {
 }
 
 void CPhotoTab::ChangePhotos(std::span<const std::int32_t> assetIds, const std::function<void()>& change) {
+  const auto follow = [&] {
+    FollowFlags(assetIds);
+    OnPhotosChanged();
+  };
   try {
     change();
   } catch (const CStorageException&) {
-    FollowFlags(assetIds);  // a commit may fail after it took effect
+    follow();  // a commit may fail after it took effect
     throw;
   }
-  FollowFlags(assetIds);
+  follow();
 }
 
 void CPhotoTab::SetFlags(std::span<const std::int32_t> assetIds, bool on) {

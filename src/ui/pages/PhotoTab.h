@@ -109,6 +109,8 @@ class CPhotoTab : public QWidget, public CPaintedItems {
   virtual bool IsAlwaysShown() const { return GetCount() > 0; }
   virtual void NavigateTo(int index);
   virtual void OpenPhoto();
+  /// After a change of this page's photos by its commands, also one that failed; the page shows it already.
+  virtual void OnPhotosChanged() {}
 
   CCatalog& GetCatalog() const { return Catalog; }
   CPhotoTabHost& GetHost() const { return Host; }

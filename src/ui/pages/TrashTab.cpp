@@ -34,9 +34,7 @@ void CTrashTab::OnCommand(CommandId id) {
 }
 
 void CTrashTab::Restore() {
-  if (GetSelected() < 0) return;
-  RemovePhoto(GetPhotos().GetAsset(GetSelected()));
-  GetHost().RebuildStrip();
+  if (GetSelected() >= 0) RemovePhoto(GetPhotos().GetAsset(GetSelected()));
 }
 
 void CTrashTab::EmptyTrash() {
@@ -45,5 +43,4 @@ void CTrashTab::EmptyTrash() {
   const std::vector<std::int32_t> photos = ListPhotos();
   ChangePhotos(photos,
                [&] { RunJob([&] { RemovePhotos(GetCatalog(), *CThumbnailCache::GetInstance(), photos); }); });
-  GetHost().RebuildStrip();
 }

@@ -19,4 +19,6 @@ class CTrashTab : public CPhotoTab {
   // A deleted photo isn't in the strip.
   void NavigateTo(int index) override { SetSelected(index); }
   void OpenPhoto() override {}
+  // What has come back from the trash, or left the catalog.
+  void OnPhotosChanged() override { GetHost().RebuildStrip(); }
 };

@@ -2,6 +2,7 @@
 
 #include "editing/SafeFiles.h"
 #include "support/FaultSteps.h"
+#include "support/FaultyVfs.h"
 #include "ui/frame/MainFrameFixture.h"
 #include "ui/pages/ViewTabBar.h"
 
@@ -228,6 +229,30 @@ TEST_F(Tabs, AChangeThatTheDiskRefusesShowsNowhere) {
   }
   EXPECT_EQ(Titles(ViewTabId::Trash), "1000");
   EXPECT_TRUE(std::filesystem::exists(InHome(PhotoName(0))));
+}
+
+TEST_F(Tabs, AChangeThatTookEffectBeforeItFailedShowsEverywhere) {
+  CFaultyVfs vfs;
+  const auto failLate = [&](const auto& change) {
+    Messages.Texts.clear();
+    vfs.SetPlan([](const std::string& step, const std::string&) {
+      return step == "deleted" ? SQLITE_IOERR_DELETE : SQLITE_OK;
+    });
+    change();
+    Rest();
+    vfs.SetPlan({});
+    EXPECT_EQ(Messages.Texts.size(), 1U);
+  };
+  WritePhotos(3);
+  CMainFrame& frame = Start(0);
+  failLate([&] { Press({Qt::Key_Delete}); });
+  EXPECT_EQ(Titles(ViewTabId::Trash), "1000");
+  EXPECT_EQ(frame.GetPhotoSet().GetCount(), 2);
+  Select(ViewTabId::Trash);
+  ClickPhoto(0);
+  failLate([&] { Click(CommandId::Restore); });
+  EXPECT_FALSE(HasTrash());
+  EXPECT_EQ(frame.GetPhotoSet().GetCount(), 3);
 }
 
 TEST_F(Tabs, TabLeadsThroughPageAndButtonsAndBack) {
