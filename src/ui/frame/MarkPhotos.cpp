@@ -1,5 +1,6 @@
 #include "ui/frame/MarkPhotos.h"
 
+#include <algorithm>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -57,7 +58,9 @@ void ToggleMarks(CCatalog& catalog, const MainParts& parts, const CAssetRecord& 
     }
   });
   const CAssetRecord* current = parts.StripWindow->GetStrip().GetCurrentRecord();
-  if (current != nullptr && current->GetFlag(flag)) page.SelectPhoto(current->GetAssetID());
+  if (current == nullptr || !current->GetFlag(flag)) return;
+  const std::int32_t currentId = current->GetAssetID();
+  if (std::ranges::find(changed, currentId) != changed.end()) page.SelectPhoto(currentId);
 }
 
 void TossPhoto(CCatalog& catalog, const MainParts& parts, const CAssetRecord& photo) {

@@ -70,6 +70,8 @@ TEST_F(Tabs, ListsSurviveARestartAndFollowTheStrip) {
   Press({Qt::Key_Left, Qt::Key_Left, Qt::Key_Down});
   EXPECT_EQ(Email().GetSelected(), 1);
   Press({Qt::Key_Left});
+  for (int i = 0; i < 2; ++i) Frame->ToggleInTab(Photo(4), ViewTabId::Email, false);
+  EXPECT_EQ(Email().GetSelected(), 0) << "photo 4 isn't under the lens";
   ClickPhoto(1);
   EXPECT_EQ(Email().GetSelected(), 1) << "the photo under the lens";
   Press({Qt::Key_Home});
