@@ -277,10 +277,13 @@ void CMainFrame::OnPhotoChanged() {
   CAssetRecord photo = *record;
   Parts.PhotoBack->UpdateFormat();
   UpdateCommands();
-  GetStrip().RedrawCurrentThumbnail();  // the old one has been forgotten
-  photo.MakeThumbnail();                // last, since writing it may fail
-  GetStrip().RedrawCurrentThumbnail();
-  RefreshInTabs(photo.GetAssetID());
+  const auto showThumbnail = [&] {
+    GetStrip().RedrawCurrentThumbnail();
+    RefreshInTabs(photo.GetAssetID());
+  };
+  showThumbnail();        // the old one has been forgotten
+  photo.MakeThumbnail();  // last, since writing it may fail
+  showThumbnail();
   DropMouseMoves();
 }
 

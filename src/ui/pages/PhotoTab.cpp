@@ -159,8 +159,11 @@ void CPhotoTab::UpdateCaption() {
 }
 
 void CPhotoTab::RefreshThumbnail(std::int32_t assetId) {
+  const int index = Photos.IndexOf(assetId);
+  if (index < 0) return;
   Photos.RefreshThumbnail(assetId);
-  update(Picture.Repaint(Photos.IndexOf(assetId)));
+  update(Picture.Repaint(index));
+  TellItemName(index);
 }
 
 // The selection.
