@@ -32,6 +32,9 @@ TEST(Completion, TheTokenBeforeTheCaretBecomesTheFirstChoiceThatBeginsSo) {
   CTokenList list("  Anna ;Émile,, van der Meer , ;", GetListSeparators());
   list.Remove("émile");
   EXPECT_EQ(list.GetText(), "Anna, van der Meer");
+  CCompletion completion(choices, ",;");
+  completion.Complete("la, new", 7);
+  EXPECT_EQ(completion.TakeOverSpelling(" LAKE ;new york,, Newt"), " LAKE ;New York,, Newt");
 }
 
 TEST_F(FieldText, ATitleBecomesAFreeNameWithThePhotosExtension) {

@@ -35,7 +35,6 @@ TEST(CommandTable, KeysOfEveryLayoutReachTheirCommand) {
       {Qt::Key_2, Qt::ShiftModifier, 11, CommandId::Rate2, kNone},
       {Qt::Key_0, Qt::KeypadModifier, 0, CommandId::Rate0, kNone},
       {Qt::Key_R, Qt::ControlModifier, 0, kNone, kNone},
-      {Qt::Key_R, Qt::AltModifier | Qt::ControlModifier, 0, kNone, kNone},
       {Qt::Key_M, Qt::AltModifier | Qt::ShiftModifier, 0, kNone, CommandId::ToggleEmail},
       {Qt::Key_Enter, Qt::KeypadModifier, 0, kNone, CommandId::EndEdit},
       {Qt::Key_Backtab, Qt::ShiftModifier, 0, kNone, CommandId::PreviousField},

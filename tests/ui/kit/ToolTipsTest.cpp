@@ -3,8 +3,6 @@
 #include "ui/WindowTest.h"
 #include "ui/kit/ToolTips.h"
 
-TEST(FontTable, LettersAreTheLargestThatTheLineHolds) { EXPECT_EQ(PixelSizeForCell(14, 1.117), 12); }
-
 TEST(ToolTips, TextIsSplitWrappedAndShownAsItStands) {
   const CFontTable fonts(false);
   const auto email = SplitCaptionAndTip("Email Photo\nPut photo in Email tab\nShortcut key: M");

@@ -338,7 +338,6 @@ TEST_F(Filmstrip, LabelsNameThePlaceInTheOrder) {
     Sort(kind, descending);
     return GetGroupLabel(*Set, index, [](const std::string& folder) { return "in " + folder; });
   };
-  EXPECT_EQ(label(SortKind::None, 0), "");
   EXPECT_EQ(label(SortKind::Month, 26), "Jan 2, 2003");
   EXPECT_EQ(label(SortKind::Title, 2), "R100.b");
   EXPECT_EQ(label(SortKind::Rating, 0, true), "1 star");
