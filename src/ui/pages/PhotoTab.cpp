@@ -229,7 +229,6 @@ void CPhotoTab::ClearAll() {
 }
 
 void CPhotoTab::AddRecent() {
-  const CWaitCursor waiting;
   if (RecentRoll == -1) RecentRoll = Catalog.GetCurrentRollID();
   if (RecentRoll < 0) return;  // there are no photos yet
   CQuerySet photos(&Catalog, SetKind::Available);
@@ -240,6 +239,7 @@ void CPhotoTab::AddRecent() {
   const int count = photos.GetCount();
   RecentRoll = count > 0 ? photos.GetAsset(count - 1).GetRollID() : 0;
   if (count == 0 || (RecentRoll == 0 && !ShowMessageId(StringId::AddAllPhotosQuestion, true))) return;
+  const CWaitCursor waiting;
   CAssetIdSet here;
   for (const std::int32_t assetId : ListPhotos()) here.Add(assetId);
   std::vector<std::int32_t> coming;
