@@ -75,9 +75,7 @@ class CPhotoTab : public QWidget, public CPaintedItems {
   int GetCount() const { return Photos.GetCount(); }
   std::vector<std::string> GetPaths() const { return Photos.GetPaths(); }
 
-  /// Gives the photo the page's flag and shows it behind the others.
-  void AddPhoto(const CAssetRecord& photo) { SetFlags({{photo.GetAssetID()}}, true); }
-  /// Takes the flag away.
+  /// Takes the page's flag away from the photo, and the photo off the page.
   void RemovePhoto(const CAssetRecord& photo) { SetFlags({{photo.GetAssetID()}}, false); }
   /// The flags of these photos may have changed: shows those that belong here, new ones in the order given.
   void FollowFlags(std::span<const std::int32_t> assetIds);
@@ -116,6 +114,7 @@ class CPhotoTab : public QWidget, public CPaintedItems {
   CPhotoTabHost& GetHost() const { return Host; }
   const CListPhotoSet& GetPhotos() const { return Photos; }
   std::vector<std::int32_t> ListPhotos() const;
+  /// Gives photos the page's flag, and shows them behind the others, or takes it away.
   void SetFlags(std::span<const std::int32_t> assetIds, bool on);
   /// Makes a change to photos of the page and then shows what the catalog says, also if the change failed.
   void ChangePhotos(std::span<const std::int32_t> assetIds, const std::function<void()>& change);
