@@ -203,8 +203,8 @@ bool MoveToRecycleBin(const std::string& path) {
   PlacedFile file;
   if (!IsForTheTrash(path) || !Resolve(path, file)) return false;
   Trash ofUser, ofDisk;
-  const bool hasOwn = FindTrashOfUser(ofUser);
-  if (hasOwn && IsOnDiskOf(ofUser, file)) {
+  if (!FindTrashOfUser(ofUser)) return false;
+  if (IsOnDiskOf(ofUser, file)) {
     const std::error_code error = MoveInto(ofUser, file, Way::Rename);
     // One disk that is mounted at two places counts as two.
     if (error != std::errc::cross_device_link) return !error;
@@ -212,7 +212,7 @@ bool MoveToRecycleBin(const std::string& path) {
   // Neither trash helps where nothing can be taken away.
   if (!IsWritable(file.Folder)) return false;
   if (FindTrashOfDisk(file, ofDisk) && !MoveInto(ofDisk, file, Way::Rename)) return true;
-  return hasOwn && Stands(file.GetPath()) && !MoveInto(ofUser, file, Way::Copy);
+  return Stands(file.GetPath()) && !MoveInto(ofUser, file, Way::Copy);
 }
 
 }  // namespace platform
