@@ -22,6 +22,7 @@ add_precompiled(core LINKS source_options Qt6::Core HEADERS ${standard_headers})
 add_precompiled(widgets LINKS source_options Qt6::Widgets HEADERS ${standard_headers} ${widget_headers})
 if(BUILD_TESTING)
   add_precompiled(plain_test LINKS test_options GTest::gmock HEADERS ${standard_headers} ${test_headers})
+  add_precompiled(core_test LINKS test_options Qt6::Core GTest::gmock HEADERS ${standard_headers} ${test_headers})
   add_precompiled(widgets_test LINKS test_options Qt6::Widgets GTest::gmock
                   HEADERS ${standard_headers} ${widget_headers} ${test_headers})
 endif()
