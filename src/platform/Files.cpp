@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <filesystem>
 #include <memory>
 #include <new>
 #include <utility>
@@ -50,6 +51,11 @@ std::error_code SyncAfterRename(const std::string& from, const std::string& to) 
   const std::string toFolder = FolderOf(to);
   if (const auto error = SyncFolder(toFolder)) return error;
   return fromFolder == toFolder ? std::error_code() : SyncFolder(fromFolder);
+}
+
+std::error_code CreateFolderOfMode(const std::string& path, mode_t mode) {
+  if (const auto error = AskFaultPlan("mkdir", path)) return error;
+  return ::mkdir(path.c_str(), mode) == 0 ? SyncFolderOf(path) : LastError();
 }
 
 bool IsTaken(const std::string& path) {
@@ -197,11 +203,16 @@ std::error_code RemoveFile(const std::string& path) {
   return ::unlink(path.c_str()) == 0 ? std::error_code() : LastError();
 }
 
-std::error_code CreateFolder(const std::string& path) {
-  if (const auto error = AskFaultPlan("mkdir", path)) return error;
-  if (::mkdir(path.c_str(), 0777) != 0) return LastError();
-  return SyncFolderOf(path);
+std::error_code RemoveFolder(const std::string& path) {
+  if (const auto error = AskFaultPlan("remove", path)) return error;
+  std::error_code error;
+  std::filesystem::remove_all(path, error);
+  return error;
 }
+
+std::error_code CreateFolder(const std::string& path) { return CreateFolderOfMode(path, 0777); }
+
+std::error_code CreatePrivateFolder(const std::string& path) { return CreateFolderOfMode(path, 0700); }
 
 std::error_code CreateFolders(const std::string& path) {
   FileStatus status;

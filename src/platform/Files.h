@@ -61,11 +61,18 @@ bool IsWritable(const std::string& path);
 
 std::error_code RemoveFile(const std::string& path);
 
+/// Removes a folder with all that is in it. Links are removed, not followed. Stops at the first error.
+std::error_code RemoveFolder(const std::string& path);
+
 /// Makes one folder; std::errc::file_exists if the name is taken.
 std::error_code CreateFolder(const std::string& path);
 
 /// Makes a folder and those above it; one that stands already is no error.
 std::error_code CreateFolders(const std::string& path);
+
+/// Makes a folder, in one that stands, that only its owner may enter; std::errc::file_exists if the name is
+/// taken.
+std::error_code CreatePrivateFolder(const std::string& path);
 
 /// Flushes the entries of the folder that holds `path`, so that a rename or removal in it lasts.
 std::error_code SyncFolderOf(const std::string& path);

@@ -37,6 +37,20 @@ std::string BaseFolder(const char* variable, const char* belowHome) {
   return home.empty() ? home : home + belowHome;
 }
 
+/// `first`, then the absolute paths of a list of the environment, or of `standard` where it isn't set.
+std::vector<std::string> FolderList(std::string first, const char* variable, std::string_view standard) {
+  std::vector<std::string> folders;
+  if (!first.empty()) folders.push_back(std::move(first));
+  const char* value = std::getenv(variable);
+  std::string_view list = value != nullptr && *value != '\0' ? value : standard;
+  while (!list.empty()) {
+    const std::size_t end = std::min(list.find(':'), list.size());
+    if (list.starts_with('/')) folders.push_back(WithoutSlash(std::string(list.substr(0, end))));
+    list.remove_prefix(std::min(end + 1, list.size()));
+  }
+  return folders;
+}
+
 bool IsFolder(const std::string& path) {
   FileStatus status;
   return !GetStatus(path, status) && status.IsFolder;
@@ -108,6 +122,14 @@ std::string ExecutableFolder() {
 std::string DataHome() { return BaseFolder("XDG_DATA_HOME", "/.local/share"); }
 
 std::string ConfigHome() { return BaseFolder("XDG_CONFIG_HOME", "/.config"); }
+
+std::string CacheHome() { return BaseFolder("XDG_CACHE_HOME", "/.cache"); }
+
+std::vector<std::string> ConfigFolders() { return FolderList(ConfigHome(), "XDG_CONFIG_DIRS", "/etc/xdg"); }
+
+std::vector<std::string> DataFolders() {
+  return FolderList(DataHome(), "XDG_DATA_DIRS", "/usr/local/share:/usr/share");
+}
 
 std::string RuntimeFolder() {
   std::string folder = FromEnvironment("XDG_RUNTIME_DIR");

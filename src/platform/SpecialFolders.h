@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 /// Where the user's and the program's folders are, by the XDG base and user directories. Paths have no
 /// closing "/"; none is made by asking. An empty answer means that the system names no such folder.
@@ -18,6 +19,15 @@ std::string DataHome();
 
 /// XDG_CONFIG_HOME, else ~/.config.
 std::string ConfigHome();
+
+/// XDG_CACHE_HOME, else ~/.cache.
+std::string CacheHome();
+
+/// Where the desktop looks for settings: ConfigHome, then XDG_CONFIG_DIRS.
+std::vector<std::string> ConfigFolders();
+
+/// Where the desktop looks for data such as the entries of programs: DataHome, then XDG_DATA_DIRS.
+std::vector<std::string> DataFolders();
 
 /// XDG_RUNTIME_DIR, private to the user; where it isn't set, a private folder in the temporary folder,
 /// which is made. Empty if that can't be had.
