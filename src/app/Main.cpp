@@ -17,6 +17,7 @@
 #include "platform/Files.h"
 #include "platform/SpecialFolders.h"
 #include "platform/StopSignals.h"
+#include "sharing/MailFolder.h"
 #include "ui/frame/MainFrame.h"
 #include "ui/kit/Application.h"
 #include "ui/kit/FontTable.h"
@@ -110,6 +111,7 @@ int RunSession(CMainFrame& frame, std::unique_ptr<CStartProgress>& start) {
   if (!frame.Create(OpenDataStores, start->Progress)) throw CError("Could not create the main window.");
   if (!frame.IsClosing()) frame.ShowInFront();
   start.reset();
+  RemoveOldMailFolders();
   return frame.IsClosing() ? kNormalExitCode : CApplication::GetInstance()->RunLoop();
 }
 

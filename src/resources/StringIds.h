@@ -193,6 +193,10 @@ enum class StringId : int {
   EmailingReducedCopies = 20072,
   EmailingPrograms = 20073,
 
+  // Mails that aren't opened.
+  NoMailProgram = 20075,
+  NoPhotoCanBeEmailed = 20076,
+
   // The information window.
   Information = 20080,
   HelpButton = 20081,
