@@ -27,6 +27,7 @@ enum class PictureId : int {
   CurrentPhotoTab = 358,  // tabs: not selected, selected
   UploadPhoto = 360,
   EmailStripMarks = 362,  // strip marks: off, on, off under the pointer, on under the pointer
+  Emailing = 380,         // of the dialog before a mail
   PanelCorners = 393,     // 3 by 3 tiles
   FieldButton = 394,      // rest, pressed
   DeletePhoto = 1007,
