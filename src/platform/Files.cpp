@@ -175,6 +175,26 @@ std::error_code ReadFilePart(const std::string& path, std::uint64_t offset, std:
   return descriptor.Read(bytes.data(), bytes.size(), got);
 }
 
+std::error_code AppendToFile(const std::string& path, std::string_view bytes) {
+  if (const auto error = AskFaultPlan("write", path)) return error;
+  Descriptor descriptor;
+  // Without O_NONBLOCK a FIFO of that name would wait for a reader.
+  const int flags = O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_NOCTTY;
+  if (const auto error = descriptor.Open(path, flags, S_IRUSR | S_IWUSR)) return error;
+  struct stat raw {};
+  if (::fstat(descriptor.Get(), &raw) != 0) return LastError();
+  if (!S_ISREG(raw.st_mode)) return make_error_code(std::errc::not_supported);
+  while (!bytes.empty()) {
+    const ssize_t count = ::write(descriptor.Get(), bytes.data(), bytes.size());
+    if (count >= 0) {
+      bytes.remove_prefix(static_cast<std::size_t>(count));
+    } else if (errno != EINTR) {
+      return LastError();
+    }
+  }
+  return descriptor.Close();
+}
+
 std::error_code RenameOver(const std::string& from, const std::string& to) {
   if (const auto error = AskFaultPlan("rename", to)) return error;
   if (::rename(from.c_str(), to.c_str()) != 0) return LastError();

@@ -13,7 +13,8 @@ namespace platform {
 
 /// Files and folders as the operating system has them. Paths are bytes with "/" as separator; a name in
 /// no valid UTF-8 is as good as any other. Every operation answers with the system's error, none throws,
-/// and whatever replaces or makes a file has flushed it, and its folder, when it returns without error.
+/// and whatever replaces or makes a file has flushed it, and its folder, when it returns without error; only
+/// AppendToFile doesn't flush.
 
 struct FileStatus {
   bool IsFolder = false;
@@ -45,6 +46,10 @@ std::error_code ReadWholeFile(const std::string& path, std::vector<std::uint8_t>
 /// Reads some bytes of a regular file from `offset` on; `got` is less than asked for only at its end.
 std::error_code ReadFilePart(const std::string& path, std::uint64_t offset, std::span<std::uint8_t> bytes,
                              std::size_t& got);
+
+/// Adds bytes to the end of a regular file, which is made, private to the user, if it is missing. For
+/// logs.
+std::error_code AppendToFile(const std::string& path, std::string_view bytes);
 
 /// Renames within one file system, replacing `to` in the same step.
 std::error_code RenameOver(const std::string& from, const std::string& to);

@@ -6,6 +6,7 @@
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 
+#include <QAbstractEventDispatcher>
 #include <QObject>
 #include <QSocketNotifier>
 #include <cerrno>
@@ -126,8 +127,12 @@ std::size_t StreamSocket::Read(char* bytes, std::size_t size) {
 
 void StreamSocket::Post(SocketEvent event) {
   Core* core = TheCore.get();
-  QMetaObject::invokeMethod(
-      core, [core, event] { core->Tell(event, socket_errors::kNone); }, Qt::QueuedConnection);
+  const auto tell = [core, event] {
+    // A dispatcher that has only handled posted events goes on to sleep; HandleEvents is to return instead.
+    QAbstractEventDispatcher::instance()->wakeUp();
+    core->Tell(event, socket_errors::kNone);
+  };
+  QMetaObject::invokeMethod(core, tell, Qt::QueuedConnection);
 }
 
 }  // namespace platform

@@ -1,102 +1,44 @@
 #pragma once
 
 #include <arpa/inet.h>
-#include <netinet/in.h>
-#include <netinet/tcp.h>
+#include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <functional>
+#include <QCoreApplication>
 #include <mutex>
-#include <string>
 #include <thread>
-#include <vector>
 
-/// The server's end of a connection, on the server's thread.
-class CPeer {
- public:
-  explicit CPeer(int socket) : Socket(socket) {
-    const int on = 1;
-    ::setsockopt(Socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-  }
-  ~CPeer() { ::close(Socket); }
-  CPeer(const CPeer&) = delete;
-  CPeer& operator=(const CPeer&) = delete;
+/// What a server does when it has read a request.
+struct Reply {
+  enum class Ending { Wait, Close, Reset };  // Wait: until the client goes
 
-  /// A head, and as many bytes behind it as its Content-Length says.
-  std::string ReadRequest() {
-    std::string request;
-    std::size_t size = std::string::npos;
-    while (request.size() < size && Read(request)) {
-      const std::size_t blank = request.find("\r\n\r\n");
-      if (size != std::string::npos || blank == std::string::npos) continue;
-      const std::size_t length = request.find("Content-Length: ");
-      size = blank + 4 + (length < blank ? std::stoul(request.substr(length + 16)) : 0);
-    }
-    return request;
-  }
-  void Write(const std::string& bytes) { ::send(Socket, bytes.data(), bytes.size(), MSG_NOSIGNAL); }
-  void WriteSlowly(const std::string& bytes) {
-    for (const char byte : bytes) Write(std::string(1, byte));
-  }
-  /// Says nothing until the client goes. Returns what the client has sent.
-  std::string StaySilent() {
-    std::string received;
-    while (Read(received)) {
-    }
-    return received;
-  }
-  /// Ends with a reset in place of an orderly close.
-  void Break() {
-    const linger hard{1, 0};
-    ::setsockopt(Socket, SOL_SOCKET, SO_LINGER, &hard, sizeof hard);
-  }
-
- private:
-  bool Read(std::string& bytes) {
-    char buffer[65536];
-    const ssize_t count = ::recv(Socket, buffer, sizeof buffer, 0);
-    if (count > 0) bytes.append(buffer, static_cast<std::size_t>(count));
-    return count > 0;
-  }
-
-  const int Socket;
+  std::string Bytes;
+  Ending Then = Ending::Wait;
+  bool ByteByByte = false;
 };
 
-/// A server by script: each connection gets the next script, and is closed behind it; the last one repeats.
+/// A server by script: each connection gets the next reply, the last one again and again. Without replies it
+/// lets whoever connects wait.
 class CScriptedServer {
  public:
-  using Script = std::function<void(CPeer&)>;
-
-  explicit CScriptedServer(std::vector<Script> scripts) : Scripts(std::move(scripts)) {
-    Listen(8);
-    Thread = std::thread([this] { Serve(); });
-  }
-
-  /// One that answers each request with the next of those texts.
-  static Script Answer(const std::string& text) {
-    return [text](CPeer& peer) {
-      peer.ReadRequest();
-      peer.Write(text);
-      peer.StaySilent();
-    };
-  }
-
-  /// One whose queue is full: whoever connects waits.
-  struct FullQueue {};
-  explicit CScriptedServer(FullQueue) {
-    Listen(0);
+  explicit CScriptedServer(std::vector<Reply> replies) : Replies(std::move(replies)) {
+    socklen_t size = sizeof Address;
+    Address.sin_family = AF_INET;
+    Address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    EXPECT_EQ(::bind(Listener, AsAddress(), size), 0);
+    EXPECT_EQ(::listen(Listener, Replies.empty() ? 0 : 8), 0);
+    EXPECT_EQ(::getsockname(Listener, AsAddress(), &size), 0);
+    if (!Replies.empty()) Thread = std::thread([this] { Serve(); });
     for (int& filler : Fillers) {
-      filler = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
-      [[maybe_unused]] const int result = ::connect(filler, AsAddress(), sizeof Address);
+      if (Replies.empty()) filler = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
+      static_cast<void>(::connect(filler, AsAddress(), size));
     }
   }
-
   ~CScriptedServer() {
     ::shutdown(Listener, SHUT_RDWR);
     if (Thread.joinable()) Thread.join();
-    ::close(Listener);
-    for (const int filler : Fillers) ::close(filler);
+    for (const int number : {Listener, Fillers[0], Fillers[1], Fillers[2]}) ::close(number);
   }
   CScriptedServer(const CScriptedServer&) = delete;
   CScriptedServer& operator=(const CScriptedServer&) = delete;
@@ -104,42 +46,66 @@ class CScriptedServer {
   std::string GetHost(const std::string& name = "127.0.0.1") const {
     return name + ":" + std::to_string(ntohs(Address.sin_port));
   }
-  int CountConnections() {
+  std::vector<std::string> GetRequests() {
     const std::lock_guard lock(Mutex);
-    return Connections;
+    return Requests;
   }
 
  private:
   sockaddr* AsAddress() { return reinterpret_cast<sockaddr*>(&Address); }
 
-  void Listen(int queue) {
-    Address.sin_family = AF_INET;
-    Address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof Address;
-    if (::bind(Listener, AsAddress(), size) != 0 || ::listen(Listener, queue) != 0 ||
-        ::getsockname(Listener, AsAddress(), &size) != 0) {
-      throw std::runtime_error("no server");
-    }
-  }
-
   void Serve() {
     for (std::size_t next = 0;; ++next) {
-      const int socket = ::accept(Listener, nullptr, nullptr);
-      if (socket < 0) return;
-      {
-        const std::lock_guard lock(Mutex);
-        ++Connections;
-      }
-      CPeer peer(socket);
-      Scripts[std::min(next, Scripts.size() - 1)](peer);
+      const int peer = ::accept(Listener, nullptr, nullptr);
+      if (peer < 0) return;
+      Answer(peer, Replies[std::min(next, Replies.size() - 1)]);
+      ::close(peer);
     }
   }
 
-  const std::vector<Script> Scripts;
+  void Answer(int peer, const Reply& reply) {
+    std::string request;
+    std::size_t size = std::string::npos;
+    while (request.size() < size && Read(peer, request)) {
+      const std::size_t blank = request.find("\r\n\r\n");
+      if (size != std::string::npos || blank == std::string::npos) continue;
+      const std::size_t length = request.find("Content-Length: ");
+      size = blank + 4 + (length < blank ? std::stoul(request.substr(length + 16)) : 0);
+    }
+    {
+      const std::lock_guard lock(Mutex);
+      Requests.push_back(request);
+    }
+    const std::size_t step = reply.ByteByByte ? 1 : std::max<std::size_t>(1, reply.Bytes.size());
+    for (std::size_t at = 0; at < reply.Bytes.size(); at += step) {
+      ::send(peer, &reply.Bytes[at], step, MSG_NOSIGNAL);
+    }
+    while (reply.Then == Reply::Ending::Wait && Read(peer, request)) continue;
+    const linger hard{1, 0};
+    if (reply.Then == Reply::Ending::Reset) ::setsockopt(peer, SOL_SOCKET, SO_LINGER, &hard, sizeof hard);
+  }
+
+  static bool Read(int peer, std::string& bytes) {
+    char buffer[65536];
+    const ssize_t count = ::recv(peer, buffer, sizeof buffer, 0);
+    if (count > 0) bytes.append(buffer, static_cast<std::size_t>(count));
+    return count > 0;
+  }
+
+  const std::vector<Reply> Replies;
   const int Listener = ::socket(AF_INET, SOCK_STREAM, 0);
   sockaddr_in Address = {};
   int Fillers[3] = {-1, -1, -1};
   std::mutex Mutex;
-  int Connections = 0;
+  std::vector<std::string> Requests;
   std::thread Thread;
+};
+
+/// The event loop that the network code needs, without a window.
+class CEventLoopFixture : public testing::Test {
+ private:
+  char Name[5] = "test";
+  char* Arguments[2] = {Name, nullptr};
+  int ArgumentCount = 1;
+  const QCoreApplication Application{ArgumentCount, Arguments};
 };

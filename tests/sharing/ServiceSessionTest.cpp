@@ -1,0 +1,175 @@
+#include <gmock/gmock.h>
+
+#include "base/Folders.h"
+#include "base/Format.h"
+#include "base/Texts.h"
+#include "sharing/ServiceFixture.h"
+#include "sharing/ServiceHost.h"
+
+using testing::ElementsAre;
+using Ending = Reply::Ending;
+
+namespace {
+
+const std::string kLine = "------------qUiLlArAfOrMbOuNdArY$";  // of a boundary
+constexpr const char* kUnanswered = "No response received\n";
+
+class ServiceSessionTest : public CServiceFixture {
+ protected:
+  ServiceSessionTest() { std::filesystem::remove(Log); }
+  ~ServiceSessionTest() override { std::filesystem::remove(Log); }
+
+  const std::string Log = GetProgramFolder() + "upload.log";
+};
+
+TEST_F(ServiceSessionTest, TheHostIsWhatIsConfiguredAndCanBeAHost) {
+  CSettingsRef().SetString("ServiceHost", "photos.home");
+  const std::pair<const char*, const char*> rows[] = {
+      {"", "photos.home"},      {"10.0.0.2:8080", "10.0.0.2:8080"},
+      {"http://host/", "host"}, {"www.x.example:80", ""},
+      {"user@evil.org", ""},    {"host/path", ""},
+      {"host:80x", ""}};
+  for (const auto& [configured, host] : rows) {
+    const CEnvironmentVariable variable("VELLUMAR_SERVICE_HOST", configured);
+    EXPECT_EQ(GetServiceHost(), host) << configured;
+  }
+  EXPECT_EQ(MakeServiceAddress("host", "/a b@c://"), "http://host/a b@c://");
+  for (const char* path : {"@evil.org/", "/a\nb"}) EXPECT_EQ(MakeServiceAddress("host", path), "");
+}
+
+TEST_F(ServiceSessionTest, TheServiceCanBeReachedIfItTakesAConnection) {
+  Serve({Reply{}});
+  EXPECT_TRUE(CServiceSession::IsServiceReachable(Desktop));
+  while (Server->GetRequests().empty()) std::this_thread::yield();
+  EXPECT_THAT(Server->GetRequests(), ElementsAre(""));
+  Server.reset();
+  EXPECT_FALSE(CServiceSession::IsServiceReachable(Desktop));
+  Serve({});
+  EXPECT_FALSE(CServiceSession::IsServiceReachable(Desktop, {50, 50, 50}));
+}
+
+TEST_F(ServiceSessionTest, ALoginIsTriedAgainUnlessThereIsNoSuchMember) {
+  const Reply failed = MakeReply(500, "<ID>x</ID>");
+  struct Row {
+    std::vector<Reply> Replies;
+    bool IsLoggedIn;
+    std::size_t Requests;
+  };
+  const Row rows[] = {
+      {{Member}, true, 1},
+      {{{"HTTP/1.1 200 OK\r\n\r\n<ID>9</ID>", Ending::Close}}, true, 1},
+      {{Taken}, false, 3},
+      {{failed}, false, 3},
+      {{failed, Taken, Member}, true, 3},
+      {{MakeReply(200, "<id>7</id>")}, false, 1},
+      {{MakeReply(200, "</ID><ID>7</ID>")}, false, 1},
+  };
+  for (const Row& row : rows) {
+    Serve(row.Replies);
+    CServiceSession session(Desktop);
+    EXPECT_EQ(session.Login("a", "b"), row.IsLoggedIn) << row.Replies[0].Bytes;
+    EXPECT_EQ(session.OpenCart(), row.IsLoggedIn) << row.Replies[0].Bytes;
+    EXPECT_EQ(Server->GetRequests().size(), row.Requests) << row.Replies[0].Bytes;
+  }
+}
+
+TEST_F(ServiceSessionTest, TheLoginDialogKeepsTheNameAloneAndTheLinksHoldWhatWasTyped) {
+  Serve({MakeReply(500, ""), Member, MakeReply(500, "")});
+  CServiceSession session(Desktop);
+  EXPECT_FALSE(session.OpenCart() || session.OpenAlbum("x"));
+  Desktop.Entries = {{"Ann B", ""}, {"Ann B", "p&q"}, {"Bob", "secret"}};
+  EXPECT_TRUE(CServiceSession::ShowLoginDialog(session));
+  EXPECT_THAT(Messages.Texts, ElementsAre(LoadText(StringId::LoginNeedsNameAndPassword)));
+  EXPECT_EQ(Server->GetRequests()[1],
+            "GET /Vellumar/CheckLogin.asp?Login=Ann%20B&Password=p%26q&Registered=Y&Source=Vellumar "
+            "HTTP/1.1\r\nHost: " +
+                Server->GetHost() + "\r\nUser-Agent: quillaraOrg/1.0\r\n\r\n");
+  EXPECT_TRUE(session.OpenCart() && session.OpenAlbum("May 5, 2026") &&
+              CServiceSession::OpenJoinPage(Desktop));
+  const std::string site = "http://" + Server->GetHost();
+  EXPECT_THAT(Desktop.Pages, ElementsAre(site + "/Vellumar/DoLogin.asp?l=Ann B&p=p&q&Cart=Y",
+                                         site + "/Vellumar/DoLogin.asp?l=Ann B&p=p&q&Album=May 5, 2026",
+                                         site + "/Join.asp?Source=Vellumar"));
+
+  // A failure is told and ends the old login. Its name is there the next time; the password never is.
+  EXPECT_FALSE(CServiceSession::ShowLoginDialog(session) || session.OpenCart());
+  EXPECT_EQ(Messages.Texts.back(), LoadText(StringId::LoginFailed));
+  EXPECT_FALSE(CServiceSession::ShowLoginDialog(session));  // cancelled
+  EXPECT_THAT(Desktop.Prompts, ElementsAre("", "Ann B", "Ann B", "Bob"));
+  EXPECT_EQ(ReadBytes(Scratch.File("settings")).find("secret"), std::string::npos);
+}
+
+TEST_F(ServiceSessionTest, APhotoIsSentAsAFormByteForByte) {
+  Serve({Member, Taken});
+  CServiceSession session(Desktop);
+  const std::string photo("\xFF\xD8\0\r\n", 5);
+  UploadForm form{Scratch.Write("a \"b\".jpg", photo), "May 5, 2026", 0, 2, 1, false, "", ""};
+  EXPECT_FALSE(session.UploadPhoto(form));  // not logged in
+  ASSERT_TRUE(session.Login("a", "b"));
+
+  const auto expect = [&](const std::string& parts) {
+    std::string body;
+    for (std::size_t at = 0; at < parts.size();) {
+      const std::size_t value = parts.find('=', at);
+      const std::size_t end = parts.find(';', value);
+      body += kLine + "\nContent-Disposition: form-data; name=\"" + parts.substr(at, value - at) +
+              "\"\r\n\r\n" + parts.substr(value + 1, end - value - 1) + "\r\n";
+      at = end + 1;
+    }
+    body += kLine + "\nContent-Disposition: form-data; name=\"File1\"; filename=\"" + form.Path +
+            "\"\r\nContent-Type: image/jpeg\r\nContent-Transfer-Encoding: binary\r\n\r\n" + photo + "\r\n" +
+            kLine + "--\r\n\r\n";
+    EXPECT_TRUE(session.UploadPhoto(form));
+    EXPECT_EQ(Server->GetRequests().back(),
+              "POST /MemUploadUtilitySend.asp HTTP/1.1\r\nHost: " + Server->GetHost() +
+                  "\r\nUser-Agent: quillaraOrg/1.0\r\nContent-Type: multipart/form-data; "
+                  "boundary=----------qUiLlArAfOrMbOuNdArY$\r\nContent-Length: " +
+                  std::to_string(body.size()) + "\r\n\r\n" + body);
+  };
+  const std::string start = "MemberID=m 1;AlbumName=May 5, 2026;WatermarkSize=0;";
+  expect(start + "Quantity=1;ProductID=2;DirectPrint=N;");
+  form.Quantity = 0;
+  form.DirectPrint = true;
+  form.Caption = "a \"b\"";
+  form.Description = "100% & more";
+  CSettingsRef().SetBool("QuillaraResponseLogging", true);
+  expect(start + "Quantity=0;ProductID=2;DirectPrint=Y;Debug=1;Caption=a \"b\";Description=100% & more;");
+}
+
+TEST_F(ServiceSessionTest, OnlyWhatNeverReachedTheServerIsSentAgain) {
+  CSettingsRef().SetBool("QuillaraResponseLogging", true);
+  const UploadForm form{Scratch.Write("a.jpg", "photo"), "May", 0, 2, 1, false, "", ""};
+  struct Row {
+    Reply Answer;
+    bool IsGone;
+    bool IsTaken;
+    int Attempts;
+    const char* Logged;
+  };
+  const Row rows[] = {
+      {MakeReply(200, "fine\r\n"), false, true, 1, "Response code = 200\nfine\r\n"},
+      {Taken, false, true, 1, kUnanswered},
+      {MakeReply(500, "no"), false, false, 1, "Response code = 500\nno"},
+      {{"", Ending::Close}, false, false, 1, kUnanswered},
+      {{"", Ending::Reset}, false, false, 1, kUnanswered},
+      {Taken, true, false, 3, kUnanswered},
+  };
+  for (const Row& row : rows) {
+    std::filesystem::remove(Log);
+    Serve({Member, row.Answer});
+    CServiceSession session(Desktop);
+    ASSERT_TRUE(session.Login("a", "b"));
+    if (row.IsGone) Server.reset();
+    EXPECT_EQ(session.UploadPhoto(form), row.IsTaken) << row.Logged;
+    const std::string attempt = "\n======== Downloading photo " + form.Path + " on 00/00/00 00:00:00:\n" +
+                                row.Logged + "\n==================================\n";
+    const std::string log = ReadBytes(Log);
+    ASSERT_EQ(log.size(), attempt.size() * static_cast<std::size_t>(row.Attempts)) << log;
+    for (std::size_t i = 0; i < log.size(); ++i) {
+      const char expected = attempt[i % attempt.size()];
+      ASSERT_TRUE(log[i] == expected || (expected == '0' && std::isdigit(log[i]) != 0)) << log;
+    }
+  }
+}
+
+}  // namespace
