@@ -7,7 +7,6 @@
 
 #include "base/Exceptions.h"
 #include "base/Paths.h"
-#include "base/Texts.h"
 #include "platform/Files.h"
 #include "platform/SpecialFolders.h"
 
@@ -16,12 +15,8 @@ namespace {
 constexpr std::int64_t kSecondsKept = std::int64_t{7} * 24 * 60 * 60;
 constexpr std::uint32_t kOwnerAlone = 0700;
 
-/// The folder of all mails.
-std::string GetMailsFolder() {
-  const std::string folder =
-      platform::CacheHome() + ToPlatformPath(LoadExpandedString(StringId::ApplicationDataFolder));
-  return JoinPath(folder, "mail");
-}
+/// The folder of all mails. It has no blanks, which not all services put into an address as they should.
+std::string GetMailsFolder() { return platform::CacheHome() + "/vellumar/mail"; }
 
 std::error_code MakeMailsFolder(const std::string& folder) {
   if (const auto error = platform::CreateFolders(SplitPath(folder).Folder)) return error;

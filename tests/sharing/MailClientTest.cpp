@@ -94,7 +94,7 @@ class CMailTest : public testing::Test {
   }
 
   std::ptrdiff_t CountMails() const {
-    return std::distance(fs::directory_iterator(InHome(".cache/Vellumar Photo Organizer/mail")), {});
+    return std::distance(fs::directory_iterator(InHome(".cache/vellumar/mail")), {});
   }
 
   const CScratchFolder Scratch;
