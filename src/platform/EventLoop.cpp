@@ -56,7 +56,7 @@ class SideTask::Core {
     Descriptor Wake;
   };
 
-  explicit Core(std::function<void()> work) {
+  explicit Core(const std::function<void()>& work) {
     State->Wake = Descriptor(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
     if (State->Wake.Get() >= 0) {
       Notifier = std::make_unique<QSocketNotifier>(State->Wake.Get(), QSocketNotifier::Read);
@@ -85,7 +85,7 @@ class SideTask::Core {
   std::unique_ptr<QSocketNotifier> Notifier;
 };
 
-SideTask::SideTask(std::function<void()> work) : TheCore(std::make_unique<Core>(std::move(work))) {}
+SideTask::SideTask(const std::function<void()>& work) : TheCore(std::make_unique<Core>(work)) {}
 
 SideTask::~SideTask() = default;
 

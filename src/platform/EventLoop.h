@@ -32,7 +32,7 @@ class Timer {
 class SideTask {
  public:
   /// `work` raises nothing, and shares the ownership of what it uses.
-  explicit SideTask(std::function<void()> work);
+  explicit SideTask(const std::function<void()>& work);
   ~SideTask();
   SideTask(const SideTask&) = delete;
   SideTask& operator=(const SideTask&) = delete;

@@ -59,13 +59,21 @@ void CResponseCollector::ClearResponse() {
   QueuedAt.reset();
 }
 
-void CResponseCollector::WaitForResponse() {
+void CResponseCollector::WaitForResponse(int limit) {
+  const std::int64_t begin = GetTickCount();
   while (!Done) {
-    Desktop.HandleEvents(kWaitStep);
-    if (Done) return;
-    ReportProgress();
-    if (IsStopWanted()) Stop();
+    HandleEvents(kWaitStep);
+    if (Done || limit == 0 || GetTickCount() - begin < limit) continue;
+    Request.Reset();
+    OnConnect(false, platform::socket_errors::kTimedOut);
   }
+}
+
+void CResponseCollector::HandleEvents(int milliseconds) {
+  Desktop.HandleEvents(milliseconds);
+  if (Done) return;
+  ReportProgress();
+  if (IsStopWanted()) Stop();
 }
 
 void CResponseCollector::ReportProgress() {

@@ -27,9 +27,10 @@ class CResponseCollector : public CHttpListener {
   /// Not owned; null for none.
   void SetProgress(CUploadProgress* progress) { Progress = progress; }
 
-  /// Runs until the response is complete or has failed, and reports to the progress sink. A stop by
-  /// the user, or because the program ends, resets the request: status 0, no text.
-  void WaitForResponse();
+  /// Runs until the response is complete or has failed, and reports to the progress sink. A stop by the user,
+  /// or because the program ends, resets the request: status 0, no text. So does, for what the user can't
+  /// stop, the end of `limit` milliseconds; 0 is no limit.
+  void WaitForResponse(int limit = 0);
 
   /// A number of platform::socket_errors.
   int GetLastError() const { return LastError; }
@@ -40,6 +41,9 @@ class CResponseCollector : public CHttpListener {
 
   /// By the user, or because the program ends: then nothing is tried again, and no message shown.
   bool IsStopWanted() const { return Desktop.IsEnding() || (Progress != nullptr && Progress->IsStopped()); }
+
+  /// One turn of the wait.
+  void HandleEvents(int milliseconds);
 
   /// Before each attempt.
   void ClearResponse();

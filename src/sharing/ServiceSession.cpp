@@ -25,6 +25,9 @@ constexpr std::string_view kLoggingSetting = "QuillaraResponseLogging";
 // The length of a request counts in 32 bits; this leaves room for the head.
 constexpr std::size_t kLargestBody = std::numeric_limits<std::uint32_t>::max() - (std::size_t{1} << 20);
 
+// A large photo is queued in parts, so that the windows paint in between.
+constexpr std::size_t kSlice = std::size_t{8} << 20;
+
 /// Holds a flag while it lives.
 class CBusyScope {
  public:
@@ -86,7 +89,8 @@ bool CServiceSession::Login(std::string_view login, std::string_view password) {
       Request.Reset();
       return false;
     }
-    WaitForResponse();
+    // The user can't stop this, so a server that sends byte after byte must not hold it up for ever.
+    WaitForResponse(Times.Connect + 2 * Times.Response);
     if (ResponseText.empty() || Status != kStatusOk) continue;
     MemberId = ExtractTag(ResponseText, "ID");
     if (MemberId.empty()) return false;
@@ -145,8 +149,19 @@ bool CServiceSession::BeginUpload(std::string_view preamble, std::string_view by
                       static_cast<std::uint32_t>(size)) &&
          Request.AddHeader("User-Agent", kUserAgent) &&
          Request.AddHeader("Content-Type", MakeUploadContentType()) &&
-         Request.Send(preamble.data(), preamble.size()) && Request.Send(bytes.data(), bytes.size()) &&
-         Request.Send(trailer.data(), trailer.size());
+         Request.Send(preamble.data(), preamble.size()) && SendInSlices(bytes) &&
+         (Done || Request.Send(trailer.data(), trailer.size()));
+}
+
+/// True with Done set if the request has ended before it was queued.
+bool CServiceSession::SendInSlices(std::string_view bytes) {
+  while (!Done && !bytes.empty()) {
+    const std::string_view slice = bytes.substr(0, kSlice);
+    if (!Request.Send(slice.data(), slice.size())) return false;
+    bytes.remove_prefix(slice.size());
+    if (!bytes.empty()) HandleEvents(0);
+  }
+  return true;
 }
 
 void CServiceSession::WaitLogged(const std::string& photoPath) {

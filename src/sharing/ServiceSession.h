@@ -46,6 +46,7 @@ class CServiceSession : public CResponseCollector {
   bool BeginLogin(std::string_view login, std::string_view password);
   bool SendPhoto(const UploadForm& form, std::string_view bytes);
   bool BeginUpload(std::string_view preamble, std::string_view bytes);
+  bool SendInSlices(std::string_view bytes);
   void WaitLogged(const std::string& photoPath);
   bool OpenMemberPage(std::string_view query, std::string_view value);
 

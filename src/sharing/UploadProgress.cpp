@@ -1,6 +1,7 @@
 #include "sharing/UploadProgress.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "base/Texts.h"
 #include "catalog/AssetRecord.h"
@@ -22,7 +23,7 @@ constexpr double kSentPercent = kQueuedPercent + static_cast<double>(kEstimatedP
 std::string MakeInfoLine(const std::string& path) {
   platform::FileStatus status;
   const std::uint64_t bytes = platform::GetStatus(path, status) ? 0 : status.Size;
-  const std::string fileSize = FormatString(StringId::SizeInThousandBytes, bytes / kBytesPerUnit);
+  std::string fileSize = FormatString(StringId::SizeInThousandBytes, bytes / kBytesPerUnit);
   const ImageSize size = ReadImageSize(path);
   if (size.Width <= 0 || size.Height <= 0) return fileSize;
   return FormatString(StringId::PictureSize, size.Width, size.Height) + ", " + fileSize;
@@ -75,4 +76,6 @@ bool IsEstimated(const TransferState& state) {
   return state.Connected && state.Queued == state.Total && !isMeasured;
 }
 
-int GetTransferPercent(const TransferState& state) { return static_cast<int>(GetExactPercent(state) + 0.5); }
+int GetTransferPercent(const TransferState& state) {
+  return static_cast<int>(std::lround(GetExactPercent(state)));
+}

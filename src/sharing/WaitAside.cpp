@@ -3,15 +3,14 @@
 #include <algorithm>
 #include <chrono>
 #include <memory>
-#include <utility>
 
 #include "platform/EventLoop.h"
 
 bool RunAside(CServiceDesktop& desktop, const CUploadProgress* progress, int limit,
-              std::function<void()> work) {
+              const std::function<void()>& work) {
   using std::chrono::milliseconds;
   const auto start = std::chrono::steady_clock::now();
-  const platform::SideTask task(std::move(work));
+  const platform::SideTask task(work);
   int step = kWaitStep;
   while (!task.IsDone()) {
     if (limit > 0) {

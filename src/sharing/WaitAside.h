@@ -14,7 +14,7 @@ inline constexpr int kWaitStep = 1000;
 /// user has asked to stop (`progress` may be null), the program is about to end, or `limit` milliseconds are
 /// over (0 for no limit).
 bool RunAside(CServiceDesktop& desktop, const CUploadProgress* progress, int limit,
-              std::function<void()> work);
+              const std::function<void()>& work);
 
 /// Asks the system for a host in the same way.
 std::optional<platform::Ipv4Address> LookUpHostAside(CServiceDesktop& desktop,

@@ -183,18 +183,6 @@ TEST_F(HttpRequestTest, TheRequestIsWrittenByteForByte) {
                                                     "\r\nFirst: 1\r\nContent-Length: 10\r\n\r\n0123456789"));
 }
 
-TEST_F(HttpRequestTest, ALargeBodyArrivesWhole) {
-  CScriptedServer server({{kOk}});
-  std::string body(std::size_t{20} << 20, '\0');
-  for (std::size_t i = 0; i < body.size(); ++i) body[i] = static_cast<char>(i * 2654435761U >> 24);
-  ASSERT_TRUE(Request->Post(server.GetHost(), static_cast<std::uint32_t>(body.size())));
-  ASSERT_TRUE(Request->Send(body.data(), body.size() - 3) && Request->Send(&body[body.size() - 3], 3));
-  EXPECT_EQ(Request->GetQueued(), Request->GetTotal());
-  RunToEnd();
-  EXPECT_TRUE(server.GetRequests()[0].ends_with("\r\n\r\n" + body));
-  EXPECT_EQ(Notes.Events, "connect; 200 5; ");
-}
-
 // Whatever the listener does in a call, nothing of the old connection comes afterwards.
 TEST_F(HttpRequestTest, AListenerMayEndOrRenewTheRequestInAnyCall) {
   const std::pair<std::string, std::string> rows[] = {

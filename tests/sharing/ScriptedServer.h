@@ -26,19 +26,18 @@ class CScriptedServer {
     socklen_t size = sizeof Address;
     Address.sin_family = AF_INET;
     Address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    EXPECT_EQ(::bind(Listener, AsAddress(), size), 0);
-    EXPECT_EQ(::listen(Listener, Replies.empty() ? 0 : 8), 0);
-    EXPECT_EQ(::getsockname(Listener, AsAddress(), &size), 0);
+    EXPECT_TRUE(::bind(Listener, AsAddress(), size) == 0 &&
+                ::listen(Listener, Replies.empty() ? 0 : 8) == 0 &&
+                ::getsockname(Listener, AsAddress(), &size) == 0);
     if (!Replies.empty()) Thread = std::thread([this] { Serve(); });
-    for (int& filler : Fillers) {
-      if (Replies.empty()) filler = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
-      static_cast<void>(::connect(filler, AsAddress(), size));
+    for (const int filler : Fillers) {
+      if (Replies.empty()) static_cast<void>(::connect(filler, AsAddress(), size));
     }
   }
   ~CScriptedServer() {
     ::shutdown(Listener, SHUT_RDWR);
     if (Thread.joinable()) Thread.join();
-    for (const int number : {Listener, Fillers[0], Fillers[1], Fillers[2]}) ::close(number);
+    for (const int number : {Listener, Fillers[0], Fillers[1]}) ::close(number);
   }
   CScriptedServer(const CScriptedServer&) = delete;
   CScriptedServer& operator=(const CScriptedServer&) = delete;
@@ -65,24 +64,25 @@ class CScriptedServer {
 
   void Answer(int peer, const Reply& reply) {
     std::string request;
-    std::size_t size = std::string::npos;
-    while (request.size() < size && Read(peer, request)) {
-      const std::size_t blank = request.find("\r\n\r\n");
-      if (size != std::string::npos || blank == std::string::npos) continue;
-      const std::size_t length = request.find("Content-Length: ");
-      size = blank + 4 + (length < blank ? std::stoul(request.substr(length + 16)) : 0);
-    }
+    while (Read(peer, request) && request.size() < GetSize(request)) continue;
     {
       const std::lock_guard lock(Mutex);
       Requests.push_back(request);
     }
-    const std::size_t step = reply.ByteByByte ? 1 : std::max<std::size_t>(1, reply.Bytes.size());
-    for (std::size_t at = 0; at < reply.Bytes.size(); at += step) {
+    const std::size_t step = reply.ByteByByte ? 1 : reply.Bytes.size();
+    for (std::size_t at = 0; at < reply.Bytes.size(); at += step)
       ::send(peer, &reply.Bytes[at], step, MSG_NOSIGNAL);
-    }
     while (reply.Then == Reply::Ending::Wait && Read(peer, request)) continue;
     const linger hard{1, 0};
     if (reply.Then == Reply::Ending::Reset) ::setsockopt(peer, SOL_SOCKET, SO_LINGER, &hard, sizeof hard);
+  }
+
+  /// Of the whole request; without the end of its head the largest number.
+  static std::size_t GetSize(const std::string& request) {
+    const std::size_t blank = request.find("\r\n\r\n");
+    const std::size_t length = request.find("Content-Length: ");
+    if (blank == std::string::npos) return blank;
+    return blank + 4 + (length < blank ? std::strtoul(&request[length + 16], nullptr, 10) : 0);
   }
 
   static bool Read(int peer, std::string& bytes) {
@@ -95,7 +95,8 @@ class CScriptedServer {
   const std::vector<Reply> Replies;
   const int Listener = ::socket(AF_INET, SOCK_STREAM, 0);
   sockaddr_in Address = {};
-  int Fillers[3] = {-1, -1, -1};
+  const int Fillers[2] = {::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0),
+                          ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0)};
   std::mutex Mutex;
   std::vector<std::string> Requests;
   std::thread Thread;

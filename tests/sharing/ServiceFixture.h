@@ -11,6 +11,17 @@ inline Reply MakeReply(int status, const std::string& body) {
   return {Format("HTTP/1.1 %d X\r\nContent-Length: %u\r\n\r\n%s", status, body.size(), body)};
 }
 
+inline const std::string kLine = "------------qUiLlArAfOrMbOuNdArY$";  // of a boundary
+
+/// Fields of a form.
+inline std::string MakeParts(const std::vector<std::pair<std::string, std::string>>& fields) {
+  std::string parts;
+  for (const auto& [name, value] : fields) {
+    parts += kLine + "\nContent-Disposition: form-data; name=\"" + name + "\"\r\n\r\n" + value + "\r\n";
+  }
+  return parts;
+}
+
 /// A user by script, who types the entries one after the other and then cancels, and stops an upload at the
 /// report `StopAt`.
 class CScriptedDesktop : public CServiceDesktop {
