@@ -110,34 +110,28 @@ TEST(HttpResponseParserTest, HeadersAreFoundHoweverTheBytesAreCut) {
 
 TEST_F(HttpRequestTest, TheListenerHearsHowARequestEnds) {
   const std::string head = "HTTP/1.1 200 OK\r\nContent-Length: ";
-  struct Row {
-    Reply FromServer;
-    const char* Events;
-    const char* Body;
-    int Patience = 60000;
+  const int patient = 60000;
+  const std::tuple<Reply, int, const char*, const char*> rows[] = {
+      {{kOk}, patient, "connect; 200 5; ", "hello"},
+      {{"HTTP/1.1 100 Go\r\n\r\n" + kOk, Ending::Wait, true}, patient, "connect; 200 5; ", "hello"},
+      {{head + "0\r\n\r\nmore"}, patient, "connect; 200 0; ", ""},
+      {{kOk + " and more"}, patient, "connect; 200 5; ", "hello"},
+      {{"HTTP/1.1 200\r\n\r\nall", Ending::Close}, patient, "connect; 200 -1; end 0; ", "all"},
+      {{head + "50\r\n\r\nhalf", Ending::Close}, patient, "connect; 200 50; end 0; ", "half"},
+      {{"", Ending::Close}, patient, "connect; end 0; ", ""},
+      {{"", Ending::Reset}, patient, "connect; end 10054; ", ""},
+      {{""}, kShort, "connect; end 10050; ", ""},
+      {{head + "50\r\n\r\nhalf"}, kShort, "connect; 200 50; end 10050; ", "half"},
+      {{""}, 0, "connect; ", ""},
+      {{"220 ready\r\n\r\n"}, patient, "connect; 500 0; ", ""},
   };
-  const Row rows[] = {
-      {{kOk}, "connect; 200 5; ", "hello"},
-      {{"HTTP/1.1 100 Go\r\n\r\n" + kOk, Ending::Wait, true}, "connect; 200 5; ", "hello"},
-      {{head + "0\r\n\r\nmore"}, "connect; 200 0; ", ""},
-      {{kOk + " and more"}, "connect; 200 5; ", "hello"},
-      {{"HTTP/1.1 200 OK\r\n\r\nall", Ending::Close}, "connect; 200 -1; end 0; ", "all"},
-      {{head + "50\r\n\r\nhalf", Ending::Close}, "connect; 200 50; end 0; ", "half"},
-      {{"", Ending::Close}, "connect; end 0; ", ""},
-      {{"", Ending::Reset}, "connect; end 10054; ", ""},
-      {{""}, "connect; end 10050; ", "", kShort},
-      {{head + "50\r\n\r\nhalf"}, "connect; 200 50; end 10050; ", "half", kShort},
-      {{""}, "connect; ", "", 0},
-      {{"220 ready\r\n\r\n"}, "connect; 500 0; ", ""},
-  };
-  for (const Row& row : rows) {
-    const CScriptedServer server({row.FromServer});
+  for (const auto& [reply, patience, events, body] : rows) {
+    const CScriptedServer server({reply});
     Notes.Events = Notes.Body = "";
-    Request->SetResponseTimeout(row.Patience);
+    Request->SetResponseTimeout(patience);
     ASSERT_TRUE(Get(server.GetHost()));
     RunToEnd();
-    EXPECT_EQ(Notes.Events, row.Events) << row.FromServer.Bytes;
-    EXPECT_EQ(Notes.Body, row.Body) << row.FromServer.Bytes;
+    EXPECT_EQ(Notes.Events + Notes.Body, std::string(events) + body) << reply.Bytes;
   }
 }
 
@@ -153,34 +147,27 @@ TEST_F(HttpRequestTest, AServerThatCannotBeReachedIsTold) {
   for (const char* url : {"", "/x", "no such host", "255.255.255.255"}) EXPECT_FALSE(Get(url)) << url;
 }
 
-TEST_F(HttpRequestTest, TheRequestIsWrittenByteForByte) {
+TEST_F(HttpRequestTest, ARequestIsWrittenAsItWasDescribed) {
   CScriptedServer server({{kOk}});
   const std::string host = server.GetHost("localhost");
-
   EXPECT_FALSE(Request->AddHeader("A", "b") || Request->AddQueryParam("a", "b") || Request->Send(nullptr, 0));
-  ASSERT_TRUE(Request->Get("http://" + host + "/a?b=c"));
-  EXPECT_TRUE(Request->AddQueryParam("user", "A b") && Request->AddQueryParam("none", ""));
-  EXPECT_TRUE(Request->AddHeader("First", "1") && Request->AddHeader("Second", "2"));
+  ASSERT_TRUE(Request->Get(host + "/a?b=c") && Request->AddQueryParam("d", "") &&
+              Request->AddHeader("A", "1"));
   EXPECT_FALSE(Request->AddQueryParam("", "x") || Request->AddHeader("", "x") || Request->AddHeader("x", ""));
   EXPECT_FALSE(Request->AddHeader("X", "a\r\nEvil: b") || Request->AddHeader("X\nY", "a"));
   ASSERT_TRUE(Request->Send("ignored", 7));
-  EXPECT_FALSE(Request->Send(nullptr, 0) || Request->AddHeader("Third", "3") || Request->Get(host));
+  EXPECT_FALSE(Request->Send(nullptr, 0) || Request->AddHeader("B", "3") || Request->Get(host));
   RunToEnd();
 
   // A body in pieces, of which the last is too long and comes when the connection stands.
-  ASSERT_TRUE(Request->Post(host, 10) && Request->AddQueryParam("a", "b") &&
-              Request->AddHeader("First", "1"));
-  ASSERT_TRUE(Request->Send("0123", 4));
-  bool isSent = false;
+  ASSERT_TRUE(Request->Post(host, 10) && Request->AddQueryParam("a", "b") && Request->Send("0123", 4));
   Notes.OnEvent = [&](const std::string& event) {
-    if (event == "connect") isSent = Request->Send("456789abc", 9);
+    EXPECT_TRUE(event != "connect" || Request->Send("456789abc", 9));
   };
   RunToEnd();
-  EXPECT_TRUE(isSent);
-  EXPECT_THAT(server.GetRequests(), ElementsAre("GET /a?b=c&user=A%20b&none= HTTP/1.1\r\nHost: " + host +
-                                                    "\r\nFirst: 1\r\nSecond: 2\r\n\r\n",
-                                                "POST /?a=b HTTP/1.1\r\nHost: " + host +
-                                                    "\r\nFirst: 1\r\nContent-Length: 10\r\n\r\n0123456789"));
+  const std::string end = " HTTP/1.1\r\nHost: " + host + "\r\n";
+  EXPECT_THAT(server.GetRequests(), ElementsAre("GET /a?b=c&d=" + end + "A: 1\r\n\r\n",
+                                                "POST /?a=b" + end + "Content-Length: 10\r\n\r\n0123456789"));
 }
 
 // Whatever the listener does in a call, nothing of the old connection comes afterwards.
@@ -208,8 +195,8 @@ TEST_F(HttpRequestTest, AListenerMayEndOrRenewTheRequestInAnyCall) {
       ASSERT_TRUE(Get(server.GetHost()));
       while (!isDone) platform::HandleEvents(1000);
       RunToEnd();
-      EXPECT_EQ(Notes.Events, action == "renew" ? "connect; 200 5; " : "") << during << ": " << action;
-      EXPECT_EQ(Notes.Body, action == "renew" ? "hello" : "") << during << ": " << action;
+      EXPECT_EQ(Notes.Events + Notes.Body, action == "renew" ? "connect; 200 5; hello" : "")
+          << during << action;
     }
   }
 }

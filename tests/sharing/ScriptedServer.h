@@ -57,24 +57,21 @@ class CScriptedServer {
     for (std::size_t next = 0;; ++next) {
       const int peer = ::accept(Listener, nullptr, nullptr);
       if (peer < 0) return;
-      Answer(peer, Replies[std::min(next, Replies.size() - 1)]);
+      const Reply& reply = Replies[std::min(next, Replies.size() - 1)];
+      std::string request;
+      while (Read(peer, request) && request.size() < GetSize(request)) continue;
+      {
+        const std::lock_guard lock(Mutex);
+        Requests.push_back(request);
+      }
+      const std::size_t step = reply.ByteByByte ? 1 : reply.Bytes.size();
+      for (std::size_t i = 0; i < reply.Bytes.size(); i += step)
+        ::send(peer, &reply.Bytes[i], step, MSG_NOSIGNAL);
+      while (reply.Then == Reply::Ending::Wait && Read(peer, request)) continue;
+      const linger hard{1, 0};
+      if (reply.Then == Reply::Ending::Reset) ::setsockopt(peer, SOL_SOCKET, SO_LINGER, &hard, sizeof hard);
       ::close(peer);
     }
-  }
-
-  void Answer(int peer, const Reply& reply) {
-    std::string request;
-    while (Read(peer, request) && request.size() < GetSize(request)) continue;
-    {
-      const std::lock_guard lock(Mutex);
-      Requests.push_back(request);
-    }
-    const std::size_t step = reply.ByteByByte ? 1 : reply.Bytes.size();
-    for (std::size_t at = 0; at < reply.Bytes.size(); at += step)
-      ::send(peer, &reply.Bytes[at], step, MSG_NOSIGNAL);
-    while (reply.Then == Reply::Ending::Wait && Read(peer, request)) continue;
-    const linger hard{1, 0};
-    if (reply.Then == Reply::Ending::Reset) ::setsockopt(peer, SOL_SOCKET, SO_LINGER, &hard, sizeof hard);
   }
 
   /// Of the whole request; without the end of its head the largest number.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sstream>
+
 #include "base/Settings.h"
 #include "sharing/ScriptedServer.h"
 #include "sharing/ServiceSession.h"
@@ -13,10 +15,10 @@ inline Reply MakeReply(int status, const std::string& body) {
 
 inline const std::string kLine = "------------qUiLlArAfOrMbOuNdArY$";  // of a boundary
 
-/// Fields of a form.
-inline std::string MakeParts(const std::vector<std::pair<std::string, std::string>>& fields) {
-  std::string parts;
-  for (const auto& [name, value] : fields) {
+/// Fields of a form, from "name=value;name=value;".
+inline std::string MakeParts(const std::string& fields) {
+  std::string parts, name, value;
+  for (std::istringstream in(fields); std::getline(in, name, '=') && std::getline(in, value, ';');) {
     parts += kLine + "\nContent-Disposition: form-data; name=\"" + name + "\"\r\n\r\n" + value + "\r\n";
   }
   return parts;
@@ -54,7 +56,7 @@ class CScriptedDesktop : public CServiceDesktop {
     explicit CProgress(CScriptedDesktop& desktop) : Desktop(desktop) {}
     bool SetTotal(int count) override { return Take(Format("total %d", count)); }
     bool SetPhoto(int index, const PhotoToUpload& photo) override {
-      return Take(Format("%d %s", index, photo.Caption));
+      return Take(photo.Caption + Format("%d", index));
     }
     bool SetPercent(int percent) override { return Take(Format("%d%%", percent)); }
     bool IsStopped() const override { return Stopped; }

@@ -50,42 +50,37 @@ class UploadRunTest : public CServiceFixture {
 TEST_F(UploadRunTest, ARunGoesOnToTheFirstPhotoThatFails) {
   const Reply refused = MakeReply(500, "no");
   const std::string failed = LoadText(StringId::PhotosNotProcessed);
-  struct Row {
-    std::vector<Reply> Replies;
-    std::function<void()> Prepare;
-    int Uploaded;
-    std::string Message;
-    std::size_t Prompts = 1;
-  };
+  const std::string away = LoadText(StringId::ServiceNotReachable);
+  using Row = std::tuple<std::vector<Reply>, std::function<void()>, int, std::string, std::size_t>;
   const Row rows[] = {
-      {{Taken}, [] {}, 3, ""},
-      {{Taken, refused}, [] {}, 1, failed},
-      {{refused}, [] {}, 0, failed},
-      {{Reply{}}, [&] { Desktop.StopAt = "10%"; }, 0, ""},
-      {{Taken, Reply{}}, [&] { Desktop.StopAt = "1 b"; }, 1, ""},
-      {{Taken}, [&] { Desktop.StopAt = "total 3"; }, 0, ""},
-      {{Taken}, [&] { std::filesystem::remove(Queue.Photos[1].Path); }, 1, failed},
-      {{Taken}, [&] { Queue.Refuses = true; }, 1, "disk full"},
+      // with the photos uploaded, the message, and how often the dialog opens
+      {{Taken}, [] {}, 3, "", 1},
+      {{Taken, refused}, [] {}, 1, failed, 1},
+      {{refused}, [] {}, 0, failed, 1},
+      {{Reply{}}, [&] { Desktop.StopAt = "10%"; }, 0, "", 1},
+      {{Taken, Reply{}}, [&] { Desktop.StopAt = "b1"; }, 1, "", 1},
+      {{Taken}, [&] { Desktop.StopAt = "total 3"; }, 0, "", 1},
+      {{Taken}, [&] { std::filesystem::remove(Queue.Photos[1].Path); }, 1, failed, 1},
+      {{Taken}, [&] { Queue.Refuses = true; }, 1, "disk full", 1},
       {{}, [&] { Queue.Photos.clear(); }, 0, "", 0},
       {{},
        [&] { CSettingsRef().SetString("ServiceHost", ""); },
        0,
        LoadText(StringId::ServiceNotReachable),
        0},
-      {{}, [&] { Desktop.Entries.clear(); }, 0, ""},
+      {{}, [&] { Desktop.Entries.clear(); }, 0, "", 1},
       {{}, [&] { Desktop.Ending = true; }, 0, "", 0},
   };
-  for (const Row& row : rows) {
+  for (const auto& [replies, prepare, uploaded, message, prompts] : rows) {
     for (const bool orderPrints : {false, true}) {
-      Begin(row.Replies);
-      row.Prepare();
-      const int left = Queue.GetCount() - (Queue.Refuses ? 0 : row.Uploaded);
-      EXPECT_EQ(RunUpload(Queue, Desktop, orderPrints), row.Uploaded) << &row - rows;
-      EXPECT_EQ(Queue.GetCount(), left) << &row - rows;
-      EXPECT_THAT(Messages.Texts, Each(row.Message)) << &row - rows;
-      EXPECT_EQ(Messages.Texts.empty(), row.Message.empty()) << &row - rows;
-      EXPECT_EQ(Desktop.Prompts.size(), row.Prompts) << &row - rows;
-      EXPECT_EQ(Desktop.Pages.size(), row.Uploaded > 0 ? 1U : 0U) << &row - rows;
+      Begin(replies);
+      prepare();
+      const int left = Queue.GetCount() - (Queue.Refuses ? 0 : uploaded);
+      EXPECT_EQ(RunUpload(Queue, Desktop, orderPrints), uploaded) << message << Desktop.StopAt;
+      EXPECT_EQ(Queue.GetCount(), left) << message << Desktop.StopAt;
+      EXPECT_EQ(Messages.Texts.empty() ? "" : Messages.Texts.back(), message);
+      EXPECT_EQ(Desktop.Prompts.size(), prompts) << message << Desktop.StopAt;
+      EXPECT_EQ(Desktop.Pages.size(), uploaded > 0 ? 1U : 0U) << message << Desktop.StopAt;
       EXPECT_THAT(Desktop.Pages, Each(HasSubstr(orderPrints ? "&Cart=Y" : "&Album=")));
     }
   }
@@ -96,14 +91,11 @@ TEST_F(UploadRunTest, EachPhotoIsSaidToTheService) {
   RunUpload(Queue, Desktop, true);
   std::tm today{};
   platform::ToLocalTime(std::time(nullptr), today);
-  EXPECT_THAT(Server->GetRequests()[3],
-              HasSubstr(MakeParts({{"AlbumName", platform::FormatTime(today, "%B %#d, %Y")},
-                                   {"WatermarkSize", "0"},
-                                   {"Quantity", "1"},
-                                   {"ProductID", "2"},
-                                   {"DirectPrint", "N"},
-                                   {"Caption", "b"},
-                                   {"Description", "a note"}})));
+  const std::string album = platform::FormatTime(today, "AlbumName=%B %#d, %Y;");
+  EXPECT_THAT(
+      Server->GetRequests()[3],
+      HasSubstr(MakeParts(
+          album + "WatermarkSize=0;Quantity=1;ProductID=2;DirectPrint=N;Caption=b;Description=a note;")));
 }
 
 TEST(TransferPercentTest, ThePercentageFollowsTheRequest) {
@@ -119,20 +111,18 @@ class UploadStatusTest : public CCatalogFixture {};
 
 TEST_F(UploadStatusTest, TheWindowShowsWhatIsKnownOfThePhoto) {
   CAssetRecord record = AddRow(Scratch.Write("My photo.jpg", MakeJpeg(160, 120, 200, 100, 50)));
-  PhotoToUpload photo = DescribePhotoToUpload(record);
-  EXPECT_EQ(photo.Caption + "|" + photo.Description, "My photo|");
+  EXPECT_EQ(DescribePhotoToUpload(record).Description, "");
   record.GetStamps(StampId::Note).SetText("by the sea", 0);
-  EXPECT_EQ(DescribePhotoToUpload(record).Description, "by the sea");
-
+  const PhotoToUpload photo = DescribePhotoToUpload(record);
   UploadStatus status;
   status.SetTotal(3);
   status.SetPhoto(1, photo);
-  EXPECT_EQ(status.TopLine + "|" + status.Title, "Photo 2 of 3|My photo");
-  EXPECT_EQ(status.InfoLine, Format("160 x 120, %dK", std::filesystem::file_size(photo.Path) / 1000));
   status.SetPercent(50);
-  EXPECT_EQ(status.OverallPercent, 50);
-  photo.Path = Scratch.Write("odd.jpg", std::string(2999, 'x'));
-  status.SetPhoto(2, photo);
+  EXPECT_EQ(
+      Format("%s|%s|%s|%d|%s", status.Title, photo.Description, status.TopLine, status.OverallPercent,
+             status.InfoLine),
+      Format("My photo|by the sea|Photo 2 of 3|50|160 x 120, %dK", ReadBytes(photo.Path).size() / 1000));
+  status.SetPhoto(2, {0, Scratch.Write("odd.jpg", std::string(2999, 'x')), "odd", ""});
   EXPECT_EQ(status.InfoLine, "2K");
 }
 
