@@ -15,7 +15,6 @@ struct Reply {
 
   std::string Bytes;
   Ending Then = Ending::Wait;
-  bool ByteByByte = false;
 };
 
 /// A server by script: each connection gets the next reply, the last one again and again. Without replies it
@@ -64,9 +63,7 @@ class CScriptedServer {
         const std::lock_guard lock(Mutex);
         Requests.push_back(request);
       }
-      const std::size_t step = reply.ByteByByte ? 1 : reply.Bytes.size();
-      for (std::size_t i = 0; i < reply.Bytes.size(); i += step)
-        ::send(peer, &reply.Bytes[i], step, MSG_NOSIGNAL);
+      ::send(peer, reply.Bytes.data(), reply.Bytes.size(), MSG_NOSIGNAL);
       while (reply.Then == Reply::Ending::Wait && Read(peer, request)) continue;
       const linger hard{1, 0};
       if (reply.Then == Reply::Ending::Reset) ::setsockopt(peer, SOL_SOCKET, SO_LINGER, &hard, sizeof hard);

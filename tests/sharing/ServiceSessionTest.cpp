@@ -25,7 +25,7 @@ TEST_F(ServiceSessionTest, TheHostIsWhatIsConfiguredAndCanBeAHost) {
   CSettingsRef().SetString("ServiceHost", "photos.home");
   const std::pair<const char*, const char*> rows[] = {
       {"", "photos.home"},      {"10.0.0.2:8080", "10.0.0.2:8080"},
-      {"http://host/", "host"}, {"www.x.example:80", ""},
+      {"http://host/", "host"}, {"x.example:80", ""},
       {"user@evil.org", ""},    {"host/path", ""},
       {"host:80x", ""}};
   for (const auto& [configured, host] : rows) {
@@ -34,17 +34,6 @@ TEST_F(ServiceSessionTest, TheHostIsWhatIsConfiguredAndCanBeAHost) {
   }
   EXPECT_EQ(MakeServiceAddress("host", "/a b@c://"), "http://host/a b@c://");
   for (const char* path : {"@evil.org/", "/a\nb"}) EXPECT_EQ(MakeServiceAddress("host", path), "");
-}
-
-TEST_F(ServiceSessionTest, TheServiceCanBeReachedIfItTakesAConnection) {
-  Serve({Reply{}});
-  EXPECT_TRUE(CServiceSession::IsServiceReachable(Desktop));
-  while (Server->GetRequests().empty()) std::this_thread::yield();
-  EXPECT_EQ(Server->GetRequests()[0], "");
-  Server.reset();
-  EXPECT_FALSE(CServiceSession::IsServiceReachable(Desktop));
-  Serve({});
-  EXPECT_FALSE(CServiceSession::IsServiceReachable(Desktop, {50, 50, 50}));
 }
 
 TEST_F(ServiceSessionTest, ALoginIsTriedAgainUnlessThereIsNoSuchMember) {
