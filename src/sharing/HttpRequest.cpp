@@ -186,6 +186,8 @@ void CHttpRequest::OnWritable() {
     const int error = Socket->Send(Buffer.Get().data() + BufferOffset, GetPending(), count);
     if (error == socket_errors::kWouldBlock) {
       Writable = false;
+      // A server that takes nothing more is silent too.
+      if (ResponseTimeout > 0) ResponseTimer.Start(ResponseTimeout);
     } else if (error != socket_errors::kNone) {
       End(error);
       return;

@@ -56,8 +56,8 @@ class CHttpRequest {
 
   void SetConnectTimeout(int milliseconds) { ConnectTimeout = milliseconds; }
 
-  /// Bounds the silence of the server, not the whole response. With 0 the request ends, untold, when its last
-  /// byte is sent.
+  /// Bounds the silence of a server that neither answers nor takes more bytes, not the whole response. With 0
+  /// the request ends, untold, when its last byte is sent.
   void SetResponseTimeout(int milliseconds) { ResponseTimeout = milliseconds; }
 
   /// In place of the look-up that blocks.

@@ -1,5 +1,8 @@
 #include <gmock/gmock.h>
 
+#include <filesystem>
+#include <set>
+
 #include "base/Format.h"
 #include "sharing/HttpRequest.h"
 #include "sharing/HttpUrl.h"
@@ -146,6 +149,17 @@ TEST_F(HttpRequestTest, AServerThatCannotBeReachedIsTold) {
   for (const char* url : {"", "/x", "no such host", "255.255.255.255"}) EXPECT_FALSE(Get(url)) << url;
 }
 
+TEST_F(HttpRequestTest, AServerThatTakesNothingIsGivenUp) {
+  const CScriptedServer server({Reply{}});
+  const std::string body(std::size_t{20} << 20, 'x');
+  CHttpRequest first;  // as long as this one isn't answered the server reads no other
+  ASSERT_TRUE(first.Create(&Notes) && first.Get(server.GetHost()) && first.Send(nullptr, 0));
+  Request->SetResponseTimeout(kShort);
+  ASSERT_TRUE(Request->Post(server.GetHost(), 20 << 20) && Request->Send(body.data(), body.size()));
+  RunToEnd();
+  EXPECT_EQ(Notes.Events, "connect; connect; end 10050; ");
+}
+
 TEST_F(HttpRequestTest, ARequestIsWrittenAsItWasDescribed) {
   CScriptedServer server({{kOk}});
   const std::string host = server.GetHost("localhost");
@@ -176,8 +190,10 @@ TEST_F(HttpRequestTest, AListenerMayEndOrRenewTheRequestInAnyCall) {
                                                 {"data", {kOk}},
                                                 {"500 0", {"no\r\n\r\n"}},
                                                 {"end 0", {"", Ending::Close}}};
+  std::set<std::ptrdiff_t> descriptors;
   for (const auto& [during, answer] : rows) {
     for (const std::string action : {"reset", "renew", "destroy"}) {
+      descriptors.insert(std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
       const CScriptedServer server({answer, {kOk}});
       Request = std::make_unique<CHttpRequest>();
       Request->Create(&Notes);
@@ -199,6 +215,7 @@ TEST_F(HttpRequestTest, AListenerMayEndOrRenewTheRequestInAnyCall) {
           << during << action;
     }
   }
+  EXPECT_EQ(descriptors.size(), 1U);
 }
 
 }  // namespace
