@@ -1,10 +1,13 @@
 #include <gmock/gmock.h>
 
+#include <future>
+
 #include "base/Folders.h"
 #include "base/Format.h"
 #include "base/Texts.h"
 #include "sharing/ServiceFixture.h"
 #include "sharing/ServiceHost.h"
+#include "sharing/WaitAside.h"
 
 using testing::ElementsAre;
 using Ending = Reply::Ending;
@@ -34,6 +37,17 @@ TEST_F(ServiceSessionTest, TheHostIsWhatIsConfiguredAndCanBeAHost) {
   }
   EXPECT_EQ(MakeServiceAddress("host", "/a b@c://"), "http://host/a b@c://");
   for (const char* path : {"@evil.org/", "/a\nb"}) EXPECT_EQ(MakeServiceAddress("host", path), "");
+}
+
+TEST_F(ServiceSessionTest, WorkThatTakesTooLongIsLeftAlone) {
+  const auto gate = std::make_shared<std::promise<void>>(), end = std::make_shared<std::promise<void>>();
+  const auto work = [gate, end] {
+    gate->get_future().wait();
+    end->set_value();
+  };
+  EXPECT_FALSE(RunAside(Desktop, nullptr, 50, work));
+  gate->set_value();
+  end->get_future().wait();
 }
 
 TEST_F(ServiceSessionTest, ALoginIsTriedAgainUnlessThereIsNoSuchMember) {

@@ -105,21 +105,17 @@ TEST(TransferPercentTest, ThePercentageFollowsTheRequest) {
   for (const auto& [state, percent] : rows) EXPECT_EQ(GetTransferPercent(state), percent) << percent;
 }
 
-class UploadStatusTest : public CCatalogFixture {};
+class PhotoToUploadTest : public CCatalogFixture {};
 
-TEST_F(UploadStatusTest, TheWindowShowsWhatIsKnownOfThePhoto) {
+TEST_F(PhotoToUploadTest, APhotoIsDescribedByItsNameAndItsNote) {
   CAssetRecord record = AddRow(Scratch.Write("My photo.jpg", MakeJpeg(160, 120, 200, 100, 50)));
   EXPECT_EQ(DescribePhotoToUpload(record).Description, "");
   record.GetStamps(StampId::Note).SetText("by the sea", 0);
   const PhotoToUpload photo = DescribePhotoToUpload(record);
-  EXPECT_EQ(photo.Description, "by the sea");
   UploadStatus status;
-  status.SetTotal(3);
-  status.SetPhoto(1, photo);
-  status.SetPercent(50);
-  EXPECT_EQ(Format("%s|%s|%d", status.Title, status.TopLine, status.OverallPercent),
-            "My photo|Photo 2 of 3|50");
-  EXPECT_EQ(status.InfoLine, Format("160 x 120, %dK", ReadBytes(photo.Path).size() / 1000));
+  status.SetPhoto(0, photo);
+  EXPECT_EQ(photo.Caption + ", " + photo.Description + ", " + status.InfoLine,
+            Format("My photo, by the sea, 160 x 120, %dK", ReadBytes(photo.Path).size() / 1000));
 }
 
 }  // namespace
