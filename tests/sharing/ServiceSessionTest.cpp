@@ -55,6 +55,7 @@ TEST_F(ServiceSessionTest, ALoginIsTriedAgainUnlessThereIsNoSuchMember) {
   const std::tuple<std::vector<Reply>, bool, std::size_t> rows[] = {
       {{Member}, true, 1},
       {{{"HTTP/1.1 200 OK\r\n\r\n<ID>9</ID>", Ending::Close}}, true, 1},
+      {{{"HTTP/1.1 200 OK\r\n\r\n<ID>9</ID>", Ending::Reset}}, false, 3},
       {{Taken}, false, 3},
       {{failed}, false, 3},
       {{failed, Taken, Member}, true, 3},
