@@ -3,9 +3,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QPainter>
-#include <QScreen>
 #include <algorithm>
 #include <array>
 #include <memory>
@@ -13,12 +11,12 @@
 
 #include "base/Folders.h"
 #include "base/Texts.h"
-#include "ui/kit/Colours.h"
 #include "ui/kit/FontTable.h"
 #include "ui/kit/OpenAddress.h"
 #include "ui/kit/PaintedButton.h"
 #include "ui/kit/Pictures.h"
 #include "ui/kit/QtText.h"
+#include "ui/kit/SmallWindow.h"
 #include "ui/search/SearchProgressLayout.h"
 
 namespace {
@@ -67,7 +65,6 @@ class CInfoWindow : public QDialog, private CCommandTarget {
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
-  void AddText(const QRect& place, FontId font, const QString& text);
   void AddRow(int position);
   void OnCommand(CommandId id) override;
 
@@ -83,33 +80,21 @@ CInfoWindow::CInfoWindow(QWidget& mainWindow) : QDialog(&mainWindow, Qt::Dialog 
   setAttribute(Qt::WA_TranslucentBackground);
   setMask(ProgressOutline(true));  // of the same picture
 
-  AddText(kHeading, FontId::Heading, windowTitle());
-  AddText(kVersion, FontId::Panel, Load(StringId::SplashProduct) + ", " + Load(StringId::SplashVersion));
-  AddText(
-      kLegal, FontId::Band,
+  AddWindowText(*this, kHeading, FontId::Heading, windowTitle());
+  AddWindowText(*this, kVersion, FontId::Panel,
+                Load(StringId::SplashProduct) + ", " + Load(StringId::SplashVersion));
+  AddWindowText(
+      *this, kLegal, FontId::Band,
       Load(StringId::SplashLegal1) + ' ' + Load(StringId::SplashLegal2) + ' ' + Load(StringId::SplashLegal3));
   for (int i = 0; i < std::ssize(kRows); ++i) AddRow(i);
   Buttons.back()->setFocus();
-  move(CentreInWorkArea(size(), mainWindow.frameGeometry(), mainWindow.screen()->availableGeometry()));
-}
-
-void CInfoWindow::AddText(const QRect& place, FontId font, const QString& text) {
-  QLabel& label = *new QLabel(text, this);
-  label.setTextFormat(Qt::PlainText);
-  label.setWordWrap(true);
-  label.setFont(GetFont(font));
-  QPalette colors = label.palette();
-  colors.setColor(QPalette::WindowText, colours::kInk);
-  colors.setColor(QPalette::Window, colours::kPage);
-  label.setPalette(colors);
-  label.setAutoFillBackground(true);
-  label.setGeometry(place);
+  CentreOn(*this, mainWindow);
 }
 
 void CInfoWindow::AddRow(int position) {
   const InfoRow& row = kRows[static_cast<std::size_t>(position)];
   const int down = position * kRowPitch;
-  AddText(kFirstText.translated(0, down), FontId::Band, Load(row.Text));
+  AddWindowText(*this, kFirstText.translated(0, down), FontId::Band, Load(row.Text));
   auto& button = Buttons[static_cast<std::size_t>(position)];
   CCommandTarget& target = *this;
   button = std::make_unique<CPaintedButton>(target, this);
@@ -148,15 +133,6 @@ void CInfoWindow::paintEvent(QPaintEvent*) {
 }
 
 }  // namespace
-
-QPoint CentreInWorkArea(QSize size, const QRect& owner, const QRect& workArea) {
-  const auto fit = [](int wanted, int length, int from, int room) {
-    return std::max(from, std::min(wanted, from + room - length));
-  };
-  return {
-      fit(owner.x() + (owner.width() - size.width()) / 2, size.width(), workArea.x(), workArea.width()),
-      fit(owner.y() + (owner.height() - size.height()) / 2, size.height(), workArea.y(), workArea.height())};
-}
 
 void ShowInfoWindow(QWidget& mainWindow) {
   if (QApplication::activeModalWidget() != nullptr) return;

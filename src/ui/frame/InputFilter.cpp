@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "ui/frame/CommandTable.h"
-#include "ui/kit/Job.h"
+#include "ui/kit/InputBlock.h"
 
 CInputFilter::CInputFilter(QWidget& window, QWidget& panel, InputHandlers handlers)
     : Window(window), Panel(panel), Handlers(std::move(handlers)) {

@@ -24,6 +24,7 @@
 #include "ui/kit/Application.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
+#include "ui/kit/InputBlock.h"
 #include "ui/kit/Job.h"
 #include "ui/kit/PaintedButton.h"
 #include "ui/kit/Pictures.h"

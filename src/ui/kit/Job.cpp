@@ -2,9 +2,7 @@
 
 #include <QAbstractEventDispatcher>
 #include <QApplication>
-#include <QMessageBox>
 #include <QThread>
-#include <QWidget>
 #include <atomic>
 #include <exception>
 #include <thread>
@@ -13,6 +11,7 @@
 
 #include "storage/DataThread.h"
 #include "ui/kit/Application.h"
+#include "ui/kit/InputBlock.h"
 
 namespace {
 
@@ -38,50 +37,6 @@ class CRunningJob {
   std::vector<std::function<void()>> Afterwards;
 };
 
-/// Keeps input from all windows but those that a job may be answered in, and shows the wait cursor over
-/// them, while it lives.
-class CInputBlock : public QObject {
- public:
-  CInputBlock() {
-    qApp->installEventFilter(this);
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-  }
-  ~CInputBlock() override {
-    QApplication::restoreOverrideCursor();
-    qApp->removeEventFilter(this);
-  }
-
-  bool eventFilter(QObject* receiver, QEvent* event) override {
-    if (!receiver->isWidgetType()) return false;
-    const QWidget* widget = static_cast<const QWidget*>(receiver);
-    if (!IsOpen(widget->window())) {
-      // After a click into it the keys go on to the window that takes them.
-      if (widget->isWindow() && event->type() == QEvent::WindowActivate) ActivateOpenWindow();
-      return IsInput(event->type());
-    }
-    if (widget->isWindow() && event->type() == QEvent::Enter) {
-      QApplication::changeOverrideCursor(Qt::ArrowCursor);
-    } else if (widget->isWindow() && event->type() == QEvent::Leave) {
-      QApplication::changeOverrideCursor(Qt::WaitCursor);
-    }
-    return false;
-  }
-
- private:
-  static bool IsOpen(const QWidget* window) {
-    return window->objectName() == window_names::kSearchProgress ||
-           qobject_cast<const QMessageBox*>(window) != nullptr;
-  }
-
-  static void ActivateOpenWindow() {
-    QWidget* open = QApplication::activeModalWidget();
-    for (QWidget* window : QApplication::topLevelWidgets()) {
-      if (open == nullptr && window->isVisible() && IsOpen(window)) open = window;
-    }
-    if (open != nullptr) open->activateWindow();
-  }
-};
-
 /// Waits for a worker thread while the window thread's events are handled, and joins it.
 void WaitFor(std::thread& worker, const std::atomic<bool>& done) {
   // A loop object would return early once the application is told to exit; this doesn't.
@@ -97,7 +52,7 @@ void RunJob(const std::function<void()>& work, const std::function<void()>& stop
   std::exception_ptr failure;
   {
     const CRunningJob job(stop);
-    const CInputBlock inputBlock;
+    const CInputBlock inputBlock(ArrowPlace::OverOpenWindows);
     std::atomic<bool> done = false;
     QAbstractEventDispatcher* dispatcher = QThread::currentThread()->eventDispatcher();
     std::thread worker([&] {
@@ -147,32 +102,4 @@ void RunOnWindowThread(const std::function<void()>& work) {
       },
       Qt::BlockingQueuedConnection);
   if (failure) std::rethrow_exception(failure);
-}
-
-bool IsInput(QEvent::Type type) {
-  switch (type) {
-    case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonRelease:
-    case QEvent::MouseButtonDblClick:
-    case QEvent::MouseMove:
-    case QEvent::Wheel:
-    case QEvent::KeyPress:
-    case QEvent::KeyRelease:
-    case QEvent::Shortcut:
-    case QEvent::ShortcutOverride:
-    case QEvent::ContextMenu:
-    case QEvent::InputMethod:
-    case QEvent::TouchBegin:
-    case QEvent::TouchUpdate:
-    case QEvent::TouchEnd:
-    case QEvent::TabletPress:
-    case QEvent::TabletMove:
-    case QEvent::TabletRelease:
-    case QEvent::DragEnter:
-    case QEvent::DragMove:
-    case QEvent::Drop:
-      return true;
-    default:
-      return false;
-  }
 }

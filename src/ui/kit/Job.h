@@ -1,7 +1,5 @@
 #pragma once
 
-#include <QEvent>
-#include <QString>
 #include <functional>
 
 // Long work over catalog and cache, off the window thread.
@@ -26,14 +24,3 @@ void RunAfterJob(std::function<void()> work);
 /// Runs `work` on the window thread and waits for it; an exception of it is raised again in the caller.
 /// To be called by a job, or on the window thread itself.
 void RunOnWindowThread(const std::function<void()>& work);
-
-/// The object names of the windows that are looked for from elsewhere.
-namespace window_names {
-
-inline const QString kMainFrame = QStringLiteral("VellumarPhotoOrganizerMain");
-inline const QString kSearchProgress = QStringLiteral("SearchProgress");
-
-}  // namespace window_names
-
-/// Whether an event comes from the user's hands: keys, pointers, touch, input methods, things dragged.
-bool IsInput(QEvent::Type type);

@@ -4,6 +4,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include "ui/kit/InputBlock.h"
 #include "ui/kit/Job.h"
 #include "ui/kit/QtText.h"
 
@@ -35,9 +36,12 @@ bool ShowBox(const std::string& title, const std::string& text, bool okCancel, Q
 }  // namespace
 
 QWidget* FindMessageParent(MessageParent parent) {
-  QWidget* window =
-      parent == MessageParent::ProgressWindow ? FindShown(window_names::kSearchProgress) : nullptr;
-  return window != nullptr ? window : FindShown(window_names::kMainFrame);
+  QWidget* main = FindShown(window_names::kMainFrame);
+  if (parent != MessageParent::ProgressWindow && (main == nullptr || main->isEnabled())) return main;
+  for (const QString& name : {window_names::kSearchProgress, window_names::kUploadProgress}) {
+    if (QWidget* progress = FindShown(name)) return progress;
+  }
+  return main;
 }
 
 bool CWindowMessageBox::Show(const std::string& title, const std::string& text, bool okCancel,

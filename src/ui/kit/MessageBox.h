@@ -11,6 +11,6 @@ class CWindowMessageBox : public CMessageBox {
   bool Show(const std::string& title, const std::string& text, bool okCancel, MessageParent parent) override;
 };
 
-/// The window that a message box stands on: the progress window if it is asked for and shows, else the main
-/// window if it shows, else null for none.
+/// The window that a message box stands on: a progress window if it shows and either is asked for or has the
+/// main window disabled, else the main window if it shows, else null for none.
 QWidget* FindMessageParent(MessageParent parent);

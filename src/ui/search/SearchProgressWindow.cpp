@@ -8,7 +8,7 @@
 #include "base/Texts.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/FontTable.h"
-#include "ui/kit/Job.h"
+#include "ui/kit/InputBlock.h"
 #include "ui/kit/Pictures.h"
 #include "ui/kit/QtText.h"
 

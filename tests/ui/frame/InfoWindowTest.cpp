@@ -4,6 +4,7 @@
 
 #include "ui/HomeFixture.h"
 #include "ui/frame/InfoWindow.h"
+#include "ui/kit/SmallWindow.h"
 
 using testing::ElementsAre;
 using testing::EndsWith;

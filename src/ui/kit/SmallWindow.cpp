@@ -1,0 +1,52 @@
+#include "ui/kit/SmallWindow.h"
+
+#include <QLabel>
+#include <QPainter>
+#include <QScreen>
+#include <algorithm>
+#include <utility>
+
+#include "ui/kit/Colours.h"
+
+namespace {
+
+constexpr double kFocusWidth = 2;
+constexpr double kFocusRadius = 5;
+
+}  // namespace
+
+QPoint CentreInWorkArea(QSize size, const QRect& owner, const QRect& workArea) {
+  const auto fit = [](int wanted, int length, int from, int room) {
+    return std::max(from, std::min(wanted, from + room - length));
+  };
+  return {
+      fit(owner.x() + (owner.width() - size.width()) / 2, size.width(), workArea.x(), workArea.width()),
+      fit(owner.y() + (owner.height() - size.height()) / 2, size.height(), workArea.y(), workArea.height())};
+}
+
+void CentreOn(QWidget& window, const QWidget& owner) {
+  window.move(CentreInWorkArea(window.size(), owner.frameGeometry(), owner.screen()->availableGeometry()));
+}
+
+QLabel* AddWindowText(QWidget& window, const QRect& place, FontId font, const QString& text) {
+  auto* label = new QLabel(text, &window);
+  label->setTextFormat(Qt::PlainText);
+  label->setWordWrap(true);
+  label->setFont(GetFont(font));
+  QPalette colors = label->palette();
+  colors.setColor(QPalette::WindowText, colours::kInk);
+  colors.setColor(QPalette::Window, colours::kPage);
+  label->setPalette(colors);
+  label->setAutoFillBackground(true);
+  label->setGeometry(place);
+  return label;
+}
+
+void PaintFocusFrame(QPainter& painter, const QRect& button) {
+  painter.setRenderHint(QPainter::Antialiasing);
+  for (const auto& [colour, width] :
+       {std::pair(colours::kInk, kFocusWidth + 2), {colours::kSelection, kFocusWidth}}) {
+    painter.setPen(QPen(colour, width));
+    painter.drawRoundedRect(QRectF(button).adjusted(-1, -1, 1, 0), kFocusRadius, kFocusRadius);
+  }
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QPoint>
+#include <QRect>
+#include <QSize>
+#include <QString>
+
+#include "ui/kit/FontTable.h"
+
+class QLabel;
+class QPainter;
+class QWidget;
+
+// What the small windows in the program's own look have in common.
+
+/// Where a window of that size stands in the middle of `owner`, moved as far as needed to lie in `workArea`.
+/// One that is larger begins where the area does.
+QPoint CentreInWorkArea(QSize size, const QRect& owner, const QRect& workArea);
+
+/// Moves the window there; `owner` is a window, too.
+void CentreOn(QWidget& window, const QWidget& owner);
+
+/// Writes a text on the window's page, in as many lines as it needs. The label belongs to the window.
+QLabel* AddWindowText(QWidget& window, const QRect& place, FontId font, const QString& text);
+
+/// A frame around the button that has the focus, painted by its window.
+void PaintFocusFrame(QPainter& painter, const QRect& button);
