@@ -28,8 +28,9 @@ enum class PictureId : int {
   UploadPhoto = 360,
   EmailStripMarks = 362,  // strip marks: off, on, off under the pointer, on under the pointer
   Emailing = 380,         // of the dialog before a mail
-  PanelCorners = 393,     // 3 by 3 tiles
-  FieldButton = 394,      // rest, pressed
+  ServiceSign = 383,
+  PanelCorners = 393,  // 3 by 3 tiles
+  FieldButton = 394,   // rest, pressed
   DeletePhoto = 1007,
   SendPhotos = 1009,
   EmailPhoto = 1012,
@@ -61,6 +62,7 @@ enum class PictureId : int {
   TextButtons = 5121,  // rest, pressed, default, default pressed
   UploadMark = 10029,  // on the large photo
   SearchBackgroundWithSplash = 10032,
+  UploadBackground = 10033,
   Logo = 10045,
   AutoFix = 10046,
   AddRecent = 15002,

@@ -192,6 +192,7 @@ enum class StringId : int {
   EmailingIntroduction = 20071,
   EmailingReducedCopies = 20072,
   EmailingPrograms = 20073,
+  EmailingCopies = 20074,  // while the copies are made
 
   // Mails that aren't opened.
   NoMailProgram = 20075,

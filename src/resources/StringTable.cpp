@@ -232,6 +232,7 @@ constexpr auto kTable = std::to_array<Entry>({
      "Just make sure you are using a program like Outlook, Outlook Express, or Eudora to send and receive "
      "your email. If you are using AOL or a web-based email service, you cannot use the email features of "
      "this program."},
+    {StringId::EmailingCopies, "Making reduced copies of the photos..."},
     {StringId::NoMailProgram, "No mail program was found that takes these photos."},
     {StringId::NoPhotoCanBeEmailed, "None of the photos can be read, so there is nothing to email."},
     {StringId::Information, "Information"},

@@ -2,6 +2,7 @@
 
 #include <sstream>
 
+#include "base/Format.h"
 #include "base/Settings.h"
 #include "sharing/ScriptedServer.h"
 #include "sharing/ServiceSession.h"

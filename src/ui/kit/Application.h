@@ -18,6 +18,9 @@ class CApplication : public QApplication {
   /// Ends RunLoop. Does nothing while it doesn't run.
   void EndLoop(int exitCode);
 
+  /// Whether the guard has kept an exception that nobody has got yet.
+  bool HasFailed() const { return Failure != nullptr; }
+
   /// Raises what the guard has kept, once. For waits outside RunLoop.
   void RethrowFailure();
 

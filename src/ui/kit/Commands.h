@@ -59,6 +59,8 @@ enum class CommandId : int {
   UploadPhotos = 5076,
   ClearOneEmail = 5077,
   OrderPrints = 5094,
+  StopUploading = 10018,  // in the upload's own window
+  JoinService = 12028,    // in the login dialog, where 1, EndEdit, is Login
   // In the information window, where 1, EndEdit, closes it.
   OpenWebsite = 12033,
   OpenFeedbackPage = 12034,

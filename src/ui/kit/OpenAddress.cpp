@@ -20,6 +20,11 @@ void OpenWebPage(const std::string& address) {
   if (!url.isValid() || !QDesktopServices::openUrl(url)) TellFailure(address);
 }
 
+bool TryOpenWebPage(const std::string& address) {
+  const QUrl url = QUrl::fromEncoded(QByteArray::fromStdString(address), QUrl::TolerantMode);
+  return url.isValid() && QDesktopServices::openUrl(url);
+}
+
 void OpenFile(const std::string& path) {
   // Made of the bytes: a path through QString loses those that aren't text.
   const QByteArray encoded = "file://" + QByteArray::fromStdString(path).toPercentEncoding("/");

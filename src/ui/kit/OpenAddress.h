@@ -6,5 +6,10 @@
 /// no program for it, the user is told the address.
 void OpenWebPage(const std::string& address);
 
-/// The same for a file, in the program that the desktop has for files of its kind. Any bytes will do as path.
+/// The same for an address that may hold a secret, or characters that aren't encoded yet: the user isn't told
+/// of a failure. False if the desktop has no program for it.
+bool TryOpenWebPage(const std::string& address);
+
+/// The same as OpenWebPage for a file, in the program that the desktop has for files of its kind. Any bytes
+/// will do as path.
 void OpenFile(const std::string& path);

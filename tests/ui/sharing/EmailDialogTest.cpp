@@ -2,7 +2,7 @@
 #include <QMessageBox>
 
 #include "ui/HomeFixture.h"
-#include "ui/frame/EmailDialog.h"
+#include "ui/sharing/EmailDialog.h"
 
 /// Ticks the box of the dialog and ends it with that key.
 static bool TickAndPress(Qt::Key key) {

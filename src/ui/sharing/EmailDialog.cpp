@@ -1,4 +1,4 @@
-#include "ui/frame/EmailDialog.h"
+#include "ui/sharing/EmailDialog.h"
 
 #include <QCheckBox>
 #include <QMessageBox>
