@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <exception>
 #include <memory>
+#include <utility>
 
 #include "app/DataStores.h"
 #include "app/SingleInstance.h"
@@ -40,14 +41,23 @@ class CStartProgress {
   CWindowedSearchProgress Progress;
 };
 
-/// Closes the main window, and any dialog in front of it, when the system asks the program to end.
+/// Closes the dialog in front, and the one that it stands on.
+void CloseDialogs() {
+  const QWidget* closed = nullptr;
+  for (QWidget* dialog = QApplication::activeModalWidget(); dialog != nullptr && dialog != closed;) {
+    dialog->close();
+    closed = std::exchange(dialog, QApplication::activeModalWidget());
+  }
+}
+
+/// Closes the main window, and the dialogs in front of it, when the system asks the program to end.
 class CStopSignalWatch {
  public:
   explicit CStopSignalWatch(CMainFrame& frame) : Notifier(Signals.GetDescriptor(), QSocketNotifier::Read) {
     QObject::connect(&Notifier, &QSocketNotifier::activated, &frame, [this, &frame] {
       Signals.Acknowledge();
       frame.close();
-      if (QWidget* box = QApplication::activeModalWidget()) box->close();
+      CloseDialogs();
     });
   }
 
@@ -98,8 +108,9 @@ QWidget* FindFrontWindow(CMainFrame& frame) {
 
 void BringToFront(CMainFrame& frame, const QByteArray& activationToken) {
   // The desktop lets a window come to the front only for an action of the user, which this token stands for.
-  // A job's threads may be reading the environment, which must not change under them.
-  if (!activationToken.isEmpty() && !IsJobRunning()) qputenv("XDG_ACTIVATION_TOKEN", activationToken);
+  // A job's threads, or those of an upload, may be reading the environment, which must not change under them.
+  const bool isRead = IsJobRunning() || frame.IsInputBlocked();
+  if (!activationToken.isEmpty() && !isRead) qputenv("XDG_ACTIVATION_TOKEN", activationToken);
   if (frame.isMinimized()) frame.setWindowState(frame.windowState() & ~Qt::WindowMinimized);
   QWidget* window = FindFrontWindow(frame);
   if (window == nullptr) return;

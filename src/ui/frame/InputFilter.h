@@ -32,6 +32,7 @@ class CInputFilter : public QObject {
   ~CInputFilter() override;
 
   void SetBlocked(bool on) { Blocked = on; }
+  bool IsBlocked() const { return Blocked; }
 
   /// Whether the key was down already.
   bool IsRepeat(const QKeyEvent& press) const { return Keys.IsRepeat(press); }

@@ -175,6 +175,7 @@ void CMainFrame::ShowInFront() {
 }
 
 void CMainFrame::OnCommand(CommandId id) {
+  if (IsInputBlocked()) return;
   RunAfterJob([frame = QPointer<CMainFrame>(this), id] {
     if (frame) CApplication::GetInstance()->RunGuarded([&frame, id] { frame->Run(id); });
   });
@@ -377,7 +378,12 @@ void CMainFrame::StopSlideShow() { GetStrip().StopSlideShow(); }
 
 bool CMainFrame::IsSlideShowRunning() const { return GetStrip().IsSlideShowRunning(); }
 
-void CMainFrame::SetInputBlocked(bool on) { InputFilter->SetBlocked(on); }
+void CMainFrame::SetInputBlocked(bool on) {
+  InputFilter->SetBlocked(on);
+  if (!on && Closing)
+    QMetaObject::invokeMethod(
+        this, [this] { close(); }, Qt::QueuedConnection);
+}
 
 bool CMainFrame::focusNextPrevChild(bool) {
   setFocus();
@@ -386,6 +392,7 @@ bool CMainFrame::focusNextPrevChild(bool) {
 
 void CMainFrame::closeEvent(QCloseEvent* event) {
   Closing = true;
+  if (IsInputBlocked()) return event->ignore();  // what has blocked it sees that, and ends
   if (!IsJobRunning()) {
     if (Parts.PhotoBack) {
       Parts.PhotoBack->CommitEdits();

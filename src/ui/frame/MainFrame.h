@@ -46,7 +46,7 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost,
   void ShowInFront();
 
   /// True once the user or the system has asked to close, also while that has to wait for a job.
-  bool IsClosing() const { return Closing; }
+  bool IsClosing() const override { return Closing; }
 
   // What happens in the strip.
   void OnCommand(CommandId id) override;
@@ -88,8 +88,9 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost,
   void StopSlideShow();
   bool IsSlideShowRunning() const;
 
-  /// Swallows keys and clicks, which are lost, while it is on.
-  void SetInputBlocked(bool on);
+  /// Swallows keys, clicks and commands, which are lost, while it is on. Closing waits for its end.
+  void SetInputBlocked(bool on) override;
+  bool IsInputBlocked() const { return InputFilter && InputFilter->IsBlocked(); }
 
   const MainParts& GetParts() const { return Parts; }
   CFilmstrip& GetStrip() const;

@@ -1,6 +1,10 @@
 #include "ui/pages/EmailTab.h"
 
+#include <optional>
+
 #include "ui/kit/Toolbar.h"
+#include "ui/sharing/EmailDialog.h"
+#include "ui/sharing/EmailSending.h"
 
 namespace {
 
@@ -32,4 +36,14 @@ void CEmailTab::OnCommand(CommandId id) {
   if (id == CommandId::ClearOneEmail) ClearOne();
   if (id == CommandId::ClearAllEmail) ClearAll();
   if (id == CommandId::AddRecent) AddRecent();
+  if (id == CommandId::SendPhotos) SendPhotos();
+}
+
+void CEmailTab::SendPhotos() {
+  if (GetCount() == 0) return;
+  GetHost().PrepareForJob();
+  const std::vector<std::string> paths = GetPaths();
+  std::optional<std::string> subject;
+  if (GetCount() == 1) subject = GetPhotos().GetAsset(0).GetTitle();
+  if (ShowEmailDialog(window())) SendByEmail(*window(), paths, subject);
 }

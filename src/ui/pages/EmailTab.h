@@ -10,6 +10,9 @@ class CEmailTab : public CPhotoTab {
   void FillButtonRow(CToolbar& row) override;
   void OnCommand(CommandId id) override;
 
+  /// Opens a mail with all photos of the page, which stay there. Raises CStorageException.
+  void SendPhotos();
+
  protected:
   bool IsAlwaysShown() const override { return true; }
 };

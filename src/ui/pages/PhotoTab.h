@@ -37,6 +37,10 @@ class CPhotoTabHost {
   virtual void RebuildStrip() = 0;
   /// The data is about to be lent to a job.
   virtual void PrepareForJob() = 0;
+  /// While it is on, the window takes no input and no command, and closes only afterwards.
+  virtual void SetInputBlocked(bool on) = 0;
+  /// Whether the window is about to close.
+  virtual bool IsClosing() const = 0;
 };
 
 /// What makes one page of photos differ from the others.
