@@ -138,6 +138,11 @@ class Desktop:
         found = self._run(["xdotool", "search", "--onlyvisible", "--name", TITLE]).stdout.split()
         return found[0].decode() if found else None
 
+    def wait_for_dialog(self, title):
+        """Waits for a window of that title."""
+        command = ["xdotool", "search", "--onlyvisible", "--name", f"^{title}$"]
+        wait_until(lambda: self._run(command).stdout.strip(), f"the window {title}", 20)
+
     def wait_for_window(self, child):
         def look():
             assert child.poll() is None, f"the program ended with {child.returncode} instead of showing its window"
