@@ -1,19 +1,10 @@
 #include "ui/kit/SmallWindow.h"
 
 #include <QLabel>
-#include <QPainter>
 #include <QScreen>
 #include <algorithm>
-#include <utility>
 
 #include "ui/kit/Colours.h"
-
-namespace {
-
-constexpr double kFocusWidth = 2;
-constexpr double kFocusRadius = 5;
-
-}  // namespace
 
 QPoint CentreInWorkArea(QSize size, const QRect& owner, const QRect& workArea) {
   const auto fit = [](int wanted, int length, int from, int room) {
@@ -40,13 +31,4 @@ QLabel* AddWindowText(QWidget& window, const QRect& place, FontId font, const QS
   label->setAutoFillBackground(true);
   label->setGeometry(place);
   return label;
-}
-
-void PaintFocusFrame(QPainter& painter, const QRect& button) {
-  painter.setRenderHint(QPainter::Antialiasing);
-  for (const auto& [colour, width] :
-       {std::pair(colours::kInk, kFocusWidth + 2), {colours::kSelection, kFocusWidth}}) {
-    painter.setPen(QPen(colour, width));
-    painter.drawRoundedRect(QRectF(button).adjusted(-1, -1, 1, 0), kFocusRadius, kFocusRadius);
-  }
 }

@@ -8,7 +8,6 @@
 #include "ui/kit/FontTable.h"
 
 class QLabel;
-class QPainter;
 class QWidget;
 
 // What the small windows in the program's own look have in common.
@@ -22,6 +21,3 @@ void CentreOn(QWidget& window, const QWidget& owner);
 
 /// Writes a text on the window's page, in as many lines as it needs. The label belongs to the window.
 QLabel* AddWindowText(QWidget& window, const QRect& place, FontId font, const QString& text);
-
-/// A frame around the button that has the focus, painted by its window.
-void PaintFocusFrame(QPainter& painter, const QRect& button);

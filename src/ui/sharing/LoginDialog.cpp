@@ -85,7 +85,6 @@ CLoginDialog::CLoginDialog(QWidget& mainWindow, CServiceDesktop& desktop, LoginE
   AddButton(Login, kLogin, CommandId::EndEdit, StringId::LoginButton);
   AddButton(Cancel, kCancel, CommandId::Cancel, StringId::Cancel);
   (entry.UserName.empty() ? UserName : Password).setFocus();
-  connect(qApp, &QApplication::focusChanged, this, [this] { update(); });
   CentreOn(*this, mainWindow);
 }
 
@@ -107,7 +106,6 @@ void CLoginDialog::AddField(QLineEdit& field, const QRect& place, StringId label
 void CLoginDialog::AddButton(CPaintedButton& button, const QRect& place, CommandId id, StringId text) {
   button.EnableTip(false);
   button.CreateText(place, id, Load(text), ButtonFlags::None, id == CommandId::EndEdit);
-  button.setFocusPolicy(Qt::TabFocus);
 }
 
 void CLoginDialog::ReadFields() {
@@ -131,16 +129,12 @@ void CLoginDialog::OnCommand(CommandId id) {
 
 void CLoginDialog::keyPressEvent(QKeyEvent* event) {
   if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) return QDialog::keyPressEvent(event);
-  if (event->isAutoRepeat()) return;
-  auto* button = qobject_cast<QAbstractButton*>(focusWidget());
-  (button != nullptr ? button : static_cast<QAbstractButton*>(&Login))->click();
+  if (!event->isAutoRepeat()) Login.click();
 }
 
 void CLoginDialog::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.drawPixmap(kSign, GetPicture(PictureId::ServiceSign, devicePixelRatioF()));
-  const auto* button = qobject_cast<QAbstractButton*>(focusWidget());
-  if (button != nullptr) PaintFocusFrame(painter, button->geometry());
 }
 
 }  // namespace

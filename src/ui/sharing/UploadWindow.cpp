@@ -104,8 +104,6 @@ CUploadWindow::CUploadWindow(QWidget& mainWindow)
   StopButton.EnableTip(false);
   StopButton.CreateText(kStopButton, CommandId::StopUploading, Load(StringId::StopUploading),
                         ButtonFlags::None, false);
-  StopButton.setFocusPolicy(Qt::TabFocus);
-  connect(qApp, &QApplication::focusChanged, this, [this] { update(); });
   CentreOn(*this, mainWindow);
   show();
   activateWindow();
@@ -156,7 +154,6 @@ void CUploadWindow::paintEvent(QPaintEvent*) {
   DrawLine(painter, kTopLine, Status.TopLine);
   DrawLine(painter, kInfoLine, Status.InfoLine);
   DrawLine(painter, kTitle, Status.Title);
-  if (StopButton.hasFocus()) PaintFocusFrame(painter, kStopButton);
 }
 
 void CUploadWindow::OnCommand(CommandId id) {
