@@ -4,6 +4,7 @@ import io
 import socket
 import sys
 import threading
+import time
 from http.client import HTTPConnection, HTTPResponse
 from pathlib import Path
 
@@ -132,3 +133,10 @@ def server(tmp_path):
     running = RunningServer(tmp_path / "data")
     yield running
     running.stop()
+
+
+def wait_for(condition, seconds=20):
+    end = time.monotonic() + seconds
+    while not condition():
+        assert time.monotonic() < end, "waited in vain"
+        time.sleep(0.005)

@@ -2,19 +2,20 @@
 
 import os
 import re
+import socket
 import subprocess
 import sys
 import threading
+from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 from urllib.parse import quote, quote_from_bytes
 
 import pytest
-from conftest import PASSWORDS, form
+from conftest import PASSWORDS, form, wait_for
 from vellumar_albums import accounts
 from vellumar_albums.accounts import AccountError, Accounts
 from vellumar_albums.limits import Throttle
 from vellumar_albums.logins import Tokens
-from wait import wait_for
 
 COMMAND = Path(__file__).resolve().parent.parent / "vellumar-albums"
 
@@ -66,55 +67,40 @@ def test_guessing_is_slowed_for_known_and_unknown_users_alike(server):
 
 def test_an_unknown_user_costs_the_same(server, monkeypatch):
     hashed = []
-    real = accounts._hash
-    monkeypatch.setattr(accounts, "_hash", lambda *arguments: hashed.append(1) or real(*arguments))
-    for login in ("anna", "carl", "\udcff", "x" * 500):
-        hashed.clear()
+    monkeypatch.setattr(accounts, "_hash", lambda *_: hashed.append(1) or b"")
+    for count, login in enumerate(("anna", "carl", "\udcff", "x" * 500), 1):
         server.home.accounts.check(login, [b"x"])
-        assert len(hashed) == 1
+        assert len(hashed) == count
 
 
 def test_a_flood_of_logins_does_not_stall_an_upload(server, monkeypatch):
-    running, most, release = [0], [0], threading.Event()
-    lock = threading.Lock()
+    checking, answers, release = [], [], threading.Event()
 
-    def slow(*_):
-        with lock:
-            running[0] += 1
-            most[0] = max(most[0], running[0])
+    def check_slowly(*_):
+        checking.append(1)
         release.wait(20)
-        with lock:
-            running[0] -= 1
 
-    monkeypatch.setattr(server.home.accounts, "check", slow)
+    monkeypatch.setattr(server.home.accounts, "check", check_slowly)
     monkeypatch.setattr(server.home.logins, "_by_address", Throttle(burst=1000, seconds=1))
-    answers = []
     paths = [f"/Vellumar/CheckLogin.asp?Login=user{number}&Password=x" for number in range(100)]
-    threads = [
-        threading.Thread(target=lambda path=path: answers.append(server.get(path)[0])) for path in paths
-    ]
-    for thread in threads:
-        thread.start()
-    wait_for(lambda: running[0] == 2 and len(answers) == 94)
-    assert server.send(form(server.member(), b"photo"))[0] == 200
-    release.set()
-    for thread in threads:
-        thread.join()
-    assert most[0] == 2
+    with ThreadPoolExecutor(100) as clients:
+        for path in paths:
+            clients.submit(lambda path=path: answers.append(server.get(path)[0]))
+        wait_for(lambda: len(checking) == 2 and len(answers) == 94)
+        assert server.send(form(server.member(), b"photo"))[0] == 200
+        assert len(checking) == 2
+        release.set()
     assert sorted(answers) == [200] * 6 + [503] * 94
 
 
 def browser_link(login, password, page):
     """As a browser sends the program's link: some characters escaped, "%", "&" and "+" as they are."""
     link = b"l=%s&p=%s&%s" % (login, password, page)
-    return "/Vellumar/DoLogin.asp?" + re.sub(
-        rb"[ \"'<>`{|}\x80-\xff]", lambda c: b"%%%02X" % ord(c[0]), link
-    ).decode("ascii")
+    escaped = re.sub(rb"[ \"'<>`{|}\x80-\xff]", lambda found: b"%%%02X" % ord(found[0]), link)
+    return "/Vellumar/DoLogin.asp?" + escaped.decode()
 
 
-@pytest.mark.parametrize(
-    "password", [b"right", b"a&p=b&Album=x", b"100%", b"50%41 \xc3\xb6", b"1+1=2", b"%20x"]
-)
+@pytest.mark.parametrize("password", [b"a&p=b&Album=x", b"100%", b"50%41 \xc3\xb6", b"1+1=2", b"%20x"])
 def test_the_browser_is_logged_in_and_led_on(server, password):
     server.home.accounts.add("carl m", password)
     for page, target in ((b"Cart=Y", "/Cart"), (b"Album=November 5, 2026", "/Album/November%205,%202026")):
@@ -164,15 +150,13 @@ def test_the_login_page_leads_to_own_pages_only(server):
 
 def test_accounts_refuse_bad_names(tmp_path):
     users = Accounts(tmp_path / "accounts.db")
-    users.add("Jose\u0301 M", "\u00e9".encode())
+    users.add("Jose\u0301 M", "secret\u00e9".encode())
     assert users.names() == ["Jos\u00e9 M"]
-    assert users.check("JOS\u00c9 m", [b"e\xcc\x81"]) == "Jos\u00e9 M"
+    assert users.check("JOS\u00c9 m", [b"secrete\xcc\x81"]) == "Jos\u00e9 M"
+    assert b"secret" not in (tmp_path / "accounts.db").read_bytes()
     for name in ("jos\u00e9 m", "", ".", "..", "a/b", "a\0", "CON", "x" * 41, " "):
         with pytest.raises(AccountError):
             users.add(name, b"x")
-    assert b"\xc3\xa9" not in (tmp_path / "accounts.db").read_bytes().replace(
-        "Jos\u00e9".encode(), b""
-    ).replace("jos\u00e9".encode(), b"")
 
 
 def run_command(data, *arguments, password=b""):
@@ -181,36 +165,29 @@ def run_command(data, *arguments, password=b""):
 
 
 def test_the_command_starts_a_server_that_logs_no_password(tmp_path):
-    data = tmp_path / "data"
-    assert run_command(data, "add-user", "anna", password=b"pa55word\n").returncode == 0
-    assert run_command(data, "add-user", "anna", password=b"pa55word\n").returncode == 1
+    data, log = tmp_path / "data", tmp_path / "log"
+    for code in (0, 1):
+        assert run_command(data, "add-user", "anna", password=b"pa55word\n").returncode == code
     assert run_command(data, "list-users").stdout == b"anna\n"
-    log = tmp_path / "log"
+    command = [sys.executable, str(COMMAND), "--data", os.path.relpath(data), "--listen", "127.0.0.1:0"]
     with open(log, "wb") as out:
-        command = [sys.executable, str(COMMAND), "--data", os.path.relpath(data), "--listen", "127.0.0.1:0"]
         process = subprocess.Popen(command, stdout=out, stderr=out)
     try:
-        wait_for(lambda: b"http://127.0.0.1:" in log.read_bytes())
+        wait_for(lambda: b"/\n" in log.read_bytes())
         port = int(re.findall(rb":(\d+)/", log.read_bytes())[0])
         for path in (
-            "/Vellumar/CheckLogin.asp?Login=anna&Password=pa55word",
-            "/Vellumar/CheckLogin.asp?Login=pa55word&Password=pa55word",
-            "/Vellumar/DoLogin.asp?l=anna&p=pa55word&Cart=Y",
-            "/Vellumar/DoLogin.asp?l=anna&p=pa55wordx&Cart=Y",
-            "/nowhere?p=pa55word",
-            "/pa55word bad",
+            b"/Vellumar/CheckLogin.asp?Login=anna&Password=pa55word",
+            b"/Vellumar/CheckLogin.asp?Login=pa55word&Password=pa55word",
+            b"/Vellumar/DoLogin.asp?l=anna&p=pa55word&Cart=Y",
+            b"/Vellumar/DoLogin.asp?l=anna&p=pa55wordx&Cart=Y",
+            b"/nowhere?p=pa55word",
+            b"/Vellumar/DoLogin.asp?l=anna&p=pa55word pa55word",
         ):
-            subprocess.run(["/usr/bin/python3", "-c", REQUEST, str(port), path], check=True, timeout=30)
+            with socket.create_connection(("127.0.0.1", port), timeout=20) as connection:
+                connection.sendall(b"GET %s HTTP/1.0\r\n\r\n" % path)
+                assert connection.recv(12).startswith(b"HTTP/1.0 ")
         assert run_command(data, "serve").returncode == 1  # one server for one folder
-        assert process.poll() is None
     finally:
         process.terminate()
         assert process.wait(20) == 0
     assert b"pa55word" not in log.read_bytes()
-
-
-REQUEST = """import socket, sys
-with socket.create_connection(("127.0.0.1", int(sys.argv[1]))) as connection:
-    connection.sendall(f"GET {sys.argv[2]} HTTP/1.0\\r\\n\\r\\n".encode())
-    assert connection.recv(12).startswith(b"HTTP/1.0 ")
-"""

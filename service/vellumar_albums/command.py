@@ -135,10 +135,9 @@ def _ask_password() -> bytes:
 
 
 def _positive(text: str) -> int:
-    number = int(text)
-    if number < 1:
-        raise ValueError
-    return number
+    if not text.isdecimal() or int(text) < 1:
+        raise argparse.ArgumentTypeError("has to be a number from 1")
+    return int(text)
 
 
 def _end(_signal: int, _frame: FrameType | None) -> None:

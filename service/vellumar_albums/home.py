@@ -33,5 +33,6 @@ class Home:
         return self.logins.user_of(self.logins.members, token)
 
     def close(self) -> None:
+        self.pictures.close()
         self.index.close()
         os.close(self._lock)

@@ -81,13 +81,10 @@ class Upload:
         self.filename = b""
         self.user = ""
         self.photo: IncomingPhoto | None = None
-        self.refusal = desk.enter(length)
-        if self.refusal is not None:
-            return
-        self._entered = True
+        self.refusal: Refusal | None = None
         boundary = BOUNDARY.match(content_type)
         if boundary is None:
-            self._refuse(NO_FORM)
+            self.refusal = NO_FORM
             return
         self._parser = UploadParser(boundary[1].encode("latin-1"), self._on_photo, self._on_data)
 
@@ -126,11 +123,12 @@ class Upload:
     def _on_photo(self, fields: dict[str, bytes], filename: bytes) -> None:
         self.fields, self.filename = fields, filename
         user = self._desk.member_of(fields.get("MemberID", b"").decode("latin-1"))
-        if user is None:
-            self._refuse(NO_MEMBER)
-            return
-        self.user = user
-        self.photo = self._desk.store.receive()
+        # A stranger takes no place and no room.
+        self.refusal = NO_MEMBER if user is None else self._desk.enter(self._length)
+        if self.refusal is None:
+            self._entered = True
+            self.user = user or ""
+            self.photo = self._desk.store.receive()
 
     def _on_data(self, data: bytes) -> None:
         if self.photo is not None and self.refusal is None:

@@ -79,7 +79,6 @@ class Logins:
             user = self._accounts.check(login, passwords)
         if user is not None:
             self._by_user_and_address.forget(pair)
-            self._by_address.forget(network)
         return user
 
     def issue(self, tokens: Tokens, user: str) -> str:

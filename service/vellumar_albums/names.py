@@ -13,7 +13,12 @@ DEVICES = re.compile(r"(con|prn|aux|nul|com[0-9¹²³]|lpt[0-9¹²³])(\.|$)", r
 
 
 def is_component(name: str) -> bool:
-    """Whether a name can stand below a folder of photos: it never leads out of it, nor to a hidden file."""
+    """Whether a name can stand below a folder of photos and in a link: it is proper text and leads neither out of
+    the folder nor to a hidden file."""
+    try:
+        name.encode()
+    except UnicodeEncodeError:
+        return False
     return (
         0 < len(os.fsencode(name)) <= 255
         and not name.startswith(".")

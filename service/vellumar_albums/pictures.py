@@ -3,13 +3,15 @@
 import hashlib
 import logging
 import os
+import queue
 import struct
 import subprocess
 import sys
+import threading
 from pathlib import Path
 
 from vellumar_albums import reduce_picture
-from vellumar_albums.limits import Gate
+from vellumar_albums.limits import Busy, Gate
 from vellumar_albums.store import Store
 
 log = logging.getLogger("vellumar-albums")
@@ -26,7 +28,23 @@ class Pictures:
             left.unlink()
         self._folder = folder
         self._store = store
-        self._gate = Gate(running=2, waiting=8)
+        self._gate = Gate(running=2, waiting=10)
+        self._wanted: queue.Queue[tuple[str, str, str] | None] = queue.Queue(maxsize=5000)
+        self._closing = False
+        self._maker = threading.Thread(target=self._make_ahead, daemon=True)
+        self._maker.start()
+
+    def make_ahead(self, user: str, album: str, name: str) -> None:
+        """Makes the pictures of a new photo soon, before anybody asks for them."""
+        try:
+            self._wanted.put_nowait((user, album, name))
+        except queue.Full:
+            pass  # they are made when they are asked for
+
+    def close(self) -> None:
+        self._closing = True
+        self._wanted.put(None)
+        self._maker.join()
 
     def find(self, user: str, album: str, name: str, size: str) -> Path | None:
         """The file of a picture, or nothing if the photo can't be shown.
@@ -48,9 +66,17 @@ class Pictures:
         finally:
             os.close(photo)
 
+    def _make_ahead(self) -> None:
+        while (wanted := self._wanted.get()) is not None and not self._closing:
+            try:
+                self.find(*wanted, size=SMALL)
+            except (OSError, Busy):
+                pass  # the photo is gone, or browsers are asking for others just now
+
     def _make(self, photo: int, key: str, refused: Path) -> None:
         made = _run_maker(photo)
         try:
+            self._folder.mkdir(mode=0o700, exist_ok=True)
             if not made:
                 refused.touch(mode=0o600)
             for size, data in made.items():

@@ -11,7 +11,7 @@ from werkzeug.wrappers import Response as AnyResponse
 from vellumar_albums.files import NO_ROOM
 from vellumar_albums.home import Home
 from vellumar_albums.index import PhotoRow
-from vellumar_albums.intake import NO_FORM, NO_SPACE, Refusal, Upload
+from vellumar_albums.intake import FAILED, NO_FORM, NO_SPACE, Refusal, Upload
 from vellumar_albums.limits import Busy
 from vellumar_albums.logins import TooManyAttempts
 from vellumar_albums.names import album_name, photo_name
@@ -84,7 +84,10 @@ def upload() -> Response:
         # The index says that the disk is full in words of its own.
         no_room = getattr(error, "errno", None) in NO_ROOM or "full" in str(error)
         log.error("A photo of %s can't be stored: %s", sent.user, error)
-        return _refused(NO_SPACE if no_room else Refusal(500, "The photo can't be stored."))
+        return _refused(NO_SPACE if no_room else FAILED)
+    finally:
+        sent.close()  # before the answer, so that the client's next photo finds its place free
+    home.pictures.make_ahead(sent.user, row.album, name)
     log.info("%s: %s / %s", sent.user, row.album, name)
     return _text(f"Stored as {name}.")
 

@@ -6,6 +6,7 @@ Folders are opened one below the other and links are never followed, so no name 
 import os
 import secrets
 import shutil
+import threading
 from collections.abc import Iterator
 from contextlib import contextmanager
 from dataclasses import dataclass, replace
@@ -55,6 +56,7 @@ class Store:
     def __init__(self, data: Path, index: Index) -> None:
         self._index = index
         self._data = data
+        self._keeping = threading.Lock()
         self._photos = _make_folder(data / "photos")
         self._incoming = _make_folder(data / "incoming")
         for left in os.listdir(self._incoming):  # by a server that was killed
@@ -73,7 +75,8 @@ class Store:
         makes no second one. Another photo of that name becomes "name (2).jpg".
         """
         os.fsync(photo.fd)
-        with self._folder(row.user, row.album, make=True) as folder:
+        # One at a time, so that no upload counts on a photo of the same name that another one takes back.
+        with self._keeping, self._folder(row.user, row.album, make=True) as folder:
             name, is_new = self._place(photo, row.name, folder)
             try:
                 self._index.add(replace(row, name=name), anew=is_new)
@@ -88,13 +91,13 @@ class Store:
         found = []
         try:
             with self._folder(user) as folder:
-                names = _names_in(folder)
-        except (FileNotFoundError, NotADirectoryError):
+                names = [name for name in os.listdir(folder) if is_component(name)]
+        except FileNotFoundError:
             return []
         for name in names:
             try:
                 photos = self.album(user, name)
-            except (FileNotFoundError, NotADirectoryError):
+            except FileNotFoundError:
                 continue
             if photos:
                 found.append(Album(name, len(photos), photos[0].name, max(row.time for row in photos)))
@@ -106,10 +109,8 @@ class Store:
         photos = []
         with self._folder(user, album) as folder:
             for entry in os.scandir(folder):
-                if entry.name not in _shown([entry.name]) or not entry.is_file(follow_symlinks=False):
-                    continue
-                made = entry.stat(follow_symlinks=False).st_mtime
-                photos.append(rows.get(entry.name) or PhotoRow(user, album, entry.name, time=made))
+                if is_component(entry.name) and entry.is_file(follow_symlinks=False):
+                    photos.append(rows.get(entry.name) or _row_without_index(user, album, entry))
         return sorted(photos, key=lambda row: (row.time, row.name))
 
     def open(self, user: str, album: str, name: str) -> int:
@@ -129,7 +130,7 @@ class Store:
     def _is_there(self, row: PhotoRow) -> bool:
         try:
             os.close(self.open(row.user, row.album, row.name))
-        except (FileNotFoundError, NotADirectoryError):
+        except OSError:
             return False
         return True
 
@@ -190,10 +191,8 @@ def _make_below(folder: int, name: str) -> None:
     os.fsync(folder)
 
 
-def _names_in(folder: int) -> list[str]:
-    return _shown(os.listdir(folder))
-
-
-def _shown(names: list[str]) -> list[str]:
-    """Names that a page can show and link to; those that aren't proper text can't."""
-    return [name for name in names if is_component(name) and name.isprintable()]
+def _row_without_index(user: str, album: str, entry: os.DirEntry[str]) -> PhotoRow:
+    try:
+        return PhotoRow(user, album, entry.name, time=entry.stat(follow_symlinks=False).st_mtime)
+    except FileNotFoundError:
+        return PhotoRow(user, album, entry.name)

@@ -1,5 +1,6 @@
 """The web server underneath: waitress, with uploads taken off its buffers and slow clients cut off."""
 
+import socket
 import time
 from typing import Any, ClassVar
 
@@ -17,7 +18,7 @@ LARGEST_FORM = 16 * 1024  # of any other page
 LONGEST_HEADER_TIME = 20.0  # seconds
 # A body has this long, and then a second for each so many bytes that have come.
 BODY_GRACE = 30.0
-SLOWEST_BODY = 1024
+SLOWEST_BODY = 4096
 
 
 class AlbumRequest(HTTPRequestParser):
@@ -94,7 +95,7 @@ def make_server(
         settings["trusted_proxy"] = trusted_proxy
         settings["trusted_proxy_headers"] = {"x-forwarded-for", "x-forwarded-proto"}
     adjustments = Adjustments(**settings)
-    if len(adjustments.listen) != 1:
-        raise OSError(f"{listen} stands for several addresses; name one of them.")
+    # A name may stand for several addresses; the program takes the first one of IPv4.
+    addresses = sorted(adjustments.listen, key=lambda address: address[0] != socket.AF_INET)
     server_class = type("DeskServer", (AlbumServer,), {"channel_class": channel_class})
-    return server_class(application, adj=adjustments, sockinfo=adjustments.listen[0])
+    return server_class(application, adj=adjustments, sockinfo=addresses[0])
