@@ -42,11 +42,8 @@ def form(member, photo, filename=b"/home/anna/Pictures/Boats.jpg", **fields):
     body = b""
     for name, value in values.items():
         value = value if isinstance(value, bytes) else str(value).encode()
-        body += b'--%s\nContent-Disposition: form-data; name="%s"\r\n\r\n%s\r\n' % (
-            BOUNDARY,
-            name.encode(),
-            value,
-        )
+        body += b'--%s\nContent-Disposition: form-data; name="%s"' % (BOUNDARY, name.encode())
+        body += b"\r\n\r\n%s\r\n" % value
     body += b'--%s\nContent-Disposition: form-data; name="File1"; filename="%s"\r\n' % (BOUNDARY, filename)
     body += b"Content-Type: image/jpeg\r\nContent-Transfer-Encoding: binary\r\n\r\n"
     return body + photo + b"\r\n--%s--\r\n\r\n" % BOUNDARY

@@ -28,9 +28,7 @@ def check(server, login, password):
 
 def test_only_the_right_password_gets_a_member_id(server):
     for name, password in PASSWORDS.items():
-        status, member = check(server, name, password)
-        assert status == 200
-        assert server.home.member_of(member) == name
+        assert server.home.member_of(check(server, name, password)[1]) == name
     assert check(server, "Anna ", b"right")[1]
     for login, password in [
         ("anna", b"Right"),
@@ -135,12 +133,8 @@ def test_sessions_end(server):
 
 
 def test_the_login_page_leads_to_own_pages_only(server):
-    for sent, target in (
-        ("/Cart", "/Cart"),
-        ("//evil/", "/Albums"),
-        ("/\\evil", "/Albums"),
-        ("http://evil", "/Albums"),
-    ):
+    targets = {"/Cart": "/Cart", "//evil/": "/Albums", "/\\evil": "/Albums", "http://evil": "/Albums"}
+    for sent, target in targets.items():
         body = f"login=anna&password=right&next={quote(sent, safe='')}"
         headers = {"Content_Type": "application/x-www-form-urlencoded"}
         status, answer, _ = server.get("/Login", "", "POST", body, **headers)

@@ -2,6 +2,7 @@
 
 import hashlib
 import ipaddress
+import logging
 import secrets
 import threading
 import time
@@ -12,6 +13,8 @@ from vellumar_albums.accounts import Accounts
 from vellumar_albums.limits import Gate, Throttle
 
 HOUR = 3600.0
+
+log = logging.getLogger("vellumar-albums")
 
 
 class TooManyAttempts(Exception):
@@ -77,8 +80,12 @@ class Logins:
             raise TooManyAttempts
         with self._gate.enter():
             user = self._accounts.check(login, passwords)
-        if user is not None:
-            self._by_user_and_address.forget(pair)
+        if user is None:
+            # Without the name: people type their password there.
+            log.info("a login from %s failed", address)
+            return None
+        log.info("%s logged in from %s", user, address)
+        self._by_user_and_address.forget(pair)
         return user
 
     def issue(self, tokens: Tokens, user: str) -> str:

@@ -1,7 +1,5 @@
 """The cookie of a browser that has logged in."""
 
-import logging
-
 from flask import current_app, make_response, redirect, request, url_for
 from werkzeug.wrappers import Response as AnyResponse
 
@@ -9,7 +7,6 @@ from vellumar_albums.home import Home
 from vellumar_albums.limits import Busy
 from vellumar_albums.logins import HOUR, TooManyAttempts
 
-log = logging.getLogger("vellumar-albums")
 COOKIE = "vellumar_session"
 
 
@@ -23,7 +20,6 @@ def begin_session(home: Home, login: str, passwords: list[bytes], target: str) -
     except Busy:
         user, failed = None, "busy"
     if user is None:
-        log.info("a login from %s failed: %s", request.remote_addr, failed)
         return redirect(url_for("pages.login_page", failed=failed, next=target), 303)
     answer = make_response(redirect(target, 303))
     token = home.logins.issue(home.logins.sessions, user)

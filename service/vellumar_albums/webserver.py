@@ -50,6 +50,7 @@ class AlbumRequest(HTTPRequestParser):
     def _reject(self, error: Any) -> None:
         self.error = error
         self.completed = True
+        self.expect_continue = False  # waitress would ask for the body and read it as another request
         self.body_rcv = None
 
 
@@ -63,11 +64,13 @@ class AlbumChannel(HTTPChannel):
 
 class AlbumServer(TcpWSGIServer):
     def maintenance(self, now: float) -> None:
-        super().maintenance(now)
-        for channel in self.active_channels.values():
-            request = channel.request
-            if request is not None and request.is_too_slow(time.monotonic()):
-                channel.will_close = True
+        # Closed here and now: a client that doesn't read its answer never makes its socket writable, which is
+        # what waitress's own clean-up waits for.
+        for channel in list(self.active_channels.values()):
+            working = channel.requests and not channel.total_outbufs_len
+            idle = not working and now - channel.last_activity > self.adj.channel_timeout
+            if idle or (channel.request is not None and channel.request.is_too_slow(time.monotonic())):
+                channel.handle_close()
 
 
 def make_server(
