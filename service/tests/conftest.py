@@ -82,11 +82,11 @@ class RunningServer:
         self.home.close()
 
     def connect(self):
-        return socket.create_connection(("127.0.0.1", int(self.server.effective_port)), timeout=20)
+        return socket.create_connection(("127.0.0.1", int(self.server.effective_port)), timeout=60)
 
     def get(self, path, cookie="", method="GET", body=None, **headers):
         """Status, headers and body."""
-        connection = HTTPConnection("127.0.0.1", int(self.server.effective_port), timeout=20)
+        connection = HTTPConnection("127.0.0.1", int(self.server.effective_port), timeout=60)
         headers = {name.replace("_", "-"): value for name, value in headers.items()} | {"Cookie": cookie}
         connection.request(method, path, body, headers)
         answer = connection.getresponse()
@@ -132,7 +132,7 @@ def server(tmp_path):
     running.stop()
 
 
-def wait_for(condition, seconds=20):
+def wait_for(condition, seconds=60):
     end = time.monotonic() + seconds
     while not condition():
         assert time.monotonic() < end, "waited in vain"

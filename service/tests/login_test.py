@@ -76,7 +76,7 @@ def test_a_flood_of_logins_does_not_stall_an_upload(server, monkeypatch):
 
     def check_slowly(*_):
         checking.append(1)
-        release.wait(20)
+        release.wait(60)
 
     monkeypatch.setattr(server.home.accounts, "check", check_slowly)
     monkeypatch.setattr(server.home.logins, "_by_address", Throttle(burst=1000, seconds=1))
@@ -155,7 +155,7 @@ def test_accounts_refuse_bad_names(tmp_path):
 
 def run_command(data, *arguments, password=b""):
     command = [sys.executable, str(COMMAND), *arguments, "--data", str(data)]
-    return subprocess.run(command, input=password, capture_output=True, timeout=30, check=False)
+    return subprocess.run(command, input=password, capture_output=True, timeout=60, check=False)
 
 
 def test_the_command_starts_a_server_that_logs_no_password(tmp_path):
@@ -177,11 +177,11 @@ def test_the_command_starts_a_server_that_logs_no_password(tmp_path):
             b"/nowhere?p=pa55word",
             b"/Vellumar/DoLogin.asp?l=anna&p=pa55word pa55word",
         ):
-            with socket.create_connection(("127.0.0.1", port), timeout=20) as connection:
+            with socket.create_connection(("127.0.0.1", port), timeout=60) as connection:
                 connection.sendall(b"GET %s HTTP/1.0\r\n\r\n" % path)
                 assert connection.recv(12).startswith(b"HTTP/1.0 ")
         assert run_command(data, "serve").returncode == 1  # one server for one folder
     finally:
         process.terminate()
-        assert process.wait(20) == 0
+        assert process.wait(60) == 0
     assert b"pa55word" not in log.read_bytes()

@@ -2,7 +2,6 @@
 
 import errno
 import os
-import sqlite3
 from concurrent.futures import ThreadPoolExecutor
 
 import pytest
@@ -64,7 +63,7 @@ def test_a_form_that_is_cut_or_wrong_is_no_photo():
         form("m1", b"photo", filename=b"x" * 40_000),
     ):
         with pytest.raises(FormError):
-            parse(wrong, 4096)
+            parse(wrong, len(wrong))
 
 
 def test_a_photo_is_stored_as_its_bytes(server):
@@ -150,22 +149,19 @@ def fail_write(_fd, _data):
     raise OSError(errno.ENOSPC, os.strerror(errno.ENOSPC))
 
 
-def fail_row(_row, anew):
-    raise sqlite3.OperationalError("database or disk is full")
-
-
 @pytest.mark.parametrize("fault", ["write", "row", "promised"])
 def test_a_full_disk_is_told_and_leaves_nothing(server, monkeypatch, fault):
-    body = form(server.member(), BINARY)
+    body = form(server.member(), BINARY, Description="x" * 30_000)
     if fault == "write":
         monkeypatch.setattr(files, "write_all", fail_write)
     elif fault == "row":
-        monkeypatch.setattr(server.home.index, "add", fail_row)
+        server.home.index._database.execute("pragma max_page_count = 1")
     else:
         monkeypatch.setattr(server.home.store, "free_space", lambda: len(body) - 1)
     assert server.send(body)[0] == 507
     assert (server.stored(), server.incoming()) == ({}, [])
     monkeypatch.undo()
+    server.home.index._database.execute("pragma max_page_count = 10000")
     assert server.send(body)[0] == 200
 
 

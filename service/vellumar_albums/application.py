@@ -8,7 +8,10 @@ from vellumar_albums.pages import pages
 from vellumar_albums.program import program
 
 # Nothing but the server's own pictures and style; no script at all.
-POLICY = "default-src 'none'; img-src 'self'; style-src 'self'; form-action 'self'; frame-ancestors 'none'; base-uri 'none'"
+POLICY = (
+    "default-src 'none'; img-src 'self'; style-src 'self'; form-action 'self'; "
+    "frame-ancestors 'none'; base-uri 'none'"
+)
 HEADERS = {
     "Content-Security-Policy": POLICY,
     "X-Content-Type-Options": "nosniff",

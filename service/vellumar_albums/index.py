@@ -1,5 +1,5 @@
-"""What is known about the photos beside their bytes. The photos count: a row without a file isn't shown, a file
-without a row is shown by its name."""
+"""What is known about the photos beside their bytes. The photos count: a row without a file isn't shown, a
+file without a row is shown by its name."""
 
 import logging
 import os

@@ -5,6 +5,7 @@ An upload that is refused is still read to its end, so that the client is sure t
 
 import logging
 import re
+import sqlite3
 import threading
 from collections.abc import Callable
 from dataclasses import dataclass
@@ -32,6 +33,16 @@ CROWDED = Refusal(503, "Too many photos are being received; try again.")
 NO_MEMBER = Refusal(403, "This member id is unknown or has expired; log in again.")
 NO_FORM = Refusal(400, "This is not the form of an upload.")
 FAILED = Refusal(500, "The photo can't be stored.")
+
+
+def refusal_of(error: Exception) -> Refusal:
+    """What a client is told when its photo can't be written, or not be noted in the index."""
+    if (
+        getattr(error, "errno", None) in NO_ROOM
+        or getattr(error, "sqlite_errorcode", None) == sqlite3.SQLITE_FULL
+    ):
+        return NO_SPACE
+    return FAILED
 
 
 class IntakeDesk:
@@ -141,9 +152,9 @@ class Upload:
             step()
         except FormError as error:
             self._refuse(Refusal(400, str(error)))
-        except OSError as error:
-            log.error("An upload can't be written: %s", error.strerror)
-            self._refuse(NO_SPACE if error.errno in NO_ROOM else FAILED)
+        except (OSError, sqlite3.Error) as error:
+            log.error("An upload can't be written: %s", error)
+            self._refuse(refusal_of(error))
 
     def _refuse(self, refusal: Refusal) -> None:
         self.refusal = refusal

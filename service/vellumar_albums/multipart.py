@@ -125,11 +125,12 @@ class UploadParser:
         return True
 
     def _find(self, marker: bytes) -> int:
-        return self._buffer.find(marker, max(0, self._searched - len(marker)))
+        at = self._buffer.find(marker, max(0, self._searched - len(marker)))
+        if (at if at >= 0 else len(self._buffer) - len(marker)) > LARGEST_FIELD:
+            raise FormError("A field is too long.")
+        return at
 
     def _want_more(self) -> bool:
-        if len(self._buffer) > LARGEST_FIELD:
-            raise FormError("A field is too long.")
         self._searched = len(self._buffer)
         return False
 

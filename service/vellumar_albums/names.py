@@ -1,4 +1,4 @@
-"""Names of users, albums and photos on disk. Whatever a client sends becomes one plain component of a path."""
+"""Names of users, albums and photos on disk. Whatever a client sends becomes one component of a path."""
 
 import os
 import re
@@ -13,8 +13,8 @@ DEVICES = re.compile(r"(con|prn|aux|nul|com[0-9¹²³]|lpt[0-9¹²³])(\.|$)", r
 
 
 def is_component(name: str) -> bool:
-    """Whether a name can stand below a folder of photos and in a link: it is proper text and leads neither out of
-    the folder nor to a hidden file."""
+    """Whether a name can stand below a folder of photos and in a link: it is proper text, and leads neither
+    out of the folder nor to a hidden file."""
     try:
         name.encode()
     except UnicodeEncodeError:

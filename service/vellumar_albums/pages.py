@@ -24,6 +24,7 @@ from werkzeug.wrappers import Response as AnyResponse
 from vellumar_albums.home import Home
 from vellumar_albums.index import PhotoRow
 from vellumar_albums.limits import Busy
+from vellumar_albums.names import safe_name
 from vellumar_albums.sessions import begin_session, end_session, session_user
 
 pages = Blueprint("pages", __name__)
@@ -164,7 +165,9 @@ def original(album: str, name: str) -> Response:
 
 
 def _download(photo: BinaryIO, kind: str, name: str) -> Response:
-    answer = send_file(photo, mimetype=kind, as_attachment=True, download_name=name, etag=False)
+    answer = send_file(
+        photo, mimetype=kind, as_attachment=True, download_name=safe_name(name, "photo"), etag=False
+    )
     answer.content_length = os.fstat(photo.fileno()).st_size
     answer.headers["Cache-Control"] = "private, no-store"
     return answer

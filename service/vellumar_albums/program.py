@@ -1,17 +1,17 @@
-"""What the program calls: the check of a login, the upload of a photo, and the links that it opens in a browser."""
+"""What the program calls: the check of a login, the upload of a photo, and the links that it opens."""
 
 import logging
 import re
+import sqlite3
 import time
 from urllib.parse import unquote_to_bytes
 
 from flask import Blueprint, Response, current_app, redirect, request, url_for
 from werkzeug.wrappers import Response as AnyResponse
 
-from vellumar_albums.files import NO_ROOM
 from vellumar_albums.home import Home
 from vellumar_albums.index import PhotoRow
-from vellumar_albums.intake import FAILED, NO_FORM, NO_SPACE, Refusal, Upload
+from vellumar_albums.intake import NO_FORM, Refusal, Upload, refusal_of
 from vellumar_albums.limits import Busy
 from vellumar_albums.logins import TooManyAttempts
 from vellumar_albums.names import album_name, photo_name
@@ -25,7 +25,8 @@ program = Blueprint("program", __name__)
 BROWSER_LINK = re.compile(
     rb"l=(?P<login>.*?)&p=(?P<password>.*)&(?P<page>Cart=Y|Album=(?P<album>.*))", re.DOTALL
 )
-# A browser escapes these in a link, and leaves a "%" that was there as it is: a password may read in three ways.
+# A browser escapes these in a link, and leaves a "%" that was there as it is. So a password may read in three
+# ways: all of it escaped, these bytes alone, or nothing.
 ESCAPED_BY_BROWSERS = re.compile(
     rb"(?:%(?:20|22|27|3C|3E|5B|5C|5D|5E|60|7B|7C|7D|[89A-F][0-9A-F]))+", re.IGNORECASE
 )
@@ -34,7 +35,7 @@ MOST_COPIES = 999
 
 @program.get("/Vellumar/CheckLogin.asp")
 def check_login() -> Response:
-    """A wrong password is told by a page without the tag: any other status would make the program try again."""
+    """A wrong password is told by a text without the tag; another status would make the program try again."""
     query = _query()
     login = query.get(b"Login", b"").decode("utf-8", "replace")
     home: Home = current_app.config["HOME"]
@@ -51,7 +52,7 @@ def check_login() -> Response:
 
 @program.get("/Vellumar/DoLogin.asp")
 def do_login() -> AnyResponse:
-    """Leads on at once, so that the password stays neither in the address bar nor in the browser's history."""
+    """Leads on at once, so that the password stays neither in the address bar nor in the history."""
     link = BROWSER_LINK.fullmatch(request.environ["QUERY_STRING"].encode("latin-1"))
     if link is None:
         return redirect(url_for("pages.login_page", failed="link"), 303)
@@ -80,11 +81,9 @@ def upload() -> Response:
         return _refused(Refusal(400, "A number of the form is none."))
     try:
         name = home.store.keep(sent.photo, row)
-    except Exception as error:
-        # The index says that the disk is full in words of its own.
-        no_room = getattr(error, "errno", None) in NO_ROOM or "full" in str(error)
+    except (OSError, sqlite3.Error) as error:
         log.error("A photo of %s can't be stored: %s", sent.user, error)
-        return _refused(NO_SPACE if no_room else FAILED)
+        return _refused(refusal_of(error))
     finally:
         sent.close()  # before the answer, so that the client's next photo finds its place free
     home.pictures.make_ahead(sent.user, row.album, name)

@@ -71,8 +71,8 @@ class Store:
     def keep(self, photo: IncomingPhoto, row: PhotoRow) -> str:
         """Gives the photo its place, flushed to disk, and returns its name there.
 
-        The same bytes under the same name are the same photo, so an upload that is repeated after a lost answer
-        makes no second one. Another photo of that name becomes "name (2).jpg".
+        The same bytes under the same name are the same photo, so an upload that is repeated after a lost
+        answer makes no second one. Another photo of that name becomes "name (2).jpg".
         """
         os.fsync(photo.fd)
         # One at a time, so that no upload counts on a photo of the same name that another one takes back.
