@@ -40,10 +40,8 @@ FAILURES = {
 
 @pages.before_request
 def know_user() -> AnyResponse | None:
-    if request.method == "POST" and request.headers.get("Sec-Fetch-Site", "same-origin") not in (
-        "same-origin",
-        "none",
-    ):
+    origin = request.headers.get("Sec-Fetch-Site", "same-origin")
+    if request.method == "POST" and origin not in ("same-origin", "none"):
         abort(403)
     g.user = session_user()
     if g.user is None and request.endpoint not in ("pages.login_page", "pages.login", "pages.join_page"):

@@ -4,6 +4,7 @@ import hashlib
 import logging
 import os
 import queue
+import secrets
 import struct
 import subprocess
 import sys
@@ -80,7 +81,7 @@ class Pictures:
             if not made:
                 refused.touch(mode=0o600)
             for size, data in made.items():
-                part = self._folder / f"{key}-{size}.part"
+                part = self._folder / f"{secrets.token_hex(8)}.part"
                 part.write_bytes(data)
                 part.rename(self._folder / f"{key}-{size}.jpg")
         except OSError as error:
