@@ -30,7 +30,9 @@ class Sharing : public CMainFrameFixture {
     WritePhotos(2);
     Start();
     Parts().TabBar->SelectTab(tab);
-    for (int i = 0; i < 2; ++i) Page().AddPhoto(Photo(i));
+    if (Page().GetCount() == 0) {
+      for (int i = 0; i < 2; ++i) Frame->ToggleInTab(Photo(i), tab, false);
+    }
     Messages.Texts.clear();
   }
   CPhotoTab& Page() { return *Parts().GetPhotoTab(Parts().TabBar->GetSelectedTab()); }
