@@ -1,10 +1,11 @@
 // The EXIF reader: whatever the file, the walk ends, values lie inside the segment, and a date is no
-// negative time. Input without the start of a JPEG is taken as a TIFF block, so that the fuzzer need not
-// find the wrapping first.
+// negative time, and the way up one of eight. Input without the start of a JPEG is taken as a TIFF block, so
+// that the fuzzer need not find the wrapping first.
 
 #include <cstdlib>
 
 #include "imaging/ExifReader.h"
+#include "imaging/WayUp.h"
 
 namespace {
 
@@ -45,6 +46,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const std::uint8_t byte : entry.Value) sum += byte;
     entry.Tag = 0;
   }
+  const unsigned wayUp = static_cast<unsigned>(WayUpOfTag(reader.GetShort(kWayUpTag)));
+  if (wayUp < 1 || wayUp > 8) std::abort();
   if (reader.GetDateTime(306) < 0 || sum == 0xFFFFFFFF) std::abort();
   return 0;
 }

@@ -29,6 +29,7 @@ constexpr std::size_t kEntrySize = 12;
 constexpr std::uint16_t kExifDirectoryTag = 0x8769;
 constexpr std::uint16_t kInteroperabilityDirectoryTag = 0xA005;
 constexpr std::uint16_t kTypeAscii = 2;
+constexpr std::uint16_t kTypeShort = 3;
 constexpr std::uint16_t kTypeLong = 4;
 
 // A segment has room for 5,461 entries, each met once; directories that lead back to each other have no end.
@@ -263,4 +264,15 @@ std::int32_t CExifReader::GetDateTime(std::uint16_t tag) {
   const std::string text(entry.Value.begin(), entry.Value.end());
   const std::optional<std::tm> local = ParseDate(text);
   return local ? TimeFromLocal(*local) : 0;
+}
+
+std::uint16_t CExifReader::GetShort(std::uint16_t tag) const {
+  const std::uint64_t first = std::uint64_t{Read32(kFirstDirectory)} + kByteOrder;
+  if (!IsLoaded() || !IsDirectory(first)) return 0;
+  const std::uint64_t end = first + 2 + std::uint64_t{Read16(first)} * kEntrySize;
+  for (std::uint64_t at = first + 2; at < end; at += kEntrySize) {
+    if (Read16(at) != tag) continue;
+    return Read16(at + 2) == kTypeShort && Read32(at + 4) == 1 ? Read16(at + 8) : std::uint16_t{0};
+  }
+  return 0;
 }

@@ -52,6 +52,10 @@ class CExifReader {
   /// off: seconds since 1970, or 0 if there is none or it doesn't fit.
   std::int32_t GetDateTime(std::uint16_t tag);
 
+  /// The value of the first entry with that tag in the first directory itself, if it is one short number;
+  /// otherwise 0. The search that GetEntry goes on with stays where it is.
+  std::uint16_t GetShort(std::uint16_t tag) const;
+
  private:
   struct Level {
     std::uint32_t Directory = 0;  // offset of its entry count in the segment

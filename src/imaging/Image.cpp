@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <limits>
 #include <new>
+#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -12,6 +13,7 @@
 #include "imaging/JpegTurn.h"
 #include "imaging/PictureMemory.h"
 #include "imaging/Scaler.h"
+#include "imaging/WayUp.h"
 #include "platform/Files.h"
 #include "platform/WholeFiles.h"
 
@@ -62,6 +64,14 @@ int ChooseReduction(ImageSize natural, ImageSize box) {
   if (scale <= 0.125) return 8;
   if (scale <= 0.25) return 4;
   return scale <= 0.5 ? 2 : 1;
+}
+
+WayUp ReadWayUpOfFile(std::span<const std::uint8_t> bytes) {
+  try {
+    return CJpegDecoder(bytes).GetWayUp();
+  } catch (const CException&) {
+    return WayUp::AsStored;  // it can't be turned either
+  }
 }
 
 /// Whether a file couldn't be written because the disk is full or fails.
@@ -162,15 +172,25 @@ std::vector<std::uint8_t> CJpegImage::SaveToMemory(int quality) const {
 }
 
 void CJpegImage::Decode(std::span<const std::uint8_t> bytes, ImageSize box) {
-  CJpegDecoder decoder(bytes);
-  const ImageSize natural = decoder.GetSize();
+  std::optional<CJpegDecoder> decoder(std::in_place, bytes);
+  const WayUp wayUp = decoder->GetWayUp();
+  const ImageSize natural = GetUprightSize(decoder->GetSize(), wayUp);
   const int reduction = ChooseReduction(natural, box);
   const ImageSize size{CJpegDecoder::ReducedSide(natural.Width, reduction),
                        CJpegDecoder::ReducedSide(natural.Height, reduction)};
-  const CMemoryShare share(GetPictureMemory(), GetBitmapBytes(size) + decoder.GetHeldBytes());
-  auto memory = AllocateBitmap(size);
+  const ImageSize stored = GetUprightSize(size, wayUp);
+  const std::uint64_t turnedBytes = wayUp == WayUp::AsStored ? 0 : GetBitmapBytes(size);
+  const CMemoryShare share(GetPictureMemory(),
+                           GetBitmapBytes(stored) + std::max(decoder->GetHeldBytes(), turnedBytes));
+  auto memory = AllocateBitmap(stored);
+  decoder->Decode(reduction, GetRows(memory, stored));
+  decoder.reset();  // it may hold as much as the turned pixels take
+  if (wayUp != WayUp::AsStored) {
+    auto upright = AllocateBitmap(size);
+    PutUpright(GetRows(memory, stored), wayUp, GetRows(upright, size));
+    memory = std::move(upright);
+  }
   const PixelBuffer pixels = GetRows(memory, size);
-  decoder.Decode(reduction, pixels);
   HoldPixels(std::move(memory), pixels, natural);
 }
 
@@ -185,7 +205,8 @@ ImageSize CJpegImage::ReadSize(const std::string& path) const {
     std::size_t got = 0;
     if (platform::ReadFilePart(path, 0, bytes, got)) break;
     try {
-      return CJpegDecoder(std::span(bytes).first(got)).GetSize();
+      const CJpegDecoder decoder{std::span(bytes).first(got)};
+      return GetUprightSize(decoder.GetSize(), decoder.GetWayUp());
     } catch (const CException&) {
       if (got < room) break;
     }
@@ -198,7 +219,7 @@ bool CJpegImage::TurnFile(int angle) { return TransformJpeg(GetPath(), GetPath()
 bool TransformJpeg(const std::string& sourcePath, const std::string& destinationPath, int angle) {
   CPhotoFile file;
   if (file.Read(sourcePath)) throw CException("Cannot read src file");
-  const auto turned = TurnJpeg(file.GetBytes(), angle);
+  const auto turned = TurnJpeg(file.GetBytes(), GetStoredAngle(angle, ReadWayUpOfFile(file.GetBytes())));
   if (!turned) return false;
   const std::error_code error =
       platform::WriteFileAtomically(destinationPath, turned->data(), turned->size());

@@ -22,6 +22,8 @@ double FitScaleOf(ImageSize size, int boxWidth, int boxHeight, bool allowEnlargi
 
 /// A bitmap, decoded from a photo or made by resizing. Not shared between threads.
 ///
+/// A photo stands upright here, however its file stores it: all pixels and sizes are as they are seen.
+///
 /// The variants turn bytes into pixels and pixels into bytes; reading and replacing files is done here, for
 /// all of them.
 class CImage {
@@ -35,7 +37,7 @@ class CImage {
   /// The file that the pixels came from; empty for a bitmap made from memory or by resizing.
   const std::string& GetPath() const { return Path; }
 
-  /// Size of the stored picture.
+  /// Size of the whole picture, as it is seen.
   ImageSize GetNaturalSize() const { return NaturalSize; }
 
   /// Size of the bitmap held now: the natural size reduced by the decoding factor.
@@ -57,10 +59,11 @@ class CImage {
   /// False if turning the file would drop data that the photo holds beyond its pixels.
   virtual bool RotatesWithoutLoss() const = 0;
 
-  /// Turns the photo's own file clockwise by `angle` degrees, and then holds the turned picture, loaded for
-  /// the same box. The file is replaced in one step, with its permission bits, or left as it was. True if it
-  /// was replaced; false if nothing is held or the file can't be turned. A JPEG takes 90, 180 and 270, any
-  /// other angle raises CError; a TIFF takes 90 and 270. Raises what TransformJpeg and Save raise.
+  /// Turns the photo's own file clockwise, as it is seen, by `angle` degrees, and then holds the turned
+  /// picture, loaded for the same box. The file is replaced in one step, with its permission bits, or left as
+  /// it was. True if it was replaced; false if nothing is held or the file can't be turned. A JPEG takes 90,
+  /// 180 and 270, any other angle raises CError; a TIFF takes 90 and 270. Raises what TransformJpeg and Save
+  /// raise.
   bool Rotate(int angle);
 
   /// Encodes the held bitmap into a file, which is replaced in one step or left as it was. CException "Cannot
@@ -150,7 +153,8 @@ class CJpegImage : public CImage {
   bool TurnFile(int angle) override;
 };
 
-/// Turns a JPEG from file to file, as told at TurnJpeg; both may be the same. The destination is replaced in
+/// Turns a JPEG from file to file, as told at TurnJpeg but by `angle` as the picture is seen; both may be the
+/// same. The destination is replaced in
 /// one step, and flushed, or left as it was. False if TurnJpeg gives none, and its exceptions. CException
 /// "Cannot read src file" or "Cannot open destination file"; CStorageException if the disk is full or fails.
 bool TransformJpeg(const std::string& sourcePath, const std::string& destinationPath, int angle);

@@ -125,6 +125,7 @@ class CJpegDecoder::Impl {
       throw CException("Cannot read JPEG header");
     }
     Form = ChooseColorForm(Info);
+    Headers = Bytes.first(Bytes.size() - Source.GetRest().size());
   }
 
   ~Impl() { jpeg_destroy_decompress(&Info); }
@@ -134,6 +135,8 @@ class CJpegDecoder::Impl {
   ImageSize GetSize() const {
     return {static_cast<int>(Info.image_width), static_cast<int>(Info.image_height)};
   }
+
+  WayUp GetWayUp() const { return ReadWayUp(Headers); }
 
   std::uint64_t GetHeldBytes() { return jpeg_has_multiple_scans(&Info) ? GetCoefficientBytes(Info) : 0; }
 
@@ -238,6 +241,7 @@ class CJpegDecoder::Impl {
 
   JpegErrors Errors;
   const std::span<const std::uint8_t> Bytes;
+  std::span<const std::uint8_t> Headers;  // up to the first scan
   CJpegSource Source;
   jpeg_decompress_struct Info{};
   ColorForm Form = ColorForm::Unsupported;
@@ -251,6 +255,8 @@ CJpegDecoder::CJpegDecoder(std::span<const std::uint8_t> bytes) : Inside(std::ma
 CJpegDecoder::~CJpegDecoder() = default;
 
 ImageSize CJpegDecoder::GetSize() const { return Inside->GetSize(); }
+
+WayUp CJpegDecoder::GetWayUp() const { return Inside->GetWayUp(); }
 
 std::uint64_t CJpegDecoder::GetHeldBytes() const { return Inside->GetHeldBytes(); }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "imaging/PixelBuffer.h"
+#include "imaging/WayUp.h"
 
 /// Converts between JPEG files in memory and pixels. Objects and calls share nothing, so threads need no
 /// lock. Failures raise exceptions with the texts given here; the library's warnings about flawed data are
@@ -24,7 +25,9 @@ class CJpegDecoder {
   CJpegDecoder(const CJpegDecoder&) = delete;
   CJpegDecoder& operator=(const CJpegDecoder&) = delete;
 
+  /// Of the picture as it is stored; so are the pixels that Decode gives.
   ImageSize GetSize() const;
+  WayUp GetWayUp() const;
 
   /// Bytes that Decode holds besides the target while it works, except a few rows.
   std::uint64_t GetHeldBytes() const;

@@ -3,7 +3,6 @@
 #include <tiffio.h>
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 #include <memory>
 #include <new>
@@ -11,6 +10,7 @@
 #include "base/Exceptions.h"
 #include "base/Texts.h"
 #include "imaging/PictureMemory.h"
+#include "imaging/WayUp.h"
 #include "platform/Files.h"
 
 namespace {
@@ -151,11 +151,17 @@ ImageSize GetPictureSize(TIFF* tiff) {
   return {static_cast<int>(width), static_cast<int>(height)};
 }
 
+WayUp GetWayUp(TIFF* tiff) {
+  std::uint16_t value = 0;
+  return WayUpOfTag(TIFFGetField(tiff, TIFFTAG_ORIENTATION, &value) ? value : 0);
+}
+
 std::uint64_t GetBitmapBytes(ImageSize size) {
   return static_cast<std::uint64_t>(size.Width) * static_cast<std::uint64_t>(size.Height) * kBytesPerPixel;
 }
 
-/// The held pixels, and as much again: the library takes that to decode them, and so does a turned copy.
+/// The held pixels, and as much again: the library takes that to decode them, and so does a turned copy,
+/// which is made when the library has given its part back.
 std::uint64_t GetWorkingBytes(ImageSize size) { return 2 * GetBitmapBytes(size); }
 
 void StoreColors(std::uint32_t pixel, std::uint8_t* bytes) {
@@ -202,21 +208,35 @@ std::vector<std::uint8_t> EncodeTiff(const PixelSource& pixels) {
   return std::move(output.Bytes);
 }
 
-/// The pixels turned by 90 degrees, rows from the top downwards; counter-clockwise if not `clockwise`.
-std::vector<std::uint8_t> TurnPixels(const PixelSource& pixels, bool clockwise) {
-  const int width = pixels.Size.Height;
-  const int height = pixels.Size.Width;
-  std::vector<std::uint8_t> turned(GetBitmapBytes(pixels.Size));
-  for (int y = 0; y < pixels.Size.Height; ++y) {
-    const std::uint8_t* from = pixels.Row(y);
-    for (int x = 0; x < pixels.Size.Width; ++x, from += kBytesPerPixel) {
-      const int column = clockwise ? width - 1 - y : y;
-      const int row = clockwise ? x : height - 1 - x;
-      const auto place = static_cast<std::size_t>(row) * static_cast<std::size_t>(width);
-      std::memcpy(&turned[(place + static_cast<std::size_t>(column)) * kBytesPerPixel], from, kBytesPerPixel);
-    }
+/// Null if there isn't enough.
+platform::LargeMemory TryToAllocate(std::uint64_t bytes) {
+  try {
+    return platform::AllocateLargeMemory(bytes);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
   }
-  return turned;
+}
+
+/// The pixels as they are stored, rows from the top downwards. False if the library can't read them.
+bool ReadPixels(TIFF* tiff, WayUp wayUp, const PixelBuffer& pixels) {
+  const auto count =
+      static_cast<std::size_t>(pixels.Size.Width) * static_cast<std::size_t>(pixels.Size.Height);
+  std::fill_n(pixels.Top, count * kBytesPerPixel, 0);  // a damaged file may not give all pixels
+  auto* raster = reinterpret_cast<std::uint32_t*>(pixels.Top);
+  constexpr int kGoOnAfterErrors = 0;  // as for a JPEG, what a damaged file has is shown
+  // In the order of the file: the library by itself only mirrors, and never makes columns of rows.
+  if (!TIFFReadRGBAImageOriented(tiff, static_cast<std::uint32_t>(pixels.Size.Width),
+                                 static_cast<std::uint32_t>(pixels.Size.Height), raster,
+                                 static_cast<int>(wayUp), kGoOnAfterErrors)) {
+    return false;
+  }
+  for (std::size_t i = 0; i < count; ++i) StoreColors(raster[i], pixels.Top + i * kBytesPerPixel);
+  return true;
+}
+
+/// Pixels without padding in `memory`, rows from the top downwards.
+PixelBuffer GetRows(std::uint8_t* memory, ImageSize size) {
+  return {memory, std::ptrdiff_t{size.Width} * kBytesPerPixel, size, kBytesPerPixel};
 }
 
 }  // namespace
@@ -226,29 +246,17 @@ void CTiffImage::Decode(std::span<const std::uint8_t> bytes, ImageSize) {
   CompressedAsJpeg = false;
   HasMorePages = false;
   TiffInput input{bytes};
-  const TiffHandle tiff = OpenTiff(input, "rm");
+  TiffHandle tiff = OpenTiff(input, "rm");
   if (!tiff) return;
   const ImageSize size = GetPictureSize(tiff.get());
+  const WayUp wayUp = GetWayUp(tiff.get());
   const std::uint64_t bitmapBytes = GetBitmapBytes(size);
   if (bitmapBytes == 0) return;
   if (bitmapBytes > kMaxBitmapBytes) throw CTooLargeException();
   const CMemoryShare share(GetPictureMemory(), GetWorkingBytes(size));
-  platform::LargeMemory memory;
-  try {
-    memory = platform::AllocateLargeMemory(bitmapBytes);
-  } catch (const std::bad_alloc&) {
-    return;
-  }
-  std::fill_n(memory.get(), bitmapBytes, 0);  // a damaged file may not give all pixels
-  auto* raster = reinterpret_cast<std::uint32_t*>(memory.get());
-  constexpr int kGoOnAfterErrors = 0;  // as for a JPEG, what a damaged file has is shown
-  if (!TIFFReadRGBAImage(tiff.get(), static_cast<std::uint32_t>(size.Width),
-                         static_cast<std::uint32_t>(size.Height), raster, kGoOnAfterErrors)) {
-    return;
-  }
-  for (std::uint64_t i = 0; i < bitmapBytes / kBytesPerPixel; ++i) {
-    StoreColors(raster[i], &memory[i * kBytesPerPixel]);
-  }
+  const platform::LargeMemory memory = TryToAllocate(bitmapBytes);
+  const PixelBuffer stored = GetRows(memory.get(), size);
+  if (!memory || !ReadPixels(tiff.get(), wayUp, stored)) return;
   std::uint16_t compression = 0;
   std::uint16_t page = 0;
   std::uint16_t pages = 0;
@@ -256,15 +264,21 @@ void CTiffImage::Decode(std::span<const std::uint8_t> bytes, ImageSize) {
       TIFFGetField(tiff.get(), TIFFTAG_COMPRESSION, &compression) && compression == COMPRESSION_JPEG;
   HasMorePages =
       TIFFGetField(tiff.get(), TIFFTAG_PAGENUMBER, &page, &pages) != 0 || TIFFLastDirectory(tiff.get()) == 0;
-  const std::ptrdiff_t rowBytes = std::ptrdiff_t{size.Width} * kBytesPerPixel;
-  std::uint8_t* top = memory.get() + (size.Height - 1) * rowBytes;
-  HoldPixels(std::move(memory), {top, -rowBytes, size, kBytesPerPixel}, size);
+  tiff.reset();  // what it holds is counted for the upright pixels, too
+  platform::LargeMemory upright = TryToAllocate(bitmapBytes);
+  if (!upright) return;
+  const ImageSize uprightSize = GetUprightSize(size, wayUp);
+  PixelBuffer pixels = GetRows(upright.get(), uprightSize);
+  pixels.Top += (uprightSize.Height - 1) * pixels.RowStep;
+  pixels.RowStep = -pixels.RowStep;
+  PutUpright(stored, wayUp, pixels);
+  HoldPixels(std::move(upright), pixels, uprightSize);
 }
 
 ImageSize CTiffImage::ReadSize(const std::string& path) const {
   TiffFile file{path};
   const TiffHandle tiff = OpenTiff(file, "rm");
-  return tiff ? GetPictureSize(tiff.get()) : ImageSize();
+  return tiff ? GetUprightSize(GetPictureSize(tiff.get()), GetWayUp(tiff.get())) : ImageSize();
 }
 
 std::vector<std::uint8_t> CTiffImage::SaveToMemory(int) const { return EncodeTiff(GetPixels()); }
@@ -272,9 +286,11 @@ std::vector<std::uint8_t> CTiffImage::SaveToMemory(int) const { return EncodeTif
 bool CTiffImage::TurnFile(int angle) {
   if (angle != 90 && angle != 270) throw CException(kCannotWrite);
   const CMemoryShare share(GetPictureMemory(), GetWorkingBytes(GetNaturalSize()));
-  const std::vector<std::uint8_t> turned = TurnPixels(GetPixels(), angle == 90);
-  const ImageSize size{GetNaturalSize().Height, GetNaturalSize().Width};
-  const std::ptrdiff_t rowBytes = std::ptrdiff_t{size.Width} * kBytesPerPixel;
-  ReplaceFile(GetPath(), EncodeTiff({turned.data(), rowBytes, size, kBytesPerPixel}));
+  const WayUp turn = angle == 90 ? WayUp::TurnRight : WayUp::TurnLeft;
+  const ImageSize size = GetUprightSize(GetNaturalSize(), turn);
+  std::vector<std::uint8_t> turned(GetBitmapBytes(size));
+  const PixelBuffer pixels = GetRows(turned.data(), size);
+  PutUpright(GetPixels(), turn, pixels);
+  ReplaceFile(GetPath(), EncodeTiff(pixels));
   return true;
 }

@@ -4,6 +4,8 @@
 #include "imaging/AutoFix.h"
 #include "imaging/ImageFile.h"
 #include "imaging/JpegTurn.h"
+#include "imaging/PreparedPhoto.h"
+#include "support/Corners.h"
 
 using testing::ElementsAre;
 using testing::StartsWith;
@@ -170,6 +172,34 @@ TEST_F(ChangePhotoTest, AFullDiskAndAReadOnlyFolderAreToldAndChangeNothing) {
     const std::string told = turns ? "Cannot open destination file" : "Cannot make copy of original photo.";
     EXPECT_TRUE(RunAsNobody([&] { return Change(turns, shown.get()) == told; }));
     EXPECT_EQ(Now(), Original);
+  }
+}
+
+TEST_F(ChangePhotoTest, EveryWayUpLooksTheSameBeforeAndAfterEachCommand) {
+  const std::pair<int, const char*> steps[] = {{90, "BRWG"}, {270, "RGBW"}, {270, "GWRB"}, {90, "RGBW"}};
+  for (unsigned orientation = 1; orientation <= 8; ++orientation) {
+    const auto expectSeen = [&](const std::string& corners) {
+      EXPECT_EQ(ReadCorners(Show(0)->GetPixels()), corners) << orientation;
+      EXPECT_EQ(ReadCorners(Show(40)->MakeFitted(30, 30)->GetPixels()), corners) << orientation;
+      CJpegImage thumbnail;
+      thumbnail.LoadMemory(PreparePhoto(Photo.GetPath()).Thumbnail, 0, 0);
+      EXPECT_EQ(ReadCorners(thumbnail.GetPixels()), corners) << orientation;
+    };
+    const std::string before = AsText(MakeCornersJpeg(orientation, {160, 96}));
+    Scratch.Write("Pictures/boat.jpg", before);
+    expectSeen("RGBW");
+    const auto shown = Show(40);
+    for (const auto& [angle, corners] : steps) {
+      EXPECT_EQ(RotatePhoto(Photo, shown.get(), angle, {}), PhotoChange::ShownImage);
+      EXPECT_EQ(ReadCorners(shown->GetPixels()), corners) << orientation;
+      EXPECT_EQ(Now().substr(0, 60), before.substr(0, 60)) << "the tag stays";
+      expectSeen(corners);
+    }
+    const std::string turnedBack = Now();
+    EXPECT_EQ(AutoFixPhoto(Photo, Show(0).get(), {}), PhotoChange::ShownImage);
+    expectSeen("RGBW");
+    EXPECT_EQ(AutoFixPhoto(Photo, shown.get(), {}), PhotoChange::FileAlone);
+    EXPECT_EQ(Now(), turnedBack);
   }
 }
 

@@ -3,6 +3,7 @@
 #include <ctime>
 
 #include "imaging/ExifReader.h"
+#include "imaging/WayUp.h"
 namespace {
 
 constexpr unsigned kExif = 34665;  // the tags of the two pointers
@@ -206,4 +207,26 @@ TEST(ExifReaderTest, DepthCyclesAndStormsOfPointersAreLimited) {
   for (const CExifFile* file : {&link, &empty, &pointer, &storm}) {
     EXPECT_EQ(find(*file), ExifStatus::NoMoreItems);
   }
+}
+
+TEST(ExifReaderTest, TheWayUpIsOneShortNumberOfTheFirstDirectory) {
+  const auto read = [](const CExifFile& file) { return ReadWayUp(file.Jpeg()); };
+  const struct {
+    unsigned Tag, Type;
+    std::uint32_t Count, Value;
+    WayUp Expected;
+  } cases[] = {{0x0112, 3, 1, 6, WayUp::TurnRight}, {0x0112, 3, 1, 0, WayUp::AsStored},
+               {0x0112, 3, 1, 9, WayUp::AsStored},  {0x0112, 3, 2, 6, WayUp::AsStored},
+               {0x0112, 4, 1, 6, WayUp::AsStored},  {0x0112, 3, 0xFFFFFFFF, 6, WayUp::AsStored},
+               {0x0113, 3, 1, 6, WayUp::AsStored}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(read(CExifFile().Count(1).Entry(c.Tag, c.Type, c.Count, c.Value).Link(0, "....")), c.Expected);
+  }
+  // A number of two bytes comes first in its field in either byte order.
+  EXPECT_EQ(read(CExifFile(true).Count(1).Entry(0x0112, 3, 1, 8U << 16).Link(0, "....")), WayUp::TurnLeft);
+  CExifFile elsewhere;  // in the directory of the small picture inside the file, and in that of the camera
+  elsewhere.Count(1).Entry(kExif, 4, 1, 26).Link(26).Count(1).Entry(0x0112, 3, 1, 6).Link(0, "....");
+  EXPECT_EQ(read(elsewhere), WayUp::AsStored);
+  EXPECT_EQ(read(CExifFile().Count(5000).Entry(0x0112, 3, 1, 6)), WayUp::AsStored) << "it has no end";
+  EXPECT_EQ(ReadWayUp({}), WayUp::AsStored);
 }

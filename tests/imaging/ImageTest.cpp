@@ -6,6 +6,7 @@
 #include "imaging/Image.h"
 #include "imaging/ImageFile.h"
 #include "imaging/TiffImage.h"
+#include "support/Corners.h"
 #include "support/ScratchFolder.h"
 #include "support/TestJpeg.h"
 
@@ -185,5 +186,45 @@ TEST(TiffImageTest, DamageLeavesItEmptyAndPictureBombsAreNotDecoded) {
       load(bomb);
     }
     EXPECT_EQ(image.GetPixels().Top, nullptr);
+  }
+}
+
+TEST(ImageTest, PhotosStandUprightAndAreDecodedForTheirUprightShape) {
+  const CScratchFolder scratch;
+  constexpr ImageSize kSeen{192, 768};
+  for (unsigned orientation = 1; orientation <= 8; ++orientation) {
+    const auto bytes = MakeCornersJpeg(orientation, kSeen);
+    const std::string path = scratch.Write("a.jpg", std::string(bytes.begin(), bytes.end()));
+    EXPECT_EQ(ReadImageSize(path), kSeen);
+    const struct {
+      ImageSize Box, Current;
+    } cases[] = {{{0, 0}, kSeen}, {{768, 192}, {48, 192}}, {{192, 192}, {48, 192}}, {{96, 768}, {96, 384}}};
+    for (const auto& c : cases) {
+      const auto image = LoadImageFile(path, c.Box.Width, c.Box.Height);
+      EXPECT_EQ(image->GetNaturalSize(), kSeen) << orientation;
+      EXPECT_EQ(image->GetCurrentSize(), c.Current) << orientation;
+      EXPECT_EQ(ReadCorners(image->GetPixels()), "RGBW") << orientation;
+    }
+  }
+}
+
+TEST(TiffImageTest, StandsUprightToo) {
+  const CScratchFolder scratch;
+  const std::string path = scratch.Write("a.tif", Tiff());
+  LoadImageFile(path, 0, 0)->Save(path, 1);
+  std::string bytes = ReadBytes(path);
+  const std::size_t value = bytes.find(std::string("\x12\1\3\0\1\0\0\0\1", 9)) + 8;
+  ASSERT_GE(value, 8U);
+  for (unsigned orientation = 1; orientation <= 8; ++orientation) {
+    bytes[value] = static_cast<char>(orientation);
+    const ImageSize seen = orientation > 4 ? ImageSize{3, 5} : ImageSize{5, 3};
+    const auto image = LoadImageFile(scratch.Write("b.tif", bytes), 0, 0);
+    EXPECT_EQ(ReadImageSize(scratch.File("b.tif")), seen);
+    ASSERT_EQ(image->GetNaturalSize(), seen);
+    for (const auto& [row, column] : {std::pair(0, 0), {2, 0}, {0, 4}, {1, 3}}) {
+      const auto [x, y] = SeenAt(orientation, row, column, seen);
+      const std::uint8_t* pixel = image->GetPixels().Row(y) + x * 4;
+      EXPECT_EQ(std::pair(int{pixel[2]}, int{pixel[1]}), std::pair(10 * column, 20 * row)) << orientation;
+    }
   }
 }

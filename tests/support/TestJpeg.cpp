@@ -45,10 +45,14 @@ std::vector<jpeg_scan_info> SetSampling(jpeg_compress_struct& info, const JpegRe
   return scans;
 }
 
-void WriteDate(jpeg_compress_struct& info, const std::string& dateTime) {
-  std::string exif("Exif\0\0II*\0\x08\0\0\0", 14);
-  exif += std::string("\x01\0\x32\x01\x02\0\x14\0\0\0\x1a\0\0\0\0\0\0\0", 18);
-  exif += dateTime + '\0';
+void WriteExif(jpeg_compress_struct& info, const JpegRecipe& recipe) {
+  if (recipe.DateTime.empty() && recipe.Orientation == 0) return;
+  std::string exif("Exif\0\0II*\0\x08\0\0\0\x02\0", 16);
+  exif += std::string("\x12\x01\x03\0\x01\0\0\0", 8) + static_cast<char>(recipe.Orientation) +
+          std::string(3, '\0');
+  const char bytes = recipe.DateTime.empty() ? '\0' : '\x14';
+  exif += std::string("\x32\x01\x02\0", 4) + bytes + std::string("\0\0\0\x26\0\0\0\0\0\0\0", 11);
+  exif += recipe.DateTime + '\0';
   jpeg_write_marker(&info, JPEG_APP0 + 1, reinterpret_cast<const JOCTET*>(exif.data()),
                     static_cast<unsigned>(exif.size()));
 }
@@ -81,7 +85,7 @@ std::vector<std::uint8_t> MakeJpeg(const JpegRecipe& recipe, const Painter& pain
     info.num_scans = static_cast<int>(scans.size());
   }
   jpeg_start_compress(&info, TRUE);
-  if (!recipe.DateTime.empty()) WriteDate(info, recipe.DateTime);
+  WriteExif(info, recipe);
   for (int y = 0; y < recipe.Height; ++y) {
     std::vector<JSAMPLE> row;
     for (int x = 0; x < recipe.Width; ++x) {

@@ -25,6 +25,7 @@ struct JpegRecipe {
   unsigned RestartInterval = 0;
   int Quality = 100;
   std::string DateTime = {};  // of an EXIF entry, "YYYY:MM:DD HH:MM:SS"; none if empty
+  unsigned Orientation = 0;   // of another one; 0 is no valid value
 };
 
 /// Gives the samples of a pixel in the form of the recipe: one, two, red green blue, or four inks.
