@@ -90,6 +90,12 @@ double FitScaleOf(ImageSize size, int boxWidth, int boxHeight, bool allowEnlargi
   return std::min(horizontal, vertical);
 }
 
+ImageSize GetDecodedSize(ImageSize natural, ImageSize box) {
+  const int reduction = ChooseReduction(natural, box);
+  return {CJpegDecoder::ReducedSide(natural.Width, reduction),
+          CJpegDecoder::ReducedSide(natural.Height, reduction)};
+}
+
 void CImage::LoadFile(const std::string& path, int boxWidth, int boxHeight) {
   CPhotoFile file;
   const bool read = !file.Read(path);
@@ -175,15 +181,13 @@ void CJpegImage::Decode(std::span<const std::uint8_t> bytes, ImageSize box) {
   std::optional<CJpegDecoder> decoder(std::in_place, bytes);
   const WayUp wayUp = decoder->GetWayUp();
   const ImageSize natural = GetUprightSize(decoder->GetSize(), wayUp);
-  const int reduction = ChooseReduction(natural, box);
-  const ImageSize size{CJpegDecoder::ReducedSide(natural.Width, reduction),
-                       CJpegDecoder::ReducedSide(natural.Height, reduction)};
+  const ImageSize size = GetDecodedSize(natural, box);
   const ImageSize stored = GetUprightSize(size, wayUp);
   const std::uint64_t turnedBytes = wayUp == WayUp::AsStored ? 0 : GetBitmapBytes(size);
   const CMemoryShare share(GetPictureMemory(),
                            GetBitmapBytes(stored) + std::max(decoder->GetHeldBytes(), turnedBytes));
   auto memory = AllocateBitmap(stored);
-  decoder->Decode(reduction, GetRows(memory, stored));
+  decoder->Decode(ChooseReduction(natural, box), GetRows(memory, stored));
   decoder.reset();  // it may hold as much as the turned pixels take
   if (wayUp != WayUp::AsStored) {
     auto upright = AllocateBitmap(size);

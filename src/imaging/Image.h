@@ -20,6 +20,9 @@ constexpr std::uint64_t kMaxBitmapBytes = std::uint64_t{1} << 30;
 /// picture that fits as it is, unless enlarging is allowed. 1.0 for a picture without pixels.
 double FitScaleOf(ImageSize size, int boxWidth, int boxHeight, bool allowEnlarging);
 
+/// The size of the bitmap that a JPEG of that natural size is decoded to for a box.
+ImageSize GetDecodedSize(ImageSize natural, ImageSize box);
+
 /// A bitmap, decoded from a photo or made by resizing. Not shared between threads.
 ///
 /// A photo stands upright here, however its file stores it: all pixels and sizes are as they are seen.

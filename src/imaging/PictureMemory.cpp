@@ -11,6 +11,8 @@ namespace {
 // A picture of 200 megapixels takes 1.2 GB to be turned with its chroma halved both ways, 2.4 GB without.
 constexpr std::uint64_t kMostPictureMemory = std::uint64_t{3} << 30;
 constexpr std::uint64_t kMostFileMemory = std::uint64_t{1} << 30;
+// Two photos of 40 megapixels at full size, or dozens as a screen needs them.
+constexpr std::uint64_t kMostAheadMemory = std::uint64_t{256} << 20;
 constexpr std::uint64_t kRoomToGrow = std::uint64_t{1} << 20;  // for a file that is still being written
 
 CMemoryPool& GetFileMemory() {
@@ -31,6 +33,14 @@ void CMemoryPool::Take(std::uint64_t bytes) {
   Used += bytes;
 }
 
+std::unique_ptr<CMemoryShare> CMemoryPool::TakeIfFree(std::uint64_t bytes) {
+  const std::lock_guard lock(Mutex);
+  if (bytes > Capacity - Used) return nullptr;
+  auto share = std::make_unique<CMemoryShare>(*this, bytes, CMemoryShare::AlreadyTaken());
+  Used += bytes;
+  return share;
+}
+
 void CMemoryPool::GiveBack(std::uint64_t bytes) {
   {
     const std::lock_guard lock(Mutex);
@@ -47,6 +57,11 @@ CMemoryShare::~CMemoryShare() { Pool.GiveBack(Bytes); }
 
 CMemoryPool& GetPictureMemory() {
   static CMemoryPool pool(std::min(kMostPictureMemory, platform::GetPhysicalMemory() / 4 * 3));
+  return pool;
+}
+
+CMemoryPool& GetAheadMemory() {
+  static CMemoryPool pool(std::min(kMostAheadMemory, platform::GetPhysicalMemory() / 16));
   return pool;
 }
 

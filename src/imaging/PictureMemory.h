@@ -2,6 +2,7 @@
 
 #include <condition_variable>
 #include <cstdint>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <span>
@@ -20,9 +21,14 @@ class CTooLargeException : public CException {
   CTooLargeException();
 };
 
+class CMemoryShare;
+
 class CMemoryPool {
  public:
   explicit CMemoryPool(std::uint64_t capacity) : Capacity(capacity) {}
+
+  /// A share; null if others would have to give back some first.
+  std::unique_ptr<CMemoryShare> TakeIfFree(std::uint64_t bytes);
 
  private:
   friend class CMemoryShare;
@@ -39,6 +45,9 @@ class CMemoryPool {
 /// A part of a pool, for as long as the object lives.
 class CMemoryShare {
  public:
+  struct AlreadyTaken {};
+  CMemoryShare(CMemoryPool& pool, std::uint64_t bytes, AlreadyTaken) : Pool(pool), Bytes(bytes) {}
+
   /// Waits until others have given back enough. CTooLargeException if the whole pool isn't enough.
   CMemoryShare(CMemoryPool& pool, std::uint64_t bytes);
   ~CMemoryShare();
@@ -53,6 +62,10 @@ class CMemoryShare {
 /// For coefficients and for bitmaps while they are made. Whoever holds a share of it asks for no other of any
 /// pool until it is given back, so every share comes free.
 CMemoryPool& GetPictureMemory();
+
+/// For bitmaps that are held although nobody has asked for them yet. Nobody waits for a share of it, so it
+/// may be held beside one of another pool.
+CMemoryPool& GetAheadMemory();
 
 /// A photo's file, read as a whole, and counted in a pool of its own.
 class CPhotoFile {

@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <memory>
 #include <new>
+#include <tuple>
 #include <utility>
 
 #include "platform/Descriptor.h"
@@ -24,6 +25,11 @@ namespace {
 std::error_code ErrorOfKind(const FileStatus& status) {
   if (status.IsRegular) return {};
   return make_error_code(status.IsFolder ? std::errc::is_a_directory : std::errc::not_supported);
+}
+
+std::int64_t ToNanoseconds(const statx_timestamp& time) {
+  constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
+  return time.tv_sec * kNanosecondsPerSecond + time.tv_nsec;
 }
 
 /// The folder that holds `path`, in a form that can be opened.
@@ -141,6 +147,13 @@ bool IsLink(int folder, const dirent& entry) {
 
 std::error_code GetStatus(const std::string& path, FileStatus& status) {
   return ReadStatusAt(AT_FDCWD, path.c_str(), status);
+}
+
+bool IsUnchanged(const FileStatus& before, const FileStatus& now) {
+  const auto facts = [](const FileStatus& status) {
+    return std::tuple(status.Device, status.Inode, status.Size, status.WriteTime, status.ChangeTime);
+  };
+  return facts(before) == facts(now);
 }
 
 std::error_code GetEntryStatus(const std::string& path, FileStatus& status) {
@@ -264,6 +277,8 @@ std::error_code ReadStatusAt(int folder, const char* name, FileStatus& status, b
   status.IsMountPoint = (raw.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
   status.Size = raw.stx_size;
   status.Modified = raw.stx_mtime.tv_sec;
+  status.WriteTime = ToNanoseconds(raw.stx_mtime);
+  status.ChangeTime = ToNanoseconds(raw.stx_ctime);
   // Some file systems claim a birth time and have a 0 there.
   const bool hasBirth = (raw.stx_mask & STATX_BTIME) != 0 && raw.stx_btime.tv_sec > 0;
   status.Created = hasBirth ? raw.stx_btime.tv_sec : raw.stx_mtime.tv_sec;

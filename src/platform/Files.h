@@ -19,10 +19,12 @@ namespace platform {
 struct FileStatus {
   bool IsFolder = false;
   bool IsRegular = false;
-  bool IsMountPoint = false;  // the root of a disk, or of what else is mounted there
-  std::uint64_t Size = 0;     // bytes
-  std::int64_t Created = 0;   // seconds since 1970, UTC; the birth time, or Modified where none is kept
-  std::int64_t Modified = 0;  // seconds since 1970, UTC
+  bool IsMountPoint = false;    // the root of a disk, or of what else is mounted there
+  std::uint64_t Size = 0;       // bytes
+  std::int64_t Created = 0;     // seconds since 1970, UTC; the birth time, or Modified where none is kept
+  std::int64_t Modified = 0;    // seconds since 1970, UTC
+  std::int64_t WriteTime = 0;   // the same in nanoseconds
+  std::int64_t ChangeTime = 0;  // of content, name or rights, nanoseconds since 1970; no program can set it
   std::uint64_t Device = 0;
   std::uint64_t Inode = 0;
   std::uint32_t Mode = 0;       // permission bits
@@ -31,6 +33,10 @@ struct FileStatus {
 
 /// The permission bit that a read-only file lacks.
 inline constexpr std::uint32_t kOwnerMayWrite = 0200;
+
+/// Whether both are of one file that nobody has written to in between. A clock of the file system may stand
+/// still for 10 ms, so changes that follow each other so quickly can look like one.
+bool IsUnchanged(const FileStatus& before, const FileStatus& now);
 
 /// Reads the status of what `path` leads to, links followed.
 std::error_code GetStatus(const std::string& path, FileStatus& status);

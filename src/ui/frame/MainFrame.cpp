@@ -6,7 +6,9 @@
 #include <QTimer>
 #include <QWheelEvent>
 #include <algorithm>
+#include <array>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "base/Exceptions.h"
@@ -205,10 +207,24 @@ void CMainFrame::OnCurrentPhotoChanged(const CAssetRecord* record) {
     Parts.GetPhotoTab(mark.Tab)->SelectPhoto(photo ? photo->GetAssetID() : -1);
   }
   Parts.PhotoView->SetPhoto(photo);
+  LookAhead();
   Parts.PhotoBack->SetPhoto(photo);
   UpdateCommands();
   DropMouseMoves();
 }
+
+void CMainFrame::LookAhead() {
+  const int index = GetStrip().GetCurrentIndex();
+  const bool movedBack = index < std::exchange(LastIndex, index);
+  std::vector<std::string> paths;
+  for (const int step : movedBack ? std::array{-1, 1} : std::array{1, -1}) {
+    const CAssetRecord photo = Parts.PhotoSet->GetAsset(index + step);
+    if (photo.IsValid()) paths.push_back(photo.GetPath());
+  }
+  Parts.PhotoView->SetNeighbours(std::move(paths));
+}
+
+bool CMainFrame::ShowsAtOnce(const CAssetRecord& record) const { return Parts.PhotoView->IsReady(record); }
 
 void CMainFrame::RefreshStrip(StripPosition position) { GetStrip().Refresh(static_cast<int>(position)); }
 
@@ -234,6 +250,7 @@ void CMainFrame::PrepareForJob() {
   Parts.PhotoBack->CommitEdits();
   StopSlideShow();
   GetStrip().FinishMove();
+  Parts.PhotoView->GiveUpNeighbours();
 }
 
 void CMainFrame::OnFoldersSearched() {

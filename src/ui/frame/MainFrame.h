@@ -51,6 +51,7 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost,
   // What happens in the strip.
   void OnCommand(CommandId id) override;
   void OnCurrentPhotoChanged(const CAssetRecord* record) override;
+  bool ShowsAtOnce(const CAssetRecord& record) const override;
   void OnSlideShowStateChanged() override;
   void ToggleInTab(const CAssetRecord& photo, ViewTabId tab, bool extendRange) override;
   void SelectTab(ViewTabId tab) override;
@@ -120,6 +121,8 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost,
   /// Gives the buttons of the current photo's page the states that fit now.
   void UpdateCommands();
   void OnStampChanged(StampId type);
+  /// Lets the photos beside the current one be decoded ahead.
+  void LookAhead();
   /// Of the current photo, as it was decoded; 0 by 0 without a picture.
   ImageSize GetPictureSize() const;
   bool IsEditing() const;
@@ -137,5 +140,6 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost,
   bool TipAsked = false;
   bool Closing = false;
   bool SpaceStopsShow = false;  // the press of the space key that is being held
+  int LastIndex = 0;            // in the set, of the photo that was announced last
   int WheelTravel = 0;          // eighths of a degree that haven't moved the strip yet
 };

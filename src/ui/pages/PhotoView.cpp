@@ -22,6 +22,11 @@ constexpr int kMargin = 10;
 constexpr int kShadowPiece = 8;
 constexpr bool kEnlarge = true;  // a photo smaller than the page is scaled up
 
+bool Suits(const CImage* image, QSize view) {
+  return image &&
+         !NeedsReload({image->GetNaturalSize(), image->GetCurrentSize(), image->GetRequestedSize()}, view);
+}
+
 }  // namespace
 
 CPhotoView::CPhotoView(QWidget* parent) : QWidget(parent) {
@@ -77,16 +82,32 @@ void CPhotoView::Reload(bool force) {
     return;
   }
   const QSize view = GetDeviceSize();
-  const bool stays =
-      Image &&
-      !NeedsReload({Image->GetNaturalSize(), Image->GetCurrentSize(), Image->GetRequestedSize()}, view);
-  if (force || !stays) {
+  if (force || !Suits(Image.get(), view)) {
     const CWaitCursor waiting;
     if (!IsJobRunning()) Path = Photo->GetPath();  // a job owns the catalog
-    Image.reset();
-    Image = LoadImageFile(Path, view.width(), view.height(), &IsTooLarge);
+    Image = force ? nullptr : Ahead.Take(Path);
+    if (!Suits(Image.get(), view)) {
+      Image.reset();
+      Image = LoadImageFile(Path, view.width(), view.height(), &IsTooLarge);
+    }
   }
   Fit();
+  LookAhead();
+}
+
+void CPhotoView::SetNeighbours(std::vector<std::string> paths) {
+  Neighbours = std::move(paths);
+  LookAhead();
+}
+
+bool CPhotoView::IsReady(const CAssetRecord& photo) const {
+  return isVisible() && Ahead.Has(photo.GetPath());
+}
+
+void CPhotoView::LookAhead() {
+  if (!isVisible() || IsJobRunning()) return Ahead.GiveUp();
+  const QSize view = GetDeviceSize();
+  Ahead.Prepare(Neighbours, {view.width(), view.height()});
 }
 
 std::unique_ptr<CImage> CPhotoView::TakeImage() {
@@ -142,6 +163,8 @@ bool CPhotoView::event(QEvent* event) {
 void CPhotoView::resizeEvent(QResizeEvent*) { Reload(false); }
 
 void CPhotoView::showEvent(QShowEvent*) { Reload(false); }
+
+void CPhotoView::hideEvent(QHideEvent*) { LookAhead(); }
 
 void CPhotoView::changeEvent(QEvent* event) {
   // The user comes back from elsewhere, where a photo that couldn't be shown may have been put right.

@@ -7,15 +7,15 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "catalog/AssetRecord.h"
+#include "imaging/PicturesAhead.h"
 #include "ui/marks/PhotoMarks.h"
-
-class CImage;
 
 /// The page of the current photo: the photo as large as the page lets it be, with the marks that the user
 /// gave it; the whole screen in full-screen mode. It holds the photo's bitmap for the whole window. A photo
-/// is decoded when it is set, or when the page first shows; a paint only copies.
+/// is decoded when it is set, or when the page first shows, unless that was done ahead; a paint only copies.
 class CPhotoView : public QWidget {
  public:
   explicit CPhotoView(QWidget* parent = nullptr);
@@ -23,6 +23,14 @@ class CPhotoView : public QWidget {
 
   /// Called for a double click on the page.
   std::function<void()> OnDoubleClick;
+
+  /// The files of the photos that are likely to be set next, the likeliest first. They are decoded ahead
+  /// while the page shows, and given up when others are named or a job begins.
+  void SetNeighbours(std::vector<std::string> paths);
+  void GiveUpNeighbours() { SetNeighbours({}); }
+
+  /// Whether the photo would show without being decoded first.
+  bool IsReady(const CAssetRecord& photo) const;
 
   /// Shows that photo; none shows a text instead.
   void SetPhoto(const std::optional<CAssetRecord>& photo);
@@ -59,6 +67,7 @@ class CPhotoView : public QWidget {
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void showEvent(QShowEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
   void changeEvent(QEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
 
@@ -66,6 +75,7 @@ class CPhotoView : public QWidget {
   QSize GetDeviceSize() const;
   int GetDeviceMargin() const;
   void Fit();
+  void LookAhead();
 
   std::optional<CAssetRecord> Photo;
   std::string Path;
@@ -75,4 +85,6 @@ class CPhotoView : public QWidget {
   QRect Place;              // of the picture, in device pixels
   Look TheLook;
   std::array<bool, std::size(kPhotoMarks)> ShownFlags{};
+  std::vector<std::string> Neighbours;
+  CPicturesAhead Ahead;
 };

@@ -347,7 +347,7 @@ void CFilmstrip::StepSlide() {
     ArriveAtTarget();
     if (next == 0 || !IsIndex(Current + next) || !Cache.GetRun().CanShowMove(next)) {
       TakeRest();
-      return MoveBy(next);
+      return next != 0 ? MoveBy(next) : AnnounceIfReady();
     }
     StartSlide(next, now - end < kLongestCatchUp ? end : now);
   }
@@ -394,6 +394,13 @@ void CFilmstrip::TakeRest() {
 void CFilmstrip::AnnounceNow() {
   FinishMove();
   if (PhotoIsDue) Announce();
+}
+
+void CFilmstrip::AnnounceIfReady() {
+  const CAssetRecord* const record = PhotoIsDue ? GetCurrentRecord() : nullptr;
+  if (record == nullptr || !Host.ShowsAtOnce(*record)) return;
+  parentWidget()->repaint();
+  Announce();
 }
 
 void CFilmstrip::CancelAnnouncement() {

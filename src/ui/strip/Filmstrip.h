@@ -26,6 +26,10 @@ class CFilmstripHost : public CCommandTarget {
   /// record belongs to the strip and lives until its next move.
   virtual void OnCurrentPhotoChanged(const CAssetRecord* record) = 0;
 
+  /// Whether the host has all that it needs to show that photo. It is then told of it as soon as a slide
+  /// ends.
+  virtual bool ShowsAtOnce(const CAssetRecord& record) const = 0;
+
   virtual void OnSlideShowStateChanged() = 0;
 
   /// A mark of a cell was clicked; with `extendRange` Shift was held.
@@ -137,6 +141,7 @@ class CFilmstrip : public QWidget {
   void DropSlide();
   void TakeRest();
   void Announce();
+  void AnnounceIfReady();
   void CancelAnnouncement();
   void StepSlideShow();
 

@@ -250,3 +250,39 @@ TEST_F(MainFrame, ToolsVanishAndComeBackWithTheMouse) {
   tools.SetActive(false);
   EXPECT_FALSE(IsPointerHidden());
 }
+
+TEST_F(MainFrame, TheNextPhotoIsThereWhenTheSlideEndsUnlessItsFileHasChanged) {
+  WritePhotos(5);
+  CMainFrame& frame = Start(1);
+  CPhotoView& view = *Parts().PhotoView;
+  const auto isReady = [&](int index) { return [&, index] { return view.IsReady(Photo(index)); }; };
+  ASSERT_TRUE(QTest::qWaitFor(isReady(2)) && QTest::qWaitFor(isReady(0)));
+  EXPECT_FALSE(view.IsReady(Photo(1)) || view.IsReady(Photo(3)));
+  Press({Qt::Key_Right});
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Position() == 2; }));
+  EXPECT_TRUE(ShowsPhoto(2)) << "as soon as it is under the lens";
+
+  // The same size and times, and other colours.
+  ASSERT_TRUE(QTest::qWaitFor(isReady(3)) && QTest::qWaitFor(isReady(1)));
+  const std::string path = Photo(3).GetPath();
+  const auto written = std::filesystem::last_write_time(path);
+  std::string other = ReadBytes(Photo(0).GetPath());
+  other.resize(std::filesystem::file_size(path));
+  Scratch.Write(PhotoName(3), other);
+  std::filesystem::last_write_time(path, written);
+  GoTo(3);
+  EXPECT_TRUE(ShowsPhoto(0));
+
+  // Changed by the program while it is the current one, and shown again after another.
+  ASSERT_TRUE(QTest::qWaitFor(isReady(2)));
+  GoTo(2);
+  frame.OnCommand(CommandId::RotateRight);
+  GoTo(3);
+  ASSERT_TRUE(QTest::qWaitFor(isReady(2)));
+  GoTo(2);
+  EXPECT_EQ(view.GetImage()->GetNaturalSize(), (ImageSize{240, 320}));
+
+  ASSERT_TRUE(QTest::qWaitFor(isReady(3)));
+  frame.PrepareForJob();
+  EXPECT_FALSE(view.IsReady(Photo(3)));
+}
