@@ -18,8 +18,16 @@ void RunStorageBench();
 /// Turning photos of 12 megapixels, against jpegtran, and correcting them, against a plain decode and encode.
 void RunEditBench();
 
+/// Putting photos upright, and the time from a key to the next photo.
+void RunViewBench();
+
 /// The argument that makes a process a child of RunImportBench.
 inline constexpr const char* kImportChild = "--import-child";
+
+/// The same for RunViewBench, and its part that runs in a child process: shows the photos of its home one
+/// after the other.
+inline constexpr const char* kViewChild = "--view-child";
+void RunViewChild();
 
 /// The part of RunImportBench that runs in a child process: opens the data stores of its home and searches
 /// the pictures folder.

@@ -71,6 +71,13 @@ double ReadPeakMegabytes() {
 
 }  // namespace
 
+std::string MakeHome(const std::string& folder, int number, const std::string& photos) {
+  const std::filesystem::path home = std::filesystem::path(folder) / std::to_string(number);
+  std::filesystem::create_directories(home / "config");
+  std::ofstream(home / "config" / "user-dirs.dirs") << "XDG_PICTURES_DIR=\"" << photos << "\"\n";
+  return home.string();
+}
+
 ChildFigures RunChild(const std::vector<std::string>& arguments, const std::string& home) {
   std::array<int, 2> ends{};
   if (pipe(ends.data()) != 0) throw std::runtime_error("no pipe");

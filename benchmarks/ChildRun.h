@@ -3,6 +3,17 @@
 #include <string>
 #include <vector>
 
+#include "base/Messages.h"
+
+/// A home below `folder`, whose pictures folder is `photos`.
+std::string MakeHome(const std::string& folder, int number, const std::string& photos);
+
+/// In the child: answers the question whether so many photos should come in.
+class CConsent : public CMessageBox {
+ public:
+  bool Show(const std::string&, const std::string&, bool, MessageParent) override { return true; }
+};
+
 /// What a child process measured of itself.
 struct ChildFigures {
   std::vector<double> Values;  // those that it printed

@@ -2,7 +2,6 @@
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -34,14 +33,6 @@ constexpr int kSecondStarts = 9;
 constexpr int kLargePhotos = 200;
 constexpr int kSmallPhotos = 1000;
 
-// A home whose pictures folder is `photos`.
-std::string MakeHome(const CScratchFolder& scratch, int number, const std::string& photos) {
-  const std::filesystem::path home = std::filesystem::path(scratch.GetPath()) / std::to_string(number);
-  std::filesystem::create_directories(home / "config");
-  std::ofstream(home / "config" / "user-dirs.dirs") << "XDG_PICTURES_DIR=\"" << photos << "\"\n";
-  return home.string();
-}
-
 struct ImportFigures {
   double Seconds = 0;      // median of the first starts
   double SecondStart = 0;  // median of the starts after the last of them
@@ -66,7 +57,7 @@ ImportFigures CompareImport(const BenchPhotos& photos, const char* what) {
   ImportFigures result;
   std::string home;
   for (int i = 0; i < kRepetitions; ++i) {
-    home = MakeHome(scratch, i, photos.Folder);
+    home = MakeHome(scratch.GetPath(), i, photos.Folder);
     plain.push_back(DecodePlainly(photos.Folder, threads));
     imports.push_back(Start(home, photos).Values[0]);
     ratios.push_back(plain.back() / imports.back());
@@ -110,7 +101,7 @@ void MeasureMemory() {
   for (const int count : {kDifferent, kMany, kMore}) {
     const std::string folder = scratch.GetPath() + "/photos";
     const BenchPhotos linked = LinkPhotos(photos, count, folder);
-    peaks.push_back(Start(MakeHome(scratch, count, folder), linked).PeakMegabytes);
+    peaks.push_back(Start(MakeHome(scratch.GetPath(), count, folder), linked).PeakMegabytes);
     std::filesystem::remove_all(folder);
   }
   std::printf("  most memory of an import of %d, %d and %d photos: %.1f, %.1f and %.1f MB\n", kDifferent,
@@ -118,12 +109,6 @@ void MeasureMemory() {
   PrintRatio("KB of memory for each further photo", (peaks[2] - peaks[1]) * 1024 / (kMore - kMany),
              Limit::AtMost, kMostKilobytes);
 }
-
-// Answers the question whether so many photos should come in.
-class CConsent : public CMessageBox {
- public:
-  bool Show(const std::string&, const std::string&, bool, MessageParent) override { return true; }
-};
 
 // Rows with a thumbnail that shows something.
 int CountThumbnails(const CCatalog& catalog, const CThumbnailCache& cache) {

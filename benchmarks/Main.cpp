@@ -26,6 +26,7 @@ constexpr std::array kBenchmarks{
     Benchmark{"catalog", "a catalog of 100,000 photos", RunCatalogBench},
     Benchmark{"sets", "sets of 100,000 photos", RunSetBench},
     Benchmark{"edit", "turning and correcting photos", RunEditBench},
+    Benchmark{"view", "showing photos upright, and the next one", RunViewBench},
     Benchmark{"import", "new photos and the second start", RunImportBench},
 };
 
@@ -64,6 +65,10 @@ int main(int argc, char** argv) {
   try {
     if (argc == 2 && std::string_view(argv[1]) == kImportChild) {
       RunImportChild();
+      return 0;
+    }
+    if (argc == 2 && std::string_view(argv[1]) == kViewChild) {
+      RunViewChild();
       return 0;
     }
     return RunBenchmarks(argc, argv);

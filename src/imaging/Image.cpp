@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <limits>
 #include <new>
-#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -178,23 +177,13 @@ std::vector<std::uint8_t> CJpegImage::SaveToMemory(int quality) const {
 }
 
 void CJpegImage::Decode(std::span<const std::uint8_t> bytes, ImageSize box) {
-  std::optional<CJpegDecoder> decoder(std::in_place, bytes);
-  const WayUp wayUp = decoder->GetWayUp();
-  const ImageSize natural = GetUprightSize(decoder->GetSize(), wayUp);
+  CJpegDecoder decoder(bytes);
+  const ImageSize natural = GetUprightSize(decoder.GetSize(), decoder.GetWayUp());
   const ImageSize size = GetDecodedSize(natural, box);
-  const ImageSize stored = GetUprightSize(size, wayUp);
-  const std::uint64_t turnedBytes = wayUp == WayUp::AsStored ? 0 : GetBitmapBytes(size);
-  const CMemoryShare share(GetPictureMemory(),
-                           GetBitmapBytes(stored) + std::max(decoder->GetHeldBytes(), turnedBytes));
-  auto memory = AllocateBitmap(stored);
-  decoder->Decode(ChooseReduction(natural, box), GetRows(memory, stored));
-  decoder.reset();  // it may hold as much as the turned pixels take
-  if (wayUp != WayUp::AsStored) {
-    auto upright = AllocateBitmap(size);
-    PutUpright(GetRows(memory, stored), wayUp, GetRows(upright, size));
-    memory = std::move(upright);
-  }
+  const CMemoryShare share(GetPictureMemory(), GetBitmapBytes(size) + decoder.GetHeldBytes());
+  auto memory = AllocateBitmap(size);
   const PixelBuffer pixels = GetRows(memory, size);
+  decoder.Decode(ChooseReduction(natural, box), pixels);
   HoldPixels(std::move(memory), pixels, natural);
 }
 

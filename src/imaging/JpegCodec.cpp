@@ -10,7 +10,7 @@
 namespace {
 
 constexpr int kGrey = 128;
-constexpr int kRowsAtOnce = 16;
+constexpr int kRowsAtOnce = CUprightRows::kMostRowsAtOnce;
 constexpr std::size_t kBytesPerPixel = 3;
 
 enum class ColorForm {
@@ -125,7 +125,7 @@ class CJpegDecoder::Impl {
       throw CException("Cannot read JPEG header");
     }
     Form = ChooseColorForm(Info);
-    Headers = Bytes.first(Bytes.size() - Source.GetRest().size());
+    Way = ReadWayUp(Bytes.first(Bytes.size() - Source.GetRest().size()));
   }
 
   ~Impl() { jpeg_destroy_decompress(&Info); }
@@ -136,14 +136,16 @@ class CJpegDecoder::Impl {
     return {static_cast<int>(Info.image_width), static_cast<int>(Info.image_height)};
   }
 
-  WayUp GetWayUp() const { return ReadWayUp(Headers); }
+  WayUp GetWayUp() const { return Way; }
 
   std::uint64_t GetHeldBytes() { return jpeg_has_multiple_scans(&Info) ? GetCoefficientBytes(Info) : 0; }
 
   void Decode(int reduction, const PixelBuffer& target, bool mayTryAgain = true) {
     if (Form == ColorForm::Unsupported) throw CException("Unsupported number of channels");
     if (!IsAffordable(Info)) throw CTooLargeException();
-    const bool started = RunGuarded(Errors, [&] { return Start(reduction, target.Size); });
+    const ImageSize stored = GetUprightSize(target.Size, Way);  // swapped once more
+    CUprightRows rows(stored, Way, target);
+    const bool started = RunGuarded(Errors, [&] { return Start(reduction, stored); });
     if (started && !ReadScans() && mayTryAgain && EndOfLastScan > 0 && !Budget.IsSpent()) {
       // The library gave up on what stands between two scans, and its state can't be relied on any more. The
       // scans before the flaw are the picture: it is decoded anew, as if the file ended there.
@@ -152,7 +154,7 @@ class CJpegDecoder::Impl {
       return;
     }
     if (Budget.IsSpent()) throw CTooLargeException();
-    const bool decoded = started && !Failed && RunGuarded(Errors, [&] { return ReadRows(target); });
+    const bool decoded = started && !Failed && RunGuarded(Errors, [&] { return ReadRows(rows); });
     if (!decoded) throw CException("Cannot read JPEG data from file\n");
   }
 
@@ -188,7 +190,7 @@ class CJpegDecoder::Impl {
     return jpeg_start_output(&Info, Info.input_scan_number);
   }
 
-  bool ReadRows(const PixelBuffer& target) {
+  bool ReadRows(CUprightRows& rows) {
     JSAMPARRAY wide = nullptr;
     if (Form != ColorForm::Direct) {
       wide = Info.mem->alloc_sarray(reinterpret_cast<j_common_ptr>(&Info), JPOOL_IMAGE, Info.output_width * 4,
@@ -197,14 +199,15 @@ class CJpegDecoder::Impl {
     JDIMENSION end = Info.output_height;
     while (Info.output_scanline < end) {
       const JDIMENSION first = Info.output_scanline;
-      const JDIMENSION count = wide ? ReadConverted(target, wide) : ReadDirect(target);
+      const JDIMENSION count = wide ? ReadConverted(rows, wide) : ReadDirect(rows);
       if (count == 0) return false;
+      rows.Advance(static_cast<int>(first + count));
       // The rows that the library has buffered still hold picture; all after them would be grey.
       if (HasNoMoreData() && end == Info.output_height) end = std::min(end, first + count + 3 * RowsOfMCU());
     }
     for (JDIMENSION y = end; y < Info.output_height; ++y) {
-      std::memset(target.Row(static_cast<int>(y)), kGrey,
-                  static_cast<std::size_t>(target.Size.Width) * kBytesPerPixel);
+      std::memset(rows.Row(static_cast<int>(y)), kGrey, Info.output_width * kBytesPerPixel);
+      rows.Advance(static_cast<int>(y) + 1);
     }
     return true;
   }
@@ -218,14 +221,14 @@ class CJpegDecoder::Impl {
     return static_cast<JDIMENSION>(Info.max_v_samp_factor * Info.min_DCT_scaled_size);
   }
 
-  JDIMENSION ReadDirect(const PixelBuffer& target) {
+  JDIMENSION ReadDirect(const CUprightRows& target) {
     JSAMPROW rows[kRowsAtOnce] = {};
     const JDIMENSION wanted = std::min<JDIMENSION>(kRowsAtOnce, Info.output_height - Info.output_scanline);
     for (JDIMENSION k = 0; k < wanted; ++k) rows[k] = target.Row(static_cast<int>(Info.output_scanline + k));
     return jpeg_read_scanlines(&Info, rows, wanted);
   }
 
-  JDIMENSION ReadConverted(const PixelBuffer& target, JSAMPARRAY wide) {
+  JDIMENSION ReadConverted(const CUprightRows& target, JSAMPARRAY wide) {
     const int first = static_cast<int>(Info.output_scanline);
     const JDIMENSION count = jpeg_read_scanlines(&Info, wide, kRowsAtOnce);
     for (JDIMENSION k = 0; k < count; ++k) {
@@ -241,7 +244,7 @@ class CJpegDecoder::Impl {
 
   JpegErrors Errors;
   const std::span<const std::uint8_t> Bytes;
-  std::span<const std::uint8_t> Headers;  // up to the first scan
+  WayUp Way = WayUp::AsStored;
   CJpegSource Source;
   jpeg_decompress_struct Info{};
   ColorForm Form = ColorForm::Unsupported;

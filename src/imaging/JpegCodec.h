@@ -25,7 +25,7 @@ class CJpegDecoder {
   CJpegDecoder(const CJpegDecoder&) = delete;
   CJpegDecoder& operator=(const CJpegDecoder&) = delete;
 
-  /// Of the picture as it is stored; so are the pixels that Decode gives.
+  /// Of the picture as it is stored.
   ImageSize GetSize() const;
   WayUp GetWayUp() const;
 
@@ -33,9 +33,9 @@ class CJpegDecoder {
   std::uint64_t GetHeldBytes() const;
 
   /// Decodes at 1/1, 1/2, 1/4 or 1/8 of the size (`reduction` 1, 2, 4, 8) into `target`, which has
-  /// exactly that size, its sides rounded up, and 3 bytes a pixel: blue, green, red; grey has three equal
-  /// ones. To be called once. What a file that is cut short has no data for is grey. CException "Cannot read
-  /// JPEG data from file\n" or "Unsupported number of channels", CTooLargeException.
+  /// exactly that size, upright and its sides rounded up, and 3 bytes a pixel: blue, green, red; grey has
+  /// three equal ones. To be called once. What a file that is cut short has no data for is grey. CException
+  /// "Cannot read JPEG data from file\n" or "Unsupported number of channels", CTooLargeException.
   ///
   /// A JPEG of four channels with an Adobe marker is CMYK or YCCK, with inverted inks as all such files
   /// have them; without that marker it is CMYK if its channels are named C, M, Y, K. Any other file of

@@ -53,9 +53,12 @@ void CopyPixels(const UprightPixels& from, const PixelBuffer& target) {
     for (int y = 0; y < target.Size.Height; ++y) {
       const std::uint8_t* source = from.First + left * from.Across + y * from.Down;
       std::uint8_t* pixel = target.Row(y) + left * static_cast<std::ptrdiff_t>(Bytes);
-      for (int k = 0; k < count; ++k, source += from.Across, pixel += Bytes) {
-        std::memcpy(pixel, source, Bytes);
+      // Four bytes move faster than three; the fourth one is overwritten by the next pixel.
+      constexpr std::size_t kFaster = 4;
+      for (int k = 1; k < count; ++k, source += from.Across, pixel += Bytes) {
+        std::memcpy(pixel, source, kFaster);
       }
+      std::memcpy(pixel, source, Bytes);
     }
   }
 }
@@ -90,4 +93,29 @@ void PutUpright(const PixelSource& stored, WayUp wayUp, const PixelBuffer& targe
   } else {
     CopyPixels<4>(pixels, target);
   }
+}
+
+CUprightRows::CUprightRows(ImageSize stored, WayUp wayUp, const PixelBuffer& target)
+    : Stored(stored), Way(wayUp), Target(target) {
+  if (wayUp == WayUp::AsStored) return;
+  // Rows that lie a multiple of a large power of two apart would push each other out of the cache.
+  constexpr std::size_t kCacheLine = 64;
+  const std::size_t lines = (static_cast<std::size_t>(stored.Width) * 3 + kCacheLine) / kCacheLine;
+  const std::size_t rowBytes = (lines | 1) * kCacheLine;
+  const int rows = std::min(kPixelsAtOnce + kMostRowsAtOnce, stored.Height);
+  Memory.resize(rowBytes * static_cast<std::size_t>(rows));
+  Band = {Memory.data(), static_cast<std::ptrdiff_t>(rowBytes), {stored.Width, 0}, 3};
+}
+
+std::uint8_t* CUprightRows::Row(int y) const { return Memory.empty() ? Target.Row(y) : Band.Row(y - First); }
+
+void CUprightRows::Advance(int end) {
+  Band.Size.Height = end - First;
+  if (Memory.empty() || (Band.Size.Height < kPixelsAtOnce && end < Stored.Height)) return;
+  PixelBuffer part = Target;
+  part.Size = GetUprightSize(Band.Size, Way);
+  const int before = MirrorsRows(Way) ? Stored.Height - end : First;
+  part.Top += before * (SwapsSides(Way) ? std::ptrdiff_t{Target.BytesPerPixel} : Target.RowStep);
+  PutUpright(Band, Way, part);
+  First = end;
 }

@@ -208,6 +208,28 @@ TEST(ImageTest, PhotosStandUprightAndAreDecodedForTheirUprightShape) {
   }
 }
 
+TEST(ImageTest, EveryPixelOfAnUprightPhotoIsTheStoredOne) {
+  constexpr ImageSize kStored{90, 301};
+  const auto load = [&](unsigned orientation) {
+    auto image = std::make_unique<CJpegImage>();
+    image->LoadMemory(MakeNoisyJpeg({.Orientation = orientation}, kStored.Width, kStored.Height), 0, 0);
+    return image;
+  };
+  const auto stored = load(0);
+  for (unsigned orientation = 1; orientation <= 8; ++orientation) {
+    const auto upright = load(orientation);
+    int different = 0;
+    for (int row = 0; row < kStored.Height; ++row) {
+      for (int column = 0; column < kStored.Width; ++column) {
+        const auto [x, y] = SeenAt(orientation, row, column, upright->GetCurrentSize());
+        const std::uint8_t* pixel = stored->GetPixels().Row(row) + column * 3;
+        different += !std::equal(pixel, pixel + 3, upright->GetPixels().Row(y) + x * 3);
+      }
+    }
+    EXPECT_EQ(different, 0) << orientation;
+  }
+}
+
 TEST(TiffImageTest, StandsUprightToo) {
   const CScratchFolder scratch;
   const std::string path = scratch.Write("a.tif", Tiff());
