@@ -10,6 +10,7 @@ namespace {
 
 const c4_IntProp kID("ID");
 const c4_BytesProp kThumbnail("Thumbnail");
+const c4_IntProp kUpright("Upright");  // 1: made when the program knew how photos stand
 const c4_BytesProp kForeignDBGUID("ForeignDBGUID");
 
 constexpr int kMaxSetAside = 1000;
@@ -84,7 +85,7 @@ void CThumbnailCache::OpenPaired() {
   Damaged = false;
   Storage = std::make_unique<c4_Storage>(Path, c4_Storage::Mode::ReadWrite);
   Singletons = Storage->GetAs("Singletons[ForeignDBGUID:B]");
-  Cache = Storage->GetAs("Cache[ID:I,Thumbnail:B]");
+  Cache = Storage->GetAs("Cache[ID:I,Thumbnail:B,Upright:I]");
   Commit();
   Pair();
 }
@@ -137,8 +138,9 @@ void CThumbnailCache::StoreBytes(std::int32_t assetId, std::span<const std::uint
     const int row = FindRow(assetId);
     if (row >= 0) {
       kThumbnail.Set(Cache[row], bytes);
+      kUpright.Set(Cache[row], 1);
     } else {
-      Cache.Add(kID[assetId] + kThumbnail[bytes]);
+      Cache.Add(kID[assetId] + kThumbnail[bytes] + kUpright[1]);
     }
   });
 }
@@ -150,6 +152,25 @@ void CThumbnailCache::StorePrepared(std::int32_t assetId, const PreparedPhoto& p
     // A search that was undone can have left the thumbnail of another photo under this number.
     Remove(assetId);
   }
+}
+
+std::vector<std::int32_t> CThumbnailCache::GetUncertain() const {
+  std::vector<std::int32_t> photos;
+  for (int row = 0; row < Cache.GetSize(); ++row) {
+    if (Cache.GetIntegerAt(kUpright, row) == 0) photos.push_back(Cache.GetIntegerAt(kID, row));
+  }
+  return photos;
+}
+
+bool CThumbnailCache::IsUncertain(std::int32_t assetId) const {
+  const int row = FindRow(assetId);
+  return row >= 0 && Cache.GetIntegerAt(kUpright, row) == 0;
+}
+
+void CThumbnailCache::MarkCertain(std::int32_t assetId) {
+  Run([&] {
+    if (const int row = FindRow(assetId); row >= 0) kUpright.Set(Cache[row], 1);
+  });
 }
 
 void CThumbnailCache::Remove(std::int32_t assetId) {

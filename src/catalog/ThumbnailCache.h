@@ -4,6 +4,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "base/Guid.h"
 #include "storage/CommittingStore.h"
@@ -45,6 +46,12 @@ class CThumbnailCache : public CCommittingStore {
   /// Stores what reading a photo gave: an empty thumbnail for a file that gives no picture, none for one that
   /// couldn't be read, so that the next search tries again.
   void StorePrepared(std::int32_t assetId, const PreparedPhoto& photo);
+
+  /// The photos whose thumbnails an earlier version of the program made, which didn't heed how photos stand.
+  std::vector<std::int32_t> GetUncertain() const;
+  bool IsUncertain(std::int32_t assetId) const;
+  /// Says that such a thumbnail is right as it is. Commits if auto commit is on.
+  void MarkCertain(std::int32_t assetId);
 
   /// Forgets the photo's thumbnail. Commits if auto commit is on.
   void Remove(std::int32_t assetId);

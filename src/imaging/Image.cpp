@@ -73,6 +73,27 @@ WayUp ReadWayUpOfFile(std::span<const std::uint8_t> bytes) {
   }
 }
 
+/// What `look` finds in a JPEG's headers. CException "Cannot read JPEG header".
+template <typename Look>
+auto ReadHeaders(const std::string& path, const Look& look) {
+  // How long the header is shows only when it has been read: mostly a few kilobytes, but some cameras write
+  // megabytes.
+  constexpr std::size_t kFirstTry = std::size_t{1} << 16;
+  constexpr std::size_t kLastTry = std::size_t{1} << 25;
+  std::vector<std::uint8_t> bytes;
+  for (std::size_t room = kFirstTry; room <= kLastTry; room *= 8) {
+    bytes.resize(room);
+    std::size_t got = 0;
+    if (platform::ReadFilePart(path, 0, bytes, got)) break;
+    try {
+      return look(CJpegDecoder(std::span(bytes).first(got)));
+    } catch (const CException&) {
+      if (got < room) break;
+    }
+  }
+  throw CException("Cannot read JPEG header");
+}
+
 /// Whether a file couldn't be written because the disk is full or fails.
 bool IsDiskTrouble(const std::error_code& error) {
   return error == std::errc::no_space_on_device || error == std::errc::file_too_large ||
@@ -188,23 +209,13 @@ void CJpegImage::Decode(std::span<const std::uint8_t> bytes, ImageSize box) {
 }
 
 ImageSize CJpegImage::ReadSize(const std::string& path) const {
-  // How long the header is shows only when it has been read: mostly a few kilobytes, but some cameras write
-  // megabytes.
-  constexpr std::size_t kFirstTry = std::size_t{1} << 16;
-  constexpr std::size_t kLastTry = std::size_t{1} << 25;
-  std::vector<std::uint8_t> bytes;
-  for (std::size_t room = kFirstTry; room <= kLastTry; room *= 8) {
-    bytes.resize(room);
-    std::size_t got = 0;
-    if (platform::ReadFilePart(path, 0, bytes, got)) break;
-    try {
-      const CJpegDecoder decoder{std::span(bytes).first(got)};
-      return GetUprightSize(decoder.GetSize(), decoder.GetWayUp());
-    } catch (const CException&) {
-      if (got < room) break;
-    }
-  }
-  throw CException("Cannot read JPEG header");
+  return ReadHeaders(path, [](const CJpegDecoder& decoder) {
+    return GetUprightSize(decoder.GetSize(), decoder.GetWayUp());
+  });
+}
+
+WayUp ReadWayUp(const std::string& path) {
+  return ReadHeaders(path, [](const CJpegDecoder& decoder) { return decoder.GetWayUp(); });
 }
 
 bool CJpegImage::TurnFile(int angle) { return TransformJpeg(GetPath(), GetPath(), angle); }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "imaging/PixelBuffer.h"
+#include "imaging/WayUp.h"
 #include "platform/LargeMemory.h"
 
 class CJpegImage;
@@ -155,6 +156,9 @@ class CJpegImage : public CImage {
 
   bool TurnFile(int angle) override;
 };
+
+/// How a JPEG file stands, from its headers alone. CException "Cannot read JPEG header".
+WayUp ReadWayUp(const std::string& path);
 
 /// Turns a JPEG from file to file, as told at TurnJpeg but by `angle` as the picture is seen; both may be the
 /// same. The destination is replaced in

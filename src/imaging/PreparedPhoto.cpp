@@ -15,6 +15,14 @@ std::vector<std::uint8_t> MakeThumbnail(const std::string& path, std::span<const
 
 }  // namespace
 
+bool IsStoredLying(const std::string& path) {
+  try {
+    return ReadWayUp(path) != WayUp::AsStored;
+  } catch (...) {
+    return false;  // there is no picture either
+  }
+}
+
 PreparedPhoto PreparePhoto(const std::string& path) {
   PreparedPhoto prepared;
   try {

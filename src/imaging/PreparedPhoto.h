@@ -16,6 +16,10 @@ struct PreparedPhoto {
   std::vector<std::uint8_t> Thumbnail;  // a JPEG; empty if the file gives no picture
 };
 
+/// Whether the file stores its picture otherwise than it is seen, as far as can be told from its headers. Any
+/// thread.
+bool IsStoredLying(const std::string& path);
+
 /// Reads the file once, for both. A file that is gone, no regular one or damaged gives less or nothing; never
 /// an exception. Any thread.
 PreparedPhoto PreparePhoto(const std::string& path);

@@ -66,6 +66,7 @@ CMainFrame::CMainFrame()
 }
 
 CMainFrame::~CMainFrame() {
+  ThumbnailCheck.reset();
   InputFilter.reset();
   Parts.StripWindow.reset();  // it shows the set
 }
@@ -99,6 +100,10 @@ bool CMainFrame::Create(const OpenStep& openDataStores, CWindowedSearchProgress&
   } else {
     Parts.FilterBar->SelectStoredSort();
   }
+  ThumbnailCheck = std::make_unique<CThumbnailCheck>(
+      Catalog, ThumbnailCache,
+      [this](const std::vector<std::int32_t>& photos) { OnThumbnailsRemade(photos); });
+  ThumbnailCheck->Start();
   return true;
 }
 
@@ -304,6 +309,15 @@ void CMainFrame::OnPhotoChanged() {
   photo.MakeThumbnail();  // last, since writing it may fail
   showThumbnail();
   DropMouseMoves();
+}
+
+void CMainFrame::OnThumbnailsRemade(const std::vector<std::int32_t>& photos) {
+  CAssetIdSet remade;
+  for (const std::int32_t assetId : photos) {
+    remade.Add(assetId);
+    RefreshInTabs(assetId);
+  }
+  GetStrip().RedrawThumbnails(remade);
 }
 
 void CMainFrame::RefreshInTabs(std::int32_t assetId) {

@@ -12,6 +12,7 @@
 #include "ui/frame/InputFilter.h"
 #include "ui/frame/MainCommands.h"
 #include "ui/frame/MainParts.h"
+#include "ui/frame/ThumbnailCheck.h"
 #include "ui/frame/ViewMode.h"
 #include "ui/pages/PhotoTab.h"
 #include "ui/strip/Filmstrip.h"
@@ -114,6 +115,7 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost,
   void CreateToolRow(TabPage& page);
   /// The photo's file or its name is another now.
   void RefreshInTabs(std::int32_t assetId);
+  void OnThumbnailsRemade(const std::vector<std::int32_t>& photos);
   void Run(CommandId id);
   /// A key of that command was pressed, or is being held.
   void OnKey(const Command& command, bool isRepeat);
@@ -136,6 +138,7 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost,
   CMainCommands Commands;
   std::unique_ptr<CFullScreenTools> FullScreenTools;
   std::unique_ptr<CInputFilter> InputFilter;
+  std::unique_ptr<CThumbnailCheck> ThumbnailCheck;
   const CViewMode* Mode;
   bool TipAsked = false;
   bool Closing = false;

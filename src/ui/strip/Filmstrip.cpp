@@ -218,6 +218,17 @@ void CFilmstrip::RedrawCurrentThumbnail() {
   update();
 }
 
+void CFilmstrip::RedrawThumbnails(const CAssetIdSet& photos) {
+  if (Set == nullptr) return;
+  FinishMove();
+  const int first = Current - Cache.GetRun().GetBefore();
+  const int end = Current + Cache.GetRun().GetAfter();
+  for (int index = first; index < end; ++index) {
+    if (photos.Contains(Set->GetAssetId(index))) Cache.RepaintPhoto(index);
+  }
+  update();
+}
+
 void CFilmstrip::RedrawBand(int index, int icon) {
   Cache.RepaintMarks(index);
   if (icon == kBandAndMarks) Cache.RepaintLabel(index);

@@ -89,6 +89,7 @@ class CFilmstrip : public QWidget {
   // After a change of a photo.
 
   void RedrawCurrentThumbnail();
+  void RedrawThumbnails(const CAssetIdSet& photos);
   /// The marks of a cell and, with kBandAndMarks, its label too.
   void RedrawBand(int index, int icon);
   /// The marks of all cells of these photos.

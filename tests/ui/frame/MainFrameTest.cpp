@@ -3,7 +3,9 @@
 #include <QThread>
 #include <QWheelEvent>
 
+#include "support/Corners.h"
 #include "support/FaultSteps.h"
+#include "support/Sql.h"
 #include "ui/back/PhotoBack.h"
 #include "ui/frame/MainFrameFixture.h"
 
@@ -285,4 +287,25 @@ TEST_F(MainFrame, TheNextPhotoIsThereWhenTheSlideEndsUnlessItsFileHasChanged) {
   ASSERT_TRUE(QTest::qWaitFor(isReady(3)));
   frame.PrepareForJob();
   EXPECT_FALSE(view.IsReady(Photo(3)));
+}
+
+TEST_F(MainFrame, ThumbnailsOfAnEarlierVersionArePutRightOnce) {
+  WritePhotos(3);
+  const auto lying = MakeCornersJpeg(6, {240, 320});
+  Scratch.Write(PhotoName(1), std::string(lying.begin(), lying.end()));
+  const auto seen = [this](int index) {
+    return ReadCorners(std::as_const(*Photo(index).LoadThumbnail()).GetPixels());
+  };
+  Start();
+  const std::string wrong = MakePhoto(140, 105, Qt::white);
+  for (const int index : {0, 1}) {
+    CThumbnailCache::GetInstance()->StoreBytes(Photo(index).GetAssetID(),
+                                               std::vector<std::uint8_t>(wrong.begin(), wrong.end()));
+  }
+  Frame.reset();
+  RunSql(InHome("vellumar.thumbs"), "alter table Cache drop column Upright");
+  Start();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return seen(1) == "RGBW"; }));
+  EXPECT_EQ(seen(0), "WWWW") << "the photo isn't read, since it stands as it is stored";
+  EXPECT_TRUE(CThumbnailCache::GetInstance()->GetUncertain().empty());
 }
