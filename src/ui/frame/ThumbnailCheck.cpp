@@ -12,8 +12,8 @@
 
 namespace {
 
-// Each such number is one commit. If all of them lie, it is some seconds of decoding, and as much of it is
-// lost if the session ends meanwhile.
+// To one commit. What has been looked at since the last one is lost when the session ends: some seconds at
+// most.
 constexpr std::size_t kPhotosAtOnce = 200;
 
 }  // namespace
