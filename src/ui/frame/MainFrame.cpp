@@ -229,6 +229,12 @@ void CMainFrame::LookAhead() {
   Parts.PhotoView->SetNeighbours(std::move(paths));
 }
 
+void CMainFrame::OnSlideBegins(const CAssetRecord* target) {
+  std::vector<std::string> paths;
+  if (target != nullptr && target->IsValid()) paths.push_back(target->GetPath());
+  Parts.PhotoView->SetNeighbours(std::move(paths));
+}
+
 bool CMainFrame::ShowsAtOnce(const CAssetRecord& record) const { return Parts.PhotoView->IsReady(record); }
 
 void CMainFrame::RefreshStrip(StripPosition position) { GetStrip().Refresh(static_cast<int>(position)); }

@@ -53,6 +53,7 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost,
   void OnCommand(CommandId id) override;
   void OnCurrentPhotoChanged(const CAssetRecord* record) override;
   bool ShowsAtOnce(const CAssetRecord& record) const override;
+  void OnSlideBegins(const CAssetRecord* target) override;
   void OnSlideShowStateChanged() override;
   void ToggleInTab(const CAssetRecord& photo, ViewTabId tab, bool extendRange) override;
   void SelectTab(ViewTabId tab) override;

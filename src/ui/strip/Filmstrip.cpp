@@ -344,6 +344,8 @@ void CFilmstrip::StartSlide(int delta, std::optional<Clock::time_point> begin) {
   const StripMetrics& metrics = Layout.GetMetrics();
   Slide.emplace(Current, delta, metrics.Pitch, kSlideSpeed * metrics.PixelRatio,
                 begin.value_or(Clock::now()));
+  const CAssetRecord target = Set->GetAsset(Current + delta);
+  Host.OnSlideBegins(begin ? nullptr : &target);
   const double framesPerSecond = screen()->refreshRate();
   SlideTimer.start(framesPerSecond > 0 ? std::max(kShortestFrame, static_cast<int>(1000 / framesPerSecond))
                                        : kShortestFrame);

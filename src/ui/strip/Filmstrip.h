@@ -30,6 +30,10 @@ class CFilmstripHost : public CCommandTarget {
   /// ends.
   virtual bool ShowsAtOnce(const CAssetRecord& record) const = 0;
 
+  /// A slide to that photo begins; null if it follows another without a rest, so that the strip is likely to
+  /// pass that photo, too.
+  virtual void OnSlideBegins(const CAssetRecord* target) = 0;
+
   virtual void OnSlideShowStateChanged() = 0;
 
   /// A mark of a cell was clicked; with `extendRange` Shift was held.

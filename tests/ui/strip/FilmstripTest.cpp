@@ -19,7 +19,8 @@ class CNotingHost : public CFilmstripHost {
   void OnCurrentPhotoChanged(const CAssetRecord* record) override {
     Shown.push_back(record != nullptr ? record->GetAssetID() : -1);
   }
-  bool ShowsAtOnce(const CAssetRecord&) const override { return IsReady; }
+  bool ShowsAtOnce(const CAssetRecord&) const override { return false; }
+  void OnSlideBegins(const CAssetRecord*) override {}
   void OnSlideShowStateChanged() override { ++ShowChanges; }
   void ToggleInTab(const CAssetRecord& photo, ViewTabId tab, bool extendRange) override {
     Toggled.push_back({photo.GetAssetID(), tab, extendRange});
@@ -36,7 +37,6 @@ class CNotingHost : public CFilmstripHost {
   std::vector<Toggle> Toggled;
   std::vector<ViewTabId> Selected;
   int ShowChanges = 0;
-  bool IsReady = false;
 };
 
 /// A strip window 1000 pixels wide, so of seven cells, over a catalog whose photos have thumbnails but no
