@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <memory>
@@ -158,6 +159,12 @@ bool IsUnchanged(const FileStatus& before, const FileStatus& now) {
 
 std::error_code GetEntryStatus(const std::string& path, FileStatus& status) {
   return ReadStatusAt(AT_FDCWD, path.c_str(), status, true);
+}
+
+bool HasSettled(const FileStatus& status) {
+  constexpr std::chrono::milliseconds kLongestTick{20};
+  const auto now = std::chrono::system_clock::now().time_since_epoch();
+  return now - std::chrono::nanoseconds(status.ChangeTime) >= kLongestTick;
 }
 
 std::error_code ReadWholeFile(const std::string& path, std::vector<std::uint8_t>& bytes, std::size_t limit) {

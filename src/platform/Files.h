@@ -44,6 +44,9 @@ std::error_code GetStatus(const std::string& path, FileStatus& status);
 /// As GetStatus, but of the entry itself: of a link, also one that leads nowhere, it is the link's.
 std::error_code GetEntryStatus(const std::string& path, FileStatus& status);
 
+/// Whether the file was changed so long ago that any further change will show in its status.
+bool HasSettled(const FileStatus& status);
+
 /// Reads a regular file. More than `limit` bytes is std::errc::file_too_large; anything but a regular
 /// file is refused before a byte is read, so a FIFO or a device never blocks.
 std::error_code ReadWholeFile(const std::string& path, std::vector<std::uint8_t>& bytes,
