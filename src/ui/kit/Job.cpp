@@ -16,7 +16,7 @@
 namespace {
 
 class CRunningJob;
-CRunningJob* TheJob = nullptr;  // of the window thread
+std::atomic<CRunningJob*> TheJob = nullptr;  // changed and used by the window thread alone
 
 /// The job that runs while this object lives. What was put off meanwhile is posted at its end.
 class CRunningJob {
@@ -74,12 +74,13 @@ void RunJob(const std::function<void()>& work, const std::function<void()>& stop
 bool IsJobRunning() { return TheJob != nullptr; }
 
 void StopJob() {
-  if (TheJob != nullptr && TheJob->OnStop) TheJob->OnStop();
+  const CRunningJob* const job = TheJob;
+  if (job != nullptr && job->OnStop) job->OnStop();
 }
 
 void RunAfterJob(std::function<void()> work) {
-  if (TheJob != nullptr) {
-    TheJob->Afterwards.push_back(std::move(work));
+  if (CRunningJob* const job = TheJob) {
+    job->Afterwards.push_back(std::move(work));
   } else {
     work();
   }

@@ -13,6 +13,7 @@
 /// thread, not from within a job.
 void RunJob(const std::function<void()>& work, const std::function<void()>& stop = {});
 
+/// Any thread.
 bool IsJobRunning();
 
 /// Asks the running job to end early. Does nothing without one.
