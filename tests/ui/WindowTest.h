@@ -4,6 +4,7 @@
 
 #include <QColor>
 #include <QImage>
+#include <QTemporaryFile>
 #include <QTest>
 #include <QTimer>
 #include <QWidget>
@@ -16,11 +17,17 @@
 #include "ui/kit/Application.h"
 #include "ui/kit/FontTable.h"
 
-/// The application object that every window test needs, on a platform without a screen.
+/// The application object that every window test needs, on a platform with two screens that nobody sees: one
+/// where windows open, and to its right one with two pixels for each of the layout.
 class CApplicationEnvironment : public testing::Environment {
  public:
   void SetUp() override {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    ASSERT_TRUE(Screens.open());
+    Screens.write(R"({"screens": [
+        {"name": "dense", "x": 800, "y": 0, "width": 2000, "height": 2000, "dpr": 2},
+        {"name": "plain", "x": 0, "y": 0, "width": 800, "height": 800}]})");
+    Screens.close();
+    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + Screens.fileName().toUtf8());
     Application = std::make_unique<CApplication>(ArgumentCount, Arguments);
   }
   void TearDown() override { Application.reset(); }
@@ -29,12 +36,18 @@ class CApplicationEnvironment : public testing::Environment {
   char Name[5] = "test";
   char* Arguments[2] = {Name, nullptr};
   int ArgumentCount = 1;
+  QTemporaryFile Screens;
   std::unique_ptr<CApplication> Application;
 };
 
 /// Registered before main; the environment goes when the tests have run.
 inline testing::Environment* const kApplicationEnvironment =
     testing::AddGlobalTestEnvironment(std::make_unique<CApplicationEnvironment>().release());
+
+inline void MoveToDenseScreen(QWidget& window) {
+  window.move(810, 10);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return window.devicePixelRatioF() == 2; }));
+}
 
 /// A photo of one colour, as a file's bytes.
 inline std::string MakePhoto(unsigned width, unsigned height, const QColor& hue) {

@@ -135,19 +135,26 @@ void CCellPainter::PaintSeparator(CDevicePainter& painter, int left, int index) 
 
 void CCellPainter::PaintPhoto(CDevicePainter& painter, int left, int index) {
   if (!IsPhoto(index)) return;
-  painter.Fill(Metrics.PictureAreaAt(left), colours::kCell);
-  const QRect box = Metrics.ThumbnailBoxAt(left);
   const CAssetRecord record = Set->GetAsset(index);
   ++ReadThumbnails;
   QImage image;
   if (const std::unique_ptr<CImage> thumbnail = record.LoadThumbnail()) {
     image = FitToImage(*thumbnail, {kThumbnailWidth, kThumbnailHeight}, Metrics.PixelRatio, Enlarging::Never);
   }
-  if (image.isNull()) return PaintNoThumbnail(painter, box, record);
+  if (image.isNull()) {
+    painter.Fill(Metrics.PictureAreaAt(left), colours::kCell);
+    return PaintNoThumbnail(painter, Metrics.ThumbnailBoxAt(left), record);
+  }
   image.setDevicePixelRatio(1.0);
-  const QRect place(box.x() + (box.width() - image.width()) / 2,
-                    box.y() + (box.height() - image.height()) / 2, image.width(), image.height());
-  painter.GetPainter().drawImage(place.topLeft(), image);
+  PaintPicture(painter, left, image);
+}
+
+void CCellPainter::PaintPicture(CDevicePainter& painter, int left, const QImage& picture) const {
+  painter.Fill(Metrics.PictureAreaAt(left), colours::kCell);
+  const QRect box = Metrics.ThumbnailBoxAt(left);
+  const QRect place(box.x() + (box.width() - picture.width()) / 2,
+                    box.y() + (box.height() - picture.height()) / 2, picture.width(), picture.height());
+  painter.GetPainter().drawImage(place.topLeft(), picture);
   DrawDropShadow(painter, PictureId::ThumbnailShadow, kShadowPiece, place);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QImage>
 #include <QRect>
 #include <functional>
 #include <string>
@@ -28,8 +29,11 @@ class CCellPainter {
   void SetPhotoSet(const CPhotoSet* set) { Set = set; }
   void SetMetrics(const StripMetrics& metrics) { Metrics = metrics; }
 
+  bool IsPhoto(int index) const;
   void PaintCell(CDevicePainter& painter, int left, int index, int hotMark);
   void PaintPhoto(CDevicePainter& painter, int left, int index);
+  /// Paints the photo as this picture, which fits the thumbnail's box, instead of its thumbnail.
+  void PaintPicture(CDevicePainter& painter, int left, const QImage& picture) const;
   void PaintMarks(CDevicePainter& painter, int left, int index, int hotMark) const;
   void PaintLabel(CDevicePainter& painter, int left, int index) const;
 
@@ -39,7 +43,6 @@ class CCellPainter {
   int GetReadThumbnails() const { return ReadThumbnails; }
 
  private:
-  bool IsPhoto(int index) const;
   void PaintFilm(CDevicePainter& painter, int left) const;
   void PaintSeparator(CDevicePainter& painter, int left, int index) const;
   void PaintNoThumbnail(CDevicePainter& painter, const QRect& box, const CAssetRecord& record) const;

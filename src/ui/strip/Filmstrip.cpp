@@ -42,10 +42,13 @@ CFilmstrip::CFilmstrip(CFilmstripHost& host, QWidget& parent)
             MoveTo(index);
           },
           [this](int index) { return IsJobRunning() ? QString() : ToQString(Cache.GetLabel(index)); }),
-      Lens(*this, [this](CommandId id, bool isRepeat) {
-        if (!isRepeat) FinishMove();  // every click counts
-        Host.OnCommand(id);
-      }) {
+      Lens(*this,
+           [this](CommandId id, bool isRepeat) {
+             if (!isRepeat) FinishMove();  // every click counts
+             Host.OnCommand(id);
+           }),
+      SharpPictures([this](std::int32_t assetId, const QImage& picture) { ShowSharp(assetId, picture); },
+                    [this] { PrepareCells(); }) {
   setObjectName(QStringLiteral("Strip"));
   setAccessibleName(QStringLiteral("Filmstrip"));
   setAttribute(Qt::WA_OpaquePaintEvent);
@@ -101,6 +104,7 @@ bool CFilmstrip::IsIndex(int index) const { return Set != nullptr && index >= 0 
 
 void CFilmstrip::SetPhotoSet(CPhotoSet* set) {
   DropSlide();
+  SharpPictures.GiveUp();
   Set = set;
   Cache.SetPhotoSet(set);
   if (set != nullptr) {
@@ -119,6 +123,7 @@ void CFilmstrip::SetPhotoSet(CPhotoSet* set) {
 void CFilmstrip::Refresh(int position) {
   if (Set == nullptr) return;
   DropSlide();
+  SharpPictures.GiveUp();
   if (Set->GetCount() == 0) return SetEmpty();
   ShowAll(true);
   int index = position;
@@ -181,6 +186,7 @@ void CFilmstrip::UpdateLayout() {
     ClearHighlight();
     if (layout.GetMetrics() != Layout.GetMetrics() || layout.GetVisibleCount() != Layout.GetVisibleCount() ||
         Cache.GetImage().isNull()) {
+      SharpPictures.GiveUp();
       Cache.SetForm(layout.GetMetrics(), layout.GetVisibleCount());
     }
     Layout = layout;
@@ -204,8 +210,30 @@ void CFilmstrip::FillOneCell() {
   if (WaitsForJob()) return;
   std::optional<CacheSide> side;
   if (isVisible() && !Slide && IsIndex(Current)) side = Cache.GetRun().FindIdleSide(Current, Set->GetCount());
-  if (!side) return IdleTimer.stop();
-  Cache.Extend(1, *side);
+  if (side) return Cache.Extend(1, *side);
+  IdleTimer.stop();
+  SharpenCells();
+}
+
+void CFilmstrip::SharpenCells() {
+  const double ratio = Layout.GetMetrics().PixelRatio;
+  const bool isAtRest = isVisible() && !Slide && !PhotoIsDue && !IdleTimer.isActive() && IsIndex(Current);
+  if (ratio <= 1 || !isAtRest || WaitsForJob()) return;
+  std::vector<PictureWish> wishes;
+  for (const int index : Cache.ListSoftCells(Layout.GetLensCell())) {
+    const CAssetRecord photo = Set->GetAsset(index);
+    if (photo.IsValid()) {
+      wishes.push_back({photo.GetAssetID(), photo.GetPath(), {kThumbnailWidth, kThumbnailHeight}});
+    }
+  }
+  SharpPictures.Prepare(std::move(wishes), ratio);
+}
+
+void CFilmstrip::ShowSharp(std::int32_t assetId, const QImage& picture) {
+  for (const int index : Cache.ListSoftCells(Layout.GetLensCell())) {
+    if (Set->GetAssetId(index) == assetId) Cache.PaintSharp(index, picture);
+  }
+  update();
 }
 
 void CFilmstrip::ShowPosition(double percent) { Bars.SetPosition({percent, Current, Set->GetCount()}); }
@@ -214,7 +242,9 @@ void CFilmstrip::ShowPosition(double percent) { Bars.SetPosition({percent, Curre
 
 void CFilmstrip::RedrawCurrentThumbnail() {
   FinishMove();
+  SharpPictures.GiveUp();
   Cache.RepaintPhoto(Current);
+  if (isVisible()) IdleTimer.start();
   update();
 }
 
@@ -264,6 +294,7 @@ void CFilmstrip::showEvent(QShowEvent*) {
 }
 
 void CFilmstrip::hideEvent(QHideEvent*) {
+  SharpPictures.GiveUp();
   if (WaitsForJob()) return;
   if (Slide) {
     DropSlide();
@@ -324,6 +355,7 @@ void CFilmstrip::MoveTo(int index) {
   if (!IsIndex(index)) return;
   DropSlide();
   if (index == Current && CurrentRecord) return;
+  SharpPictures.GiveUp();
   CancelAnnouncement();
   Current = index;
   RestingId = Set->GetAssetId(index);
@@ -338,6 +370,7 @@ void CFilmstrip::MoveTo(int index) {
 void CFilmstrip::StartSlide(int delta, std::optional<Clock::time_point> begin) {
   CancelAnnouncement();
   IdleTimer.stop();
+  SharpPictures.GiveUp();
   RestingId = Set->GetAssetId(Current + delta);
   const CacheSide side = delta < 0 ? CacheSide::Before : CacheSide::After;
   Cache.Extend(Cache.GetRun().GetMissing(side, delta), side);
@@ -431,6 +464,7 @@ void CFilmstrip::Announce() {
     setAccessibleDescription(ToQString(position + ", " + record->GetFilename()));
   }
   Host.OnCurrentPhotoChanged(record);
+  SharpenCells();  // after the large photo, which is what the user waits for
 }
 
 // The slide show.

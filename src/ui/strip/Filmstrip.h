@@ -10,6 +10,7 @@
 #include "catalog/AssetRecord.h"
 #include "sets/AssetIdSet.h"
 #include "ui/kit/Commands.h"
+#include "ui/kit/SharpPictures.h"
 #include "ui/strip/Lens.h"
 #include "ui/strip/PushBars.h"
 #include "ui/strip/Slide.h"
@@ -51,6 +52,9 @@ class CFilmstripHost : public CCommandTarget {
 ///
 /// A slide goes on by itself while events are handled. Whatever else is asked of the strip meanwhile, but
 /// for a further MoveBy, ends it on its cell first. While a job owns the data the strip shows what it holds.
+///
+/// On a dense screen the cells on view are painted a second time once the strip has come to rest, from the
+/// photos' files: that under the lens first, then outwards. Any move gives up what isn't begun.
 class CFilmstrip : public QWidget {
  public:
   // What Refresh takes besides an index.
@@ -115,6 +119,7 @@ class CFilmstrip : public QWidget {
   int GetReadThumbnails() const { return Cache.GetReadThumbnails(); }
   const StripLayout& GetLayout() const { return Layout; }
   const CStripCache& GetCache() const { return Cache; }
+  const CSharpPictures& GetSharpPictures() const { return SharpPictures; }
 
  protected:
   bool event(QEvent* event) override;
@@ -153,6 +158,9 @@ class CFilmstrip : public QWidget {
   void UpdateLayout();
   void PrepareCells();
   void FillOneCell();
+  /// Lets sharp pictures be made of what is on view, if the strip rests and a thumbnail isn't enough.
+  void SharpenCells();
+  void ShowSharp(std::int32_t assetId, const QImage& picture);
   void ShowPosition(double percent);
 
   StripHit HitTestAt(QPointF point) const;
@@ -186,4 +194,5 @@ class CFilmstrip : public QWidget {
 
   CPushBars Bars;
   CLens Lens;  // above the bars
+  CSharpPictures SharpPictures;
 };

@@ -65,6 +65,7 @@ void CStripCache::SetPhotoSet(const CPhotoSet* set) {
 
 void CStripCache::Clear(int base) {
   Run.Clear();
+  SharpCells.clear();
   Base = base;
 }
 
@@ -81,6 +82,7 @@ void CStripCache::Extend(int count, CacheSide side) {
   try {
     for (int slot = growth.FirstSlot; slot < growth.FirstSlot + growth.Count; ++slot) {
       const int index = Base + slot - Run.GetBefore();
+      SharpCells.erase(index);
       Cells.PaintCell(painter, slot * Metrics.Pitch + Metrics.SeparatorWidth, index, GetHotMarkOf(index));
       ++PaintedCells;
     }
@@ -100,8 +102,32 @@ bool CStripCache::FindFrame(int index, int& left) const {
 void CStripCache::RepaintPhoto(int index) {
   int left = 0;
   if (!FindFrame(index, left)) return;
+  SharpCells.erase(index);
   CDevicePainter painter(Image, Metrics.PixelRatio);
   Cells.PaintPhoto(painter, left, index);
+}
+
+void CStripCache::PaintSharp(int index, const QImage& picture) {
+  int left = 0;
+  if (!FindFrame(index, left)) return;
+  CDevicePainter painter(Image, Metrics.PixelRatio);
+  Cells.PaintPicture(painter, left, picture);
+  SharpCells.insert(index);
+}
+
+std::vector<int> CStripCache::ListSoftCells(int reach) const {
+  std::vector<int> cells;
+  const auto look = [&](int index) {
+    if (Cells.IsPhoto(index) && Run.FindSlot(index - Base) >= 0 && !SharpCells.contains(index)) {
+      cells.push_back(index);
+    }
+  };
+  look(Base);
+  for (int distance = 1; distance <= reach; ++distance) {
+    look(Base + distance);
+    look(Base - distance);
+  }
+  return cells;
 }
 
 void CStripCache::RepaintLabel(int index) {

@@ -2,8 +2,10 @@
 
 #include <QImage>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "ui/strip/CellPainter.h"
 #include "ui/strip/StripLayout.h"
@@ -77,6 +79,12 @@ class CStripCache {
   void RepaintLabel(int index);
   void RepaintMarks(int index);
 
+  /// Paints a sharper picture of the photo, which stays until its cell is painted anew or falls out; nothing
+  /// if the cell isn't held.
+  void PaintSharp(int index, const QImage& picture);
+  /// The cells so many to either side of that under the lens that show a thumbnail, the nearest first.
+  std::vector<int> ListSoftCells(int reach) const;
+
   /// The mark under the pointer, -1 for none, and the cell that it belongs to. False if nothing changes.
   bool SetHotMark(int index, int mark);
   bool HasHotMark() const { return HotMark >= 0; }
@@ -102,6 +110,8 @@ class CStripCache {
   CCellPainter Cells;
   StripMetrics Metrics;
   CacheRun Run;
+  std::set<int>
+      SharpCells;  // by index; some may have fallen out, and count no more when they are painted again
   QImage Image;
   int Base = 0;  // index of the cell that rests under the lens
   int HotIndex = -1;

@@ -59,6 +59,11 @@ class Filmstrip : public CCatalogFixture {
     Cache.StoreBytes(id, std::vector<std::uint8_t>(jpeg.begin(), jpeg.end()));
   }
 
+  std::string FileOf(int photo) const { return Scratch.GetPath() + "/IMG_" + std::to_string(photo) + ".jpg"; }
+  void WriteFile(int photo, const QColor& hue) const {
+    Scratch.Write("IMG_" + std::to_string(photo) + ".jpg", MakePhoto(560, 420, hue));
+  }
+
   /// The strip with so many photos in the order in which they came, at rest on one of them. Three of them
   /// were taken in each month; photo i has i % 5 stars.
   void Begin(int count, int current = 0) {
@@ -66,8 +71,7 @@ class Filmstrip : public CCatalogFixture {
     CAutoCommitPause cachePause(Cache);
     for (int i = 0; i < count; ++i) {
       const int date = kNewYear2003 + (i / 3 * 31 + i % 3) * 86400;
-      StoreThumbnail(AddRow("/nowhere/IMG_" + std::to_string(i) + ".jpg", date, i % 5).GetAssetID(),
-                     HueOf(i));
+      StoreThumbnail(AddRow(FileOf(i), date, i % 5).GetAssetID(), HueOf(i));
     }
     catalogPause.Commit();
     cachePause.Commit();
@@ -149,6 +153,44 @@ TEST_F(Filmstrip, NoCellIsPaintedOrReadTwice) {
       EXPECT_NEAR(image.pixelColor(CellPoint(cell)).hue(), HueOf(Strip.GetCurrentIndex() + cell).hue(), 5);
     }
   }
+}
+
+TEST_F(Filmstrip, CellsGetSharpAtRestOnADenseScreenAlone) {
+  Begin(12, 5);
+  const auto waitUntilSoft = [&](const std::vector<int>& cells) {
+    return QTest::qWaitFor([&] { return Strip.GetCache().ListSoftCells(3) == cells; }, 5000);
+  };
+  const auto hueAt = [&](int distance) { return Painted(Strip).pixelColor(CellPoint(distance)).hue(); };
+  const auto decoded = [&] { return Strip.GetSharpPictures().GetDecodedFiles(); };
+  for (int i = 1; i < 12; ++i) WriteFile(i, QColor(Qt::cyan));
+  EXPECT_EQ(Strip.GetCache().ListSoftCells(2), (std::vector{5, 6, 4, 7, 3}));
+  EXPECT_EQ(decoded(), 0);
+  MoveToDenseScreen(Window);
+  ASSERT_TRUE(waitUntilSoft({}));
+  EXPECT_EQ(decoded(), kVisible);
+  for (const int cell : {-3, 0, 3}) EXPECT_NEAR(hueAt(cell), QColor(Qt::cyan).hue(), 5) << cell;
+
+  for (const int end : {6, 7, 8}) {  // as a held key does
+    Strip.MoveBy(1);
+    Strip.MoveBy(1);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return Strip.GetCurrentIndex() >= end; }));
+  }
+  EXPECT_EQ(decoded(), kVisible);
+  ASSERT_TRUE(WaitForPhoto() && waitUntilSoft({}));
+
+  // The photo is changed: its new thumbnail shows at once, then its new picture.
+  WriteFile(Strip.GetCurrentIndex(), QColor(Qt::green));
+  StoreThumbnail(IdAt(Strip.GetCurrentIndex()), QColor(Qt::blue));
+  Strip.RedrawCurrentThumbnail();
+  EXPECT_NEAR(hueAt(0), QColor(Qt::blue).hue(), 5);
+  ASSERT_TRUE(waitUntilSoft({}));
+  EXPECT_NEAR(hueAt(0), QColor(Qt::green).hue(), 5);
+
+  Strip.MoveTo(0);
+  ASSERT_TRUE(waitUntilSoft({0})) << "it has no file";
+  EXPECT_NEAR(hueAt(0), HueOf(0).hue(), 5);
+  Window.move(0, 0);
+  EXPECT_TRUE(waitUntilSoft({0, 1, 2, 3}));
 }
 
 TEST_F(Filmstrip, HeldKeySlidesOnLoadsNothingAndStopsWhenLetGo) {
