@@ -2,6 +2,7 @@
 
 #include <QImage>
 #include <QRect>
+#include <vector>
 
 #include "ui/pages/PhotoGrid.h"
 
@@ -31,17 +32,27 @@ class CGridPicture {
   /// Paints a cell anew, if it has been painted.
   QRect Repaint(int index);
 
+  /// The box of a photo in its cell, in pixels of the layout: no larger than a thumbnail can be.
+  QSize GetPhotoBox() const;
+  /// The cells on view that have been painted from thumbnails with fewer pixels than the screen has there.
+  std::vector<int> ListSoftCells() const;
+  /// Paints a sharper picture of a photo, which stays until its cell is painted anew.
+  QRect PaintSharp(int index, const QImage& picture);
+
   /// Null without a picture.
   const QImage& GetImage() const { return Image; }
 
  private:
   QRect PaintCell(int index);
-  void PaintPhoto(CDevicePainter& painter, const QRect& cell, int index);
+  QRect BeginCell(CDevicePainter& painter, int index) const;
+  QImage MakePicture(int index);
+  void PaintPicture(CDevicePainter& painter, const QRect& cell, const QImage& picture) const;
   void PaintPath(CDevicePainter& painter, const QRect& cell, int index);
 
   CListPhotoSet& Photos;
   PhotoGrid Grid;
   double PixelRatio = 1.0;
   QImage Image;
-  int Painted = 0;  // cells, from the first on
+  int Painted = 0;          // cells, from the first on
+  std::vector<bool> Sharp;  // of the painted cells
 };

@@ -48,7 +48,16 @@ int MeasureHelp(FontId font, const QString& text, int width) {
 
 CPhotoTab::CPhotoTab(const PhotoTabForm& form, CCatalog& catalog, CViewTabBar& bar, CPhotoTabHost& host,
                      QWidget* parent)
-    : QWidget(parent), Form(form), Catalog(catalog), Bar(bar), Host(host) {
+    : QWidget(parent),
+      Form(form),
+      Catalog(catalog),
+      Bar(bar),
+      Host(host),
+      SharpPictures(
+          [this](std::int32_t assetId, const QImage& picture) {
+            update(Picture.PaintSharp(Photos.IndexOf(assetId), picture));
+          },
+          [this] { PaintSomeCells(); }) {
   setObjectName(QString::fromLatin1(form.WindowName));
   setAttribute(Qt::WA_OpaquePaintEvent);
   setFocusPolicy(Qt::TabFocus);
@@ -162,7 +171,9 @@ void CPhotoTab::RefreshThumbnail(std::int32_t assetId) {
   const int index = Photos.IndexOf(assetId);
   if (index < 0) return;
   Photos.RefreshThumbnail(assetId);
+  SharpPictures.GiveUp();
   update(Picture.Repaint(index));
+  PaintSomeCells();
   TellItemName(index);
 }
 
@@ -259,6 +270,7 @@ void CPhotoTab::LayOut(int firstChanged) {
   const PhotoGrid grid = FitPhotoGrid(size(), GetCount());
   const bool isNew = grid != Grid || Picture.GetImage().isNull();
   Grid = grid;
+  SharpPictures.GiveUp();
   if (!isVisible()) return;
   if (isNew) Picture.SetForm(size(), Grid, devicePixelRatioF());
   if (isNew || Picture.EmptyFrom(firstChanged) || firstChanged == 0) update();
@@ -277,9 +289,20 @@ void CPhotoTab::PaintSomeCells() {
   while (!Picture.IsComplete() && time.elapsed() < kPaintTime) update(Picture.PaintNext());
   if (Picture.IsComplete()) {
     PaintTimer.stop();
+    SharpenCells();
   } else if (!PaintTimer.isActive()) {
     PaintTimer.start();
   }
+}
+
+void CPhotoTab::SharpenCells() {
+  if (!isVisible()) return;
+  std::vector<PictureWish> wishes;
+  for (const int index : Picture.ListSoftCells()) {
+    const CAssetRecord photo = Photos.GetAsset(index);
+    if (photo.IsValid()) wishes.push_back({photo.GetAssetID(), photo.GetPath(), Picture.GetPhotoBox()});
+  }
+  SharpPictures.Prepare(std::move(wishes), devicePixelRatioF());
 }
 
 bool CPhotoTab::event(QEvent* event) {
@@ -299,6 +322,7 @@ void CPhotoTab::showEvent(QShowEvent*) { LayOut(0); }
 
 void CPhotoTab::hideEvent(QHideEvent*) {
   PaintTimer.stop();
+  SharpPictures.GiveUp();
   Picture.Clear();
 }
 

@@ -15,6 +15,7 @@
 #include "sets/QuerySet.h"
 #include "ui/kit/Commands.h"
 #include "ui/kit/PaintedItems.h"
+#include "ui/kit/SharpPictures.h"
 #include "ui/pages/GridPicture.h"
 #include "ui/pages/PhotoGrid.h"
 
@@ -98,6 +99,8 @@ class CPhotoTab : public QWidget, public CPaintedItems {
   /// Gives the bar the page's tab, or takes it away.
   void UpdatePresence();
 
+  const CSharpPictures& GetSharpPictures() const { return SharpPictures; }
+
   // Its photos, for assistive tools.
   int CountItems() const override { return GetCount(); }
   int GetItemKey(int index) const override { return Photos.GetAssetId(index); }
@@ -144,6 +147,8 @@ class CPhotoTab : public QWidget, public CPaintedItems {
   void ShowMembers(int firstChanged, std::int32_t selectedId);
   void LayOut(int firstChanged);
   void PaintSomeCells();
+  /// Lets sharp pictures be made of the cells for which thumbnails aren't enough on this screen.
+  void SharpenCells();
   void UpdateCaption();
   void PaintHelp(CDevicePainter& painter) const;
   void TellAccessibleName();
@@ -156,6 +161,7 @@ class CPhotoTab : public QWidget, public CPaintedItems {
   PhotoGrid Grid;
   CGridPicture Picture{Photos};
   QTimer PaintTimer;  // runs while cells wait to be painted
+  CSharpPictures SharpPictures;
   int Selected = -1;
   std::int32_t RecentRoll = -1;  // what AddRecent adds next; -1 for the newest roll
 };

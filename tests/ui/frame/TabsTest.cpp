@@ -287,3 +287,23 @@ TEST_F(Tabs, TabLeadsThroughPageAndButtonsAndBack) {
   Select(ViewTabId::CurrentPhoto);
   EXPECT_TRUE(frame.hasFocus()) << "the focus leaves with the row";
 }
+
+TEST_F(Tabs, PagesGetSharpOnADenseScreenAndFollowAChangedPhoto) {
+  WritePhotos(3);
+  Start(0);
+  for (int i = 0; i < 3; ++i) Frame->ToggleInTab(Photo(i), ViewTabId::Email, false);
+  Select(ViewTabId::Email);
+  const auto hueOf = [&](int index) {
+    return Painted(Email()).pixelColor(Email().DescribeItem(index).Place.center() * 2).hue();
+  };
+  const auto waitFor = [&](int index, const QColor& colour) {
+    return QTest::qWaitFor([&] { return std::abs(hueOf(index) - colour.hue()) < 5; }, 5000);
+  };
+  Scratch.Write(PhotoName(1), MakePhoto(320, 240, QColor(Qt::cyan)));  // which no thumbnail tells
+  MoveToDenseScreen(*Frame);
+  ASSERT_TRUE(waitFor(1, Qt::cyan));
+  Scratch.Write(PhotoName(1), MakePhoto(320, 240, QColor(Qt::magenta)));
+  Email().RefreshThumbnail(Photo(1).GetAssetID());
+  EXPECT_NEAR(hueOf(1), kHues[1].hue(), 5) << "its thumbnail, at once";
+  ASSERT_TRUE(waitFor(1, Qt::magenta));
+}
