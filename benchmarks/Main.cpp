@@ -26,7 +26,7 @@ constexpr std::array kBenchmarks{
     Benchmark{"catalog", "a catalog of 100,000 photos", RunCatalogBench},
     Benchmark{"sets", "sets of 100,000 photos", RunSetBench},
     Benchmark{"edit", "turning and correcting photos", RunEditBench},
-    Benchmark{"view", "showing photos upright, and the next one", RunViewBench},
+    Benchmark{"view", "showing photos upright, the next one, and sharp cells", RunViewBench},
     Benchmark{"import", "new photos and the second start", RunImportBench},
 };
 

@@ -3,24 +3,28 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "BenchPhotos.h"
 #include "Benchmarks.h"
 #include "ChildRun.h"
 #include "Measure.h"
+#include "PlainDecode.h"
 #include "app/DataStores.h"
 #include "base/Settings.h"
 #include "discovery/FolderSearch.h"
 #include "imaging/Image.h"
 #include "imaging/PreparedPhoto.h"
 #include "imaging/WayUp.h"
+#include "sets/PhotoSet.h"
 #include "ui/frame/MainFrame.h"
 #include "ui/kit/Application.h"
 #include "ui/kit/FontTable.h"
@@ -34,6 +38,8 @@ using Bytes = std::vector<std::uint8_t>;
 using Clock = std::chrono::steady_clock;
 
 constexpr int kPhotos = 8;
+constexpr int kCells = 13;  // of the strip on a screen twice as wide
+constexpr int kCellRounds = 7;
 constexpr int kRounds = 25;
 constexpr ImageSize kScreen{1920, 1080};
 constexpr ImageSize kThumbnailBox{140, 105};
@@ -131,6 +137,53 @@ void CompareSteps(const BenchPhotos& photos, int number) {
   PrintRatio("key to photo / the slide alone", figures[1] / figures[0], Limit::AtMost, 1.5);
 }
 
+/// From the time that the strip rests, and the large photo shows, until all cells on view are sharp. The
+/// files are touched before, so that no picture that is held is given for them.
+double MeasureCells(CMainFrame& frame) {
+  CFilmstrip& strip = frame.GetStrip();
+  const int reach = strip.GetLayout().GetLensCell();
+  const auto waitUntilSharp = [&] {
+    while (!strip.GetCache().ListSoftCells(reach).empty()) {
+      QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+  };
+  strip.MoveTo(0);
+  waitUntilSharp();
+  const CPhotoSet& photos = frame.GetPhotoSet();
+  for (int i = 0; i < photos.GetCount(); ++i) {
+    std::filesystem::last_write_time(photos.GetAsset(i).GetPath(),
+                                     std::filesystem::file_time_type::clock::now());
+  }
+  strip.MoveTo(photos.GetCount() / 2);
+  const auto start = Clock::now();
+  waitUntilSharp();
+  return SecondsSince(start);
+}
+
+void CompareCells() {
+  const BenchPhotos photos = MakeBenchPhotos(kCells, kKinds[0].Width, kKinds[0].Height);
+  const CScratchFolder scratch("cells");
+  setenv("QT_SCALE_FACTOR", "2", 1);
+  const auto figures = RunChild({kViewChild}, MakeHome(scratch.GetPath(), 0, photos.Folder)).Values;
+  unsetenv("QT_SCALE_FACTOR");
+  std::printf("  %d cells sharp at ratio 2: %.0f ms; plain loop on all cores: %.0f ms\n", kCells,
+              figures[0] * 1e3, figures[1] * 1e3);
+  // The neighbours of the large photo are decoded at the same time.
+  PrintRatio("sharp cells / plain loop", figures[2], Limit::AtMost, 2);
+}
+
+/// In a child with a dense screen. The cells and the plain loop take turns.
+void MeasureDenseScreen(CMainFrame& frame) {
+  const std::string folder = frame.GetPhotoSet().GetAsset(0).GetFolder();
+  std::array<std::vector<double>, 3> figures;
+  for (int round = 0; round < kCellRounds; ++round) {
+    figures[0].push_back(MeasureCells(frame));
+    figures[1].push_back(DecodePlainly(folder, std::thread::hardware_concurrency()));
+    figures[2].push_back(figures[0].back() / figures[1].back());
+  }
+  PrintChildFigures({Median(figures[0]), Median(figures[1]), Median(figures[2])});
+}
+
 }  // namespace
 
 void RunViewChild() {
@@ -152,6 +205,7 @@ void RunViewChild() {
   }
   frame.resize(kScreen.Width, kScreen.Height);
   frame.show();
+  if (frame.devicePixelRatioF() > 1) return MeasureDenseScreen(frame);
   frame.GetStrip().MoveTo(0);
   std::array<std::vector<double>, 2> times;
   for (int round = 0; round < 2; ++round) {
@@ -176,4 +230,5 @@ void RunViewBench() {
     MeasureLooks(photos);
     CompareSteps(made, kind.Width);
   }
+  CompareCells();
 }
