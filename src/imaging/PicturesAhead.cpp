@@ -1,22 +1,13 @@
 #include "imaging/PicturesAhead.h"
 
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 #include "imaging/ImageFile.h"
 
 namespace {
 
-// A file that was changed so shortly ago can change again without showing it.
-constexpr std::chrono::milliseconds kUnsureTime{20};
-
 constexpr std::uint64_t kBytesPerPixel = 3;
-
-bool IsSure(const platform::FileStatus& status) {
-  const auto now = std::chrono::system_clock::now().time_since_epoch();
-  return now - std::chrono::nanoseconds(status.ChangeTime) >= kUnsureTime;
-}
 
 std::uint64_t GetBitmapBytes(ImageSize size) {
   return static_cast<std::uint64_t>(size.Width) * static_cast<std::uint64_t>(size.Height) * kBytesPerPixel;
@@ -107,7 +98,7 @@ void CPicturesAhead::Work(const std::stop_token& stop) {
 /// pixels.
 void CPicturesAhead::Decode(Picture& picture) {
   try {
-    if (platform::GetStatus(picture.Path, picture.Status) || !IsSure(picture.Status)) return;
+    if (platform::GetStatus(picture.Path, picture.Status) || !platform::HasSettled(picture.Status)) return;
     const ImageSize size = GetDecodedSize(ReadImageSize(picture.Path), picture.Box);
     picture.Share = GetAheadMemory().TakeIfFree(GetBitmapBytes(size));
     if (picture.Share) picture.Image = LoadImageFile(picture.Path, picture.Box.Width, picture.Box.Height);
