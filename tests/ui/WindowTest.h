@@ -67,6 +67,12 @@ inline void When(const std::function<bool()>& condition, const std::function<voi
   timer->start(2);
 }
 
+/// Does `then`, once, with the dialog that shows next.
+inline void WhenDialogShows(const std::function<void(QWidget&)>& then) {
+  When([] { return QApplication::activeModalWidget() != nullptr; },
+       [then] { then(*QApplication::activeModalWidget()); });
+}
+
 /// What a widget paints, one pixel for one of the layout.
 inline QImage Painted(QWidget& widget) {
   return widget.grab().toImage().convertToFormat(QImage::Format_RGB32);

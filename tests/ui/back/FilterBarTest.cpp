@@ -71,13 +71,10 @@ class FilterBar : public CStoresFixture, public CFilterBarHost {
   }
   /// Picks an item that opens the list of folders, and there the entry of that row; -1 cancels.
   void PickFromList(FolderItem item, int row) {
-    const auto answer = [row] {
-      QWidget* dialog = QApplication::activeModalWidget();
-      const auto buttons = dialog->findChildren<QPushButton*>();
-      if (row >= 0) dialog->findChild<QListWidget*>()->item(row)->setSelected(true);
-      buttons[row >= 0 ? 0 : 1]->click();
-    };
-    When([] { return QApplication::activeModalWidget() != nullptr; }, answer);
+    WhenDialogShows([row](QWidget& dialog) {
+      if (row >= 0) dialog.findChild<QListWidget*>()->item(row)->setSelected(true);
+      dialog.findChildren<QPushButton*>()[row >= 0 ? 0 : 1]->click();
+    });
     PickFolder(item);
   }
 

@@ -13,8 +13,7 @@ class InfoWindow : public CHomeFixture {};
 
 TEST_F(InfoWindow, KeysGoThroughTheButtonsAndWhatNothingOpensIsTold) {
   QWidget main;
-  const auto use = [&] {
-    QWidget& window = *QApplication::activeModalWidget();
+  WhenDialogShows([&](QWidget& window) {
     EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
     ShowInfoWindow(main);  // not a second time
     EXPECT_EQ(window.focusWidget()->accessibleName(), "Close");
@@ -29,8 +28,7 @@ TEST_F(InfoWindow, KeysGoThroughTheButtonsAndWhatNothingOpensIsTold) {
     Press({Qt::Key_Return});
     EXPECT_FALSE(window.isVisible());
     window.close();
-  };
-  When([] { return QApplication::activeModalWidget() != nullptr; }, use);
+  });
   ShowInfoWindow(main);
   // The test's platform opens nothing.
   EXPECT_THAT(Messages.Texts, ElementsAre(EndsWith("/bin/QuickStart.htm could not be opened."),

@@ -10,8 +10,7 @@ namespace {
 /// Shows a box, lets `end` see it and end it, and returns its answer.
 bool Answer(bool okCancel, const std::function<void(QMessageBox&)>& end) {
   CWindowMessageBox messages;
-  When([] { return QApplication::activeModalWidget() != nullptr; },
-       [&] { end(*qobject_cast<QMessageBox*>(QApplication::activeModalWidget())); });
+  WhenDialogShows([&](QWidget& dialog) { end(dynamic_cast<QMessageBox&>(dialog)); });
   return messages.Show("A title", "<b>\xFF.jpg</b>", okCancel, MessageParent::MainWindow);
 }
 
