@@ -210,22 +210,20 @@ TEST(ExifReaderTest, DepthCyclesAndStormsOfPointersAreLimited) {
 }
 
 TEST(ExifReaderTest, TheWayUpIsOneShortNumberOfTheFirstDirectory) {
-  const auto read = [](const CExifFile& file) { return ReadWayUp(file.Jpeg()); };
-  const struct {
-    unsigned Tag, Type;
-    std::uint32_t Count, Value;
-    WayUp Expected;
-  } cases[] = {{0x0112, 3, 1, 6, WayUp::TurnRight}, {0x0112, 3, 1, 0, WayUp::AsStored},
-               {0x0112, 3, 1, 9, WayUp::AsStored},  {0x0112, 3, 2, 6, WayUp::AsStored},
-               {0x0112, 4, 1, 6, WayUp::AsStored},  {0x0112, 3, 0xFFFFFFFF, 6, WayUp::AsStored},
-               {0x0113, 3, 1, 6, WayUp::AsStored}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(read(CExifFile().Count(1).Entry(c.Tag, c.Type, c.Count, c.Value).Link(0, "....")), c.Expected);
-  }
+  const auto read = [](unsigned tag, unsigned type, unsigned count, unsigned value, bool bigEndian = false) {
+    return ReadWayUp(CExifFile(bigEndian).Count(1).Entry(tag, type, count, value).Link(0, "....").Jpeg());
+  };
+  EXPECT_EQ(read(0x0112, 3, 1, 6), WayUp::TurnRight);
   // A number of two bytes comes first in its field in either byte order.
-  EXPECT_EQ(read(CExifFile(true).Count(1).Entry(0x0112, 3, 1, 8U << 16).Link(0, "....")), WayUp::TurnLeft);
-  CExifFile elsewhere;  // in the directory of the small picture inside the file, and in that of the camera
+  EXPECT_EQ(read(0x0112, 3, 1, 8U << 16, true), WayUp::TurnLeft);
+  const unsigned others[][4] = {{0x0112, 3, 1, 0}, {0x0112, 3, 1, 9},          {0x0112, 3, 2, 6},
+                                {0x0112, 4, 1, 6}, {0x0112, 3, 0xFFFFFFFF, 6}, {0x0113, 3, 1, 6}};
+  for (const auto& [tag, type, count, value] : others) {
+    EXPECT_EQ(read(tag, type, count, value), WayUp::AsStored) << &tag - others[0];
+  }
+  CExifFile endless, elsewhere;
+  // In the directory of the small picture inside the file, and in that of the camera.
   elsewhere.Count(1).Entry(kExif, 4, 1, 26).Link(26).Count(1).Entry(0x0112, 3, 1, 6).Link(0, "....");
-  EXPECT_EQ(read(elsewhere), WayUp::AsStored);
-  EXPECT_EQ(read(CExifFile().Count(5000).Entry(0x0112, 3, 1, 6)), WayUp::AsStored) << "it has no end";
+  endless.Count(5000).Entry(0x0112, 3, 1, 6);
+  for (const CExifFile* file : {&endless, &elsewhere}) EXPECT_EQ(ReadWayUp(file->Jpeg()), WayUp::AsStored);
 }

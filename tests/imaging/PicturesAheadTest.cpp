@@ -14,16 +14,10 @@ void WaitUntil(const std::function<bool()>& condition) {
   EXPECT_TRUE(condition());
 }
 
-/// Writes a photo and waits until its times tell it from one that is written next.
-std::string WriteSettled(const CScratchFolder& scratch, const std::string& name, const std::string& bytes) {
-  const std::string path = scratch.Write(name, bytes);
-  platform::FileStatus status;
-  EXPECT_FALSE(platform::GetStatus(path, status));
-  WaitUntil([&] {
-    const auto now = std::chrono::system_clock::now().time_since_epoch();
-    return now - std::chrono::nanoseconds(status.ChangeTime) > std::chrono::milliseconds(20);
-  });
-  return path;
+/// Waits until the times of what is written from now on differ from those of what was written.
+void Settle() {
+  const auto begin = std::chrono::steady_clock::now();
+  WaitUntil([begin] { return std::chrono::steady_clock::now() - begin > std::chrono::milliseconds(25); });
 }
 
 }  // namespace
@@ -31,14 +25,14 @@ std::string WriteSettled(const CScratchFolder& scratch, const std::string& name,
 TEST(PicturesAheadTest, GivesEachPictureOnceAndNoneOfAFileThatChanged) {
   const CScratchFolder scratch;
   const std::string jpeg = MakeJpeg(400, 300, 9, 99, 199);
-  const std::string noPicture = WriteSettled(scratch, "c.jpg", "no picture");
-  const std::string a = WriteSettled(scratch, "a.jpg", jpeg), b = WriteSettled(scratch, "b.jpg", jpeg);
+  const std::string a = scratch.Write("a.jpg", jpeg), b = scratch.Write("b.jpg", jpeg);
+  const std::string noPicture = scratch.Write("c.jpg", "no picture"), none = scratch.File("none.jpg");
+  const std::string tiff = scratch.Write("d.tif", jpeg);
+  Settle();
   CPicturesAhead ahead;
-  ahead.Prepare({noPicture, scratch.File("none.jpg"), a, b, scratch.Write("d.tif", jpeg)}, {100, 100});
+  ahead.Prepare({noPicture, none, a, b, tiff}, {100, 100});
   WaitUntil([&] { return ahead.Has(a) && ahead.Has(b); });
-  for (const std::string& path : {noPicture, scratch.File("none.jpg"), scratch.File("d.tif")}) {
-    EXPECT_EQ(ahead.Take(path), nullptr) << path;
-  }
+  for (const std::string& path : {noPicture, none, tiff}) EXPECT_EQ(ahead.Take(path), nullptr) << path;
   const auto picture = ahead.Take(a);
   ASSERT_NE(picture, nullptr);
   EXPECT_EQ(picture->GetCurrentSize(), (ImageSize{100, 75}));
@@ -60,8 +54,9 @@ TEST(PicturesAheadTest, GivesEachPictureOnceAndNoneOfAFileThatChanged) {
 
 TEST(PicturesAheadTest, WhatHasNoRoomIsLeftOut) {
   const CScratchFolder scratch;
-  const std::string large = WriteSettled(scratch, "large.jpg", MakeJpeg(300, 200, 9, 99, 199));
-  const std::string tiny = WriteSettled(scratch, "tiny.jpg", MakeJpeg(8, 8, 9, 99, 199));
+  const std::string large = scratch.Write("large.jpg", MakeJpeg(300, 200, 9, 99, 199));
+  const std::string tiny = scratch.Write("tiny.jpg", MakeJpeg(8, 8, 9, 99, 199));
+  Settle();
   auto room = GetAheadMemory().TakeIfFree(1024);
   std::vector<std::unique_ptr<CMemoryShare>> taken;
   for (std::uint64_t bytes = std::uint64_t{1} << 40; bytes > 0; bytes /= 2) {

@@ -1,11 +1,8 @@
 #pragma once
 
 #include <algorithm>
-#include <cstddef>
-#include <cstdlib>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "imaging/PixelBuffer.h"
 #include "support/TestJpeg.h"
@@ -13,38 +10,29 @@
 /// Photos with a red, a green, a blue and a white quarter, which tell left from right and up from down, and
 /// are stored as a camera that was held in some way stores them.
 
-/// Where a stored pixel is seen. What EXIF says of its values 1 to 8: on which side of the picture that is
-/// seen the first stored row lies, and on which the first column.
+/// Where a stored pixel is seen. EXIF's values 1 to 4 put the first stored pixel into the corners of the
+/// picture that is seen, clockwise from the upper left one; 5 to 8 do so and make columns of the rows.
 inline std::pair<int, int> SeenAt(unsigned orientation, int row, int column, ImageSize seen) {
-  static constexpr const char* kFirstRowAndColumn[] = {"TL", "TR", "BR", "BL", "LT", "RT", "RB", "LB"};
-  std::pair<int, int> place;
-  const auto measure = [&](char side, int distance) {
-    if (side == 'T') place.second = distance;
-    if (side == 'B') place.second = seen.Height - 1 - distance;
-    if (side == 'L') place.first = distance;
-    if (side == 'R') place.first = seen.Width - 1 - distance;
-  };
-  measure(kFirstRowAndColumn[orientation - 1][0], row);
-  measure(kFirstRowAndColumn[orientation - 1][1], column);
-  return place;
+  if (orientation > 4) std::swap(row, column);
+  const unsigned corner = (orientation - 1) % 4;
+  return {corner == 1 || corner == 2 ? seen.Width - 1 - column : column,
+          corner >= 2 ? seen.Height - 1 - row : row};
 }
 
-/// Seen with red and green above, blue and white below, and a black cross between them.
-inline std::vector<std::uint8_t> MakeCornersJpeg(unsigned orientation, ImageSize seen) {
-  const bool swaps = orientation > 4;
-  const JpegRecipe recipe{.Width = swaps ? seen.Height : seen.Width,
-                          .Height = swaps ? seen.Width : seen.Height,
-                          .Orientation = orientation};
-  return MakeJpeg(recipe, [&](int x, int y) -> std::array<std::uint8_t, 4> {
-    const auto [seenX, seenY] = SeenAt(orientation, y, x, seen);
-    const bool right = 2 * seenX >= seen.Width;
-    const bool below = 2 * seenY >= seen.Height;
-    const auto isNearMiddle = [](int place, int side) { return std::abs(2 * place - side) < side / 8; };
-    if (isNearMiddle(seenX, seen.Width) || isNearMiddle(seenY, seen.Height)) return {0, 0, 0};
-    if (right && below) return {255, 255, 255};
-    return {static_cast<std::uint8_t>(right || below ? 0 : 255), static_cast<std::uint8_t>(right ? 255 : 0),
-            static_cast<std::uint8_t>(below ? 255 : 0)};
+/// Seen with red and green above, blue and white below, and black at the upper and the left edge.
+inline std::string MakeCornersJpeg(unsigned orientation, ImageSize seen) {
+  JpegRecipe recipe{.Width = seen.Width, .Height = seen.Height, .Orientation = orientation};
+  if (orientation > 4) std::swap(recipe.Width, recipe.Height);
+  const auto jpeg = MakeJpeg(recipe, [&](int column, int row) -> std::array<std::uint8_t, 4> {
+    const auto [x, y] = SeenAt(orientation, row, column, seen);
+    if (x < seen.Width / 8 || y < seen.Height / 8) return {0, 0, 0};
+    const bool right = 2 * x >= seen.Width, below = 2 * y >= seen.Height;
+    if (below && right) return {255, 255, 255};
+    if (below) return {0, 0, 255};
+    if (right) return {0, 255, 0};
+    return {255, 0, 0};
   });
+  return {jpeg.begin(), jpeg.end()};
 }
 
 /// The colours of the quarters, from left to right and from above: "RGBW" for a photo that stands upright.
