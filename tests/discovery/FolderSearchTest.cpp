@@ -293,11 +293,10 @@ TEST_F(FolderSearchTest, AnImportKilledAtAnyMomentLeavesWholeStores) {
     Scratch.Write("vellumar.db", emptyCatalog);
     std::filesystem::remove(In(nameOf(kill)));
     interrupted += RunAndKill(
-        [this](const auto& report) {
+        [this](const auto& begins) {
           OpenStores();
-          report(1);
+          begins();
           Search.SearchFolder(Pictures(), true);
-          report(0);
         },
         std::chrono::microseconds(random() % 60000));
     Restart();

@@ -2,8 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
-
 #include "platform/Faults.h"
 #include "support/CatalogFixture.h"
 #include "support/FaultSteps.h"
@@ -22,16 +20,6 @@ class CEditingFixture : public CCatalogFixture {
 
   std::string InFolder(const std::string& name) const { return Pictures() + "/" + name; }
 
-  /// In order; none if there is no such folder.
-  static std::vector<std::string> NamesIn(const std::string& folder) {
-    std::vector<std::string> names;
-    std::error_code missing;
-    for (const auto& entry : std::filesystem::directory_iterator(folder, missing)) {
-      names.push_back(entry.path().filename().string());
-    }
-    std::ranges::sort(names);
-    return names;
-  }
   std::vector<std::string> NamesInFolder() const { return NamesIn(Pictures()); }
 
   std::string Now() const { return ReadBytes(Photo.GetPath()); }

@@ -17,14 +17,6 @@ std::error_code Replace(const std::string& path) {
   return platform::WriteFileAtomically(path, kNew.data(), kNew.size());
 }
 
-std::vector<std::string> NamesIn(const std::string& folder) {
-  std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-    names.push_back(entry.path().filename().string());
-  }
-  return names;
-}
-
 unsigned ModeOf(const std::string& path) {
   platform::FileStatus status;
   EXPECT_FALSE(platform::GetStatus(path, status));

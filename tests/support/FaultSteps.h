@@ -90,27 +90,25 @@ inline bool RunAsNobody(const std::function<bool()>& work) {
   return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-/// Runs `work` in a child and kills it, unless it has ended by then, `delay` after its first report. Returns
-/// the last value that it reported. Call it before the test makes threads.
-inline int RunAndKill(const std::function<void(const std::function<void(int)>& report)>& work,
-                      std::chrono::microseconds delay) {
+/// Runs `work` in a child and kills it `delay` after it has called `begins`. Whether it was killed before it
+/// came to its end. Call it before the test makes threads.
+inline bool RunAndKill(const std::function<void(const std::function<void()>& begins)>& work,
+                       std::chrono::microseconds delay) {
   int ends[2] = {};
   EXPECT_EQ(::pipe(ends), 0);
   const pid_t child = ::fork();
   if (child < 0) throw std::runtime_error("no child");
   if (child == 0) {
-    work([&ends](int value) {
-      if (::write(ends[1], &value, sizeof value) != sizeof value) ::_exit(3);
-    });
+    work([&ends] { ::close(ends[1]); });
     ::_exit(0);
   }
   ::close(ends[1]);
-  int last = 0;
-  EXPECT_EQ(::read(ends[0], &last, sizeof last), sizeof last);
+  char none = 0;
+  EXPECT_EQ(::read(ends[0], &none, 1), 0) << "waits until the other end is closed";
+  ::close(ends[0]);
   std::this_thread::sleep_for(delay);
   ::kill(child, SIGKILL);
-  for (int value = 0; ::read(ends[0], &value, sizeof value) == sizeof value;) last = value;
-  ::close(ends[0]);
-  ::waitpid(child, nullptr, 0);
-  return last;
+  int status = 0;
+  EXPECT_EQ(::waitpid(child, &status, 0), child);
+  return WIFSIGNALED(status);
 }
