@@ -1,11 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "platform/LocalTime.h"
 #include "platform/LocaleDate.h"
 #include "support/EnvironmentVariable.h"
 
 using platform::CalendarDate;
-using platform::DaylightSaving;
 using platform::ReadDate;
 
 constexpr int kThisYear = 2026;
@@ -48,19 +46,4 @@ TEST(LocaleDate, DaysThatDoNotExistAndOtherTextsAreRefused) {
       "200308091",  "Aug 99, 2003", "Foo 9, 2003", "8x9x2003",  "\xff\xfe 8/9"};
   for (const char* text : texts) EXPECT_EQ(ReadDate(text, kThisYear, "en_US"), std::nullopt) << text;
   EXPECT_EQ(ReadDate(std::string(100000, '9'), kThisYear), std::nullopt);
-}
-
-TEST(LocalTime, CanLeaveDaylightSavingOffInSummer) {
-  const CEnvironmentVariable zone("TZ", "Europe/Berlin");
-  std::tm winter{}, summer{};
-  ASSERT_NE(::strptime("2003-01-15 12:00", "%F %R", &winter), nullptr);
-  ASSERT_NE(::strptime("2003-07-15 12:00", "%F %R", &summer), nullptr);
-  EXPECT_EQ(platform::FromLocalTime(winter, DaylightSaving::Off), 1042628400);
-  EXPECT_EQ(platform::FromLocalTime(winter, DaylightSaving::AsInForce), 1042628400);
-  EXPECT_EQ(platform::FromLocalTime(summer, DaylightSaving::Off), 1058263200 + 3600);
-  EXPECT_EQ(platform::FromLocalTime(summer, DaylightSaving::AsInForce), 1058263200);
-  std::tm local{};
-  const CEnvironmentVariable other("TZ", "Asia/Tokyo");
-  ASSERT_TRUE(platform::ToLocalTime(0, local));
-  EXPECT_EQ(local.tm_hour, 9) << "a change of the zone is followed";
 }

@@ -46,7 +46,7 @@ TEST(CommandTable, KeysOfEveryLayoutReachTheirCommand) {
   }
 }
 
-TEST(HelpPage, ListsTheKeysOfEveryCommandAndNeedsNothingFromElsewhere) {
+TEST(HelpPage, ListsTheKeysOfEveryCommand) {
   const auto nameOf = [](const KeyChord& chord) {
     const QKeyCombination keys(chord.Modifiers, static_cast<Qt::Key>(chord.Key));
     QString name = QKeySequence(keys).toString(QKeySequence::PortableText);
@@ -73,7 +73,4 @@ TEST(HelpPage, ListsTheKeysOfEveryCommandAndNeedsNothingFromElsewhere) {
     }
   }
   EXPECT_EQ(keysOfPage, keys);
-  for (const char* foreign : {"<script", "src=", "href=\"http", "url(", "@import"}) {
-    EXPECT_FALSE(page.contains(QLatin1String(foreign))) << foreign;
-  }
 }

@@ -118,7 +118,6 @@ TEST_F(PaintedButton, CaptionStaysWithItsButtonOrComesWithThePointer) {
 
 TEST_F(PaintedButton, AssistiveToolsSeeAButtonAndPressIt) {
   const std::tuple<PictureId, const char*, const char*, const char*> rows[] = {
-      {PictureId::NextGroup, "Go to next group", "", "Down Arrow"},
       {PictureId::AutoFix, "AutoFix", "Automatically adjust brightness and color balance", "F"},
       {PictureId::Restore, "Restore", "", ""},
   };

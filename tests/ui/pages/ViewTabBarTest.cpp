@@ -38,19 +38,6 @@ class ViewTabBar : public testing::Test {
 
 }  // namespace
 
-TEST(ViewTabLayout, TabsShareTheWholeWidth) {
-  for (int count = 1; count <= 4; ++count) {
-    int end = -1;
-    for (int i = 0; i < count; ++i) {
-      const QRect tab = TabRect(i, count, 777);
-      EXPECT_EQ(tab.left(), end + 1);
-      EXPECT_EQ(TabAt(tab.bottomRight(), count, 777), i);
-      end = tab.left() + tab.width();
-    }
-    EXPECT_EQ(end, 777);
-  }
-}
-
 TEST(ViewTabLayout, CaptionAndIconFollowTheCount) {
   EXPECT_EQ(TabCaption(kForms, 0), "No photos\nto email");
   EXPECT_EQ(TabCaption(kForms, 1), "1 photo\nto email");

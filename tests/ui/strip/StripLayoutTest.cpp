@@ -24,33 +24,25 @@ TEST(StripLayout, MiddleCellIsCentredAndTheWindowCovered) {
 }
 
 TEST(StripLayout, HitTestFindsCellBandAndMark) {
-  for (const double ratio : {1.0, 1.5}) {
-    const StripLayout layout(ratio, static_cast<int>(1000 * ratio));
-    const StripMetrics& metrics = layout.GetMetrics();
-    const QRect frame = layout.GetCellFrame(5);
-    EXPECT_EQ(layout.HitTest(frame.topLeft()), (StripHit{5, false, -1}));
-    EXPECT_EQ(layout.HitTest({frame.x(), metrics.BandTop}), (StripHit{5, true, -1}));
-    EXPECT_EQ(layout.HitTest(frame.topLeft() - QPoint(1, 0)), StripHit()) << "on the separator";
-    EXPECT_EQ(layout.HitTest(frame.topLeft() - QPoint(0, 1)), StripHit()) << "on the film's edge";
-    for (const int mark : {0, 1}) {
-      EXPECT_EQ(layout.HitTest(metrics.MarkCornerAt(frame.x(), mark)), (StripHit{5, true, mark}));
-    }
+  const StripLayout layout(1.5, 1500);
+  const QRect frame = layout.GetCellFrame(5);
+  EXPECT_EQ(layout.HitTest(frame.topLeft()), (StripHit{5, false, -1}));
+  EXPECT_EQ(layout.HitTest({frame.x(), layout.GetMetrics().BandTop}), (StripHit{5, true, -1}));
+  EXPECT_EQ(layout.HitTest(frame.topLeft() - QPoint(1, 1)), StripHit()) << "on the film";
+  for (const int mark : {0, 1}) {
+    EXPECT_EQ(layout.HitTest(layout.GetMetrics().MarkCornerAt(frame.x(), mark)), (StripHit{5, true, mark}));
   }
 }
 
 TEST(PushBarLayout, PressFindsThePhotoThere) {
-  // 100 photos, the one at 40 under the lens.
-  const double percent = GetRestPercent(40, 100);
-  const PushBarForm left{BarSide::Left, 1.0, 412, 27, percent};
-  const PushBarForm right{BarSide::Right, 1.0, 412, 27, percent};
-  const auto press = [](const PushBarForm& form, int x, int y) { return form.FindTarget({x, y}, 40, 100); };
-  const int cap = right.GetCap().right();
-  EXPECT_EQ(press(left, left.GetBody().left() - 27, 13), 0) << "beyond its end";
-  EXPECT_EQ(press(left, left.GetBody().left() - 28, 13), -1);
-  for (const auto& [y, target] : {std::pair(3, -1), {4, 20}, {22, 20}, {23, -1}}) {
-    EXPECT_EQ(press(left, 331, y), target) << y;
-  }
-  for (const auto& [x, target] : {std::pair(0, 41), {cap - 12, 99}, {cap + 15, 99}, {cap + 16, -1}}) {
-    EXPECT_EQ(press(right, x, 13), target) << x;
+  // 100 photos, the one at 40 under the lens. The lens is at the right end of the left bar.
+  const std::tuple<BarSide, int, int, int> rows[] = {{BarSide::Left, 331, 13, 20},
+                                                     {BarSide::Left, 331, 3, -1},
+                                                     {BarSide::Right, 0, 13, 41},
+                                                     {BarSide::Right, 411, 13, -1}};
+  for (const auto& [side, x, y, target] : rows) {
+    const PushBarForm form{side, 1.0, 412, 27, GetRestPercent(40, 100)};
+    EXPECT_EQ(form.FindTarget({x, y}, 40, 100), target) << x << ", " << y;
+    EXPECT_EQ(form.FindTarget(form.GetCap().center(), 40, 100), side == BarSide::Left ? 0 : 99);
   }
 }
