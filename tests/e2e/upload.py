@@ -54,12 +54,12 @@ def upload(desktop, program, host):
     desktop.wait_for_dialog("Login to Quillara")
     desktop.type("Ann B")
     desktop.press("Tab")
-    desktop.type("p&q")
+    desktop.type("p&q #%41")
     desktop.press("Return")
     address = wait_until(lambda: opened.exists() and opened.read_text(), "the browser", 30)
-    assert "Login=Ann%20B&Password=p%26q&" in Service.logins[0], Service.logins
+    assert "Login=Ann%20B&Password=p%26q%20%23%2541&" in Service.logins[0], Service.logins
     assert Service.photos == [(desktop.pictures / f"{i}.jpg").read_bytes() for i in range(len(HUES))]
-    assert "/Vellumar/DoLogin.asp?l=Ann%20B&p=p&q&Album=" in address, address
+    assert "/Vellumar/DoLogin.asp?l=Ann%20B&p=p&q%20%23%2541&Album=" in address, address
     desktop.wait_for_query("select count(*) from Asset where ToRemotePrint", [(0,)], "an empty tab")
     assert desktop.end(child) == NORMAL_EXIT
 

@@ -21,7 +21,9 @@ void OpenWebPage(const std::string& address) {
 }
 
 bool TryOpenWebPage(const std::string& address) {
-  const QUrl url = QUrl::fromEncoded(QByteArray::fromStdString(address), QUrl::TolerantMode);
+  QByteArray encoded = QByteArray::fromStdString(address);
+  encoded.replace('%', "%25").replace('#', "%23");
+  const QUrl url = QUrl::fromEncoded(encoded, QUrl::TolerantMode);
   return url.isValid() && QDesktopServices::openUrl(url);
 }
 
