@@ -14,6 +14,8 @@ inline Reply MakeReply(int status, const std::string& body) {
   return {Format("HTTP/1.1 %d X\r\nContent-Length: %u\r\n\r\n%s", status, body.size(), body)};
 }
 
+inline const Reply kMember = MakeReply(200, "<x><ID>m 1</ID></x>");
+inline const Reply kTaken = MakeReply(200, "");
 inline const std::string kLine = "------------qUiLlArAfOrMbOuNdArY$";  // of a boundary
 
 /// Fields of a form, from "name=value;name=value;".
@@ -87,6 +89,4 @@ class CServiceFixture : public CEventLoopFixture {
   CScriptedMessages Messages;
   CScriptedDesktop Desktop;
   std::unique_ptr<CScriptedServer> Server;
-  const Reply Member = MakeReply(200, "<x><ID>m 1</ID></x>");
-  const Reply Taken = MakeReply(200, "");
 };

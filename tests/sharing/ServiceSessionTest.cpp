@@ -1,13 +1,10 @@
 #include <gmock/gmock.h>
 
-#include <future>
-
 #include "base/Folders.h"
 #include "base/Format.h"
 #include "base/Texts.h"
 #include "sharing/ServiceFixture.h"
 #include "sharing/ServiceHost.h"
-#include "sharing/WaitAside.h"
 
 using testing::ElementsAre;
 using Ending = Reply::Ending;
@@ -39,26 +36,15 @@ TEST_F(ServiceSessionTest, TheHostIsWhatIsConfiguredAndCanBeAHost) {
   for (const char* path : {"@evil.org/", "/a\nb"}) EXPECT_EQ(MakeServiceAddress("host", path), "");
 }
 
-TEST_F(ServiceSessionTest, WorkThatTakesTooLongIsLeftAlone) {
-  const auto gate = std::make_shared<std::promise<void>>(), end = std::make_shared<std::promise<void>>();
-  const auto work = [gate, end] {
-    gate->get_future().wait();
-    end->set_value();
-  };
-  EXPECT_FALSE(RunAside(Desktop, nullptr, 50, work));
-  gate->set_value();
-  end->get_future().wait();
-}
-
 TEST_F(ServiceSessionTest, ALoginIsTriedAgainUnlessThereIsNoSuchMember) {
   const Reply failed = MakeReply(500, "<ID>x</ID>");
   const std::tuple<std::vector<Reply>, bool, std::size_t> rows[] = {
-      {{Member}, true, 1},
+      {{kMember}, true, 1},
       {{{"HTTP/1.1 200 OK\r\n\r\n<ID>9</ID>", Ending::Close}}, true, 1},
       {{{"HTTP/1.1 200 OK\r\n\r\n<ID>9</ID>", Ending::Reset}}, false, 3},
-      {{Taken}, false, 3},
+      {{kTaken}, false, 3},
       {{failed}, false, 3},
-      {{failed, Taken, Member}, true, 3},
+      {{failed, kTaken, kMember}, true, 3},
       {{MakeReply(200, "<id>7</id>")}, false, 1},
       {{MakeReply(200, "</ID><ID>7</ID>")}, false, 1},
   };
@@ -72,7 +58,7 @@ TEST_F(ServiceSessionTest, ALoginIsTriedAgainUnlessThereIsNoSuchMember) {
 }
 
 TEST_F(ServiceSessionTest, TheLoginDialogKeepsTheNameAloneAndTheLinksHoldWhatWasTyped) {
-  Serve({MakeReply(500, ""), Member, MakeReply(500, "")});
+  Serve({MakeReply(500, ""), kMember, MakeReply(500, "")});
   CServiceSession session(Desktop);
   const std::string headers = "\r\nHost: " + Server->GetHost() + "\r\nUser-Agent: quillaraOrg/1.0\r\n\r\n";
   const std::string site = "http://" + Server->GetHost();
@@ -99,7 +85,7 @@ TEST_F(ServiceSessionTest, TheLoginDialogKeepsTheNameAloneAndTheLinksHoldWhatWas
 }
 
 TEST_F(ServiceSessionTest, APhotoIsSentAsAFormByteForByte) {
-  Serve({Member, Taken});
+  Serve({kMember, kTaken});
   CServiceSession session(Desktop);
   std::string photo(std::size_t{20} << 20, '\0');  // more than a socket or a slice takes at once
   for (std::size_t i = 0; i < photo.size(); ++i) photo[i] = static_cast<char>(i * 2654435761U >> 24);
@@ -137,14 +123,14 @@ TEST_F(ServiceSessionTest, OnlyWhatNeverReachedTheServerIsSentAgain) {
   const std::tuple<Reply, bool, std::string, int> rows[] = {
       // 3 attempts: the server is gone
       {MakeReply(200, "fine\r\n"), true, "Response code = 200\nfine\r\n", 1},
-      {Taken, true, unanswered, 1},
+      {kTaken, true, unanswered, 1},
       {MakeReply(500, "no"), false, "Response code = 500\nno", 1},
       {{"", Ending::Close}, false, unanswered, 1},
       {{"", Ending::Reset}, false, unanswered, 1},
-      {Taken, false, unanswered, 3}};
+      {kTaken, false, unanswered, 3}};
   for (const auto& [answer, isTaken, logged, attempts] : rows) {
     std::filesystem::remove(Log);
-    Serve({Member, answer});
+    Serve({kMember, answer});
     CServiceSession session(Desktop);
     ASSERT_TRUE(session.Login("a", "b"));
     if (attempts == 3) Server.reset();

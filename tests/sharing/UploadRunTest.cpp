@@ -1,16 +1,9 @@
 #include <gmock/gmock.h>
 
-#include <ctime>
-
 #include "base/Exceptions.h"
-#include "base/Format.h"
 #include "base/Texts.h"
-#include "catalog/StampList.h"
-#include "platform/LocalTime.h"
 #include "sharing/ServiceFixture.h"
 #include "sharing/UploadRun.h"
-#include "support/CatalogFixture.h"
-#include "support/TestJpeg.h"
 
 using testing::Each;
 using testing::HasSubstr;
@@ -36,11 +29,11 @@ class UploadRunTest : public CServiceFixture {
   void Begin(std::vector<Reply> replies) {
     Queue = {};
     for (const std::string name : {"a", "b", "c"}) {
-      Queue.Photos.push_back({1, Scratch.Write(name + ".jpg", name), name, name == "b" ? "a note" : ""});
+      Queue.Photos.push_back({1, Scratch.Write(name + ".jpg", name), name, ""});
     }
     Desktop = {};
     Messages.Texts.clear();
-    replies.insert(replies.begin(), {Reply{}, Member});
+    replies.insert(replies.begin(), {Reply{}, kMember});
     Serve(replies);
   }
 
@@ -54,14 +47,14 @@ TEST_F(UploadRunTest, ARunGoesOnToTheFirstPhotoThatFails) {
   using Row = std::tuple<std::vector<Reply>, std::function<void()>, int, std::string, std::size_t>;
   const Row rows[] = {
       // with the photos uploaded, the message, and how often the dialog opens
-      {{Taken}, [] {}, 3, "", 1},
-      {{Taken, refused}, [] {}, 1, failed, 1},
+      {{kTaken}, [] {}, 3, "", 1},
+      {{kTaken, refused}, [] {}, 1, failed, 1},
       {{refused}, [] {}, 0, failed, 1},
       {{Reply{}}, [&] { Desktop.StopAt = "10%"; }, 0, "", 1},
-      {{Taken, Reply{}}, [&] { Desktop.StopAt = "b1"; }, 1, "", 1},
-      {{Taken}, [&] { Desktop.StopAt = "total 3"; }, 0, "", 1},
-      {{Taken}, [&] { std::filesystem::remove(Queue.Photos[1].Path); }, 1, failed, 1},
-      {{Taken}, [&] { Queue.Refuses = true; }, 1, "disk full", 1},
+      {{kTaken, Reply{}}, [&] { Desktop.StopAt = "b1"; }, 1, "", 1},
+      {{kTaken}, [&] { Desktop.StopAt = "total 3"; }, 0, "", 1},
+      {{kTaken}, [&] { std::filesystem::remove(Queue.Photos[1].Path); }, 1, failed, 1},
+      {{kTaken}, [&] { Queue.Refuses = true; }, 1, "disk full", 1},
       {{}, [&] { Queue.Photos.clear(); }, 0, "", 0},
       {{}, [&] { CSettingsRef().SetString("ServiceHost", "x.example"); }, 0, away, 0},
       {{}, [&] { Server.reset(); }, 0, away, 0},
@@ -79,43 +72,12 @@ TEST_F(UploadRunTest, ARunGoesOnToTheFirstPhotoThatFails) {
       EXPECT_EQ(Desktop.Prompts.size(), prompts) << message << Desktop.StopAt;
       EXPECT_EQ(Desktop.Pages.size(), uploaded > 0 ? 1U : 0U) << message << Desktop.StopAt;
       EXPECT_THAT(Desktop.Pages, Each(HasSubstr(orderPrints ? "&Cart=Y" : "&Album=")));
+      if (uploaded == 0) continue;
+      EXPECT_EQ(Server->GetRequests()[0], "") << "the probe sends nothing";
+      EXPECT_THAT(Server->GetRequests()[2],
+                  HasSubstr(MakeParts(orderPrints ? "Quantity=1;" : "Quantity=0;")));
     }
   }
-}
-
-TEST_F(UploadRunTest, EachPhotoIsSaidToTheService) {
-  Begin({Taken});
-  RunUpload(Queue, Desktop, true);
-  std::tm today{};
-  platform::ToLocalTime(std::time(nullptr), today);
-  const std::string album = platform::FormatTime(today, "AlbumName=%B %#d, %Y;");
-  EXPECT_EQ(Server->GetRequests()[0], "");  // of the probe
-  EXPECT_THAT(
-      Server->GetRequests()[3],
-      HasSubstr(MakeParts(
-          album + "WatermarkSize=0;Quantity=1;ProductID=2;DirectPrint=N;Caption=b;Description=a note;")));
-}
-
-TEST(TransferPercentTest, ThePercentageFollowsTheRequest) {
-  const std::pair<TransferState, int> rows[] = {
-      {{false, 50, 100, 200, 10, 5, 0}, 0},      {{true, 45, 100, 0, 0, 0, 0}, 5},
-      {{true, 1000, 1000, 0, 0, 0, 499}, 52},    {{true, 1000, 1000, 200, kNoContentLength, 70, 99999}, 95},
-      {{true, 1000, 1000, 200, 100, 50, 5}, 98}, {{true, 3000000000, 3000000000, 0, 0, 0, 1500000000}, 52},
-  };
-  for (const auto& [state, percent] : rows) EXPECT_EQ(GetTransferPercent(state), percent) << percent;
-}
-
-class PhotoToUploadTest : public CCatalogFixture {};
-
-TEST_F(PhotoToUploadTest, APhotoIsDescribedByItsNameAndItsNote) {
-  CAssetRecord record = AddRow(Scratch.Write("My photo.jpg", MakeJpeg(160, 120, 200, 100, 50)));
-  EXPECT_EQ(DescribePhotoToUpload(record).Description, "");
-  record.GetStamps(StampId::Note).SetText("by the sea", 0);
-  const PhotoToUpload photo = DescribePhotoToUpload(record);
-  UploadStatus status;
-  status.SetPhoto(0, photo);
-  EXPECT_EQ(photo.Caption + ", " + photo.Description + ", " + status.InfoLine,
-            Format("My photo, by the sea, 160 x 120, %dK", ReadBytes(photo.Path).size() / 1000));
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include "ui/HomeFixture.h"
 #include "ui/back/Completion.h"
 #include "ui/back/DateText.h"
-#include "ui/back/PhotoBackLayout.h"
 #include "ui/back/PhotoFieldSet.h"
 #include "ui/back/TokenList.h"
 
@@ -74,9 +73,4 @@ TEST(DateText, ATypedDayStaysThatDayInEveryLocaleAndTimeZone) {
     }
   }
   for (const char* typed : {"1/2/1969", "1/20/2038", "1/1/9999"}) EXPECT_EQ(ReadEditDate(typed, "en_US"), 0);
-}
-
-TEST(PhotoBackLayout, FieldsStandAboveTheFilterBarInTheSmallestWindow) {
-  const PhotoBackLayout small = LayOutPhotoBack({267, 355}, 104, {13, 12, 21});
-  EXPECT_LT(small.Fields.back().bottom(), 355 - 104);
 }

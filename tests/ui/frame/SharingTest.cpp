@@ -1,23 +1,25 @@
 #include <gmock/gmock.h>
 
+#include <QCheckBox>
 #include <QProgressBar>
 
 #include "base/Exceptions.h"
 #include "base/Texts.h"
+#include "catalog/StampList.h"
+#include "platform/LocalTime.h"
 #include "sharing/ServiceFixture.h"
 #include "ui/frame/MainFrameFixture.h"
 #include "ui/kit/InputBlock.h"
 #include "ui/pages/ViewTabBar.h"
 
+using testing::AllOf;
+using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
 namespace {
-
-const Reply kMember = MakeReply(200, "<x><ID>m 1</ID></x>");
-const Reply kTaken = MakeReply(200, "");
 
 class Sharing : public CMainFrameFixture {
  protected:
@@ -46,12 +48,12 @@ class Sharing : public CMainFrameFixture {
     }
     return nullptr;
   }
-  static void WhenShown(const QString& name, const std::function<void(QWidget&)>& then) {
-    When([=] { return Find(name) != nullptr; }, [=] { then(*Find(name)); });
-  }
   void LogInWhenAsked() {
-    WhenShown(window_names::kLogin, [this](QWidget& dialog) {
-      EXPECT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == &dialog; }));
+    const auto isAsked = [] {
+      const QWidget* dialog = Find(window_names::kLogin);
+      return dialog != nullptr && dialog->isActiveWindow();
+    };
+    When(isAsked, [] {
       Press({Qt::Key_Return});
       Type("Ann B");
       Press({Qt::Key_Tab});
@@ -68,6 +70,7 @@ class Sharing : public CMainFrameFixture {
 
 TEST_F(Sharing, OnlyTheUploadWindowGetsInputAndWhatIsUploadedLeavesTheTab) {
   Begin({kMember, kTaken, Reply{}});  // the second photo gets no answer
+  Photo(0).GetStamps(StampId::Note).SetText("by the sea", 0);
   LogInWhenAsked();
   When([this] { return Server->GetRequests().size() == 4; },
        [this] {
@@ -83,6 +86,12 @@ TEST_F(Sharing, OnlyTheUploadWindowGetsInputAndWhatIsUploadedLeavesTheTab) {
          QTest::keyClick(&window, Qt::Key_Escape);
        });
   Click(CommandId::UploadPhotos);
+  std::tm today{};
+  platform::ToLocalTime(std::time(nullptr), today);
+  EXPECT_THAT(Server->GetRequests()[2],
+              HasSubstr(MakeParts(platform::FormatTime(today, "AlbumName=%B %#d, %Y;") +
+                                  "WatermarkSize=0;Quantity=0;ProductID=2;DirectPrint=N;Caption=1000;"
+                                  "Description=by the sea;")));
   EXPECT_EQ(Page().GetCount(), 1);
   EXPECT_FALSE(IsToEmail(1));
   EXPECT_THAT(Messages.Texts, ElementsAre(LoadText(StringId::LoginNeedsNameAndPassword)));
@@ -126,28 +135,22 @@ TEST_F(Sharing, AFailureElsewhereEndsARunAndGivesTheInputBack) {
   EXPECT_THAT(Messages.Texts, ElementsAre(LoadText(StringId::ServiceNotReachable)));
 }
 
-TEST_F(Sharing, PhotosGoToTheMailProgram) {
-  const std::string mailer =
-      Scratch.Write("bin/thunderbird",
-                    "#!/bin/sh\nprintf '%s\\n' \"$@\" >\"$HOME/new\"\nmv \"$HOME/new\" \"$HOME/mail\"\n");
-  std::filesystem::permissions(mailer, std::filesystem::perms::owner_all);
-  Scratch.Write("data/applications/thunderbird.desktop", "[Desktop Entry]\nExec=" + mailer + " %u\n");
-  Scratch.Write(".config/mimeapps.list",
-                "[Default Applications]\nx-scheme-handler/mailto=thunderbird.desktop\n");
-  const CEnvironmentVariable data("XDG_DATA_HOME", InHome("data")), cache("XDG_CACHE_HOME", std::nullopt),
-      bus("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + InHome("bus")), path("PATH", "/usr/bin:/bin");
+TEST_F(Sharing, PhotosAreMailedAfterADialogThatComesBackUntilItIsTickedAndConfirmed) {
+  const CEnvironmentVariable data("XDG_DATA_HOME", InHome("data")), dirs("XDG_DATA_DIRS", InHome("share")),
+      bus("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + InHome("bus")), path("PATH", InHome("bin"));
   Begin({}, ViewTabId::Email);
-  Page().RemovePhoto(Photo(0));
-  const auto send = [this](Qt::Key answer) {
+  for (const Qt::Key answer : {Qt::Key_Escape, Qt::Key_Return}) {
+    EXPECT_THAT(Messages.Texts, IsEmpty());
+    EXPECT_FALSE(GetSettings()->HasValue("DontShowEmailWarning"));
     When([] { return QApplication::activeModalWidget() != nullptr; },
-         [=] { QTest::keyClick(QApplication::activeModalWidget(), answer); });
+         [answer] {
+           QWidget* dialog = QApplication::activeModalWidget();
+           dialog->findChild<QCheckBox*>()->setChecked(true);
+           QTest::keyClick(dialog, answer);
+         });
     Click(CommandId::SendPhotos);
-  };
-  send(Qt::Key_Escape);
-  EXPECT_FALSE(std::filesystem::exists(InHome(".cache/vellumar/mail")));
-  send(Qt::Key_Return);
-  EXPECT_TRUE(QTest::qWaitFor([this] { return std::filesystem::exists(InHome("mail")); }));
-  EXPECT_THAT(ReadBytes(InHome("mail")), HasSubstr("subject=1001,"));
-  EXPECT_EQ(Page().GetCount(), 1) << "it stays";
-  EXPECT_THAT(Messages.Texts, IsEmpty());
+  }
+  Click(CommandId::SendPhotos);  // without the dialog
+  EXPECT_THAT(Messages.Texts, AllOf(SizeIs(2), Each(LoadText(StringId::NoMailProgram))));
+  EXPECT_EQ(Page().GetCount(), 2) << "they stay";
 }

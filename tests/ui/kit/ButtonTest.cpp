@@ -101,21 +101,6 @@ TEST_F(PaintedButton, ItsCommandMayDeleteIt) {
   }
 }
 
-TEST_F(PaintedButton, CaptionStaysWithItsButtonOrComesWithThePointer) {
-  const auto isTipShown = [&] { return Window.findChild<QWidget*>("ButtonTip")->isVisible(); };
-  Make(ButtonFlags::TipStays, PictureId::EmailPhoto);
-  SendTo(Button, QEvent::Leave);
-  EXPECT_TRUE(isTipShown());
-  Button.hide();
-  EXPECT_FALSE(isTipShown());
-  Make(ButtonFlags::None, PictureId::DoNotEmailPhoto);
-  EXPECT_FALSE(isTipShown());
-  QTest::mouseMove(&Button, kInside);
-  EXPECT_TRUE(isTipShown());
-  SendTo(Button, QEvent::Leave);
-  EXPECT_FALSE(isTipShown());
-}
-
 TEST_F(PaintedButton, AssistiveToolsSeeAButtonAndPressIt) {
   const std::tuple<PictureId, const char*, const char*, const char*> rows[] = {
       {PictureId::AutoFix, "AutoFix", "Automatically adjust brightness and color balance", "F"},

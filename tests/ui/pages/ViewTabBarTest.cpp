@@ -38,14 +38,6 @@ class ViewTabBar : public testing::Test {
 
 }  // namespace
 
-TEST(ViewTabLayout, CaptionAndIconFollowTheCount) {
-  EXPECT_EQ(TabCaption(kForms, 0), "No photos\nto email");
-  EXPECT_EQ(TabCaption(kForms, 1), "1 photo\nto email");
-  EXPECT_EQ(TabCaption("Restore", 7), "Restore") << "a text of one form";
-  EXPECT_EQ(TabIconIndex(0, 2, false), 0);
-  EXPECT_EQ(TabIconIndex(9, 2, true), 3);
-}
-
 TEST_F(ViewTabBar, TabsStandInTheirOrder) {
   Add(ViewTabId::Trash, 400);
   for (const ViewTabId id :

