@@ -26,14 +26,7 @@ using testing::Not;
 
 constexpr const char* kFooter =
     "\n\n\nI use Vellumar Photo Organizer to find, print, and share my photos.\nYou can too because it's "
-    "free "
-    "and installs in under a minute:\nhttp://www.vellumar.example/download";
-
-bool ComesTrue(const std::function<bool()>& condition) {
-  const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-  while (!condition() && std::chrono::steady_clock::now() < end) std::this_thread::yield();
-  return condition();
-}
+    "free and installs in under a minute:\nhttp://www.vellumar.example/download";
 
 /// A user without a desktop: no bus, no mail program but what a test puts into the home.
 class CMailTest : public testing::Test {
@@ -62,7 +55,7 @@ class CMailTest : public testing::Test {
 
   /// What Thunderbird reads in its argument, and others in an address.
   NotedMail AwaitMail() const {
-    EXPECT_TRUE(ComesTrue([this] { return fs::exists(InHome("mail")); }));
+    for (int i = 0; i < 60'000 && !fs::exists(InHome("mail")); ++i) ::usleep(1000);
     const QByteArrayList arguments = QByteArray::fromStdString(ReadBytes(InHome("mail"))).split('\n');
     fs::remove(InHome("mail"));
     const auto decode = [](const QByteArray& text) { return QByteArray::fromPercentEncoding(text); };

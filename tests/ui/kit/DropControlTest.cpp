@@ -161,15 +161,6 @@ TEST_F(DropControl, TypedTextIsTakenOnEveryWayOut) {
   EXPECT_EQ(EditEnds, 4);
 }
 
-TEST(DropListLayout, ListOpensBelowElseAboveAndAlwaysOnTheScreen) {
-  const auto place = [](QPoint control, int height) {
-    return PlaceDropList({control, QSize(90, 22)}, {196, height}, {0, 0, 1280, 900}).topLeft();
-  };
-  EXPECT_EQ(place({1180, 689}, 189), QPoint(1084, 711)) << "the last place below";
-  EXPECT_EQ(place({-30, 712}, 189), QPoint(0, 523)) << "above";
-  EXPECT_EQ(place({10, 20}, 1000), QPoint(10, 0)) << "higher than the screen";
-}
-
 TEST(DropText, PathLosesItsMiddleAndKeepsItsName) {
   const CFontTable fonts(false);
   const QFontMetricsF metrics(GetFont(FontId::Panel));
