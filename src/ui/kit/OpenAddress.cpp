@@ -9,6 +9,19 @@
 
 namespace {
 
+/// Keeps the toolkit from writing warnings, which name the address, to the session's log.
+class CSilentToolkit {
+ public:
+  CSilentToolkit()
+      : Former(qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {})) {}
+  ~CSilentToolkit() { qInstallMessageHandler(Former); }
+  CSilentToolkit(const CSilentToolkit&) = delete;
+  CSilentToolkit& operator=(const CSilentToolkit&) = delete;
+
+ private:
+  const QtMessageHandler Former;
+};
+
 void TellFailure(const std::string& address) {
   ShowMessage(FormatString(StringId::CannotOpenAddress, address));
 }
@@ -24,6 +37,7 @@ bool TryOpenWebPage(const std::string& address) {
   QByteArray encoded = QByteArray::fromStdString(address);
   encoded.replace('%', "%25").replace('#', "%23");
   const QUrl url = QUrl::fromEncoded(encoded, QUrl::TolerantMode);
+  const CSilentToolkit silent;
   return url.isValid() && QDesktopServices::openUrl(url);
 }
 

@@ -7,7 +7,7 @@
 void OpenWebPage(const std::string& address);
 
 /// The same for an address that isn't encoded yet, in which "%" and "#" stand for themselves. It may hold a
-/// secret, so the user isn't told of a failure. False if the desktop has no program for it.
+/// secret, so a failure is neither told nor logged. False if the desktop has no program for it.
 bool TryOpenWebPage(const std::string& address);
 
 /// The same as OpenWebPage for a file, in the program that the desktop has for files of its kind. Any bytes

@@ -17,6 +17,7 @@ using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::SizeIs;
 
 namespace {
@@ -85,7 +86,10 @@ TEST_F(Sharing, OnlyTheUploadWindowGetsInputAndWhatIsUploadedLeavesTheTab) {
          EXPECT_EQ(Page().GetCount(), 1);
          QTest::keyClick(&window, Qt::Key_Escape);
        });
+  testing::internal::CaptureStderr();
   Click(CommandId::UploadPhotos);
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), Not(HasSubstr("p&q")))
+      << "the page can't be opened here";
   std::tm today{};
   platform::ToLocalTime(std::time(nullptr), today);
   EXPECT_THAT(Server->GetRequests()[2],
