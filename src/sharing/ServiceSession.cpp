@@ -122,7 +122,7 @@ bool CServiceSession::UploadPhoto(const UploadForm& form) {
   const auto read = [file, path = form.Path] {
     file->Error = platform::ReadWholeFile(path, file->Bytes, kLargestBody);
   };
-  if (!RunAside(Desktop, Progress, 0, read) || file->Error) return false;
+  if (!RunAside(Desktop, Progress, 0, read) || file->Error || file->Bytes.empty()) return false;
   return SendPhoto(form, {reinterpret_cast<const char*>(file->Bytes.data()), file->Bytes.size()});
 }
 
