@@ -161,6 +161,11 @@ TEST_F(DropControl, TypedTextIsTakenOnEveryWayOut) {
   EXPECT_EQ(EditEnds, 4);
 }
 
+TEST(DropListLayout, AListWithoutRoomBelowOpensAboveOnTheScreen) {
+  const QRect place = PlaceDropList({{1180, 712}, QSize(90, 22)}, {196, 189}, {0, 0, 1280, 900});
+  EXPECT_EQ(place.topLeft(), QPoint(1084, 523));
+}
+
 TEST(DropText, PathLosesItsMiddleAndKeepsItsName) {
   const CFontTable fonts(false);
   const QFontMetricsF metrics(GetFont(FontId::Panel));
