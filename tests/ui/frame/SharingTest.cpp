@@ -5,7 +5,6 @@
 
 #include "base/Exceptions.h"
 #include "base/Texts.h"
-#include "catalog/StampList.h"
 #include "platform/LocalTime.h"
 #include "sharing/ServiceFixture.h"
 #include "ui/frame/MainFrameFixture.h"
@@ -71,7 +70,8 @@ class Sharing : public CMainFrameFixture {
 
 TEST_F(Sharing, OnlyTheUploadWindowGetsInputAndWhatIsUploadedLeavesTheTab) {
   Begin({kMember, kTaken, Reply{}});  // the second photo gets no answer
-  Photo(0).GetStamps(StampId::Note).SetText("by the sea", 0);
+  Press({Qt::Key_Home, Qt::Key_C});
+  Type("by the sea");
   LogInWhenAsked();
   When([this] { return Server->GetRequests().size() == 4; },
        [this] {
