@@ -29,6 +29,7 @@ class CApplicationEnvironment : public testing::Environment {
     Screens.close();
     qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + Screens.fileName().toUtf8());
     Application = std::make_unique<CApplication>(ArgumentCount, Arguments);
+    qputenv("QT_QPA_PLATFORM", "offscreen");  // for processes that a test starts, maybe as another user
   }
   void TearDown() override { Application.reset(); }
 
