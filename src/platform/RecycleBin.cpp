@@ -20,7 +20,7 @@
 #include "platform/Unicode.h"
 #include "platform/WholeFiles.h"
 
-// The layout is that of the freedesktop.org trash specification: "files" holds what was deleted, "info" a
+// The layout is that of the freedesktop.org trash, version 1.0: "files" holds what was deleted, "info" a
 // record for each of them. Qt has an operation for it, but that one can't name files that aren't UTF-8, takes
 // another one in their place, and leaves an empty record on a full disk.
 namespace platform {
