@@ -15,7 +15,6 @@
 #include "ui/kit/OpenAddress.h"
 #include "ui/kit/PaintedButton.h"
 #include "ui/kit/Pictures.h"
-#include "ui/kit/QtText.h"
 #include "ui/kit/SmallWindow.h"
 #include "ui/search/SearchProgressLayout.h"
 
@@ -54,8 +53,6 @@ std::string FindHelpPage() {
   return !FileExists(beside, false) && FileExists(installed, false) ? installed : beside;
 }
 
-QString Load(StringId id) { return ToQString(LoadExpandedString(id)); }
-
 class CInfoWindow : public QDialog, private CCommandTarget {
  public:
   explicit CInfoWindow(QWidget& mainWindow);
@@ -73,7 +70,7 @@ class CInfoWindow : public QDialog, private CCommandTarget {
 
 CInfoWindow::CInfoWindow(QWidget& mainWindow) : QDialog(&mainWindow, Qt::Dialog | Qt::FramelessWindowHint) {
   setObjectName(QStringLiteral("InfoWindow"));
-  setWindowTitle(Load(StringId::Information));
+  setWindowTitle(LoadWindowText(StringId::Information));
   setAccessibleName(windowTitle());
   setFixedSize(kWindow);
   // The mask shapes the window where windows can be shaped; elsewhere what isn't painted is seen through.
@@ -82,10 +79,10 @@ CInfoWindow::CInfoWindow(QWidget& mainWindow) : QDialog(&mainWindow, Qt::Dialog 
 
   AddWindowText(*this, kHeading, FontId::Heading, windowTitle());
   AddWindowText(*this, kVersion, FontId::Panel,
-                Load(StringId::SplashProduct) + ", " + Load(StringId::SplashVersion));
-  AddWindowText(
-      *this, kLegal, FontId::Band,
-      Load(StringId::SplashLegal1) + ' ' + Load(StringId::SplashLegal2) + ' ' + Load(StringId::SplashLegal3));
+                LoadWindowText(StringId::SplashProduct) + ", " + LoadWindowText(StringId::SplashVersion));
+  AddWindowText(*this, kLegal, FontId::Band,
+                LoadWindowText(StringId::SplashLegal1) + ' ' + LoadWindowText(StringId::SplashLegal2) + ' ' +
+                    LoadWindowText(StringId::SplashLegal3));
   for (int i = 0; i < std::ssize(kRows); ++i) AddRow(i);
   Buttons.back()->setFocus();
   CentreOn(*this, mainWindow);
@@ -94,14 +91,14 @@ CInfoWindow::CInfoWindow(QWidget& mainWindow) : QDialog(&mainWindow, Qt::Dialog 
 void CInfoWindow::AddRow(int position) {
   const InfoRow& row = kRows[static_cast<std::size_t>(position)];
   const int down = position * kRowPitch;
-  AddWindowText(*this, kFirstText.translated(0, down), FontId::Band, Load(row.Text));
+  AddWindowText(*this, kFirstText.translated(0, down), FontId::Band, LoadWindowText(row.Text));
   auto& button = Buttons[static_cast<std::size_t>(position)];
   CCommandTarget& target = *this;
   button = std::make_unique<CPaintedButton>(target, this);
   button->EnableTip(false);
-  button->CreateText(kFirstButton.translated(0, down), row.Command, Load(row.Button), ButtonFlags::None,
-                     row.Command == CommandId::EndEdit);
-  button->setAccessibleDescription(Load(row.Text));
+  button->CreateText(kFirstButton.translated(0, down), row.Command, LoadWindowText(row.Button),
+                     ButtonFlags::None, row.Command == CommandId::EndEdit);
+  button->setAccessibleDescription(LoadWindowText(row.Text));
 }
 
 void CInfoWindow::OnCommand(CommandId id) {

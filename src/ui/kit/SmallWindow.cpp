@@ -4,7 +4,9 @@
 #include <QScreen>
 #include <algorithm>
 
+#include "base/Texts.h"
 #include "ui/kit/Colours.h"
+#include "ui/kit/QtText.h"
 
 QPoint CentreInWorkArea(QSize size, const QRect& owner, const QRect& workArea) {
   const auto fit = [](int wanted, int length, int from, int room) {
@@ -18,6 +20,8 @@ QPoint CentreInWorkArea(QSize size, const QRect& owner, const QRect& workArea) {
 void CentreOn(QWidget& window, const QWidget& owner) {
   window.move(CentreInWorkArea(window.size(), owner.frameGeometry(), owner.screen()->availableGeometry()));
 }
+
+QString LoadWindowText(StringId id) { return ToQString(LoadExpandedString(id)); }
 
 QLabel* AddWindowText(QWidget& window, const QRect& place, FontId font, const QString& text) {
   auto* label = new QLabel(text, &window);

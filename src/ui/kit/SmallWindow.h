@@ -5,6 +5,7 @@
 #include <QSize>
 #include <QString>
 
+#include "resources/StringIds.h"
 #include "ui/kit/FontTable.h"
 
 class QLabel;
@@ -18,6 +19,9 @@ QPoint CentreInWorkArea(QSize size, const QRect& owner, const QRect& workArea);
 
 /// Moves the window there; `owner` is a window, too.
 void CentreOn(QWidget& window, const QWidget& owner);
+
+/// A text of the table, expanded.
+QString LoadWindowText(StringId id);
 
 /// Writes a text on the window's page, in as many lines as it needs. The label belongs to the window.
 QLabel* AddWindowText(QWidget& window, const QRect& place, FontId font, const QString& text);

@@ -3,23 +3,21 @@
 #include <QProgressDialog>
 #include <atomic>
 
-#include "base/Texts.h"
 #include "sharing/MailClient.h"
 #include "ui/kit/InputBlock.h"
 #include "ui/kit/Job.h"
-#include "ui/kit/QtText.h"
+#include "ui/kit/SmallWindow.h"
 
 namespace {
-
-QString Load(StringId id) { return ToQString(LoadExpandedString(id)); }
 
 /// Shows itself when the work has gone on for a while. The reports come from the job.
 class CWindowedEmailProgress : public CEmailProgress {
  public:
   CWindowedEmailProgress(QWidget& mainWindow, int count)
-      : Dialog(Load(StringId::EmailingCopies), Load(StringId::Cancel), 0, count, &mainWindow) {
+      : Dialog(LoadWindowText(StringId::EmailingCopies), LoadWindowText(StringId::Cancel), 0, count,
+               &mainWindow) {
     Dialog.setObjectName(window_names::kEmailProgress);
-    Dialog.setWindowTitle(Load(StringId::EmailingTitle));
+    Dialog.setWindowTitle(LoadWindowText(StringId::EmailingTitle));
     Dialog.setAutoReset(false);
     Dialog.setAutoClose(false);
     Dialog.setMinimumDuration(kPause);

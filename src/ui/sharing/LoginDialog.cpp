@@ -8,7 +8,6 @@
 #include <QLineEdit>
 #include <QPainter>
 
-#include "base/Texts.h"
 #include "sharing/ServiceSession.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/InputBlock.h"
@@ -31,8 +30,6 @@ constexpr QRect kJoinHint(12, 164, 242, 66);
 constexpr QRect kJoin(259, 180, 110, 28);
 constexpr QRect kLogin(96, 250, 88, 28);
 constexpr QRect kCancel(198, 250, 88, 28);
-
-QString Load(StringId id) { return ToQString(LoadExpandedString(id)); }
 
 /// Overwrites the characters that a text shares with the field that it was taken from.
 void WipeShared(const QString& text) {
@@ -68,19 +65,19 @@ class CLoginDialog : public QDialog, private CCommandTarget {
 CLoginDialog::CLoginDialog(QWidget& mainWindow, CServiceDesktop& desktop, LoginEntry& entry)
     : QDialog(&mainWindow), Desktop(desktop), Entry(entry) {
   setObjectName(window_names::kLogin);
-  setWindowTitle(Load(StringId::LoginTitle));
+  setWindowTitle(LoadWindowText(StringId::LoginTitle));
   setFixedSize(kWindow);
   QPalette colors = palette();
   colors.setColor(QPalette::Window, colours::kPage);
   setPalette(colors);
 
-  AddWindowText(*this, kPrompt, FontId::Panel, Load(StringId::LoginPrompt));
+  AddWindowText(*this, kPrompt, FontId::Panel, LoadWindowText(StringId::LoginPrompt));
   AddField(UserName, kUserName, StringId::LoginUserName, kUserNameLabel);
   AddField(Password, kPassword, StringId::LoginPassword, kPasswordLabel);
   Password.setEchoMode(QLineEdit::Password);
   UserName.setText(ToQString(entry.UserName));
   Password.setText(ToQString(entry.Password.Get()));
-  AddWindowText(*this, kJoinHint, FontId::Panel, Load(StringId::LoginJoinHint));
+  AddWindowText(*this, kJoinHint, FontId::Panel, LoadWindowText(StringId::LoginJoinHint));
   AddButton(Join, kJoin, CommandId::JoinService, StringId::LoginJoinButton);
   AddButton(Login, kLogin, CommandId::EndEdit, StringId::LoginButton);
   AddButton(Cancel, kCancel, CommandId::Cancel, StringId::Cancel);
@@ -91,8 +88,8 @@ CLoginDialog::CLoginDialog(QWidget& mainWindow, CServiceDesktop& desktop, LoginE
 CLoginDialog::~CLoginDialog() { WipeShared(Password.text()); }
 
 void CLoginDialog::AddField(QLineEdit& field, const QRect& place, StringId label, const QRect& labelPlace) {
-  AddWindowText(*this, labelPlace, FontId::Panel, Load(label))->setBuddy(&field);
-  field.setAccessibleName(Load(label));
+  AddWindowText(*this, labelPlace, FontId::Panel, LoadWindowText(label))->setBuddy(&field);
+  field.setAccessibleName(LoadWindowText(label));
   field.setFont(GetFont(FontId::Panel));
   field.setGeometry(place);
   QPalette colors = field.palette();
@@ -105,7 +102,7 @@ void CLoginDialog::AddField(QLineEdit& field, const QRect& place, StringId label
 
 void CLoginDialog::AddButton(CPaintedButton& button, const QRect& place, CommandId id, StringId text) {
   button.EnableTip(false);
-  button.CreateText(place, id, Load(text), ButtonFlags::None, id == CommandId::EndEdit);
+  button.CreateText(place, id, LoadWindowText(text), ButtonFlags::None, id == CommandId::EndEdit);
 }
 
 void CLoginDialog::ReadFields() {

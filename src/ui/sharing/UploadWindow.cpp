@@ -6,7 +6,6 @@
 #include <QPainter>
 #include <QRegion>
 
-#include "base/Texts.h"
 #include "catalog/Catalog.h"
 #include "imaging/Image.h"
 #include "ui/kit/Colours.h"
@@ -38,8 +37,6 @@ QRegion MakeOutline() {
   for (const QRect& part : kOutline) outline += part;
   return outline;
 }
-
-QString Load(StringId id) { return ToQString(LoadExpandedString(id)); }
 
 QImage LoadThumbnail(std::int32_t assetId, double pixelRatio) {
   CCatalog* catalog = CCatalog::GetInstance();
@@ -86,11 +83,11 @@ CDisabledWindow::~CDisabledWindow() {
 CUploadWindow::CUploadWindow(QWidget& mainWindow)
     : QWidget(&mainWindow, Qt::Dialog | Qt::FramelessWindowHint),
       MainWindow(mainWindow),
-      PhotoBar(kPhotoBar, Load(StringId::UploadingPhoto), this),
-      OverallBar(kOverallBar, Load(StringId::OverallProgress), this),
+      PhotoBar(kPhotoBar, LoadWindowText(StringId::UploadingPhoto), this),
+      OverallBar(kOverallBar, LoadWindowText(StringId::OverallProgress), this),
       StopButton(*this, this) {
   setObjectName(window_names::kUploadProgress);
-  setWindowTitle(Load(StringId::UploadWindowTitle));
+  setWindowTitle(LoadWindowText(StringId::UploadWindowTitle));
   setAccessibleName(windowTitle());
   setWindowIcon(MakeProgramIcon());
   setFixedSize(kWindow);
@@ -102,7 +99,7 @@ CUploadWindow::CUploadWindow(QWidget& mainWindow)
 
   setFocusPolicy(Qt::StrongFocus);
   StopButton.EnableTip(false);
-  StopButton.CreateText(kStopButton, CommandId::StopUploading, Load(StringId::StopUploading),
+  StopButton.CreateText(kStopButton, CommandId::StopUploading, LoadWindowText(StringId::StopUploading),
                         ButtonFlags::None, false);
   CentreOn(*this, mainWindow);
   show();

@@ -36,9 +36,3 @@ TEST_F(InfoWindow, KeysGoThroughTheButtonsAndWhatNothingOpensIsTold) {
                                           "http://www.vellumar.example/offers could not be opened.",
                                           "http://www.vellumar.example could not be opened."));
 }
-
-TEST_F(InfoWindow, StaysOnTheScreen) {
-  const QRect area(0, 30, 1000, 700);
-  EXPECT_EQ(CentreInWorkArea({400, 330}, {200, 100, 600, 500}, area), QPoint(300, 185));
-  EXPECT_EQ(CentreInWorkArea({400, 330}, {-500, 600, 600, 500}, area), QPoint(0, 400));
-}

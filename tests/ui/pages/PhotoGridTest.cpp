@@ -20,14 +20,3 @@ TEST(PhotoGrid, AllPhotosFindRoomOnAnyPage) {
   }
   EXPECT_EQ(FitPhotoGrid({0, 400}, 1).Columns, 0);
 }
-
-TEST(PhotoGrid, MovesEndAtTheFirstAndTheLastPhoto) {
-  // Ten photos in rows of four: from one of them to the left, to the right, up and down.
-  const int rows[][5] = {{-1, -1, 0, 0, 3}, {0, 0, 1, 0, 4}, {5, 4, 6, 1, 9}, {9, 8, 9, 5, 9}};
-  for (const auto& row : rows) {
-    const int* next = row;
-    for (const GridMove move : {GridMove::Left, GridMove::Right, GridMove::Up, GridMove::Down}) {
-      EXPECT_EQ(MoveInGrid(move, row[0], 4, 10), *++next);
-    }
-  }
-}

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "ui/strip/PushBars.h"
 #include "ui/strip/StripLayout.h"
 
 TEST(StripLayout, MiddleCellIsCentredAndTheWindowCovered) {
@@ -20,29 +19,5 @@ TEST(StripLayout, MiddleCellIsCentredAndTheWindowCovered) {
       ASSERT_EQ(4 * metrics.Pitch + metrics.SeparatorWidth - source, layout.GetCellLeft(0))
           << "shown and hit";
     }
-  }
-}
-
-TEST(StripLayout, HitTestFindsCellBandAndMark) {
-  const StripLayout layout(1.5, 1500);
-  const QRect frame = layout.GetCellFrame(5);
-  EXPECT_EQ(layout.HitTest(frame.topLeft()), (StripHit{5, false, -1}));
-  EXPECT_EQ(layout.HitTest({frame.x(), layout.GetMetrics().BandTop}), (StripHit{5, true, -1}));
-  EXPECT_EQ(layout.HitTest(frame.topLeft() - QPoint(1, 1)), StripHit()) << "on the film";
-  for (const int mark : {0, 1}) {
-    EXPECT_EQ(layout.HitTest(layout.GetMetrics().MarkCornerAt(frame.x(), mark)), (StripHit{5, true, mark}));
-  }
-}
-
-TEST(PushBarLayout, PressFindsThePhotoThere) {
-  // 100 photos, the one at 40 under the lens. The lens is at the right end of the left bar.
-  const std::tuple<BarSide, int, int, int> rows[] = {{BarSide::Left, 331, 13, 20},
-                                                     {BarSide::Left, 331, 3, -1},
-                                                     {BarSide::Right, 0, 13, 41},
-                                                     {BarSide::Right, 411, 13, -1}};
-  for (const auto& [side, x, y, target] : rows) {
-    const PushBarForm form{side, 1.0, 412, 27, GetRestPercent(40, 100)};
-    EXPECT_EQ(form.FindTarget({x, y}, 40, 100), target) << x << ", " << y;
-    EXPECT_EQ(form.FindTarget(form.GetCap().center(), 40, 100), side == BarSide::Left ? 0 : 99);
   }
 }
