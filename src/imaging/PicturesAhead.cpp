@@ -1,6 +1,7 @@
 #include "imaging/PicturesAhead.h"
 
 #include <algorithm>
+#include <system_error>
 #include <utility>
 
 #include "imaging/ImageFile.h"
@@ -35,7 +36,11 @@ void CPicturesAhead::Prepare(const std::vector<std::string>& paths, ImageSize bo
   }
   Pictures = std::move(wanted);
   if (!Pictures.empty() && !Worker.joinable()) {
-    Worker = std::jthread([this](const std::stop_token& stop) { Work(stop); });
+    try {
+      Worker = std::jthread([this](const std::stop_token& stop) { Work(stop); });
+    } catch (const std::system_error&) {
+      // No more threads can be started. The photos are decoded when they are asked for.
+    }
   }
   Changed.notify_all();
 }

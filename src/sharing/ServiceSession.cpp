@@ -9,7 +9,6 @@
 #include "base/Messages.h"
 #include "base/Settings.h"
 #include "platform/Files.h"
-#include "sharing/ReachabilityProbe.h"
 #include "sharing/ServiceHost.h"
 #include "sharing/UploadLog.h"
 #include "sharing/WaitAside.h"
@@ -40,6 +39,34 @@ class CBusyScope {
   bool& Flag;
 };
 
+/// Finds out whether a connection can be opened.
+class CReachabilityProbe : public CHttpListener {
+ public:
+  void OnConnect(bool connected, int) override {
+    Connected = connected;
+    Finished = true;
+    Request.Reset();  // the connection tells enough: nothing is sent
+  }
+  void OnResponse(int, std::uint32_t) override {}
+  void OnData(const char*, std::uint32_t) override {}
+
+  /// Tries for at most `limit` milliseconds to find the host, and as long to connect.
+  bool IsReachable(CServiceDesktop& desktop, const std::string& host, int limit) {
+    Request.Create(this);
+    Request.SetConnectTimeout(limit);
+    Request.SetHostLookup(
+        [&](const std::string& name) { return LookUpHostAside(desktop, nullptr, limit, name); });
+    if (!Request.Get(host) || !Request.Send(nullptr, 0)) return false;
+    while (!Finished && !desktop.IsEnding()) desktop.HandleEvents(kWaitStep);
+    return Connected;
+  }
+
+ private:
+  CHttpRequest Request;
+  bool Connected = false;
+  bool Finished = false;
+};
+
 }  // namespace
 
 std::string ExtractTag(std::string_view response, std::string_view tag) {
@@ -61,7 +88,7 @@ CServiceSession::CServiceSession(CServiceDesktop& desktop, const ServiceTimes& t
     : CResponseCollector(desktop, times), Host(GetServiceHost()) {}
 
 bool CServiceSession::IsServiceReachable(CServiceDesktop& desktop, const ServiceTimes& times) {
-  return CReachabilityProbe::IsReachable(desktop, GetServiceHost(), times.Connect);
+  return CReachabilityProbe().IsReachable(desktop, GetServiceHost(), times.Connect);
 }
 
 bool CServiceSession::ShowLoginDialog(CServiceSession& session) {

@@ -31,12 +31,12 @@ UploadForm MakeForm(const PhotoToUpload& photo, const std::string& albumName, bo
 }
 
 /// False if the photo is still in the queue. The disk's refusal is told: the photo is uploaded all the same.
-bool RemoveFrom(CUploadQueue& queue, const PhotoToUpload& photo) {
+bool RemoveFrom(CUploadQueue& queue, const PhotoToUpload& photo, const CServiceDesktop& desktop) {
   const int count = queue.GetCount();
   try {
     queue.Remove(photo);
   } catch (const CStorageException& refusal) {
-    ShowMessage(refusal.GetMessage(), false, MessageParent::ProgressWindow);
+    if (!desktop.IsEnding()) ShowMessage(refusal.GetMessage(), false, MessageParent::ProgressWindow);
     return false;
   }
   return queue.GetCount() < count;
@@ -77,7 +77,7 @@ int UploadAll(CUploadQueue& queue, CServiceDesktop& desktop, CServiceSession& se
     }
     ++uploaded;
     // A photo that stays would be sent again and again.
-    if (!RemoveFrom(queue, photo)) break;
+    if (!RemoveFrom(queue, photo, desktop)) break;
   }
   return uploaded;
 }
