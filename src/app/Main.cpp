@@ -28,7 +28,6 @@
 namespace {
 
 constexpr int kEarlyExitCode = 0;
-constexpr const char* kActiveDiskSwitch = "/activedisk";
 
 /// The progress window of the start, known to the folder search while this object lives.
 class CStartProgress {
@@ -138,10 +137,9 @@ void ReportFatalFailure(const CMainFrame& frame, const std::string& message) {
 
 }  // namespace
 
-int Main(const std::string& commandLine) {
+int Main(const Arguments& commandLine) {
   platform::TakeSizeLimitsAsErrors();
-  const bool activeDisk = commandLine.find(kActiveDiskSwitch) != std::string::npos;
-  CSingleInstance instance(platform::RuntimeFolder(), FindCatalogToClaim(activeDisk));
+  CSingleInstance instance(platform::RuntimeFolder(), FindCatalogToClaim(commandLine.ActiveDisk));
   if (!ClaimInstance(instance)) return kEarlyExitCode;
 
   const CFontTable fonts;
@@ -149,8 +147,8 @@ int Main(const std::string& commandLine) {
   const CStopSignalWatch stopSignalWatch(frame);
   instance.OnAnotherStart = [&frame](const QByteArray& token) { BringToFront(frame, token); };
 
-  CFolderSearch::GetInstance().ActiveDisk = activeDisk;
-  if (!ChooseSettings(activeDisk)) return kEarlyExitCode;
+  CFolderSearch::GetInstance().ActiveDisk = commandLine.ActiveDisk;
+  if (!ChooseSettings(commandLine.ActiveDisk)) return kEarlyExitCode;
 
   auto start = std::make_unique<CStartProgress>();
   try {

@@ -22,7 +22,7 @@ class Program : public CSessionFixture {
   static int RunUntilShown(const std::function<void(CMainFrame&)>& then) {
     ForgetLastSession();
     When([] { return FindMainWindow() != nullptr; }, [&then] { then(*FindMainWindow()); });
-    return Main("");
+    return Main({});
   }
   static int RunAndClose() {
     return RunUntilShown([](CMainFrame& frame) { frame.close(); });
@@ -36,7 +36,7 @@ TEST_F(Program, NewerCatalogGivesTwoMessagesAndIsLeftAlone) {
   { CCatalog().Open(CatalogPath()); }
   RunSql(CatalogPath(), "update Singletons set DBVersion = 11");
   const std::string before = ReadBytes(CatalogPath());
-  EXPECT_EQ(Main(""), 0);
+  EXPECT_EQ(Main({}), 0);
   EXPECT_EQ(ReadBytes(CatalogPath()), before);
   EXPECT_FALSE(FileExists(CachePath(), false));
   ASSERT_EQ(Messages.Texts.size(), 2U);
@@ -75,5 +75,5 @@ TEST_F(Program, StopSignalClosesTheWindowInTheNormalWay) {
   }
   ForgetLastSession();
   QTimer::singleShot(0, [] { ::raise(SIGTERM); });
-  EXPECT_EQ(Main(""), 1) << "during the start it ends without a window";
+  EXPECT_EQ(Main({}), 1) << "during the start it ends without a window";
 }

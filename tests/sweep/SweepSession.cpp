@@ -100,7 +100,7 @@ int main(int count, char** arguments) {
     }
   });
   dismiss.start(50);
-  const int exitCode = Main("");
+  const int exitCode = Main({});
   SetMessageBox(nullptr);
   return exitCode;
 }

@@ -1,9 +1,11 @@
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "app/Arguments.h"
 #include "app/Main.h"
 #include "base/Texts.h"
 #include "ui/kit/Application.h"
@@ -12,6 +14,7 @@
 namespace {
 
 constexpr int kNoDisplayExitCode = 2;
+constexpr int kUsageExitCode = 2;
 
 /// The toolkit ends the process with a core dump when it finds no display. This says what is wrong instead.
 void OnStartMessage(QtMsgType type, const QMessageLogContext&, const QString& message) {
@@ -22,53 +25,63 @@ void OnStartMessage(QtMsgType type, const QMessageLogContext&, const QString& me
   std::fprintf(stderr, "%s\n", qPrintable(message));
 }
 
-bool HasArgument(int count, char** arguments, const char* wanted) {
-  for (int i = 1; i < count; ++i) {
-    if (std::strcmp(arguments[i], wanted) == 0) return true;
-  }
-  return false;
-}
-
 void PrintHelp() {
   std::puts(
-      "usage: vellumar [/activedisk]\n"
+      "usage: vellumar [OPTION...]\n"
       "\n"
       "Finds the photos in your pictures folder and shows them.\n"
       "\n"
       "  /activedisk  run from a removable disk: photos are beside the program's folder,\n"
       "               catalog and settings in it\n"
       "  --help       show this and end\n"
-      "  --version    show the version and end");
+      "  --version    show the version and end\n"
+      "  --           what follows are paths");
 }
 
 /// Prints what the arguments ask for; false if they ask for nothing of the kind.
-bool AnswerOnTerminal(int count, char** arguments) {
-  if (HasArgument(count, arguments, "--help")) {
+bool AnswerOnTerminal(const Arguments& arguments) {
+  if (arguments.WantsHelp) {
     PrintHelp();
-    return true;
-  }
-  if (HasArgument(count, arguments, "--version")) {
+  } else if (arguments.WantsVersion) {
     const ProductInfo& product = GetProductInfo();
     std::printf("%s %s\n", product.ProductName.c_str(), GetVersionText(product).c_str());
-    return true;
   }
-  return false;
+  return arguments.WantsHelp || arguments.WantsVersion;
+}
+
+int RefuseOption(const std::string& option) {
+  std::fprintf(stderr, "vellumar: unknown option \"%s\"\nTry \"vellumar --help\".\n", option.c_str());
+  return kUsageExitCode;
 }
 
 }  // namespace
 
 int main(int count, char** arguments) {
-  if (AnswerOnTerminal(count, arguments)) return EXIT_SUCCESS;
+  const std::vector<char*> all(arguments, arguments + count);
+  const Arguments asked = ParseArguments({all.begin() + 1, all.end()});
+  if (AnswerOnTerminal(asked)) return EXIT_SUCCESS;
+  if (asked.Unknown.starts_with("--")) return RefuseOption(asked.Unknown);
 
+  // The toolkit takes its own options, such as "-platform", out of the words before "--", and keeps those
+  // words.
+  const auto endOfOptions = std::find(all.begin(), all.end(), std::string_view("--"));
+  std::vector<char*> words(all.begin(), endOfOptions);
+  int wordCount = static_cast<int>(words.size());
+  words.push_back(nullptr);
   const QtMessageHandler usual = qInstallMessageHandler(OnStartMessage);
-  CApplication application(count, arguments);
+  CApplication application(wordCount, words.data());
   qInstallMessageHandler(usual);
+
+  std::vector<std::string> left(words.begin() + 1, words.begin() + wordCount);
+  left.insert(left.end(), endOfOptions, all.end());
+  const Arguments commandLine = ParseArguments(left);
+  if (!commandLine.Unknown.empty()) return RefuseOption(commandLine.Unknown);
+
   QGuiApplication::setApplicationDisplayName(QString());
   QGuiApplication::setDesktopFileName(QStringLiteral("vellumar"));
-
   CWindowMessageBox messageBox;
   SetMessageBox(&messageBox);
-  const int exitCode = Main(application.arguments().mid(1).join(QLatin1Char(' ')).toStdString());
+  const int exitCode = Main(commandLine);
   SetMessageBox(nullptr);
   return exitCode;
 }
