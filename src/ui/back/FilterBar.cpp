@@ -383,9 +383,11 @@ void CFilterBar::CommitEdit() {
 
 void CFilterBar::paintEvent(QPaintEvent*) {
   CDevicePainter painter(*this);
-  // The lower end of the panel, whose lit edges run down here.
+  // The lower end of the panel, whose lit edges run down here. It may end above or below this bar.
   const double radius = kPanelRadius * painter.GetPixelRatio();
-  DrawPanel(painter.GetPainter(), QRectF(painter.GetArea()).adjusted(0, -2 * radius, 0, 0), radius, kGround);
+  const int beyond = painter.Scaled(parentWidget()->height() - geometry().bottom() - 1);
+  DrawPanel(painter.GetPainter(), QRectF(painter.GetArea()).adjusted(0, -2 * radius, 0, beyond), radius,
+            kGround);
 
   painter.Fill(painter.Scaled(QRect(1, 0, width() - 2, 1)), kUpperLine);
   painter.Fill(painter.Scaled(QRect(1, 1, width() - 2, 1)), kLineBelow);

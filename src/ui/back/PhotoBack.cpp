@@ -1,9 +1,10 @@
 #include "ui/back/PhotoBack.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <QPainterPath>
 #include <QPointer>
 #include <QScopeGuard>
+#include <QWheelEvent>
 #include <algorithm>
 
 #include "base/Texts.h"
@@ -11,6 +12,7 @@
 #include "ui/back/PhotoBackLayout.h"
 #include "ui/back/PhotoField.h"
 #include "ui/back/PhotoFieldSet.h"
+#include "ui/kit/ClickFocus.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/FontTable.h"
@@ -23,6 +25,9 @@ namespace {
 
 constexpr double kCornerRadius = 5;
 constexpr int kStarsLeft = 2;  // from the end of the label
+
+constexpr int kScrollBarWidth = 10;
+constexpr int kScrollBarMargin = 2;
 
 constexpr std::uint64_t kBytesPerUnit = 1024;
 constexpr std::uint64_t kMostKilobytes = 1000;
@@ -100,6 +105,9 @@ CPhotoBack::CPhotoBack(QWidget* parent) : QWidget(parent) {
   setFocusPolicy(Qt::NoFocus);
   CreateFields();
   Rating = std::make_unique<CRatingField>(this);
+  KeepFocusOnClick(ScrollBar);
+  connect(&ScrollBar, &QScrollBar::valueChanged, this, &CPhotoBack::Layout);
+  connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { ScrollTo(now); });
   ShowFields(false);
   WatchProgram();
 }
@@ -133,6 +141,7 @@ void CPhotoBack::CreateFields() {
 void CPhotoBack::SetFilterBar(QWidget* bar, int height) {
   FilterBar = bar;
   FilterBarHeight = height;
+  ScrollBar.raise();
   Layout();
 }
 
@@ -156,7 +165,6 @@ void CPhotoBack::SetPhoto(const std::optional<CAssetRecord>& photo) {
   }
   setUpdatesEnabled(false);
   const auto update = qScopeGuard([this] { setUpdatesEnabled(true); });
-  if (!Shown) Layout();
   GiveValues();
   UpdateFormat();
   ShowFields(true);
@@ -182,7 +190,10 @@ void CPhotoBack::GiveValues() {
 }
 
 void CPhotoBack::ShowFields(bool shown) {
-  Shown = shown;
+  if (Shown != shown) {
+    Shown = shown;
+    Layout();
+  }
   for (const auto& field : Fields) field->setVisible(shown);
   Rating->GetControl().setVisible(shown);
 }
@@ -254,14 +265,44 @@ void CPhotoBack::hideEvent(QHideEvent*) {
 
 void CPhotoBack::Layout() {
   const PhotoBackLayout layout = LayOutPhotoBack(size(), FilterBarHeight, GetMetrics());
+  LayOutScrollBar(Shown ? layout.ContentHeight : std::max(FilterBarHeight, height()));
+  const int offset = ScrollBar.value();
   GetField(StampId::Title)->SetLines(layout.Room.TitleLines);
   GetField(StampId::Note)->SetLines(layout.Room.CaptionLines);
-  for (std::size_t i = 0; i < kFieldCount; ++i) Fields[i]->setGeometry(layout.Fields[i]);
+  for (std::size_t i = 0; i < kFieldCount; ++i)
+    Fields[i]->setGeometry(layout.Fields[i].translated(0, -offset));
   const CPhotoField& rating = *GetField(StampId::Rating);
   Rating->GetControl().move(rating.x() + rating.GetLabelWidth() + kStarsLeft, rating.y());
   if (FilterBar != nullptr) {
-    FilterBar->setGeometry(0, height() - FilterBarHeight, width(), FilterBarHeight);
+    const int end = height() + ScrollBar.maximum() - offset;
+    FilterBar->setGeometry(0, end - FilterBarHeight, width(), FilterBarHeight);
   }
+}
+
+void CPhotoBack::LayOutScrollBar(int contentHeight) {
+  ScrollBar.setGeometry(width() - kScrollBarMargin - kScrollBarWidth, kScrollBarMargin, kScrollBarWidth,
+                        height() - 2 * kScrollBarMargin);
+  ScrollBar.setSingleStep(GetMetrics().ValueLine);
+  ScrollBar.setPageStep(height());
+  ScrollBar.setRange(0, contentHeight - height());
+  ScrollBar.setVisible(contentHeight > height());
+}
+
+void CPhotoBack::ScrollTo(const QWidget* focus) {
+  if (focus == nullptr || !isAncestorOf(focus)) return;
+  const int offset = ScrollBar.value();
+  const int top = focus->mapTo(this, QPoint()).y() + offset;
+  ScrollBar.setValue(
+      ScrollToShow(top - kFieldPadding, top + focus->height() + kFieldPadding, offset, height()));
+}
+
+void CPhotoBack::wheelEvent(QWheelEvent* event) {
+  const bool overEdit = std::any_of(Fields.begin(), Fields.end(), [](const auto& field) {
+    return field->IsEditing() && field->underMouse();
+  });
+  if (ScrollBar.maximum() == 0 || overEdit) return event->ignore();
+  QCoreApplication::sendEvent(&ScrollBar, event);
+  event->accept();  // at the end of the content the wheel doesn't begin to move the strip
 }
 
 void CPhotoBack::paintEvent(QPaintEvent*) {

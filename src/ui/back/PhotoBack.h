@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QScrollBar>
 #include <QTimer>
 #include <QWidget>
 #include <array>
@@ -20,7 +21,8 @@ void DrawPanel(QPainter& painter, const QRectF& area, double radius, const QColo
 
 /// The panel on which the user reads and edits what is known about the current photo, above the filter bar.
 /// It holds no annotation of its own: a value is in the catalog as soon as its field has been left, by
-/// whatever way. While a job runs the panel shows what it holds.
+/// whatever way. While a job runs the panel shows what it holds. Where it is too low for its content it
+/// scrolls, and what has the focus comes into view.
 class CPhotoBack : public QWidget {
  public:
   explicit CPhotoBack(QWidget* parent = nullptr);
@@ -71,6 +73,7 @@ class CPhotoBack : public QWidget {
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void hideEvent(QHideEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
 
  private:
   class CRatingField;
@@ -79,10 +82,13 @@ class CPhotoBack : public QWidget {
   void WatchProgram();
   void ShowFields(bool shown);
   void Layout();
+  void LayOutScrollBar(int contentHeight);
+  void ScrollTo(const QWidget* focus);
   void GiveValues();
   void OnCommitted(StampId fact);
   void CloseEdits();
 
+  QScrollBar ScrollBar{Qt::Vertical, this};  // how far the content is moved up; outlives the fields
   std::optional<CAssetRecord> Photo;
   std::unique_ptr<CPhotoFieldSet> Current;                       // outlives the fields, which show it
   std::array<std::unique_ptr<CPhotoField>, kFieldCount> Fields;  // as kFieldForms

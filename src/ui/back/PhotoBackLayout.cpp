@@ -13,6 +13,7 @@ constexpr int kSideMargin = 10;
 constexpr int kRowLeft = 2;
 
 constexpr int kOuterMargin = 10;
+constexpr int kTightestMargin = -5;  // the row of the stars takes five pixels more than its height
 constexpr int kMostExtraLines = 7;
 constexpr int kLargestGap = 20;
 constexpr int kBelowRating = 5;
@@ -49,7 +50,8 @@ FieldRoom DivideRoom(int height, const PhotoBackMetrics& metrics) {
   FieldRoom room;
   const int left = height - (metrics.RatingRow + kSmallRows * folderRow + kTextRows * row);
   if (left < 2 * kOuterMargin) {
-    room.OuterMargin = left / 2;
+    room.OuterMargin = std::max(left / 2, kTightestMargin);
+    room.Missing = std::max(2 * kTightestMargin - left, 0);
     return room;
   }
   GiveLines(std::min((left - 2 * kOuterMargin) / row, kMostExtraLines), room);
@@ -61,6 +63,7 @@ FieldRoom DivideRoom(int height, const PhotoBackMetrics& metrics) {
 PhotoBackLayout LayOutPhotoBack(QSize panel, int filterBarHeight, const PhotoBackMetrics& metrics) {
   PhotoBackLayout layout;
   layout.Room = DivideRoom(panel.height() - filterBarHeight - kAboveFilterBar - kAreaTop, metrics);
+  layout.ContentHeight = panel.height() + layout.Room.Missing;
 
   const int left = kAreaLeft + kSideMargin + kRowLeft;
   const int width = kAreaRight - kAreaLeft - 2 * kSideMargin;
@@ -74,6 +77,10 @@ PhotoBackLayout LayOutPhotoBack(QSize panel, int filterBarHeight, const PhotoBac
     if (form.GapBelow) y += layout.Room.GroupGap;
   }
   return layout;
+}
+
+int ScrollToShow(int top, int bottom, int offset, int panelHeight) {
+  return std::min(std::max(offset, bottom - panelHeight), top);
 }
 
 FieldLayout LayOutField(QSize field, int labelWidth, QSize button) {

@@ -24,17 +24,24 @@ struct PhotoBackMetrics {
 struct FieldRoom {
   int TitleLines = 1;
   int CaptionLines = 1;
-  int OuterMargin = 10;  // above and below the fields; negative where they have too little room
+  int OuterMargin = 10;  // above and below the fields; negative where they take the panel's own margins
   int GroupGap = 0;      // below the title and below the date
+  int Missing = 0;       // height that the fields need and don't have
   friend bool operator==(const FieldRoom&, const FieldRoom&) = default;
 };
 FieldRoom DivideRoom(int height, const PhotoBackMetrics& metrics);
 
+/// A panel that is too low for its content scrolls over it.
 struct PhotoBackLayout {
   FieldRoom Room;
+  int ContentHeight;                      // of fields and filter bar, the panel's height or more
   std::array<QRect, kFieldCount> Fields;  // as kFieldForms
 };
 PhotoBackLayout LayOutPhotoBack(QSize panel, int filterBarHeight, const PhotoBackMetrics& metrics);
+
+/// How far to scroll so that the span from `top` to `bottom` of the content shows in a panel of that height
+/// that is scrolled by `offset`; the top of a span that is too high.
+int ScrollToShow(int top, int bottom, int offset, int panelHeight);
 
 /// The parts of a field, in its own coordinates.
 struct FieldLayout {

@@ -74,7 +74,7 @@ CMainFrame::~CMainFrame() {
 bool CMainFrame::Create(const OpenStep& openDataStores, CWindowedSearchProgress& progress) {
   setWindowTitle(ToQString(LoadExpandedString(StringId::MainWindowTitle)));
   setWindowIcon(MakeProgramIcon());
-  setMinimumSize(Mode->GetMinMaxInfo());
+  LeastSize.SetWanted(Mode->GetMinMaxInfo());
 
   const auto stop = [&progress] { progress.Stop(); };
   bool opened = false;
@@ -390,7 +390,7 @@ void CMainFrame::ToggleFullScreen(FullScreenChange change) {
   if (on) SelectTab(ViewTabId::CurrentPhoto);
   Mode->OnLeave(Parts);
   Mode = &GetViewMode(on ? ViewModeId::FullScreen : ViewModeId::Normal);
-  setMinimumSize(Mode->GetMinMaxInfo());
+  LeastSize.SetWanted(Mode->GetMinMaxInfo());
   Mode->Enter(Parts);
   Mode->Layout(Parts);
   Parts.ToolRow->show();

@@ -10,6 +10,7 @@
 #include "ui/back/FilterBarHost.h"
 #include "ui/frame/FullScreen.h"
 #include "ui/frame/InputFilter.h"
+#include "ui/frame/LeastSize.h"
 #include "ui/frame/MainCommands.h"
 #include "ui/frame/MainParts.h"
 #include "ui/frame/ThumbnailCheck.h"
@@ -141,6 +142,7 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost,
   std::unique_ptr<CInputFilter> InputFilter;
   std::unique_ptr<CThumbnailCheck> ThumbnailCheck;
   const CViewMode* Mode;
+  CLeastSize LeastSize{*this};
   bool TipAsked = false;
   bool Closing = false;
   bool SpaceStopsShow = false;  // the press of the space key that is being held

@@ -16,7 +16,7 @@ class CViewMode {
 
   virtual ViewModeId GetId() const = 0;
 
-  /// The least size of the window.
+  /// The least size of the window, where the screen has room for it.
   virtual QSize GetMinMaxInfo() const = 0;
 
   /// Where the button row of a page stands.

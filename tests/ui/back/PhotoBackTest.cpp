@@ -2,6 +2,7 @@
 #include <QInputMethodEvent>
 #include <QLineEdit>
 #include <QMenu>
+#include <QScrollBar>
 #include <filesystem>
 
 #include "base/Times.h"
@@ -11,6 +12,7 @@
 #include "ui/back/DateText.h"
 #include "ui/back/FieldText.h"
 #include "ui/back/PhotoBack.h"
+#include "ui/back/PhotoBackLayout.h"
 #include "ui/back/PhotoField.h"
 #include "ui/back/PhotoFieldSet.h"
 #include "ui/kit/Job.h"
@@ -302,4 +304,33 @@ TEST_F(PhotoBack, DuringAJobTheCatalogIsLeftAlone) {
   QCoreApplication::processEvents();
   EXPECT_EQ(Texts(Photo, StampId::Note), "waiting");
   EXPECT_FALSE(Back->IsEditing());
+}
+
+TEST(PhotoBackLayout, GivesUpGapsOnALowScreenAndThenScrolls) {
+  struct Case {
+    int PanelHeight;  // in a whole window of 960 by 540, of 911 by 512, and below a title bar of that
+    int FirstTop, LastBottom, ContentHeight;
+  };
+  for (const auto& [height, top, bottom, content] :
+       {Case{345, 21, 220, 345}, {317, 21, 197, 317}, {280, 6, 182, 286}}) {
+    const PhotoBackLayout layout =
+        LayOutPhotoBack({267, height}, 104, {.ValueLine = 13, .FolderLine = 12, .RatingRow = 21});
+    EXPECT_EQ(layout.Fields.front().top(), top) << height;
+    EXPECT_EQ(layout.Fields.back().bottom() + 1, bottom) << height;
+    EXPECT_EQ(layout.ContentHeight, content) << height;
+  }
+}
+
+TEST_F(PhotoBack, ScrollsToWhatIsEditedWhereItIsTooLow) {
+  Show();
+  Back->resize(267, 100);
+  const auto& bar = *Back->findChild<QScrollBar*>();
+  for (const StampId fact : {StampId::Date, StampId::Title}) {
+    Field(fact).StartEdit();
+    EXPECT_TRUE(Back->rect().contains(Field(fact).geometry())) << static_cast<int>(fact);
+  }
+  Window.setFocus();
+  EXPECT_TRUE(bar.isVisible());
+  Back->SetPhoto(std::nullopt);
+  EXPECT_FALSE(bar.isVisible());
 }

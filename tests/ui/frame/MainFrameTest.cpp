@@ -268,3 +268,13 @@ TEST_F(MainFrame, ThumbnailsOfAnEarlierVersionArePutRightOnce) {
   EXPECT_EQ(seen(0), "WWWW") << "the photo isn't read, since it stands as it is stored";
   EXPECT_TRUE(CThumbnailCache::GetInstance()->GetUncertain().empty());
 }
+
+TEST(LeastSize, IsWhatTheScreenHasRoomFor) {
+  const QMargins frame(2, 30, 2, 2);
+  for (const auto& [available, least] : {std::pair(QSize(1280, 900), QSize(800, 550)),
+                                         {QSize(911, 512), QSize(800, 480)},
+                                         {QSize(683, 384), QSize(679, 352)},
+                                         {QSize(3, 3), QSize(0, 0)}}) {
+    EXPECT_EQ(LimitLeastSize({800, 550}, available, frame), least);
+  }
+}
