@@ -16,6 +16,9 @@ namespace {
 constexpr int kNoDisplayExitCode = 2;
 constexpr int kUsageExitCode = 2;
 
+/// Names the program's entry in the menu, its icon and its windows to the desktop; also used in packaging/.
+constexpr QStringView kDesktopId = u"example.vellumar.Vellumar";
+
 /// The toolkit ends the process with a core dump when it finds no display. This says what is wrong instead.
 void OnStartMessage(QtMsgType type, const QMessageLogContext&, const QString& message) {
   if (type == QtFatalMsg) {
@@ -78,7 +81,7 @@ int main(int count, char** arguments) {
   if (!commandLine.Unknown.empty()) return RefuseOption(commandLine.Unknown);
 
   QGuiApplication::setApplicationDisplayName(QString());
-  QGuiApplication::setDesktopFileName(QStringLiteral("vellumar"));
+  QGuiApplication::setDesktopFileName(kDesktopId.toString());
   CWindowMessageBox messageBox;
   SetMessageBox(&messageBox);
   const int exitCode = Main(commandLine);
