@@ -7,14 +7,12 @@
 #include "platform/TextCompare.h"
 #include "ui/back/FieldText.h"
 #include "ui/back/TokenList.h"
-#include "ui/kit/Colours.h"
 #include "ui/kit/QtText.h"
 
 namespace {
 
 constexpr FontId kMenuFont = FontId::Label;
 constexpr double kWidestEntry = 300;  // longer texts lose their ends
-constexpr QColor kDisabledInk(113, 117, 125);
 
 struct DateKind {
   StringId Text;
@@ -46,26 +44,6 @@ QString MakeEntryText(const std::string& text) {
   entry.replace(u'\t', u' ').replace(u'\n', u' ');
   entry = ShortenLine(entry, false, QFontMetricsF(GetFont(kMenuFont)), kWidestEntry);
   return entry.replace(QStringLiteral("&"), QStringLiteral("&&"));
-}
-
-void Dress(QMenu& menu) {
-  QPalette palette = menu.palette();
-  // All groups: a colour of the desktop's theme may be too dark to read.
-  for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
-    const QColor ink = group == QPalette::Disabled ? kDisabledInk : colours::kInk;
-    for (const auto role : {QPalette::Window, QPalette::Base, QPalette::Button, QPalette::Light}) {
-      palette.setColor(group, role, Qt::white);
-    }
-    for (const auto role :
-         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::HighlightedText}) {
-      palette.setColor(group, role, ink);
-    }
-    palette.setColor(group, QPalette::Highlight, colours::kSelection);
-  }
-  menu.setPalette(palette);
-  menu.setFont(GetFont(kMenuFont));
-  // A long list scrolls rather than fill the screen with columns.
-  menu.setStyleSheet(QStringLiteral("QMenu { menu-scrollable: 1; }"));
 }
 
 }  // namespace
@@ -105,7 +83,7 @@ std::unique_ptr<QMenu> MakeFieldMenu(const std::vector<FieldChoice>& choices,
                                      std::function<void(const FieldChoice& choice)> onChosen,
                                      QWidget* parent) {
   auto menu = std::make_unique<QMenu>(parent);
-  Dress(*menu);
+  menu->setFont(GetFont(kMenuFont));
   for (const FieldChoice& choice : choices) {
     QAction* entry = menu->addAction(MakeEntryText(choice.Text));
     entry->setCheckable(true);

@@ -4,11 +4,13 @@
 
 #include "base/Exceptions.h"
 #include "base/Messages.h"
+#include "ui/kit/Look.h"
 
 CApplication::CApplication(int& argumentCount, char** arguments) : QApplication(argumentCount, arguments) {
   // The main window ends the loop when it is closed; the progress window is closed before, and more than
   // once.
   setQuitOnLastWindowClosed(false);
+  ApplyLook();
 }
 
 CApplication* CApplication::GetInstance() { return dynamic_cast<CApplication*>(instance()); }

@@ -9,7 +9,6 @@
 #include <QPainter>
 
 #include "sharing/ServiceSession.h"
-#include "ui/kit/Colours.h"
 #include "ui/kit/InputBlock.h"
 #include "ui/kit/PaintedButton.h"
 #include "ui/kit/Pictures.h"
@@ -67,9 +66,6 @@ CLoginDialog::CLoginDialog(QWidget& mainWindow, CServiceDesktop& desktop, LoginE
   setObjectName(window_names::kLogin);
   setWindowTitle(LoadWindowText(StringId::LoginTitle));
   setFixedSize(kWindow);
-  QPalette colors = palette();
-  colors.setColor(QPalette::Window, colours::kPage);
-  setPalette(colors);
 
   AddWindowText(*this, kPrompt, FontId::Panel, LoadWindowText(StringId::LoginPrompt));
   AddField(UserName, kUserName, StringId::LoginUserName, kUserNameLabel);
@@ -92,12 +88,6 @@ void CLoginDialog::AddField(QLineEdit& field, const QRect& place, StringId label
   field.setAccessibleName(LoadWindowText(label));
   field.setFont(GetFont(FontId::Panel));
   field.setGeometry(place);
-  QPalette colors = field.palette();
-  colors.setColor(QPalette::Base, Qt::white);
-  colors.setColor(QPalette::Text, colours::kInk);
-  colors.setColor(QPalette::Highlight, colours::kSelection);
-  colors.setColor(QPalette::HighlightedText, colours::kInk);
-  field.setPalette(colors);
 }
 
 void CLoginDialog::AddButton(CPaintedButton& button, const QRect& place, CommandId id, StringId text) {
