@@ -1,15 +1,15 @@
 #include "ui/kit/ButtonFace.h"
 
-#include <QAccessibleWidget>
 #include <memory>
 
 #include "ui/kit/PaintedButton.h"
+#include "ui/kit/PaintedGroup.h"
 
 namespace {
 
-class CButtonFace final : public QAccessibleWidget {
+class CButtonFace final : public CPartFace {
  public:
-  explicit CButtonFace(CPaintedButton& button) : QAccessibleWidget(&button, QAccessible::Button) {}
+  explicit CButtonFace(CPaintedButton& button) : CPartFace(&button, QAccessible::Button) {}
 
   QString text(QAccessible::Text text) const override {
     const CPaintedButton* button = GetButton();
@@ -19,7 +19,7 @@ class CButtonFace final : public QAccessibleWidget {
   }
 
   QAccessible::State state() const override {
-    QAccessible::State state = QAccessibleWidget::state();
+    QAccessible::State state = CPartFace::state();
     const CPaintedButton* button = GetButton();
     state.pressed = button != nullptr && button->GetState() == ButtonState::Pressed;
     state.defaultButton = button != nullptr && button->HasDefaultLook();

@@ -1,33 +1,36 @@
 #include "ui/kit/PaintedItems.h"
 
-#include <QAccessibleWidget>
 #include <QPointer>
 #include <QWidget>
 #include <QWindow>
 #include <memory>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
+
+#include "ui/kit/PaintedGroup.h"
 
 namespace {
 
 CPaintedItems* ItemsOf(QObject* widget) { return dynamic_cast<CPaintedItems*>(widget); }
 
-/// A widget that takes no focus has it while its window has, with no other widget.
-bool HasFocus(const QWidget& widget) {
-  return widget.hasFocus() || (widget.focusPolicy() == Qt::NoFocus && widget.window()->hasFocus());
-}
+constexpr int kMostNewItems = 50;  // that are told one by one
+
+/// Where each item stood when the items were told last: usually the way to an item without a search.
+using ItemPlaces = std::unordered_map<int, int>;  // index by key
 
 /// One item, known by its key. Invalid while the widget has none of that key.
 class CItemFace final : public QAccessibleInterface, public QAccessibleActionInterface {
  public:
-  CItemFace(QWidget& widget, int key) : Widget(&widget), Key(key) {}
+  CItemFace(QWidget& widget, int key, const ItemPlaces& places) : Widget(&widget), Key(key), Places(places) {}
 
   const QWidget* GetWidget() const { return Widget; }
   /// -1 if the item is gone.
   int GetIndex() const {
     const CPaintedItems* items = ItemsOf(Widget);
-    return items != nullptr ? items->FindItem(Key) : -1;
+    if (items == nullptr) return -1;
+    const auto place = Places.find(Key);
+    const int index = place != Places.end() && place->second < items->CountItems() ? place->second : -1;
+    return index >= 0 && items->GetItemKey(index) == Key ? index : items->FindItem(Key);
   }
 
   bool isValid() const override { return GetIndex() >= 0; }
@@ -44,7 +47,8 @@ class CItemFace final : public QAccessibleInterface, public QAccessibleActionInt
   }
   void setText(QAccessible::Text, const QString&) override {}
   QRect rect() const override {
-    const QRect place = Describe().Place;
+    const int index = GetIndex();
+    const QRect place = index >= 0 ? ItemsOf(Widget)->PlaceItem(index) : QRect();
     return place.isEmpty() ? QRect() : QRect(Widget->mapToGlobal(place.topLeft()), place.size());
   }
   QAccessible::Role role() const override {
@@ -69,11 +73,14 @@ class CItemFace final : public QAccessibleInterface, public QAccessibleActionInt
  private:
   PaintedItem Describe() const {
     const int index = GetIndex();
-    return index >= 0 ? ItemsOf(Widget)->DescribeItem(index) : PaintedItem();
+    if (index < 0) return {};
+    return Last.Ask([&] { return ItemsOf(Widget)->DescribeItem(index); });
   }
 
   const QPointer<QWidget> Widget;
   const int Key;
+  const ItemPlaces& Places;
+  mutable CLastAnswer<PaintedItem> Last;
 };
 
 QAccessible::State CItemFace::state() const {
@@ -87,19 +94,19 @@ QAccessible::State CItemFace::state() const {
   const bool isCurrent = index == items.GetCurrentItem();
   state.disabled = !Widget->isEnabled();
   state.invisible = !Widget->isVisible();
-  state.offscreen = !Widget->rect().intersects(items.DescribeItem(index).Place);
+  state.offscreen = !Widget->rect().intersects(items.PlaceItem(index));
   state.selectable = true;
   state.selected = items.IsItemSelected(index);
-  state.focusable = Widget->focusPolicy() != Qt::NoFocus;
-  state.focused = isCurrent && HasFocus(*Widget);
+  state.focusable = Widget->focusPolicy() != Qt::NoFocus || items.HasKeys();
+  state.focused = isCurrent && items.HasKeys();
   state.active = isCurrent;
   return state;
 }
 
 /// The widget with its items as children. It owns their faces.
-class CListFace final : public QAccessibleWidget {
+class CListFace final : public CPartFace {
  public:
-  explicit CListFace(QWidget& widget) : QAccessibleWidget(&widget), Keys(ReadKeys(*ItemsOf(&widget))) {}
+  explicit CListFace(QWidget& widget) : CPartFace(&widget), Places(ReadPlaces(*ItemsOf(&widget))) {}
   ~CListFace() override {
     for (const auto& [key, id] : Faces) QAccessible::deleteAccessibleInterface(id);
   }
@@ -118,24 +125,33 @@ class CListFace final : public QAccessibleWidget {
   QAccessibleInterface* childAt(int x, int y) const override {
     const QPoint place = widget()->mapFromGlobal(QPoint(x, y));
     for (int i = 0; i < childCount(); ++i) {
-      if (GetItems()->DescribeItem(i).Place.contains(place)) return child(i);
+      if (GetItems()->PlaceItem(i).contains(place)) return child(i);
     }
     return nullptr;
   }
   QAccessibleInterface* focusChild() const override {
-    return GetItems() != nullptr && HasFocus(*widget()) ? child(GetItems()->GetCurrentItem()) : nullptr;
+    return GetItems() != nullptr && GetItems()->HasKeys() ? child(GetItems()->GetCurrentItem()) : nullptr;
+  }
+
+  QAccessible::State state() const override {
+    QAccessible::State state = CPartFace::state();
+    if (focusChild() != nullptr) state.focused = false;  // the item is
+    return state;
   }
 
   void TellItems() {
-    const auto before = std::exchange(Keys, ReadKeys(*GetItems()));
+    const ItemPlaces before = std::exchange(Places, ReadPlaces(*GetItems()));
     std::erase_if(Faces, [this](const auto& face) {
-      if (Keys.contains(face.first)) return false;
+      if (Places.contains(face.first)) return false;
       QAccessible::deleteAccessibleInterface(face.second);
       return true;
     });
-    // Qt's own event for a changed order is sent in a form that tools don't read, so each new item is told.
-    for (const int key : Keys) {
-      if (!before.contains(key)) Tell(*FaceOf(key), QAccessible::ObjectCreated);
+    // Qt's own event for a changed order is sent in a form that tools don't read, so new items are told one
+    // by one. The first ones of many are enough: a tool then asks for the list anew.
+    int told = 0;
+    for (const auto& [key, index] : Places) {
+      if (!before.contains(key) && told++ < kMostNewItems)
+        TellTools(*FaceOf(key), QAccessible::ObjectCreated);
     }
   }
 
@@ -143,24 +159,19 @@ class CListFace final : public QAccessibleWidget {
     const int index = GetItems()->GetCurrentItem();
     const int last = std::exchange(LastCurrent, index >= 0 ? GetItems()->GetItemKey(index) : -1);
     const auto known = Faces.find(last);
-    if (last != LastCurrent && known != Faces.end()) Tell(*FaceOf(last), QAccessible::SelectionRemove);
+    if (last != LastCurrent && known != Faces.end()) TellTools(*FaceOf(last), QAccessible::SelectionRemove);
     if (QAccessibleInterface* item = child(index)) {
-      if (HasFocus(*widget())) Tell(*item, QAccessible::Focus);
-      Tell(*item, QAccessible::Selection);
+      if (GetItems()->HasKeys()) TellTools(*item, QAccessible::Focus);
+      TellTools(*item, QAccessible::Selection);
     }
-    Tell(*this, QAccessible::SelectionWithin);
-  }
-
-  static void Tell(QAccessibleInterface& face, QAccessible::Event what) {
-    QAccessibleEvent event(&face, what);
-    QAccessible::updateAccessibility(&event);
+    TellTools(*this, QAccessible::SelectionWithin);
   }
 
  private:
-  static std::unordered_set<int> ReadKeys(const CPaintedItems& items) {
-    std::unordered_set<int> keys;
-    for (int i = 0; i < items.CountItems(); ++i) keys.insert(items.GetItemKey(i));
-    return keys;
+  static ItemPlaces ReadPlaces(const CPaintedItems& items) {
+    ItemPlaces places;
+    for (int i = 0; i < items.CountItems(); ++i) places.emplace(items.GetItemKey(i), i);
+    return places;
   }
 
   CPaintedItems* GetItems() const { return ItemsOf(object()); }
@@ -168,14 +179,14 @@ class CListFace final : public QAccessibleWidget {
   QAccessibleInterface* FaceOf(int key) const {
     const auto known = Faces.find(key);
     if (known != Faces.end()) return QAccessible::accessibleInterface(known->second);
-    QAccessibleInterface* face = std::make_unique<CItemFace>(*widget(), key).release();
+    QAccessibleInterface* face = std::make_unique<CItemFace>(*widget(), key, Places).release();
     Faces.emplace(key, QAccessible::registerAccessibleInterface(face));
     return face;
   }
 
   mutable std::unordered_map<int, QAccessible::Id> Faces;  // by key; of items that a tool has asked for
-  std::unordered_set<int> Keys;                            // when the items were told last
-  int LastCurrent = -1;                                    // key of the item that was told as current
+  ItemPlaces Places;
+  int LastCurrent = -1;  // key of the item that was told as current
 };
 
 CListFace* FindListFace(QWidget* widget) {
@@ -183,6 +194,8 @@ CListFace* FindListFace(QWidget* widget) {
 }
 
 }  // namespace
+
+bool CPaintedItems::HasKeys() const { return CountsAsFocused(dynamic_cast<const QWidget&>(*this)); }
 
 int CPaintedItems::FindItem(int key) const {
   for (int i = 0; i < CountItems(); ++i) {
@@ -209,7 +222,7 @@ void CPaintedItems::TellItemName(int index) {
   if (!QAccessible::isActive()) return;
   const CListFace* list = FindListFace(dynamic_cast<QWidget*>(this));
   if (QAccessibleInterface* item = list != nullptr ? list->child(index) : nullptr) {
-    CListFace::Tell(*item, QAccessible::NameChanged);
+    TellTools(*item, QAccessible::NameChanged);
   }
 }
 

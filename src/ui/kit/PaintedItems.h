@@ -9,7 +9,6 @@
 struct PaintedItem {
   QString Name;
   QString Description;
-  QRect Place;  // in the widget
 };
 
 /// Tells assistive tools of items that a widget paints itself: tabs, rows, thumbnails. The widget derives
@@ -20,12 +19,12 @@ struct PaintedItem {
 /// more than "IMG_0042". The page calls TellCurrentItem when another photo is selected and in its
 /// focusInEvent, and TellItems when photos have come or gone.
 ///
-/// The current item counts as focused while its widget has the focus; where the widget takes none, as the tab
-/// bar does, while the window itself has it. A screen reader announces an item that has become focused.
+/// The current item counts as focused while its widget does (CountsAsFocused). A screen reader announces an
+/// item that has become focused.
 ///
-/// The operations may be called at any time, also while a job runs: they answer from what the widget holds,
-/// don't touch the catalog and raise nothing. Nothing is asked while no assistive tool listens. The widget
-/// has no child widgets that a tool should know.
+/// The operations may be called at any time and raise nothing. All but DescribeItem are also called while a
+/// job runs: they answer from what the widget holds and don't touch the catalog. Nothing is asked while no
+/// assistive tool listens. The widget has no child widgets that a tool should know.
 class CPaintedItems : public CFaceMaker {
  public:
   virtual QAccessible::Role GetListRole() const { return QAccessible::List; }
@@ -40,10 +39,14 @@ class CPaintedItems : public CFaceMaker {
   /// way.
   virtual int FindItem(int key) const;
 
+  /// Not called while a job runs: then a tool hears what it heard last.
   virtual PaintedItem DescribeItem(int index) const = 0;
+  virtual QRect PlaceItem(int index) const = 0;  // in the widget
   /// -1 for none.
   virtual int GetCurrentItem() const = 0;
   virtual bool IsItemSelected(int index) const { return index == GetCurrentItem(); }
+  /// Whether keys go to the current item.
+  virtual bool HasKeys() const;
 
   /// Does what a click on the item does. May raise, and delete the widget.
   virtual void ActivateItem(int index) = 0;

@@ -1,6 +1,5 @@
 #include "ui/kit/Toolbar.h"
 
-#include <QAccessibleWidget>
 #include <QMouseEvent>
 #include <algorithm>
 #include <limits>
@@ -97,26 +96,6 @@ void MakeRoom(ToolbarItem& place, PictureId picture) {
   }
 }
 
-class CRowFace final : public QAccessibleWidget {
- public:
-  explicit CRowFace(CToolbar& row) : QAccessibleWidget(&row, QAccessible::ToolBar) {}
-
-  int childCount() const override { return GetRow() != nullptr ? GetRow()->CountButtons() : 0; }
-  QAccessibleInterface* child(int index) const override {
-    if (index < 0 || index >= childCount()) return nullptr;
-    return QAccessible::queryAccessibleInterface(&GetRow()->GetButtonAt(index));
-  }
-  int indexOfChild(const QAccessibleInterface* child) const override {
-    for (int i = 0; i < childCount(); ++i) {
-      if (&GetRow()->GetButtonAt(i) == child->object()) return i;
-    }
-    return -1;
-  }
-
- private:
-  CToolbar* GetRow() const { return dynamic_cast<CToolbar*>(object()); }
-};
-
 }  // namespace
 
 int GetContentWidth(const std::vector<ToolbarItem>& items) { return GetWidth(items, Grant{}); }
@@ -175,7 +154,11 @@ bool CToolbar::MoveFocus(bool forward) {
   return false;
 }
 
-QAccessibleInterface* CToolbar::MakeFace() { return std::make_unique<CRowFace>(*this).release(); }
+std::vector<GroupPart> CToolbar::ListParts() const {
+  std::vector<GroupPart> parts;
+  for (const Item& item : Items) parts.push_back({.Widget = item.Button.get()});
+  return parts;
+}
 
 bool CToolbar::focusNextPrevChild(bool next) {
   if (isVisible()) return QWidget::focusNextPrevChild(next);

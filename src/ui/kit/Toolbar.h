@@ -9,6 +9,7 @@
 #include "resources/StringIds.h"
 #include "ui/kit/FontTable.h"
 #include "ui/kit/PaintedButton.h"
+#include "ui/kit/PaintedGroup.h"
 
 /// How a row of buttons makes do with the width it has. Captions stand under their buttons, so each button
 /// is as wide as its caption and a margin. Where that is too much the row gives up, in this order: what the
@@ -46,7 +47,7 @@ ToolbarPlan ArrangeToolbar(const std::vector<ToolbarItem>& items, int rowWidth);
 /// A row of picture buttons with their captions below, in the middle of a bordered panel. It has the height
 /// kToolbarHeight; whoever places it gives it a width. Commands of the buttons go straight to the target,
 /// which outlives the row. To assistive tools it is a tool bar of its buttons, without their captions.
-class CToolbar : public QWidget, public CFaceMaker {
+class CToolbar : public QWidget, public CPaintedGroup {
  public:
   CToolbar(CCommandTarget& target, QWidget* parent);
 
@@ -71,7 +72,8 @@ class CToolbar : public QWidget, public CFaceMaker {
   /// The width of all buttons and the gaps between them, when nothing has to be given up.
   int GetContentWidth() const;
 
-  QAccessibleInterface* MakeFace() override;
+  QAccessible::Role GetGroupRole() const override { return QAccessible::ToolBar; }
+  std::vector<GroupPart> ListParts() const override;
 
  protected:
   /// A quick second click beside a button is none in what the row stands on.

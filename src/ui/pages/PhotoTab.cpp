@@ -357,9 +357,7 @@ void CPhotoTab::TellAccessibleName() {
 }
 
 PaintedItem CPhotoTab::DescribeItem(int index) const {
-  // A job owns the catalog.
-  const QString title = IsJobRunning() ? QString() : ToQString(Photos.GetAsset(index).GetTitle());
-  return {title, {}, Grid.GetCell(index)};
+  return {ToQString(Photos.GetAsset(index).GetTitle()), {}};
 }
 
 void CPhotoTab::focusInEvent(QFocusEvent*) { TellCurrentItem(); }

@@ -106,6 +106,7 @@ class CPhotoTab : public QWidget, public CPaintedItems {
   int GetItemKey(int index) const override { return Photos.GetAssetId(index); }
   int FindItem(int key) const override { return Photos.IndexOf(key); }
   PaintedItem DescribeItem(int index) const override;
+  QRect PlaceItem(int index) const override { return Grid.GetCell(index); }
   int GetCurrentItem() const override { return Selected; }
   void ActivateItem(int index) override { NavigateTo(index); }
 

@@ -122,9 +122,10 @@ void CViewTabBar::SelectNextTab() {
 
 PaintedItem CViewTabBar::DescribeItem(int index) const {
   const Item& item = GetItem(index);
-  return {OnOneLine(TabCaption(item.Caption, item.Count)), LoadTip(item.Id),
-          TabRect(index, CountTabs(), width())};
+  return {OnOneLine(TabCaption(item.Caption, item.Count)), LoadTip(item.Id)};
 }
+
+QRect CViewTabBar::PlaceItem(int index) const { return TabRect(index, CountTabs(), width()); }
 
 QRect CViewTabBar::GetPageRect() const { return TabPageRect(size()); }
 

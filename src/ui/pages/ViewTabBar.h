@@ -66,6 +66,7 @@ class CViewTabBar : public QWidget, public CPaintedItems {
   int CountItems() const override { return CountTabs(); }
   int GetItemKey(int index) const override { return static_cast<int>(GetItem(index).Id); }
   PaintedItem DescribeItem(int index) const override;
+  QRect PlaceItem(int index) const override;
   int GetCurrentItem() const override { return Find(Selected); }
   void ActivateItem(int index) override { SelectTab(GetItem(index).Id); }
 

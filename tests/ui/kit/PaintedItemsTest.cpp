@@ -11,8 +11,9 @@ class CNumbers : public QWidget, public CPaintedItems {
   int CountItems() const override { return static_cast<int>(Numbers.size()); }
   int GetItemKey(int index) const override { return Numbers[static_cast<std::size_t>(index)]; }
   PaintedItem DescribeItem(int index) const override {
-    return {QString::number(GetItemKey(index)), "a number", {10 * index, 0, 10, 10}};
+    return {QString::number(GetItemKey(index)), "a number"};
   }
+  QRect PlaceItem(int index) const override { return {10 * index, 0, 10, 10}; }
   int GetCurrentItem() const override { return Current; }
   void ActivateItem(int index) override { Activated.push_back(GetItemKey(index)); }
   using CPaintedItems::TellItems;

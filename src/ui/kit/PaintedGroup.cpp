@@ -1,0 +1,152 @@
+#include "ui/kit/PaintedGroup.h"
+
+#include <QPointer>
+#include <QWidget>
+#include <QWindow>
+#include <algorithm>
+#include <map>
+#include <memory>
+
+namespace {
+
+using Relations = QList<QPair<QAccessibleInterface*, QAccessible::Relation>>;
+
+std::vector<GroupPart> PartsOf(const QObject* widget) {
+  const auto* group = dynamic_cast<const CPaintedGroup*>(widget);
+  return group != nullptr ? group->ListParts() : std::vector<GroupPart>();
+}
+
+/// The group that tells the widget as one of its parts, else null.
+QWidget* FindGroup(const QWidget& widget) {
+  for (QWidget* around = widget.parentWidget(); around != nullptr; around = around->parentWidget()) {
+    const std::vector<GroupPart> parts = PartsOf(around);
+    if (std::ranges::find(parts, &widget, &GroupPart::Widget) != parts.end()) return around;
+    if (around->isWindow()) break;
+  }
+  return nullptr;
+}
+
+/// A painted text, known by its position among the parts.
+class CTextFace final : public QAccessibleInterface {
+ public:
+  CTextFace(QWidget& group, int index) : Group(&group), Index(index) {}
+
+  bool isValid() const override { return !GetPart().Text.isEmpty(); }
+  QObject* object() const override { return nullptr; }
+  QWindow* window() const override { return Group ? Group->window()->windowHandle() : nullptr; }
+  QAccessibleInterface* parent() const override { return QAccessible::queryAccessibleInterface(Group); }
+  QAccessibleInterface* child(int) const override { return nullptr; }
+  QAccessibleInterface* childAt(int, int) const override { return nullptr; }
+  int childCount() const override { return 0; }
+  int indexOfChild(const QAccessibleInterface*) const override { return -1; }
+  QString text(QAccessible::Text text) const override {
+    return text == QAccessible::Name ? GetPart().Text : QString();
+  }
+  void setText(QAccessible::Text, const QString&) override {}
+  QRect rect() const override {
+    const QRect place = GetPart().Place;
+    return place.isEmpty() ? QRect() : QRect(Group->mapToGlobal(place.topLeft()), place.size());
+  }
+  QAccessible::Role role() const override { return QAccessible::StaticText; }
+  QAccessible::State state() const override {
+    QAccessible::State state;
+    state.invalid = !isValid();
+    state.invisible = !Group || !Group->isVisible();
+    state.readOnly = true;
+    return state;
+  }
+  Relations relations(QAccessible::Relation match) const override {
+    const QWidget* named = GetPart().Names;
+    if (named == nullptr || !(match & QAccessible::Labelled)) return {};
+    return {{QAccessible::queryAccessibleInterface(const_cast<QWidget*>(named)), QAccessible::Labelled}};
+  }
+
+ private:
+  GroupPart GetPart() const {
+    const std::vector<GroupPart> parts = PartsOf(Group);
+    const auto index = static_cast<std::size_t>(Index);
+    return index < parts.size() ? parts[index] : GroupPart();
+  }
+
+  const QPointer<QWidget> Group;
+  const int Index;
+};
+
+/// It owns the faces of its texts.
+class CGroupFace final : public CPartFace {
+ public:
+  explicit CGroupFace(QWidget& widget) : CPartFace(&widget) {}
+  ~CGroupFace() override {
+    for (const auto& [index, id] : Texts) QAccessible::deleteAccessibleInterface(id);
+  }
+
+  QAccessible::Role role() const override {
+    const auto* group = dynamic_cast<const CPaintedGroup*>(object());
+    return group != nullptr ? group->GetGroupRole() : QAccessible::NoRole;
+  }
+  int childCount() const override { return static_cast<int>(PartsOf(object()).size()); }
+  QAccessibleInterface* child(int index) const override {
+    const std::vector<GroupPart> parts = PartsOf(object());
+    if (index < 0 || index >= static_cast<int>(parts.size())) return nullptr;
+    QWidget* part = parts[static_cast<std::size_t>(index)].Widget;
+    return part != nullptr ? QAccessible::queryAccessibleInterface(part) : GetText(index);
+  }
+  int indexOfChild(const QAccessibleInterface* child) const override {
+    for (int i = 0; i < childCount(); ++i) {
+      if (this->child(i) == child) return i;
+    }
+    return -1;
+  }
+  QAccessibleInterface* childAt(int x, int y) const override {
+    for (int i = 0; i < childCount(); ++i) {
+      QAccessibleInterface* part = child(i);
+      if (!part->state().invisible && part->rect().contains(x, y)) return part;
+    }
+    return nullptr;
+  }
+
+  QAccessibleInterface* GetText(int index) const {
+    const auto known = Texts.find(index);
+    if (known != Texts.end()) return QAccessible::accessibleInterface(known->second);
+    QAccessibleInterface* face = std::make_unique<CTextFace>(*widget(), index).release();
+    Texts.emplace(index, QAccessible::registerAccessibleInterface(face));
+    return face;
+  }
+
+ private:
+  mutable std::map<int, QAccessible::Id> Texts;  // by position; of those that a tool has asked for
+};
+
+/// The text of a group that names the widget, else null.
+QAccessibleInterface* FindLabel(const QWidget& widget) {
+  QWidget* group = FindGroup(widget);
+  const std::vector<GroupPart> parts = PartsOf(group);
+  const auto label = std::ranges::find(parts, &widget, &GroupPart::Names);
+  if (label == parts.end()) return nullptr;
+  return QAccessible::queryAccessibleInterface(group)->child(static_cast<int>(label - parts.begin()));
+}
+
+}  // namespace
+
+QAccessibleInterface* CPaintedGroup::MakeFace() {
+  return std::make_unique<CGroupFace>(dynamic_cast<QWidget&>(*this)).release();
+}
+
+QAccessibleInterface* CPartFace::parent() const {
+  QWidget* group = FindGroup(*widget());
+  return group != nullptr ? QAccessible::queryAccessibleInterface(group) : QAccessibleWidget::parent();
+}
+
+Relations CPartFace::relations(QAccessible::Relation match) const {
+  Relations all = QAccessibleWidget::relations(match);
+  QAccessibleInterface* label = match & QAccessible::Label ? FindLabel(*widget()) : nullptr;
+  if (label != nullptr) all.append({label, QAccessible::Label});
+  return all;
+}
+
+QAccessible::State CPartFace::state() const {
+  QAccessible::State state = QAccessibleWidget::state();
+  state.focused = CountsAsFocused(*widget());
+  state.focusable |= state.focused;
+  return state;
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QAccessibleWidget>
+#include <QRect>
+#include <QString>
+#include <vector>
+
+#include "ui/kit/AssistiveTools.h"
+
+/// One part of a group: a widget, or a text that the group paints.
+struct GroupPart {
+  QWidget* Widget = nullptr;  // null for a text
+  QString Text{};
+  QRect Place{};                   // of a text, in the group's widget
+  const QWidget* Names = nullptr;  // the widget whose label the text is
+};
+
+/// Tells assistive tools what a widget consists of: some of its child widgets, at any depth, and texts that
+/// it paints itself, in the order in which they are read. What isn't named is decoration. The widget derives
+/// from this as well as from QWidget.
+class CPaintedGroup : public CFaceMaker {
+ public:
+  virtual QAccessible::Role GetGroupRole() const { return QAccessible::Grouping; }
+
+  /// May be called at any time, also while a job runs.
+  virtual std::vector<GroupPart> ListParts() const = 0;
+
+  QAccessibleInterface* MakeFace() final;
+};
+
+/// The face of a widget that may be part of a group: its parent is the group, and it is labelled by the
+/// group's text that names it.
+class CPartFace : public QAccessibleWidget {
+ public:
+  using QAccessibleWidget::QAccessibleWidget;
+  QAccessibleInterface* parent() const override;
+  QList<QPair<QAccessibleInterface*, QAccessible::Relation>> relations(
+      QAccessible::Relation match) const override;
+  QAccessible::State state() const override;
+};
