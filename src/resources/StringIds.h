@@ -226,4 +226,19 @@ enum class StringId : int {
 
   // Addresses that the desktop opens no program for.
   CannotOpenAddress = 20120,
+
+  // What only assistive tools tell: names of parts, and what belongs to a photo.
+  ToldPhotoBack = 20200,
+  ToldFilterBar = 20201,
+  ToldStripWindow = 20202,
+  ToldFilmstrip = 20203,
+  ToldPosition = 20204,
+  ToldViews = 20205,
+  ToldPhotoRow = 20206,
+  ToldTrashRow = 20207,
+  ToldEmailRow = 20208,
+  ToldUploadRow = 20209,
+  ToldFieldList = 20210,
+  ToldMarkedForUpload = 20211,
+  ToldMarkedForEmail = 20212,
 };

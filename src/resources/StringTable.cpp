@@ -258,6 +258,19 @@ constexpr auto kTable = std::to_array<Entry>({
      "This photo can't be turned: its file is damaged, and what can't be read of it would be lost.\n\nThe "
      "photo has not been changed."},
     {StringId::CannotOpenAddress, "%s could not be opened."},
+    {StringId::ToldPhotoBack, "About the photo"},
+    {StringId::ToldFilterBar, "Photos to show"},
+    {StringId::ToldStripWindow, "Photos"},
+    {StringId::ToldFilmstrip, "Filmstrip"},
+    {StringId::ToldPosition, "Position in the filmstrip"},
+    {StringId::ToldViews, "Views"},
+    {StringId::ToldPhotoRow, "What to do with the photo"},
+    {StringId::ToldTrashRow, "What to do with the deleted photos"},
+    {StringId::ToldEmailRow, "What to do with the photos to email"},
+    {StringId::ToldUploadRow, "What to do with the photos to print or upload"},
+    {StringId::ToldFieldList, "%s list"},
+    {StringId::ToldMarkedForUpload, "marked for printing or upload"},
+    {StringId::ToldMarkedForEmail, "marked for email"},
 });
 
 constexpr bool IsBefore(const Entry& a, const Entry& b) { return a.Id < b.Id; }

@@ -101,7 +101,7 @@ class CPhotoBack::CRatingField : public CRatingOwner, private CFieldListener {
 
 CPhotoBack::CPhotoBack(QWidget* parent) : QWidget(parent) {
   setObjectName(QStringLiteral("PhotoBack"));
-  setAccessibleName(QStringLiteral("About the photo"));
+  setAccessibleName(ToQString(LoadText(StringId::ToldPhotoBack)));
   setFocusPolicy(Qt::NoFocus);
   CreateFields();
   Rating = std::make_unique<CRatingField>(this);

@@ -397,6 +397,7 @@ void CMainFrame::ToggleFullScreen(FullScreenChange change) {
   UpdateCommands();
   FullScreenTools->SetActive(on);
   setFocus();
+  TellFocus();
 }
 
 void CMainFrame::ShowTools(bool show) {
@@ -425,6 +426,27 @@ void CMainFrame::SetInputBlocked(bool on) {
 bool CMainFrame::focusNextPrevChild(bool) {
   setFocus();
   return true;
+}
+
+void CMainFrame::focusInEvent(QFocusEvent*) { TellFocus(); }
+
+std::vector<GroupPart> CMainFrame::ListParts() const {
+  if (!Parts.StripWindow) return {};
+  std::vector<GroupPart> parts{{Parts.TabBar.get()}};
+  for (const TabPage& page : Parts.Pages) {
+    parts.push_back({page.Page});
+    if (page.ToolRow != nullptr) parts.push_back({page.ToolRow});
+  }
+  parts.push_back({Parts.HelpButton.get()});
+  parts.push_back({Parts.PhotoBack.get()});
+  parts.push_back({Parts.StripWindow.get()});
+  return parts;
+}
+
+QWidget* CMainFrame::GetFocusedPart() const {
+  if (!Parts.StripWindow) return nullptr;
+  if (GetStrip().isVisible()) return &GetStrip();
+  return Parts.PhotoView->isVisible() ? Parts.PhotoView.get() : nullptr;
 }
 
 void CMainFrame::closeEvent(QCloseEvent* event) {

@@ -15,6 +15,7 @@
 #include "ui/frame/MainParts.h"
 #include "ui/frame/ThumbnailCheck.h"
 #include "ui/frame/ViewMode.h"
+#include "ui/kit/PaintedGroup.h"
 #include "ui/pages/PhotoTab.h"
 #include "ui/strip/Filmstrip.h"
 
@@ -30,7 +31,12 @@ inline constexpr int kNormalExitCode = 1;
 /// selected tab with its button row, the photo back. Commands and keys arrive here, and here a change of the
 /// current photo goes round. Nothing needs to be saved when it is closed, for every change is in the catalog
 /// already.
-class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost, public CPhotoTabHost {
+class CMainFrame : public QWidget,
+                   public CPaintedGroup,
+                   public CFocusHolder,
+                   public CFilmstripHost,
+                   public CFilterBarHost,
+                   public CPhotoTabHost {
  public:
   /// Opens the data stores; false if the program can't go on.
   using OpenStep = std::function<bool(CCatalog& catalog, CThumbnailCache& cache)>;
@@ -96,12 +102,18 @@ class CMainFrame : public QWidget, public CFilmstripHost, public CFilterBarHost,
   void SetInputBlocked(bool on) override;
   bool IsInputBlocked() const { return InputFilter && InputFilter->IsBlocked(); }
 
+  // For assistive tools. The keys of the window move the strip or, in full-screen mode, lead to other photos.
+  QAccessible::Role GetGroupRole() const override { return QAccessible::Window; }
+  std::vector<GroupPart> ListParts() const override;
+  QWidget* GetFocusedPart() const override;
+
   const MainParts& GetParts() const { return Parts; }
   CFilmstrip& GetStrip() const;
 
  protected:
   /// A part that goes away leaves the focus to the window, not to the next button.
   bool focusNextPrevChild(bool next) override;
+  void focusInEvent(QFocusEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void paintEvent(QPaintEvent* event) override;

@@ -1,6 +1,8 @@
 #include "ui/frame/PhotoToolRow.h"
 
+#include "base/Texts.h"
 #include "ui/kit/PaintedButton.h"
+#include "ui/kit/QtText.h"
 #include "ui/kit/ToolTips.h"
 #include "ui/kit/Toolbar.h"
 
@@ -33,7 +35,7 @@ constexpr Slot kSlots[] = {
 }  // namespace
 
 void FillPhotoToolRow(CToolbar& row) {
-  row.setAccessibleName(QStringLiteral("What to do with the photo"));
+  row.setAccessibleName(ToQString(LoadText(StringId::ToldPhotoRow)));
   for (const Slot& slot : kSlots) {
     row.AddButton(slot.Gap, slot.Id, static_cast<StringId>(slot.Picture), slot.Changed);
   }

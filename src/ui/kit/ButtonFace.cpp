@@ -7,19 +7,19 @@
 
 namespace {
 
-class CButtonFace final : public CPartFace {
+class CButtonFace final : public CLeafFace {
  public:
-  explicit CButtonFace(CPaintedButton& button) : CPartFace(&button, QAccessible::Button) {}
+  explicit CButtonFace(CPaintedButton& button) : CLeafFace(&button, QAccessible::Button) {}
 
   QString text(QAccessible::Text text) const override {
     const CPaintedButton* button = GetButton();
     if (button == nullptr) return {};
     if (text == QAccessible::Accelerator) return button->GetKeyName();
-    return text == QAccessible::Description ? button->accessibleDescription() : QAccessibleWidget::text(text);
+    return text == QAccessible::Description ? button->accessibleDescription() : CLeafFace::text(text);
   }
 
   QAccessible::State state() const override {
-    QAccessible::State state = CPartFace::state();
+    QAccessible::State state = CLeafFace::state();
     const CPaintedButton* button = GetButton();
     state.pressed = button != nullptr && button->GetState() == ButtonState::Pressed;
     state.defaultButton = button != nullptr && button->HasDefaultLook();
@@ -28,12 +28,12 @@ class CButtonFace final : public CPartFace {
 
   QStringList actionNames() const override {
     const QStringList press = widget()->isEnabled() ? QStringList(pressAction()) : QStringList();
-    return press + QAccessibleWidget::actionNames();
+    return press + CLeafFace::actionNames();
   }
 
   void doAction(const QString& action) override {
     CPaintedButton* button = GetButton();
-    if (action != pressAction()) return QAccessibleWidget::doAction(action);
+    if (action != pressAction()) return CLeafFace::doAction(action);
     if (button != nullptr) DoAsClicked(*button, [button] { button->click(); });
   }
 

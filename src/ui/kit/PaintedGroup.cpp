@@ -9,6 +9,11 @@
 
 namespace {
 
+/// Null for null.
+QAccessibleInterface* FaceOf(const QWidget* widget) {
+  return QAccessible::queryAccessibleInterface(const_cast<QWidget*>(widget));
+}
+
 using Relations = QList<QPair<QAccessibleInterface*, QAccessible::Relation>>;
 
 std::vector<GroupPart> PartsOf(const QObject* widget) {
@@ -34,7 +39,7 @@ class CTextFace final : public QAccessibleInterface {
   bool isValid() const override { return !GetPart().Text.isEmpty(); }
   QObject* object() const override { return nullptr; }
   QWindow* window() const override { return Group ? Group->window()->windowHandle() : nullptr; }
-  QAccessibleInterface* parent() const override { return QAccessible::queryAccessibleInterface(Group); }
+  QAccessibleInterface* parent() const override { return FaceOf(Group); }
   QAccessibleInterface* child(int) const override { return nullptr; }
   QAccessibleInterface* childAt(int, int) const override { return nullptr; }
   int childCount() const override { return 0; }
@@ -58,7 +63,7 @@ class CTextFace final : public QAccessibleInterface {
   Relations relations(QAccessible::Relation match) const override {
     const QWidget* named = GetPart().Names;
     if (named == nullptr || !(match & QAccessible::Labelled)) return {};
-    return {{QAccessible::queryAccessibleInterface(const_cast<QWidget*>(named)), QAccessible::Labelled}};
+    return {{FaceOf(named), QAccessible::Labelled}};
   }
 
  private:
@@ -88,8 +93,8 @@ class CGroupFace final : public CPartFace {
   QAccessibleInterface* child(int index) const override {
     const std::vector<GroupPart> parts = PartsOf(object());
     if (index < 0 || index >= static_cast<int>(parts.size())) return nullptr;
-    QWidget* part = parts[static_cast<std::size_t>(index)].Widget;
-    return part != nullptr ? QAccessible::queryAccessibleInterface(part) : GetText(index);
+    const QWidget* part = parts[static_cast<std::size_t>(index)].Widget;
+    return part != nullptr ? FaceOf(part) : GetText(index);
   }
   int indexOfChild(const QAccessibleInterface* child) const override {
     for (int i = 0; i < childCount(); ++i) {
@@ -123,7 +128,7 @@ QAccessibleInterface* FindLabel(const QWidget& widget) {
   const std::vector<GroupPart> parts = PartsOf(group);
   const auto label = std::ranges::find(parts, &widget, &GroupPart::Names);
   if (label == parts.end()) return nullptr;
-  return QAccessible::queryAccessibleInterface(group)->child(static_cast<int>(label - parts.begin()));
+  return FaceOf(group)->child(static_cast<int>(label - parts.begin()));
 }
 
 }  // namespace
@@ -134,7 +139,7 @@ QAccessibleInterface* CPaintedGroup::MakeFace() {
 
 QAccessibleInterface* CPartFace::parent() const {
   QWidget* group = FindGroup(*widget());
-  return group != nullptr ? QAccessible::queryAccessibleInterface(group) : QAccessibleWidget::parent();
+  return group != nullptr ? FaceOf(group) : QAccessibleWidget::parent();
 }
 
 Relations CPartFace::relations(QAccessible::Relation match) const {

@@ -9,7 +9,7 @@
 
 /// One part of a group: a widget, or a text that the group paints.
 struct GroupPart {
-  QWidget* Widget = nullptr;  // null for a text
+  const QWidget* Widget = nullptr;  // null for a text
   QString Text{};
   QRect Place{};                   // of a text, in the group's widget
   const QWidget* Names = nullptr;  // the widget whose label the text is
@@ -37,4 +37,14 @@ class CPartFace : public QAccessibleWidget {
   QList<QPair<QAccessibleInterface*, QAccessible::Relation>> relations(
       QAccessible::Relation match) const override;
   QAccessible::State state() const override;
+};
+
+/// The same of a widget whose child widgets a tool isn't told of.
+class CLeafFace : public CPartFace {
+ public:
+  using CPartFace::CPartFace;
+  int childCount() const override { return 0; }
+  QAccessibleInterface* child(int) const override { return nullptr; }
+  int indexOfChild(const QAccessibleInterface*) const override { return -1; }
+  QAccessibleInterface* childAt(int, int) const override { return nullptr; }
 };

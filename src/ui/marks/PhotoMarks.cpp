@@ -1,5 +1,7 @@
 #include "ui/marks/PhotoMarks.h"
 
+#include "base/Texts.h"
+
 namespace {
 
 /// Looks from `start` to the last position before `end`, either way; -1 if none is marked.
@@ -15,6 +17,16 @@ int FindMarked(int start, int end, bool nearest, const std::function<bool(int)>&
 }
 
 }  // namespace
+
+std::string DescribeMarks(const CAssetRecord& photo) {
+  const std::int32_t rating = photo.GetCachedRating();
+  std::string text;
+  if (rating > 0) text = rating == 1 ? LoadText(StringId::OneStar) : FormatString(StringId::Stars, rating);
+  for (const PhotoMark& mark : kPhotoMarks) {
+    if (photo.GetFlag(mark.Flag)) text += (text.empty() ? "" : ", ") + LoadText(mark.Told);
+  }
+  return text;
+}
 
 std::pair<int, int> FindRangeToToggle(int position, int count, bool nowOn,
                                       const std::function<bool(int)>& isMarked) {

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <functional>
+#include <string>
 #include <utility>
 
 #include "catalog/AssetRecord.h"
 #include "resources/PictureIds.h"
+#include "resources/StringIds.h"
 #include "ui/kit/Commands.h"
 
 /// What a user can mark a photo for: each mark is a flag of the photo, puts it on the page of a tab, and
@@ -15,15 +17,19 @@ struct PhotoMark {
   CommandId Toggle;
   PictureId StripPicture;  // off, on, off under the pointer, on under the pointer
   PictureId PhotoPicture;
+  StringId Told;  // by assistive tools
 };
 
 /// In the order in which they stand, from left to right.
 inline constexpr PhotoMark kPhotoMarks[] = {
     {PhotoFlag::ToRemotePrint, ViewTabId::Upload, CommandId::ToggleUpload, PictureId::UploadStripMarks,
-     PictureId::UploadMark},
+     PictureId::UploadMark, StringId::ToldMarkedForUpload},
     {PhotoFlag::ToEmail, ViewTabId::Email, CommandId::ToggleEmail, PictureId::EmailStripMarks,
-     PictureId::EmailMark},
+     PictureId::EmailMark, StringId::ToldMarkedForEmail},
 };
+
+/// The photo's stars and marks in words: "3 stars, marked for email"; empty if it has none.
+std::string DescribeMarks(const CAssetRecord& photo);
 
 /// The positions strictly between a photo whose mark was just set or taken away and the marked photo that the
 /// change extends to: first to end - 1; empty if there is nothing to extend to. The marked photo is looked

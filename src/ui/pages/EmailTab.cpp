@@ -2,6 +2,8 @@
 
 #include <optional>
 
+#include "base/Texts.h"
+#include "ui/kit/QtText.h"
 #include "ui/kit/Toolbar.h"
 #include "ui/sharing/EmailDialog.h"
 #include "ui/sharing/EmailSending.h"
@@ -25,7 +27,7 @@ CEmailTab::CEmailTab(CCatalog& catalog, CViewTabBar& bar, CPhotoTabHost& host, Q
     : CPhotoTab(kForm, catalog, bar, host, parent) {}
 
 void CEmailTab::FillButtonRow(CToolbar& row) {
-  row.setAccessibleName(QStringLiteral("What to do with the photos to mail"));
+  row.setAccessibleName(ToQString(LoadText(StringId::ToldEmailRow)));
   row.AddButton(0, CommandId::ClearOneEmail);
   row.AddButton(15, CommandId::ClearAllEmail);
   row.AddButton(15, CommandId::AddRecent);

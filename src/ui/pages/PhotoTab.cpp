@@ -61,6 +61,7 @@ CPhotoTab::CPhotoTab(const PhotoTabForm& form, CCatalog& catalog, CViewTabBar& b
   setObjectName(QString::fromLatin1(form.WindowName));
   setAttribute(Qt::WA_OpaquePaintEvent);
   setFocusPolicy(Qt::TabFocus);
+  TellAccessibleName();
   PaintTimer.setInterval(0);
   connect(&PaintTimer, &QTimer::timeout, this, [this] { PaintSomeCells(); });
 }

@@ -5,12 +5,14 @@
 #include <utility>
 
 #include "base/Texts.h"
+#include "catalog/StampList.h"
 #include "imaging/Image.h"
 #include "imaging/ImageFile.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/FontTable.h"
 #include "ui/kit/Job.h"
+#include "ui/kit/PaintedGroup.h"
 #include "ui/kit/Pictures.h"
 #include "ui/kit/QtText.h"
 #include "ui/kit/WaitCursor.h"
@@ -22,6 +24,40 @@ constexpr int kMargin = 10;
 constexpr int kShadowPiece = 8;
 constexpr bool kEnlarge = true;  // a photo smaller than the page is scaled up
 
+struct ToldPhoto {
+  QString Title;
+  QString Description;
+};
+
+/// The photo's caption, and what it is marked for.
+QString DescribePhoto(const CAssetRecord& photo) {
+  std::string text = photo.GetStamps(StampId::Note).Get(0).GetText();
+  const std::string marks = DescribeMarks(photo);
+  if (!text.empty() && !marks.empty()) text += ", ";
+  return ToQString(text + marks);
+}
+
+class CPhotoFace final : public CLeafFace {
+ public:
+  explicit CPhotoFace(CPhotoView& view) : CLeafFace(&view, QAccessible::Graphic) {}
+
+  QString text(QAccessible::Text text) const override {
+    const auto* view = dynamic_cast<const CPhotoView*>(object());
+    if (view == nullptr || (text != QAccessible::Name && text != QAccessible::Description)) return {};
+    const auto& photo = view->GetPhoto();
+    if (!photo) return text == QAccessible::Name ? view->GetMissingText() : QString();
+    const ToldPhoto& told = Last.Ask([&]() -> ToldPhoto {
+      return {ToQString(photo->GetTitle()), DescribePhoto(*photo)};
+    });
+    if (text == QAccessible::Name) return told.Title;
+    const QString missing = view->isVisible() ? view->GetMissingText() : QString();
+    return missing.isEmpty() ? told.Description : missing;
+  }
+
+ private:
+  mutable CLastAnswer<ToldPhoto> Last;
+};
+
 bool Suits(const CImage* image, QSize view) {
   return image &&
          !NeedsReload({image->GetNaturalSize(), image->GetCurrentSize(), image->GetRequestedSize()}, view);
@@ -31,11 +67,12 @@ bool Suits(const CImage* image, QSize view) {
 
 CPhotoView::CPhotoView(QWidget* parent) : QWidget(parent) {
   setObjectName(QStringLiteral("SlideVue"));
-  setAccessibleName(QStringLiteral("Current photo"));
   setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
 CPhotoView::~CPhotoView() = default;
+
+QAccessibleInterface* CPhotoView::MakeFace() { return std::make_unique<CPhotoFace>(*this).release(); }
 
 void CPhotoView::SetPhoto(const std::optional<CAssetRecord>& photo) {
   Photo = photo;
@@ -45,6 +82,8 @@ void CPhotoView::SetPhoto(const std::optional<CAssetRecord>& photo) {
   UpdateFlags();
   Reload(false);
   update();
+  TellTools(*this, QAccessible::NameChanged);
+  if (CountsAsFocused(*this)) TellFocus();
 }
 
 void CPhotoView::OnPhotoRenamed() {
@@ -59,6 +98,7 @@ void CPhotoView::UpdateFlags() {
   if (flags == ShownFlags) return;
   ShownFlags = flags;
   update();
+  TellTools(*this, QAccessible::DescriptionChanged);
 }
 
 void CPhotoView::SetLook(const Look& look) {
@@ -135,14 +175,18 @@ void CPhotoView::Fit() {
   Place = PlacePhoto(view, margin, Picture.size(), TheLook.CentreVertically);
 }
 
+QString CPhotoView::GetMissingText() const {
+  if (!Picture.isNull()) return {};
+  const StringId reason = IsTooLarge ? StringId::PhotoTooLarge : StringId::UnableToDisplayPhoto;
+  return ToQString(LoadExpandedString(Photo ? reason : StringId::NoPhoto));
+}
+
 void CPhotoView::paintEvent(QPaintEvent*) {
   CDevicePainter painter(*this);
   painter.Fill(painter.GetArea(), colours::kPage);
   if (Picture.isNull()) {
-    const StringId reason = IsTooLarge ? StringId::PhotoTooLarge : StringId::UnableToDisplayPhoto;
-    const StringId text = Photo ? reason : StringId::NoPhoto;
     painter.DrawText(painter.GetArea(), Qt::AlignCenter, GetFont(FontId::EmptyPage), colours::kInk,
-                     ToQString(LoadExpandedString(text)));
+                     GetMissingText());
     return;
   }
   painter.GetPainter().drawImage(Place.topLeft(), Picture);

@@ -11,12 +11,14 @@
 
 #include "catalog/AssetRecord.h"
 #include "imaging/PicturesAhead.h"
+#include "ui/kit/AssistiveTools.h"
 #include "ui/marks/PhotoMarks.h"
 
 /// The page of the current photo: the photo as large as the page lets it be, with the marks that the user
 /// gave it; the whole screen in full-screen mode. It holds the photo's bitmap for the whole window. A photo
 /// is decoded when it is set, or when the page first shows, unless that was done ahead; a paint only copies.
-class CPhotoView : public QWidget {
+/// To assistive tools it is a picture with the photo's title and caption.
+class CPhotoView : public QWidget, public CFaceMaker {
  public:
   explicit CPhotoView(QWidget* parent = nullptr);
   ~CPhotoView() override;
@@ -61,6 +63,10 @@ class CPhotoView : public QWidget {
     friend bool operator==(const Look&, const Look&) = default;
   };
   void SetLook(const Look& look);
+
+  /// What stands there instead of a picture; empty if there is one.
+  QString GetMissingText() const;
+  QAccessibleInterface* MakeFace() override;
 
  protected:
   bool event(QEvent* event) override;

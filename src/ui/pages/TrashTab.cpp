@@ -1,8 +1,10 @@
 #include "ui/pages/TrashTab.h"
 
+#include "base/Texts.h"
 #include "catalog/ThumbnailCache.h"
 #include "editing/RemovePhotos.h"
 #include "ui/kit/Job.h"
+#include "ui/kit/QtText.h"
 #include "ui/kit/Toolbar.h"
 #include "ui/kit/WaitCursor.h"
 
@@ -23,7 +25,7 @@ CTrashTab::CTrashTab(CCatalog& catalog, CViewTabBar& bar, CPhotoTabHost& host, Q
     : CPhotoTab(kForm, catalog, bar, host, parent) {}
 
 void CTrashTab::FillButtonRow(CToolbar& row) {
-  row.setAccessibleName(QStringLiteral("What to do with the deleted photos"));
+  row.setAccessibleName(ToQString(LoadText(StringId::ToldTrashRow)));
   row.AddButton(0, CommandId::Restore);
   row.AddButton(20, CommandId::EmptyTrash);
 }

@@ -1,8 +1,10 @@
 #include "ui/pages/UploadTab.h"
 
+#include "base/Texts.h"
 #include "catalog/Catalog.h"
 #include "sharing/UploadRun.h"
 #include "ui/kit/InputBlock.h"
+#include "ui/kit/QtText.h"
 #include "ui/kit/Toolbar.h"
 #include "ui/sharing/ServiceWindows.h"
 
@@ -53,7 +55,7 @@ CUploadTab::CUploadTab(CCatalog& catalog, CViewTabBar& bar, CPhotoTabHost& host,
     : CPhotoTab(kForm, catalog, bar, host, parent) {}
 
 void CUploadTab::FillButtonRow(CToolbar& row) {
-  row.setAccessibleName(QStringLiteral("What to do with the photos to print or upload"));
+  row.setAccessibleName(ToQString(LoadText(StringId::ToldUploadRow)));
   row.AddButton(0, CommandId::ClearOneUpload);
   row.AddButton(15, CommandId::ClearAllUpload);
   row.AddButton(15, CommandId::AddRecent);

@@ -62,7 +62,7 @@ QString LoadTip(ViewTabId id) { return ToQString(LoadExpandedString(static_cast<
 
 CViewTabBar::CViewTabBar(QWidget* parent) : QWidget(parent) {
   setObjectName(QStringLiteral("ViewTab"));
-  setAccessibleName(QStringLiteral("Views"));
+  setAccessibleName(ToQString(LoadText(StringId::ToldViews)));
 }
 
 int CViewTabBar::Find(ViewTabId id) const {

@@ -50,7 +50,7 @@ CFilmstrip::CFilmstrip(CFilmstripHost& host, QWidget& parent)
       SharpPictures([this](std::int32_t assetId, const QImage& picture) { ShowSharp(assetId, picture); },
                     [this] { PrepareCells(); }) {
   setObjectName(QStringLiteral("Strip"));
-  setAccessibleName(QStringLiteral("Filmstrip"));
+  setAccessibleName(ToQString(LoadText(StringId::ToldFilmstrip)));
   setAttribute(Qt::WA_OpaquePaintEvent);
   setFocusPolicy(Qt::NoFocus);
   setMouseTracking(true);
@@ -141,7 +141,7 @@ void CFilmstrip::SetEmpty() {
   Current = 0;
   ShowAll(false);
   StopSlideShow();
-  setAccessibleDescription({});
+  TellItems();
   Host.OnCurrentPhotoChanged(nullptr);
 }
 
@@ -270,14 +270,18 @@ void CFilmstrip::RedrawMarks(const CAssetIdSet& photos) {
   const int first = Current - Cache.GetRun().GetBefore();
   const int end = Current + Cache.GetRun().GetAfter();
   for (int index = first; index < end; ++index) {
-    if (photos.Contains(Set->GetAssetId(index))) Cache.RepaintMarks(index);
+    if (!photos.Contains(Set->GetAssetId(index))) continue;
+    Cache.RepaintMarks(index);
+    TellPhoto(index);
   }
   update();
 }
 
 void CFilmstrip::StampChanged(StampId type, std::int32_t assetId) {
-  if (Set == nullptr || !DependsOn(Set->GetSortKind(), type)) return;
-  if (const int index = Set->IndexOf(assetId); index >= 0) RedrawBand(index, kBandAndMarks);
+  const int index = Set != nullptr ? Set->IndexOf(assetId) : -1;
+  if (index < 0) return;
+  TellPhoto(index);
+  if (DependsOn(Set->GetSortKind(), type)) RedrawBand(index, kBandAndMarks);
 }
 
 // The window.
@@ -459,12 +463,53 @@ void CFilmstrip::Announce() {
   if (WaitsForJob()) return;
   CancelAnnouncement();
   const CAssetRecord* const record = GetCurrentRecord();
-  if (record != nullptr) {
-    const std::string position = FormatString(StringId::PositionOfCount, Current + 1, Set->GetCount());
-    setAccessibleDescription(ToQString(position + ", " + record->GetFilename()));
-  }
+  TellItems();
+  TellCurrentItem();
+  Bars.TellPosition();
   Host.OnCurrentPhotoChanged(record);
   SharpenCells();  // after the large photo, which is what the user waits for
+}
+
+// Assistive tools.
+
+int CFilmstrip::GetFirstOnView() const { return std::max(0, IndexOfCell(0)); }
+
+int CFilmstrip::CountItems() const {
+  if (Set == nullptr || isHidden() || !IsIndex(Current)) return 0;
+  return std::min(IndexOfCell(Layout.GetVisibleCount()), Set->GetCount()) - GetFirstOnView();
+}
+
+int CFilmstrip::GetItemKey(int item) const { return Set->GetAssetId(GetFirstOnView() + item); }
+
+PaintedItem CFilmstrip::DescribeItem(int item) const {
+  const int index = GetFirstOnView() + item;
+  const CAssetRecord photo = Set->GetAsset(index);
+  std::string name = photo.GetTitle();
+  name += ", " + FormatString(StringId::PositionOfCount, index + 1, Set->GetCount());
+  if (const std::string marks = DescribeMarks(photo); !marks.empty()) name += ", " + marks;
+  return {ToQString(name), {}};
+}
+
+QRect CFilmstrip::PlaceItem(int item) const {
+  const QRectF frame = Layout.GetCellFrame(GetFirstOnView() + item - IndexOfCell(0));
+  const double ratio = Layout.GetMetrics().PixelRatio;
+  return QRectF(frame.topLeft() / ratio, frame.size() / ratio).toAlignedRect();
+}
+
+void CFilmstrip::ActivateItem(int item) {
+  StopSlideShow();
+  MoveTo(GetFirstOnView() + item);
+}
+
+std::vector<GroupPart> CFilmstrip::ListSurroundings() const {
+  std::vector<GroupPart> parts = Bars.ListParts();
+  for (const GroupPart& button : Lens.ListButtons()) parts.push_back(button);
+  return parts;
+}
+
+void CFilmstrip::TellPhoto(int index) {
+  const int item = index - GetFirstOnView();
+  if (item >= 0 && item < CountItems()) TellItemName(item);
 }
 
 // The slide show.

@@ -6,10 +6,12 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "catalog/AssetRecord.h"
 #include "sets/AssetIdSet.h"
 #include "ui/kit/Commands.h"
+#include "ui/kit/PaintedItems.h"
 #include "ui/kit/SharpPictures.h"
 #include "ui/strip/Lens.h"
 #include "ui/strip/PushBars.h"
@@ -55,7 +57,9 @@ class CFilmstripHost : public CCommandTarget {
 ///
 /// On a dense screen the cells on view are painted a second time once the strip has come to rest, from the
 /// photos' files: that under the lens first, then outwards. Any move gives up what isn't begun.
-class CFilmstrip : public QWidget {
+///
+/// To assistive tools it is a list of the photos on view. They hear of the current one when it rests.
+class CFilmstrip : public QWidget, public CPaintedItems {
  public:
   // What Refresh takes besides an index.
   static constexpr int kKeepPhoto = -1;     // the photo that is current now, if the set still has it
@@ -121,6 +125,16 @@ class CFilmstrip : public QWidget {
   const CStripCache& GetCache() const { return Cache; }
   const CSharpPictures& GetSharpPictures() const { return SharpPictures; }
 
+  // The photos on view, for assistive tools.
+  int CountItems() const override;
+  int GetItemKey(int item) const override;
+  PaintedItem DescribeItem(int item) const override;
+  QRect PlaceItem(int item) const override;
+  int GetCurrentItem() const override { return CountItems() > 0 ? Current - GetFirstOnView() : -1; }
+  void ActivateItem(int item) override;
+  /// What stands around the strip.
+  std::vector<GroupPart> ListSurroundings() const;
+
  protected:
   bool event(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
@@ -165,6 +179,8 @@ class CFilmstrip : public QWidget {
 
   StripHit HitTestAt(QPointF point) const;
   void SetHighlight(StripHit hit);
+  int GetFirstOnView() const;
+  void TellPhoto(int index);
   int IndexOfCell(int cell) const { return Current + cell - Layout.GetLensCell(); }
   void ClearHighlight() { SetHighlight({}); }
   void ToggleMark(const StripHit& hit, bool extendRange);

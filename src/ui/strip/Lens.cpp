@@ -79,6 +79,12 @@ void CLens::OnCommand(CommandId id) {
                           [](const auto& button) { return button.IsRepeating(); }));
 }
 
+std::vector<GroupPart> CLens::ListButtons() const {
+  std::vector<GroupPart> parts;
+  for (const CPaintedButton& button : Buttons) parts.push_back({&button});
+  return parts;
+}
+
 void CLens::Place(const StripLayout& layout) {
   for (CLensPiece& piece : Pieces) piece.Place(layout);
   const double ratio = layout.GetMetrics().PixelRatio;

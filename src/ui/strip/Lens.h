@@ -3,9 +3,11 @@
 #include <QWidget>
 #include <array>
 #include <functional>
+#include <vector>
 
 #include "ui/kit/Commands.h"
 #include "ui/kit/PaintedButton.h"
+#include "ui/kit/PaintedGroup.h"
 #include "ui/strip/StripLayout.h"
 
 /// A piece of the lens: a picture, transparent where it has no paint.
@@ -36,6 +38,7 @@ class CLens : private CCommandTarget {
   /// To be called when the strip has moved or has another width.
   void Place(const StripLayout& layout);
   void SetVisible(bool on);
+  std::vector<GroupPart> ListButtons() const;
 
  private:
   void OnCommand(CommandId id) override;

@@ -4,6 +4,7 @@
 #include <QMouseEvent>
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <utility>
 
 #include "base/Texts.h"
@@ -40,6 +41,31 @@ QPixmap GetPiece(int piece, const CDevicePainter& painter, int height) {
 QString GetPositionText(int position, int count) {
   return ToQString(FormatString(StringId::PositionOfCount, position, count));
 }
+
+/// A slider from 1 to the number of photos.
+class CPositionFace final : public CLeafFace, public QAccessibleValueInterface {
+ public:
+  explicit CPositionFace(CPushBar& bar) : CLeafFace(&bar, QAccessible::Slider) {}
+
+  void* interface_cast(QAccessible::InterfaceType type) override {
+    if (type == QAccessible::ValueInterface) return static_cast<QAccessibleValueInterface*>(this);
+    return CLeafFace::interface_cast(type);
+  }
+  QVariant currentValue() const override { return GetPosition().Current + 1; }
+  void setCurrentValue(const QVariant& value) override {
+    auto* bar = dynamic_cast<CPushBar*>(object());
+    if (bar != nullptr) DoAsClicked(*bar, [bar, index = value.toInt() - 1] { bar->GoTo(index); });
+  }
+  QVariant minimumValue() const override { return 1; }
+  QVariant maximumValue() const override { return GetPosition().Count; }
+  QVariant minimumStepSize() const override { return 1; }
+
+ private:
+  BarPosition GetPosition() const {
+    const auto* bar = dynamic_cast<const CPushBar*>(object());
+    return bar != nullptr ? bar->GetPosition() : BarPosition();
+  }
+};
 
 }  // namespace
 
@@ -98,11 +124,13 @@ CPushBar::CPushBar(BarSide side, QWidget& strip, Jump jump, Point point)
       PointAt(std::move(point)) {
   const bool left = side == BarSide::Left;
   setObjectName(left ? QStringLiteral("PushBarLeft") : QStringLiteral("PushBarRight"));
-  setAccessibleName(left ? QStringLiteral("Earlier photos") : QStringLiteral("Later photos"));
+  setAccessibleName(ToQString(LoadText(StringId::ToldPosition)));
   setFocusPolicy(Qt::NoFocus);
   setMouseTracking(true);
   hide();
 }
+
+QAccessibleInterface* CPushBar::MakeFace() { return std::make_unique<CPositionFace>(*this).release(); }
 
 void CPushBar::Place(const QRect& area) {
   Area = area;
@@ -165,7 +193,6 @@ void CPositionLabel::SetPosition(int current, int count) {
   const QString text = GetPositionText(current + 1, count);
   if (text == Text) return;
   Text = text;
-  setAccessibleName(text);
   update();
 }
 
@@ -204,6 +231,17 @@ void CPushBars::SetPosition(const BarPosition& position) {
   Left.SetPosition(position);
   Right.SetPosition(position);
   Label.SetPosition(position.Current, position.Count);
+}
+
+void CPushBars::TellPosition() {
+  if (!QAccessible::isActive()) return;
+  QAccessibleValueChangeEvent event(&Right, Right.GetPosition().Current + 1);
+  QAccessible::updateAccessibility(&event);
+}
+
+std::vector<GroupPart> CPushBars::ListParts() const {
+  const QPoint corner = Right.pos() + Label.pos();
+  return {{&Right}, {.Text = Label.GetText(), .Place = {corner, Label.size()}}};
 }
 
 void CPushBars::SetVisible(bool on) {

@@ -5,8 +5,10 @@
 #include <QString>
 #include <QWidget>
 #include <functional>
+#include <vector>
 
 #include "ui/kit/ButtonTip.h"
+#include "ui/kit/PaintedGroup.h"
 #include "ui/strip/StripLayout.h"
 
 enum class BarSide { Left, Right };
@@ -48,8 +50,9 @@ struct BarPosition {
   friend bool operator==(const BarPosition&, const BarPosition&) = default;
 };
 
-/// One of the two bars beside the lens's foot.
-class CPushBar : public QWidget {
+/// One of the two bars beside the lens's foot. Assistive tools are told of one of them, as a slider for the
+/// position in the set.
+class CPushBar : public QWidget, public CFaceMaker {
  public:
   /// Called with the index of a photo.
   using Jump = std::function<void(int index)>;
@@ -61,6 +64,10 @@ class CPushBar : public QWidget {
   /// `area` in device pixels, from the strip's corner.
   void Place(const QRect& area);
   void SetPosition(const BarPosition& position);
+  const BarPosition& GetPosition() const { return Position; }
+  void GoTo(int index) { JumpTo(index); }
+
+  QAccessibleInterface* MakeFace() override;
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -86,6 +93,7 @@ class CPositionLabel : public QWidget {
   explicit CPositionLabel(QWidget& parent);
 
   void SetPosition(int current, int count);
+  const QString& GetText() const { return Text; }
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -106,6 +114,9 @@ class CPushBars {
   void Place(const StripLayout& layout);
   void SetPosition(const BarPosition& position);
   void SetVisible(bool on);
+  /// Tells assistive tools where the strip has come to rest.
+  void TellPosition();
+  std::vector<GroupPart> ListParts() const;
 
  private:
   void ShowTip(int index, QPoint place);

@@ -16,13 +16,20 @@ constexpr int kStripTop = 1;
 
 CStripWindow::CStripWindow(CFilmstripHost& host, QWidget* parent) : QWidget(parent), Strip(host, *this) {
   setObjectName(QStringLiteral("StripWindow"));
-  setAccessibleName(QStringLiteral("Photos"));
+  setAccessibleName(ToQString(LoadText(StringId::ToldStripWindow)));
   setFocusPolicy(Qt::NoFocus);
 }
 
 void CStripWindow::resizeEvent(QResizeEvent*) {
   Strip.setGeometry(0, kStripTop, width(), kStripHeight);
   Strip.SetWidth(width());
+}
+
+std::vector<GroupPart> CStripWindow::ListParts() const {
+  if (Strip.isHidden()) return {{.Text = ToQString(LoadText(StringId::NoPhotosFound)), .Place = rect()}};
+  std::vector<GroupPart> parts = Strip.ListSurroundings();
+  parts.insert(parts.begin(), {&Strip});
+  return parts;
 }
 
 void CStripWindow::paintEvent(QPaintEvent*) {

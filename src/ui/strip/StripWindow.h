@@ -10,12 +10,14 @@ inline constexpr int kStripWindowHeight = kStripHeight + kBelowStrip;
 
 /// The band along the bottom of the main window: the strip, the lens over it and the push bars below it.
 /// While the set is empty it says so instead. kStripWindowHeight pixels of the layout high.
-class CStripWindow : public QWidget {
+class CStripWindow : public QWidget, public CPaintedGroup {
  public:
   /// The host outlives it.
   CStripWindow(CFilmstripHost& host, QWidget* parent);
 
   CFilmstrip& GetStrip() { return Strip; }
+
+  std::vector<GroupPart> ListParts() const override;
 
  protected:
   void paintEvent(QPaintEvent* event) override;

@@ -27,7 +27,7 @@ class Tabs : public CMainFrameFixture {
   }
   void ClickPhoto(int index) {
     CPhotoTab& tab = Tab(SelectedTab());
-    QTest::mouseClick(&tab, Qt::LeftButton, {}, tab.DescribeItem(index).Place.center());
+    QTest::mouseClick(&tab, Qt::LeftButton, {}, tab.PlaceItem(index).center());
     Rest();
   }
 
@@ -177,7 +177,7 @@ TEST_F(Tabs, DeletedPhotosCanBeRestoredUntilTheTrashIsEmptied) {
   Press({Qt::Key_Delete});
   Click(CommandId::Restore);
   EXPECT_EQ(Trash().GetCount(), 1) << "only from the current photo's page; and nothing is selected";
-  QTest::mouseDClick(&Trash(), Qt::LeftButton, {}, Trash().DescribeItem(0).Place.center());
+  QTest::mouseDClick(&Trash(), Qt::LeftButton, {}, Trash().PlaceItem(0).center());
   EXPECT_EQ(SelectedTab(), ViewTabId::Trash);
   EXPECT_EQ(Trash().GetSelected(), 0);
   Click(CommandId::Restore);
@@ -294,7 +294,7 @@ TEST_F(Tabs, PagesGetSharpOnADenseScreenAndFollowAChangedPhoto) {
   for (int i = 0; i < 3; ++i) Frame->ToggleInTab(Photo(i), ViewTabId::Email, false);
   Select(ViewTabId::Email);
   const auto hueOf = [&](int index) {
-    return Painted(Email()).pixelColor(Email().DescribeItem(index).Place.center() * 2).hue();
+    return Painted(Email()).pixelColor(Email().PlaceItem(index).center() * 2).hue();
   };
   const auto waitFor = [&](int index, const QColor& colour) {
     return QTest::qWaitFor([&] { return std::abs(hueOf(index) - colour.hue()) < 5; }, 5000);

@@ -1,3 +1,4 @@
+#include <QAccessible>
 #include <thread>
 
 #include "sets/QuerySet.h"
@@ -306,10 +307,34 @@ TEST_F(Filmstrip, RefreshKeepsThePhotoOrGoesWhereItIsTold) {
   EXPECT_EQ(Strip.GetCurrentIndex(), 18) << "as at the start, for the photo has left the set";
 }
 
+TEST_F(Filmstrip, ToolsHearOfThePhotosOnViewAlsoWhileAJobHasTheCatalog) {
+  Begin(9, 1);
+  Set->GetAsset(1).SetFlag(PhotoFlag::ToEmail, true);
+  QAccessibleInterface* list = QAccessible::queryAccessibleInterface(&Strip);
+  ASSERT_EQ(list->childCount(), 5);
+  QAccessibleInterface* current = list->child(1);
+  QAccessibleInterface* last = list->child(4);
+  EXPECT_EQ(list->childAt(Strip.mapToGlobal(CellPoint(0)).x(), Strip.mapToGlobal(CellPoint(0)).y()), current);
+  const auto name = [&] { return current->text(QAccessible::Name).toStdString(); };
+  EXPECT_EQ(name(), "IMG_1, 2 of 9, 1 star, marked for email");
+  EXPECT_TRUE(current->state().selected);
+  RunJob([&] {
+    RunOnWindowThread([&] {
+      EXPECT_EQ(name(), "IMG_1, 2 of 9, 1 star, marked for email");
+      EXPECT_EQ(last->text(QAccessible::Name), "") << "isn't read now";
+    });
+  });
+  last->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Strip.GetCurrentIndex() == 4; }));
+  EXPECT_TRUE(list->child(list->indexOfChild(last))->state().selected);
+  Strip.RemoveCurrent();
+  EXPECT_FALSE(last->isValid());
+  EXPECT_EQ(last->text(QAccessible::Name), "");
+}
+
 TEST_F(Filmstrip, RemovingThePhotoGoesToItsNeighbourAndAtLastToNone) {
   Begin(3, 1);
   const std::vector<std::int32_t> expected = {IdAt(2), IdAt(0), -1};
-  EXPECT_EQ(Strip.accessibleDescription(), "2 of 3, IMG_1.jpg");
   Set->RemoveAt(2);
   Set->SetGuest(expected[0]);
   Strip.StartSlideShow();
