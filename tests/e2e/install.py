@@ -26,6 +26,16 @@ def check_names(installed):
     assert icons == [f"{entry.stem}.png"] * 9 + [f"{entry.stem}.svg"], icons
 
 
+def check_answers(installed):
+    """Without a display, a home or a terminal."""
+    program = installed / "bin" / "vellumar"
+    version = subprocess.run([program, "--version"], env={}, capture_output=True, text=True, check=True).stdout
+    metainfo = next((installed / "share/metainfo").iterdir()).read_text()
+    assert f'<release version="{version.split()[-1]}"' in metainfo, version
+    refused = subprocess.run([program, "--nonsense"], env={}, capture_output=True, text=True)
+    assert refused.returncode == 2 and not refused.stdout and "--nonsense" in refused.stderr, refused
+
+
 def check_manual_page(page):
     shown = subprocess.run(["man", "--warnings", "-l", page], capture_output=True, text=True, check=True)
     assert "EXIT STATUS" in shown.stdout and not shown.stderr, shown.stderr
@@ -37,6 +47,7 @@ def main():
         installed = pathlib.Path(scratch) / "usr"
         subprocess.run(["cmake", "--install", sys.argv[1], "--prefix", installed], stdout=subprocess.DEVNULL, check=True)
         check_names(installed)
+        check_answers(installed)
         subprocess.run(["desktop-file-validate", *(installed / "share/applications").iterdir()], check=True)
         subprocess.run(["appstreamcli", "validate-tree", "--no-net", scratch], check=True)
         check_manual_page(installed / "share/man/man1/vellumar.1.gz")
