@@ -10,6 +10,8 @@
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/DropText.h"
+#include "ui/kit/PaintedGroup.h"
+#include "ui/kit/ShownText.h"
 #include "ui/kit/ToolTips.h"
 
 namespace {
@@ -35,6 +37,44 @@ QString WithLineSeparators(QString text) {
   text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
   return text.replace(u'\n', QChar(QChar::LineSeparator));
 }
+
+/// At rest a text of which a press begins the edit. While it is edited the edit box in it is the text.
+class CFieldTextFace final : public CPartFace, public CShownText {
+ public:
+  explicit CFieldTextFace(CFieldText& field) : CPartFace(&field) {}
+
+  using CPartFace::text;
+  using CShownText::text;
+
+  QAccessible::Role role() const override {
+    return IsEdited() ? QAccessible::Grouping : QAccessible::EditableText;
+  }
+  QAccessible::State state() const override {
+    QAccessible::State state = CPartFace::state();
+    state.readOnly = GetField() == nullptr || !GetField()->IsEditable();
+    return state;
+  }
+  void* interface_cast(QAccessible::InterfaceType type) override {
+    if (type == QAccessible::TextInterface && !IsEdited())
+      return static_cast<QAccessibleTextInterface*>(this);
+    return CPartFace::interface_cast(type);
+  }
+  QString GetShownText() const override { return GetField() != nullptr ? GetField()->GetText() : QString(); }
+
+  QStringList actionNames() const override {
+    const bool canBegin = GetField() != nullptr && GetField()->IsEditable() && !IsEdited();
+    return canBegin ? QStringList(pressAction()) : QStringList();
+  }
+  void doAction(const QString& action) override {
+    CFieldText* field = GetField();
+    if (field == nullptr || !actionNames().contains(action)) return;
+    DoAsClicked(*field, [field] { field->OnClicked(); });
+  }
+
+ private:
+  CFieldText* GetField() const { return dynamic_cast<CFieldText*>(object()); }
+  bool IsEdited() const { return GetField() != nullptr && GetField()->IsEditing(); }
+};
 
 }  // namespace
 
@@ -73,10 +113,11 @@ CFieldText::CFieldText(CFieldBoxOwner& owner, FieldStyle style, FontId font, QWi
   if (HasFlag(style, FieldStyle::Editable)) setCursor(Qt::IBeamCursor);
 }
 
+QAccessibleInterface* CFieldText::MakeFace() { return std::make_unique<CFieldTextFace>(*this).release(); }
+
 void CFieldText::SetText(const QString& text) {
   if (text == Text) return;
   Text = text;
-  setAccessibleDescription(text);  // the value for assistive tools
   BreakText();
 }
 
@@ -113,6 +154,7 @@ void CFieldText::OpenBox(const QString& text) {
     update();
   }
   Box->GetWidget().setFocus();
+  TellFocus();  // the field may have had it for a moment
 }
 
 void CFieldText::CloseBox() {

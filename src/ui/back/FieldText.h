@@ -8,6 +8,7 @@
 
 #include "ui/back/FieldBox.h"
 #include "ui/back/FieldForms.h"
+#include "ui/kit/AssistiveTools.h"
 
 class CDevicePainter;
 
@@ -22,7 +23,7 @@ QStringList BreakIntoLines(const QString& text, const QFont& font, double width,
 
 /// The text of a field. While it is edited an edit box stands over it, made for the edit and deleted after
 /// it. The owner decides what happens to the text of the box.
-class CFieldText : public QWidget {
+class CFieldText : public QWidget, public CFaceMaker {
  public:
   CFieldText(CFieldBoxOwner& owner, FieldStyle style, FontId font, QWidget* parent);
 
@@ -49,6 +50,9 @@ class CFieldText : public QWidget {
   void TakeOverText() { FirstText = Box->GetText(); }
   /// The text that the edit began with, as the box gives it.
   const QString& GetFirstText() const { return FirstText; }
+
+  bool IsEditable() const { return HasFlag(Style, FieldStyle::Editable); }
+  QAccessibleInterface* MakeFace() override;
 
  protected:
   bool event(QEvent* event) override;

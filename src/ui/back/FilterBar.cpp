@@ -92,6 +92,7 @@ CFilterBar::CFilterBar(CFilterBarHost& host, QWidget* panel, std::unique_ptr<CFo
       TextEntries(Texts),
       FolderActions(Folders, *Chooser) {
   setObjectName(QStringLiteral("FilterBar"));
+  setAccessibleName(ToQString(LoadText(StringId::ToldFilterBar)));
   CreateControls();
   ConnectControls();
   SetFirstSort();
@@ -379,6 +380,16 @@ void CFilterBar::CommitEdit() {
   if (!IsEditing()) return;
   Host.FocusMainWindow();
   GetFindControl().EndEdit();  // a window that isn't active doesn't take the focus
+}
+
+std::vector<GroupPart> CFilterBar::ListParts() const {
+  std::vector<GroupPart> parts;
+  for (std::size_t i = 0; i < Controls.size(); ++i) {
+    const QWidget* control = Controls[i].get();
+    parts.push_back({.Text = Labels[i].Text.trimmed(), .Place = Labels[i].Place, .Names = control});
+    parts.push_back({control});
+  }
+  return parts;
 }
 
 void CFilterBar::paintEvent(QPaintEvent*) {

@@ -14,6 +14,7 @@
 #include "ui/back/FilterBarItems.h"
 #include "ui/back/FolderActions.h"
 #include "ui/back/FolderChooser.h"
+#include "ui/kit/PaintedGroup.h"
 
 class CDropControl;
 class CFilterBarHost;
@@ -24,7 +25,7 @@ enum class StripPosition : int;
 /// stored; that of a folder may also search it. The set keeps the filters, the catalog the folder in view.
 ///
 /// Window thread, outside jobs. A search is a job, so a choice returns when its search is over.
-class CFilterBar : public QWidget {
+class CFilterBar : public QWidget, public CPaintedGroup {
  public:
   /// The bar of a panel, as wide as that, at its bottom. Gives the set the order that a session begins with,
   /// and shows the first folder as soon as events are handled, unless SelectFolder came before. The host
@@ -58,6 +59,8 @@ class CFilterBar : public QWidget {
   void CancelEdit();
   /// Takes what was typed and gives the focus to the main window.
   void CommitEdit();
+
+  std::vector<GroupPart> ListParts() const override;
 
   CDropControl& GetFolderControl() const { return *Controls[0]; }
   CDropControl& GetFindControl() const { return *Controls[1]; }

@@ -9,6 +9,7 @@
 
 #include "base/Texts.h"
 #include "platform/Files.h"
+#include "ui/back/FieldText.h"
 #include "ui/back/PhotoBackLayout.h"
 #include "ui/back/PhotoField.h"
 #include "ui/back/PhotoFieldSet.h"
@@ -251,6 +252,22 @@ void CPhotoBack::FocusNextField(bool forward) {
     row = (row + (forward ? 1 : kFieldCount - 1)) % kFieldCount;
   } while (!HasFlag(kFieldForms[row].Style, FieldStyle::Editable));
   Fields[row]->StartEdit();
+}
+
+std::vector<GroupPart> CPhotoBack::ListParts() const {
+  std::vector<GroupPart> parts;
+  for (std::size_t i = 0; Shown && i < kFieldCount; ++i) {
+    const CPhotoField& field = *Fields[i];
+    const bool isRating = kFieldForms[i].Fact == StampId::Rating;
+    const QWidget* value = &field.GetTextWindow();
+    if (isRating) value = &Rating->GetControl();
+    const QRect label(field.pos(), QSize(field.GetLabelWidth(), field.height()));
+    parts.push_back({.Text = field.GetLabelText().trimmed(), .Place = label, .Names = value});
+    parts.push_back({value});
+    if (field.GetButton() != nullptr) parts.push_back({field.GetButton()});
+  }
+  if (FilterBar != nullptr) parts.push_back({FilterBar});
+  return parts;
 }
 
 // The window.

@@ -11,6 +11,7 @@
 #include "catalog/AssetRecord.h"
 #include "imaging/PixelBuffer.h"
 #include "ui/back/FieldForms.h"
+#include "ui/kit/PaintedGroup.h"
 
 class CPhotoField;
 class CPhotoFieldSet;
@@ -23,7 +24,7 @@ void DrawPanel(QPainter& painter, const QRectF& area, double radius, const QColo
 /// It holds no annotation of its own: a value is in the catalog as soon as its field has been left, by
 /// whatever way. While a job runs the panel shows what it holds. Where it is too low for its content it
 /// scrolls, and what has the focus comes into view.
-class CPhotoBack : public QWidget {
+class CPhotoBack : public QWidget, public CPaintedGroup {
  public:
   explicit CPhotoBack(QWidget* parent = nullptr);
   ~CPhotoBack() override;
@@ -68,6 +69,8 @@ class CPhotoBack : public QWidget {
 
   /// Rates the current photo, 0 to 4. Without one nothing happens.
   void SetRating(int value);
+
+  std::vector<GroupPart> ListParts() const override;
 
  protected:
   void paintEvent(QPaintEvent* event) override;

@@ -287,7 +287,9 @@ void CPhotoField::SetLabelText(const QString& text) {
   const QString name = text.trimmed();
   setObjectName(name + QStringLiteral("Field"));
   Text->setAccessibleName(name);
-  if (Button != nullptr) Button->setAccessibleName(name);
+  if (Button != nullptr) {
+    Button->setAccessibleName(ToQString(FormatString(StringId::ToldFieldList, name.toStdString())));
+  }
   update();
 }
 

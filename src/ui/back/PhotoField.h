@@ -57,6 +57,7 @@ class CPhotoField : public QWidget, private CFieldListener, private CFieldBoxOwn
   void ShowText();
 
   void SetLabelText(const QString& text);
+  const QString& GetLabelText() const { return LabelText; }
   /// The width of the label's text.
   int GetNaturalLabelWidth() const;
   /// -1 for the natural width.

@@ -19,7 +19,7 @@ class CRatingOwner {
 
 /// The row of four stars. A click on a star gives the photo as many stars; a click on its last one takes
 /// that away. The rating itself is the owner's, which outlives the control.
-class CRatingControl : public QWidget, private CCommandTarget {
+class CRatingControl : public QWidget, public CFaceMaker, private CCommandTarget {
  public:
   static constexpr int kStars = 4;
   static constexpr QSize kSize{84, 21};
@@ -32,6 +32,11 @@ class CRatingControl : public QWidget, private CCommandTarget {
   /// Shows the owner's rating.
   void Refresh();
 
+  // For assistive tools, which are told of a slider and not of its buttons.
+  int GetShownStars() const { return ShownStars; }
+  void Rate(int rating);
+  QAccessibleInterface* MakeFace() override;
+
  protected:
   void paintEvent(QPaintEvent* event) override;
 
@@ -40,4 +45,5 @@ class CRatingControl : public QWidget, private CCommandTarget {
 
   CRatingOwner& Owner;
   std::array<std::unique_ptr<CPaintedButton>, kStars> Stars;
+  int ShownStars = 0;
 };

@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScreen>
+#include <algorithm>
 
 #include "base/Texts.h"
 #include "ui/kit/Colours.h"
@@ -18,11 +19,11 @@ CSearchProgressWindow::CSearchProgressWindow(bool showSplash, QWidget* parent)
       Lines{LoadExpandedString(StringId::SplashProduct), LoadExpandedString(StringId::SplashVersion),
             LoadExpandedString(StringId::SplashLegal1), LoadExpandedString(StringId::SplashLegal2),
             LoadExpandedString(StringId::SplashLegal3)},
+      ToldBar(ToQString(LoadExpandedString(StringId::SearchWindowTitle)), this),
       StopButton(*this, this) {
   setObjectName(window_names::kSearchProgress);
-  const QString title = ToQString(LoadExpandedString(StringId::SearchWindowTitle));
-  setWindowTitle(title);
-  setAccessibleName(title);
+  setWindowTitle(ToldBar.accessibleName());
+  setAccessibleName(windowTitle());
   setWindowIcon(MakeProgramIcon());
   setFixedSize(kProgressWidth, ProgressHeight(ShowSplash));
 
@@ -30,6 +31,8 @@ CSearchProgressWindow::CSearchProgressWindow(bool showSplash, QWidget* parent)
   setAttribute(Qt::WA_TranslucentBackground);
   setMask(ProgressOutline(ShowSplash));
 
+  ToldBar.setGeometry(ProgressFrame(ShowSplash));
+  ToldBar.Tell(0, 0, GetBarText());
   setFocusPolicy(Qt::StrongFocus);
   StopButton.setObjectName(QStringLiteral("StopSearching"));
   StopButton.EnableTip(false);
@@ -50,11 +53,13 @@ void CSearchProgressWindow::ShowCentered() {
 
 void CSearchProgressWindow::SetTotal(int total) {
   Total = total;
+  ToldBar.Tell(0, std::max(Total, 0), GetBarText());
   repaint();
 }
 
 void CSearchProgressWindow::SetCurrent(int index, const QImage& picture) {
   Current = index;
+  ToldBar.Tell(index + 1, std::max(Total, 0), GetBarText());
   QRegion changed = ProgressBar(ShowSplash);
   if (!picture.isNull()) {
     Pictures[NextSlot] = QPixmap::fromImage(picture);
@@ -62,6 +67,18 @@ void CSearchProgressWindow::SetCurrent(int index, const QImage& picture) {
     NextSlot = (NextSlot + 1) % Pictures.size();
   }
   repaint(changed);
+}
+
+std::vector<GroupPart> CSearchProgressWindow::ListParts() const {
+  std::vector<GroupPart> parts;
+  for (int i = 0; ShowSplash && i < kProductLines; ++i) {
+    const QString line = ToQString(Lines[static_cast<std::size_t>(i)]).trimmed();
+    if (!line.isEmpty()) parts.push_back({.Text = line, .Place = ProgressProductLine(i, Lines.back())});
+  }
+  parts.push_back({.Text = GetBarText(), .Place = ProgressBar(ShowSplash)});
+  parts.push_back({&ToldBar});
+  parts.push_back({&StopButton});
+  return parts;
 }
 
 void CSearchProgressWindow::paintEvent(QPaintEvent* event) {

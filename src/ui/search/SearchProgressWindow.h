@@ -7,9 +7,12 @@
 #include <atomic>
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include "ui/kit/Commands.h"
 #include "ui/kit/PaintedButton.h"
+#include "ui/kit/PaintedGroup.h"
+#include "ui/kit/ToldBar.h"
 #include "ui/search/SearchProgressLayout.h"
 
 /// The window that tells how a search goes: a bar with a text, the photos found last in five small cells,
@@ -17,7 +20,7 @@
 /// start, it carries the product's name and version.
 ///
 /// Window thread; IsStopRequested may be asked by any.
-class CSearchProgressWindow : public QWidget, private CCommandTarget {
+class CSearchProgressWindow : public QWidget, public CPaintedGroup, private CCommandTarget {
  public:
   explicit CSearchProgressWindow(bool showSplash, QWidget* parent = nullptr);
 
@@ -34,6 +37,9 @@ class CSearchProgressWindow : public QWidget, private CCommandTarget {
   /// The program is to end: a stop that no key takes back.
   void End() { Ending = true; }
   bool IsStopRequested() const { return StopRequested || Ending; }
+
+  QAccessible::Role GetGroupRole() const override { return QAccessible::Dialog; }
+  std::vector<GroupPart> ListParts() const override;
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -55,5 +61,6 @@ class CSearchProgressWindow : public QWidget, private CCommandTarget {
   std::atomic<bool> StopRequested = false;
   std::atomic<bool> Ending = false;
   std::array<std::string, kProductLines> Lines;
+  CToldBar ToldBar;
   CPaintedButton StopButton;
 };

@@ -5,6 +5,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QRegion>
+#include <utility>
 
 #include "catalog/Catalog.h"
 #include "imaging/Image.h"
@@ -133,6 +134,21 @@ void CUploadWindow::ShowStatus() {
   PhotoBar.setAccessibleDescription(ToQString(Status.Title));
   OverallBar.setAccessibleDescription(ToQString(Status.TopLine));
   update();
+}
+
+std::vector<GroupPart> CUploadWindow::ListParts() const {
+  std::vector<GroupPart> parts;
+  const std::pair<const std::string&, const QRect&> lines[] = {
+      {Status.TopLine, kTopLine}, {Status.InfoLine, kInfoLine}, {Status.Title, kTitle}};
+  for (const auto& [text, place] : lines) {
+    if (!text.empty()) parts.push_back({.Text = ToQString(text), .Place = place});
+  }
+  for (const QWidget* part :
+       {static_cast<const QWidget*>(&PhotoBar), static_cast<const QWidget*>(&OverallBar),
+        static_cast<const QWidget*>(&StopButton)}) {
+    parts.push_back({part});
+  }
+  return parts;
 }
 
 void CUploadWindow::paintEvent(QPaintEvent*) {

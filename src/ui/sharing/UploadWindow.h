@@ -8,6 +8,7 @@
 #include "sharing/UploadProgress.h"
 #include "ui/kit/Commands.h"
 #include "ui/kit/PaintedButton.h"
+#include "ui/kit/PaintedGroup.h"
 
 /// A bar of the upload window, with its label over it.
 class CUploadBar : public QProgressBar {
@@ -34,7 +35,7 @@ class CDisabledWindow {
 /// Shows how an upload goes: the photo under way, bars for it and for all of them, and a button to stop; Esc
 /// stops, too. Made visible, in the middle of the main window, which is disabled until this one goes. Window
 /// thread.
-class CUploadWindow : public QWidget, public CUploadProgress, private CCommandTarget {
+class CUploadWindow : public QWidget, public CPaintedGroup, public CUploadProgress, private CCommandTarget {
  public:
   explicit CUploadWindow(QWidget& mainWindow);
 
@@ -42,6 +43,9 @@ class CUploadWindow : public QWidget, public CUploadProgress, private CCommandTa
   bool SetPhoto(int index, const PhotoToUpload& photo) override;
   bool SetPercent(int percent) override;
   bool IsStopped() const override { return Stopped; }
+
+  QAccessible::Role GetGroupRole() const override { return QAccessible::Dialog; }
+  std::vector<GroupPart> ListParts() const override;
 
  protected:
   void paintEvent(QPaintEvent* event) override;
