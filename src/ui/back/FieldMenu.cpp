@@ -1,5 +1,7 @@
 #include "ui/back/FieldMenu.h"
 
+#include <QKeyEvent>
+#include <algorithm>
 #include <unordered_set>
 #include <utility>
 
@@ -46,6 +48,30 @@ QString MakeEntryText(const std::string& text) {
   return entry.replace(QStringLiteral("&"), QStringLiteral("&&"));
 }
 
+class CFieldMenu final : public QMenu {
+ public:
+  using QMenu::QMenu;
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    const bool isBlank = event->text().trimmed().isEmpty();
+    if (isBlank || !FindNext(event->text())) QMenu::keyPressEvent(event);
+  }
+
+ private:
+  bool FindNext(const QString& letter) {
+    const QList<QAction*> entries = actions();
+    const auto start = entries.indexOf(activeAction());
+    for (qsizetype step = 1; step <= entries.size(); ++step) {
+      QAction* entry = entries[(start + step) % entries.size()];
+      if (!entry->isEnabled() || !entry->text().startsWith(letter, Qt::CaseInsensitive)) continue;
+      setActiveAction(entry);
+      return true;
+    }
+    return false;
+  }
+};
+
 }  // namespace
 
 std::vector<FieldChoice> ListChoices(CFieldValue& value, const std::string& text) {
@@ -82,7 +108,7 @@ void ChooseDate(CFieldValue& value, StampId source) {
 std::unique_ptr<QMenu> MakeFieldMenu(const std::vector<FieldChoice>& choices,
                                      std::function<void(const FieldChoice& choice)> onChosen,
                                      QWidget* parent) {
-  auto menu = std::make_unique<QMenu>(parent);
+  auto menu = std::make_unique<CFieldMenu>(parent);
   menu->setFont(GetFont(kMenuFont));
   for (const FieldChoice& choice : choices) {
     QAction* entry = menu->addAction(MakeEntryText(choice.Text));
@@ -92,4 +118,15 @@ std::unique_ptr<QMenu> MakeFieldMenu(const std::vector<FieldChoice>& choices,
     QObject::connect(entry, &QAction::triggered, parent, [onChosen, choice] { onChosen(choice); });
   }
   return menu;
+}
+
+void SelectFirstChoice(QMenu& menu) {
+  const QList<QAction*> entries = menu.actions();
+  const auto find = [&](bool (QAction::*is)() const) {
+    const auto found = std::find_if(entries.begin(), entries.end(),
+                                    [&](QAction* entry) { return entry->isEnabled() && (entry->*is)(); });
+    return found != entries.end() ? *found : nullptr;
+  };
+  QAction* const checked = find(&QAction::isChecked);
+  menu.setActiveAction(checked != nullptr ? checked : find(&QAction::isEnabled));
 }

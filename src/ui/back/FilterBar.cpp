@@ -368,6 +368,14 @@ void CFilterBar::OnRatingPicked() {
   RebuildSet(StripPosition::KeepPhoto);
 }
 
+CDropControl* CFilterBar::FindFocusedControl() const {
+  const QWidget* const focus = window()->focusWidget();
+  const auto found = std::find_if(Controls.begin(), Controls.end(), [focus](const auto& control) {
+    return control.get() == focus || control->isAncestorOf(focus);
+  });
+  return found != Controls.end() ? found->get() : nullptr;
+}
+
 bool CFilterBar::IsEditing() const { return GetFindControl().IsEditing(); }
 
 void CFilterBar::CancelEdit() {

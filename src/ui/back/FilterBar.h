@@ -62,6 +62,9 @@ class CFilterBar : public QWidget, public CPaintedGroup {
 
   std::vector<GroupPart> ListParts() const override;
 
+  /// The control that the focus is in; null if it is elsewhere.
+  CDropControl* FindFocusedControl() const;
+
   CDropControl& GetFolderControl() const { return *Controls[0]; }
   CDropControl& GetFindControl() const { return *Controls[1]; }
   CDropControl& GetRatingControl() const { return *Controls[2]; }

@@ -109,6 +109,9 @@ CPhotoBack::CPhotoBack(QWidget* parent) : QWidget(parent) {
   KeepFocusOnClick(ScrollBar);
   connect(&ScrollBar, &QScrollBar::valueChanged, this, &CPhotoBack::Layout);
   connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { ScrollTo(now); });
+  Rating->GetControl().OnKeyRating = [this] {
+    if (OnEditBegins) OnEditBegins();
+  };
   ShowFields(false);
   WatchProgram();
 }
@@ -268,6 +271,18 @@ std::vector<GroupPart> CPhotoBack::ListParts() const {
   }
   if (FilterBar != nullptr) parts.push_back({FilterBar});
   return parts;
+}
+
+std::vector<QWidget*> CPhotoBack::ListFocusStops() const {
+  std::vector<QWidget*> stops = {&Rating->GetControl()};
+  for (std::size_t i = 0; i < kFieldCount; ++i) {
+    if (HasFlag(kFieldForms[i].Style, FieldStyle::Editable)) stops.push_back(Fields[i].get());
+  }
+  return stops;
+}
+
+bool CPhotoBack::OpenListByKey() {
+  return std::any_of(Fields.begin(), Fields.end(), [](const auto& field) { return field->OpenListByKey(); });
 }
 
 // The window.

@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "catalog/AssetRecord.h"
 #include "imaging/PixelBuffer.h"
@@ -31,7 +32,7 @@ class CPhotoBack : public QWidget, public CPaintedGroup {
 
   // What the panel tells and asks the main window; each may be empty. Who is told may call SetPhoto.
 
-  /// The user is about to edit a field, or to choose from its list.
+  /// The user is about to edit a field, to choose from its list, or to change the stars by key.
   std::function<void()> OnEditBegins;
   /// That fact about the current photo has been written.
   std::function<void(StampId fact)> OnStampChanged;
@@ -66,6 +67,10 @@ class CPhotoBack : public QWidget, public CPaintedGroup {
 
   /// Leaves the field that is being edited for the next or the previous one, round and round.
   void FocusNextField(bool forward);
+  /// Where Tab leads to: the stars and the fields that can be edited, from the top.
+  std::vector<QWidget*> ListFocusStops() const;
+  /// Opens the list of the field that is being edited. False if there is none.
+  bool OpenListByKey();
 
   /// Rates the current photo, 0 to 4. Without one nothing happens.
   void SetRating(int value);

@@ -130,6 +130,11 @@ void CPhotoField::StartEdit() {
   if (Button != nullptr) Button->setFocusProxy(&Text->GetBox()->GetWidget());
 }
 
+void CPhotoField::focusInEvent(QFocusEvent*) {
+  StartEdit();
+  if (!IsEditing()) window()->setFocus();
+}
+
 void CPhotoField::Cancel() {
   if (!IsEditing()) return;
   Text->GetBox()->SetText(Text->GetFirstText());
@@ -244,9 +249,15 @@ void CPhotoField::RefreshButton() {
   Button->setVisible(Value != nullptr && (Value->GetKind() == FieldKind::Date || Value->HasChoices()));
 }
 
-void CPhotoField::OnCommand(CommandId) { OpenMenu(); }
+void CPhotoField::OnCommand(CommandId) { OpenMenu(false); }
 
-void CPhotoField::OpenMenu() {
+bool CPhotoField::OpenListByKey() {
+  if (!IsEditing() || Button == nullptr || !Button->isVisible()) return false;
+  OpenMenu(true);
+  return true;
+}
+
+void CPhotoField::OpenMenu(bool byKey) {
   if (!BeginEdit()) return;
   Menu = MakeFieldMenu(
       ListChoices(*Value, GetTextNow()), [this](const FieldChoice& choice) { Choose(choice); }, this);
@@ -255,6 +266,7 @@ void CPhotoField::OpenMenu() {
   connect(Menu.get(), &QMenu::aboutToHide, this, &CPhotoField::OnMenuClosed, Qt::QueuedConnection);
   const QPoint corner = Button->mapToGlobal(QPoint(Button->width(), Button->height()));
   Menu->popup(corner - QPoint(Menu->sizeHint().width(), 0));
+  if (byKey) SelectFirstChoice(*Menu);
 }
 
 QMenu* CPhotoField::GetMenu() const { return Menu && Menu->isVisible() ? Menu.get() : nullptr; }

@@ -43,6 +43,8 @@ class CPhotoField : public QWidget, private CFieldListener, private CFieldBoxOwn
 
   /// Begins to edit the text, in a field that can be edited and has a value.
   void StartEdit();
+  /// Opens the list of the field that is being edited. False in a field without one.
+  bool OpenListByKey();
   /// Called when an edit or the menu is about to open; it may give the field another value.
   std::function<void()> OnEditBegins;
   bool IsEditing() const;
@@ -74,6 +76,8 @@ class CPhotoField : public QWidget, private CFieldListener, private CFieldBoxOwn
  protected:
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
+  /// The focus that Tab brings begins an edit.
+  void focusInEvent(QFocusEvent* event) override;
 
  private:
   void OnValueChanged() override;
@@ -97,7 +101,7 @@ class CPhotoField : public QWidget, private CFieldListener, private CFieldBoxOwn
   void SetBoxText(const std::string& text);
 
   void RefreshButton();
-  void OpenMenu();
+  void OpenMenu(bool byKey);
   void OnMenuClosed();
   void Choose(const FieldChoice& choice);
   void Layout();

@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QCheckBox>
+#include <QContextMenuEvent>
 #include <QMessageBox>
 #include <QWidget>
 #include <memory>
@@ -27,8 +28,8 @@
 #include "ui/frame/InfoWindow.h"
 #include "ui/frame/MainParts.h"
 #include "ui/frame/MarkPhotos.h"
+#include "ui/kit/DropControl.h"
 #include "ui/kit/QtText.h"
-#include "ui/kit/Toolbar.h"
 #include "ui/kit/WaitCursor.h"
 #include "ui/marks/PhotoMarks.h"
 #include "ui/pages/PhotoTab.h"
@@ -68,6 +69,8 @@ void CMainCommands::EndEdit(CommandId) {
   if (auto* const button = qobject_cast<QAbstractButton*>(focus)) return button->click();
   auto* const page = Parts.GetPhotoTab(Parts.TabBar->GetSelectedTab());
   if (page != nullptr && focus == page) page->OpenSelected();
+  CDropControl* const control = Parts.FilterBar->FindFocusedControl();
+  if (control != nullptr && focus == control) return control->Enter();
   Parts.Window->setFocus();
 }
 
@@ -87,25 +90,38 @@ void CMainCommands::GoToField(CommandId id) {
   }
 }
 
+void CMainCommands::GoToFind(CommandId) {
+  if (Parts.FilterBar->isVisible()) Parts.FilterBar->GetFindControl().StartEdit();
+}
+
 void CMainCommands::MoveByField(CommandId id) {
   if (!Parts.PhotoBack->isVisible()) return;
   if (Parts.FilterBar->IsEditing()) return Parts.FilterBar->CommitEdit();
-  const bool forward = id == CommandId::NextField;
-  if (Parts.PhotoBack->IsEditing()) return Parts.PhotoBack->FocusNextField(forward);
-  MoveFocus(forward);
+  FocusRing.Move(id == CommandId::NextField);
 }
 
-void CMainCommands::MoveFocus(bool forward) {
-  // The window, the page, its buttons, and the window again. The current photo's page takes no focus.
-  const TabPage& shown = Parts.GetShownPage();
-  const bool hasPage = shown.Page->focusPolicy() != Qt::NoFocus;
-  const QWidget* const focus = Parts.Window->focusWidget();
-  const bool isInRow = focus != nullptr && shown.ToolRow->isAncestorOf(focus);
-  const bool isInPage = focus == shown.Page;
-  if (forward && !isInRow && !isInPage && hasPage) return shown.Page->setFocus(Qt::TabFocusReason);
-  if ((forward || !isInPage) && shown.ToolRow->MoveFocus(forward)) return;
-  if (!forward && isInRow && hasPage) return shown.Page->setFocus(Qt::BacktabFocusReason);
-  Parts.Window->setFocus();
+bool CMainCommands::IsEditing() const { return Parts.PhotoBack->IsEditing() || Parts.FilterBar->IsEditing(); }
+
+bool CMainCommands::OpenListAtFocus() {
+  if (Parts.PhotoBack->OpenListByKey()) return true;
+  CDropControl* const control = Parts.FilterBar->FindFocusedControl();
+  if (control != nullptr) control->OpenListByKey();
+  return control != nullptr;
+}
+
+void CMainCommands::OpenList(CommandId) { OpenListAtFocus(); }
+
+void CMainCommands::OpenListOrMoveByGroup(CommandId) {
+  if (!OpenListAtFocus()) MoveByGroup(CommandId::NextGroup);
+}
+
+void CMainCommands::OpenContextMenu(CommandId id) {
+  if (!IsEditing()) return OpenList(id);
+  // The menu of the box itself.
+  QWidget& box = *Parts.Window->focusWidget();
+  const QPoint place = box.inputMethodQuery(Qt::ImCursorRectangle).toRect().bottomLeft();
+  QContextMenuEvent event(QContextMenuEvent::Keyboard, place, box.mapToGlobal(place));
+  QCoreApplication::sendEvent(&box, &event);
 }
 
 void CMainCommands::Rename(CommandId) {
@@ -233,7 +249,7 @@ void CMainCommands::NextTab(CommandId) {
 void CMainCommands::CloseWindow(CommandId) { Parts.Window->close(); }
 
 void CMainCommands::ShowInfo(CommandId) {
-  Parts.Window->setFocus();  // keeps what is being edited; a slide show goes on
+  if (IsEditing()) Parts.Window->setFocus();  // keeps what is being edited; a slide show goes on
   ShowInfoWindow(*Parts.Window);
 }
 

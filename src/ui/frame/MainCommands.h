@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "editing/ChangePhoto.h"
+#include "ui/frame/FocusRing.h"
 #include "ui/frame/FullScreen.h"
 #include "ui/kit/Commands.h"
 
@@ -28,7 +29,11 @@ class CMainCommands {
   void EndEdit(CommandId id);
   void Cancel(CommandId id);
   void GoToField(CommandId id);
+  void GoToFind(CommandId id);
   void MoveByField(CommandId id);
+  void OpenList(CommandId id);
+  void OpenListOrMoveByGroup(CommandId id);
+  void OpenContextMenu(CommandId id);
   void Rename(CommandId id);
   void Rate(CommandId id);
   void EditText(CommandId id);
@@ -53,10 +58,13 @@ class CMainCommands {
  private:
   using PhotoEdit = std::function<PhotoChange(const CAssetRecord& photo, CImage* image, const WorkBegins&)>;
   void ChangePhoto(const PhotoEdit& edit);
-  void MoveFocus(bool forward);
+  /// Opens the list of the field or control that the focus is in. False if that has none.
+  bool OpenListAtFocus();
+  bool IsEditing() const;
 
   CFilmstrip& GetStrip() const;
 
   const MainParts& Parts;
   const MainActions Actions;
+  CFocusRing FocusRing{Parts};
 };

@@ -125,6 +125,7 @@ void CMainFrame::CreateParts() {
   CreatePages();
   Parts.HelpButton = std::make_unique<CPaintedButton>(*this, this);
   Parts.HelpButton->Create({}, CommandId::Help, {}, PictureId::Help, 2);
+  Parts.HelpButton->TakeFocusByTab();
   Parts.StripWindow = std::make_unique<CStripWindow>(*this, this);
   FullScreenTools = std::make_unique<CFullScreenTools>(*this, *Parts.PhotoView, *Parts.ToolRow);
   InputFilter = std::make_unique<CInputFilter>(
@@ -247,14 +248,6 @@ void CMainFrame::OnEditBegins() {
   GetStrip().AnnounceNow();
 }
 
-bool CMainFrame::TakesBareKeys() const {
-  if (hasFocus()) return true;
-  const QWidget* focus = focusWidget();
-  return std::any_of(Parts.Pages.begin(), Parts.Pages.end(), [&](const TabPage& page) {
-    return page.Page == focus || (page.ToolRow != nullptr && page.ToolRow->isAncestorOf(focus));
-  });
-}
-
 bool CMainFrame::IsEditing() const { return Parts.PhotoBack->IsEditing() || Parts.FilterBar->IsEditing(); }
 
 void CMainFrame::PrepareForJob() {
@@ -365,7 +358,10 @@ std::string CMainFrame::GetFolderLabel(const std::string& folder) const {
 }
 
 void CMainFrame::OnTabChanged() {
-  const bool hadFocus = !hasFocus() && TakesBareKeys();  // in the page that was shown, or its buttons
+  const QWidget* const focus = focusWidget();
+  const bool hadFocus = std::any_of(Parts.Pages.begin(), Parts.Pages.end(), [&](const TabPage& page) {
+    return page.Page == focus || (page.ToolRow != nullptr && page.ToolRow->isAncestorOf(focus));
+  });
   for (TabPage& page : Parts.Pages) {
     const bool isSelected = page.Tab == Parts.TabBar->GetSelectedTab();
     if (isSelected && page.ToolRow == nullptr) CreateToolRow(page);
@@ -428,7 +424,10 @@ bool CMainFrame::focusNextPrevChild(bool) {
   return true;
 }
 
-void CMainFrame::focusInEvent(QFocusEvent*) { TellFocus(); }
+void CMainFrame::focusInEvent(QFocusEvent* event) {
+  QWidget::focusInEvent(event);  // paints the frame in the strip
+  TellFocus();
+}
 
 std::vector<GroupPart> CMainFrame::ListParts() const {
   if (!Parts.StripWindow) return {};
@@ -493,8 +492,8 @@ void CMainFrame::changeEvent(QEvent* event) {
 }
 
 void CMainFrame::keyPressEvent(QKeyEvent* event) {
-  // A key that an open field ignored isn't a command of the window.
-  if (!TakesBareKeys()) return QWidget::keyPressEvent(event);
+  // It comes here from every part that has no use for it. What an edit box ignores is no command.
+  if (IsEditing()) return QWidget::keyPressEvent(event);
   const KeyChord chord = ReadKeyChord(*event);
   const bool isRepeat = InputFilter && InputFilter->IsRepeat(*event);
   if (chord.Key == Qt::Key_Space && (chord.Modifiers & ~Qt::ShiftModifier) == 0) {
@@ -514,6 +513,8 @@ void CMainFrame::OnKey(const Command& command, bool isRepeat) {
 void CMainFrame::OnSpace(bool backward, bool isRepeat) {
   if (!isRepeat) SpaceStopsShow = IsSlideShowRunning();
   if (SpaceStopsShow) return StopSlideShow();
+  CPhotoTab* const page = Parts.GetPhotoTab(Parts.TabBar->GetSelectedTab());
+  if (!backward && !isRepeat && page != nullptr && page->hasFocus() && page->ShowSelected()) return;
   OnKey(*FindCommand(backward ? CommandId::PreviousPhoto : CommandId::NextPhoto), isRepeat);
 }
 

@@ -111,7 +111,7 @@ class CMainFrame : public QWidget,
   CFilmstrip& GetStrip() const;
 
  protected:
-  /// A part that goes away leaves the focus to the window, not to the next button.
+  /// What goes away, or is disabled, leaves the focus to the window, not to the next part.
   bool focusNextPrevChild(bool next) override;
   void focusInEvent(QFocusEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
@@ -142,8 +142,6 @@ class CMainFrame : public QWidget,
   /// Of the current photo, as it was decoded; 0 by 0 without a picture.
   ImageSize GetPictureSize() const;
   bool IsEditing() const;
-  /// Whether bare keys are commands of the window where the focus is.
-  bool TakesBareKeys() const;
   void OnSpace(bool backward, bool isRepeat);
 
   CCatalog Catalog;

@@ -4,6 +4,8 @@
 #include <exception>
 #include <functional>
 
+#include "ui/kit/KeyFocus.h"
+
 /// The application object, with the guard around every event handler. No exception may travel through
 /// the frames of the event loop, so the guard stops it where the event is delivered: of a storage that
 /// refused a write the text is shown and the program goes on; anything else is kept, what is running is asked
@@ -30,6 +32,8 @@ class CApplication : public QApplication {
   /// Null where there is none, or where it is of another kind.
   static CApplication* GetInstance();
 
+  const CKeyFocus& GetKeyFocus() const { return KeyFocus; }
+
   bool notify(QObject* receiver, QEvent* event) override;
 
   /// Runs what may raise under the same guard. To be used where it can be, for an exception leaves the frames
@@ -41,4 +45,5 @@ class CApplication : public QApplication {
 
   std::exception_ptr Failure;  // the first one
   bool LoopRuns = false;
+  const CKeyFocus KeyFocus;
 };

@@ -70,11 +70,17 @@ class COutsideClicks final : public QObject {
 void KeepFocusOnClick(QWidget& widget) {
   // When a click looks for a widget to focus, it stops at a proxy of the focused one.
   const auto follow = [&widget](QWidget*, QWidget* now) {
-    const bool isField = now != nullptr && now != widget.window() && now->window() == widget.window();
+    const bool isField =
+        now != nullptr && now != &widget && now != widget.window() && now->window() == widget.window();
     widget.setFocusProxy(isField ? now : nullptr);
   };
   QObject::connect(qApp, &QApplication::focusChanged, &widget, follow);
   follow(nullptr, QApplication::focusWidget());
+}
+
+void GiveFocus(QWidget& widget, Qt::FocusReason reason) {
+  widget.setFocusProxy(nullptr);
+  widget.setFocus(reason);
 }
 
 bool IsLostToPopup(const QFocusEvent& event) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Qt>
+
 class QFocusEvent;
 class QWidget;
 
@@ -7,6 +9,9 @@ class QWidget;
 /// otherwise gives it to the window behind, which would end the edit of a field; opening a list or a menu
 /// must not.
 void KeepFocusOnClick(QWidget& widget);
+
+/// Gives the focus to a widget, also to one that KeepFocusOnClick was called for.
+void GiveFocus(QWidget& widget, Qt::FocusReason reason);
 
 /// Whether the focus is lost to a list or a menu of this program. It comes back, so an edit goes on.
 bool IsLostToPopup(const QFocusEvent& event);

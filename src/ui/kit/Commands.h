@@ -67,6 +67,11 @@ enum class CommandId : int {
   OpenPromotionsPage = 12036,
   OpenHelpPage = 12037,
   AddRecent = 15002,
+  // By key alone.
+  GoToFind = 20001,
+  OpenList = 20002,
+  OpenListOrNextGroup = 20003,
+  OpenContextMenu = 20004,
   Copy = 57634,
   Cut = 57635,
   Paste = 57637,

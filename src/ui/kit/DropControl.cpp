@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QFocusEvent>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QRect>
@@ -16,6 +17,7 @@
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/DropList.h"
+#include "ui/kit/KeyFocus.h"
 #include "ui/kit/QtText.h"
 
 namespace {
@@ -37,6 +39,9 @@ constexpr int kTextTop = 2;
 constexpr int kTextRight = 31;
 constexpr int kTextBottom = 5;
 constexpr int kOpenOffset = 2;
+
+constexpr double kFocusRadius = 4;
+constexpr int kShadow = 3;  // of the picture, at the right and at the bottom
 
 constexpr int kAroundLine = 2;
 constexpr int kAroundRow = 5;
@@ -110,6 +115,7 @@ CDropControl::CDropControl(const QString& label, DropStyle style, QWidget* paren
   setAccessibleName(label);
   setMouseTracking(true);
   setFixedHeight(GetHeight());
+  setFocusPolicy(Qt::TabFocus);
   KeepFocusOnClick(*this);
 }
 
@@ -136,7 +142,7 @@ void CDropControl::Refresh() {
   update();
 }
 
-void CDropControl::OpenList() {
+void CDropControl::OpenList(bool byKey) {
   EndEdit();
   if (!List) {
     List = std::make_unique<CDropList>(*this, Has(DropStyle::Images) ? Images : DropImages(),
@@ -154,7 +160,13 @@ void CDropControl::OpenList() {
   }
   Model.OpenList();
   Refresh();
-  List->Open(std::move(rows), current, GetDropRowHeight(GetLineHeight()));
+  List->Open(std::move(rows), current, GetDropRowHeight(GetLineHeight()), byKey);
+}
+
+void CDropControl::OpenListByKey() {
+  EndEdit();
+  GiveFocus(*this, Qt::OtherFocusReason);
+  OpenList(true);
 }
 
 void CDropControl::CloseList(int row) {
@@ -163,6 +175,21 @@ void CDropControl::CloseList(int row) {
   Refresh();
   if (changed && OnChange) OnChange();
   if (refusal) std::rethrow_exception(refusal);
+}
+
+void CDropControl::StepChoice(int step) {
+  // A choice changes the order of a history, and may begin a search.
+  if (Has(DropStyle::History)) return OpenListByKey();
+  const int row = Model.GetSelected() + step;
+  if (row < 0 || row >= static_cast<int>(Model.GetRows().size())) return;
+  Model.OpenList();
+  CloseList(row);
+}
+
+void CDropControl::Enter() { Has(DropStyle::EditBox) ? OpenEdit() : OpenListByKey(); }
+
+void CDropControl::StartEdit() {
+  if (Has(DropStyle::EditBox)) OpenEdit();
 }
 
 void CDropControl::OpenEdit() {
@@ -219,12 +246,27 @@ bool CDropControl::eventFilter(QObject* watched, QEvent* event) {
 void CDropControl::mousePressEvent(QMouseEvent* event) {
   if (event->button() != Qt::LeftButton) return QWidget::mousePressEvent(event);
   const QPoint point = event->position().toPoint();
-  if (!Has(DropStyle::EditBox) || !GetTextArea().contains(point)) return OpenList();
+  if (!Has(DropStyle::EditBox) || !GetTextArea().contains(point)) return OpenList(false);
   OpenEdit();
   if (Has(DropStyle::SelectsWhole)) return;
   QMouseEvent inBox(event->type(), event->position() - EditBox->pos(), event->globalPosition(),
                     event->button(), event->buttons(), event->modifiers());
   QApplication::sendEvent(EditBox.get(), &inBox);
+}
+
+void CDropControl::keyPressEvent(QKeyEvent* event) {
+  const bool isBare = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+  if (IsEditing() || !isBare) return event->ignore();
+  switch (event->key()) {
+    case Qt::Key_Space:
+      return OpenListByKey();
+    case Qt::Key_Up:
+      return StepChoice(-1);
+    case Qt::Key_Down:
+      return StepChoice(1);
+    default:
+      event->ignore();
+  }
 }
 
 void CDropControl::mouseMoveEvent(QMouseEvent* event) {
@@ -250,4 +292,8 @@ void CDropControl::paintEvent(QPaintEvent*) {
                             Has(DropStyle::Images) ? Images : DropImages(), false,
                             Has(DropStyle::ShortensPaths)};
   DrawDropText(painter, painter.Scaled(GetTextArea()), empty ? Prompt : Model.GetShownText(), style);
+  const int shadow = painter.Scaled(kShadow);
+  if (ShowsFocus(*this)) {
+    DrawFocusFrame(painter, painter.GetArea().adjusted(0, 0, -shadow, -shadow), kFocusRadius);
+  }
 }

@@ -29,6 +29,9 @@ inline constexpr bool kIsFlagSet<DropStyle> = true;
 /// text. A click in the text of such a control opens the edit box, a click anywhere else the list. The edit
 /// box has the keyboard's focus while it is open, and losing that ends the edit: the typed text is then the
 /// control's. Opening the list ends no edit but the control's own.
+///
+/// By Tab the focus comes to the control itself. Then Space opens the list, Up and Down go along the items of
+/// a list that is fixed, and Enter(), which the window calls, opens the edit box or else the list.
 class CDropControl : public QWidget {
  public:
   /// `label` names the control to assistive tools. Its height is its own, its width that of a layout.
@@ -51,6 +54,12 @@ class CDropControl : public QWidget {
   CDropControlModel& GetModel() { return Model; }
   void Refresh();
 
+  /// Opens the list, with a row marked, and takes the focus.
+  void OpenListByKey();
+  void Enter();
+  /// Opens the edit box, with the focus; nothing in a control without one.
+  void StartEdit();
+
   bool IsEditing() const { return EditBox != nullptr; }
   /// Puts back the text from before the edit, and selects it. The edit goes on.
   void RestoreText();
@@ -66,6 +75,7 @@ class CDropControl : public QWidget {
   void paintEvent(QPaintEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -73,8 +83,9 @@ class CDropControl : public QWidget {
   bool Has(DropStyle style) const { return HasFlag(Style, style); }
   QRect GetTextArea() const;
   QRect GetEditArea() const;
-  void OpenList();
+  void OpenList(bool byKey);
   void CloseList(int row);
+  void StepChoice(int step);
   void OpenEdit();
   void FinishEdit();
 

@@ -126,7 +126,7 @@ CDropList::CDropList(QWidget& control, const DropImages& images, bool shortensPa
   PassOnOutsideClicks(*this, control);
 }
 
-void CDropList::Open(std::vector<Row> rows, int current, int rowHeight) {
+void CDropList::Open(std::vector<Row> rows, int current, int rowHeight, bool byKey) {
   Rows = std::move(rows);
   Current = current;
   HotRow = -1;
@@ -135,6 +135,7 @@ void CDropList::Open(std::vector<Row> rows, int current, int rowHeight) {
   Place();
   setAccessibleName(Control.accessibleName());
   show();
+  if (byKey && Layout.RowCount > 0) SetHotRow(std::max(Current, 0));
 }
 
 void CDropList::Place() {
@@ -160,13 +161,24 @@ DropTextStyle CDropList::GetStyle(const Row& row, bool hot) const {
 void CDropList::SetHotRow(int row) {
   if (row == HotRow) return;
   HotRow = row;
-  setAccessibleDescription(row < 0 ? QString()
-                                   : SplitDropText(Rows[static_cast<std::size_t>(row)].Text).Text.trimmed());
+  setAccessibleDescription(row < 0 ? QString() : GetText(row));
   update();
 }
 
 void CDropList::MoveHotRow(int step) {
   SetHotRow(StepRow(HotRow >= 0 ? HotRow : Current, step, Layout.RowCount));
+}
+
+QString CDropList::GetText(int row) const {
+  return SplitDropText(Rows[static_cast<std::size_t>(row)].Text).Text.trimmed();
+}
+
+void CDropList::FindHotRow(const QString& letter) {
+  const int start = HotRow >= 0 ? HotRow : Current;
+  for (int step = 1; step <= Layout.RowCount; ++step) {
+    const int row = StepRow(start, step, Layout.RowCount);
+    if (GetText(row).startsWith(letter, Qt::CaseInsensitive)) return SetHotRow(row);
+  }
 }
 
 void CDropList::Pick(int row) {
@@ -207,16 +219,19 @@ void CDropList::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_Down:
       return MoveHotRow(1);
     case Qt::Key_Home:
+    case Qt::Key_PageUp:
       return SetHotRow(0);
     case Qt::Key_End:
+    case Qt::Key_PageDown:
       return SetHotRow(Layout.RowCount - 1);
     case Qt::Key_Return:
     case Qt::Key_Enter:
       return Pick(HotRow);
     case Qt::Key_Escape:
+    case Qt::Key_F4:
       return Pick(-1);
     default:
-      return;
+      if (!event->text().trimmed().isEmpty()) FindHotRow(event->text());
   }
 }
 

@@ -40,8 +40,8 @@ int StepRow(int row, int step, int rowCount);
 
 /// The list that a drop control opens: rows of text, yellow under the pointer. It takes the mouse and the
 /// keyboard while it shows, without taking the focus from the field that has it: a click on a row or Enter
-/// picks, the arrow keys move, Esc and a click elsewhere close it. That click also does what it does there;
-/// on the control it doesn't open the list again.
+/// picks, the arrow keys and the first letters of the rows move, Esc and a click elsewhere close it. That
+/// click also does what it does there; on the control it doesn't open the list again.
 class CDropList : public QWidget {
  public:
   struct Row {
@@ -56,8 +56,9 @@ class CDropList : public QWidget {
   /// Called once for each opening, when the list is closed: the row that was picked, or -1.
   std::function<void(int row)> OnClosed;
 
-  /// Shows the list. `current` is the row that the arrow keys start from, or -1.
-  void Open(std::vector<Row> rows, int current, int rowHeight);
+  /// Shows the list. `current` is the row that the arrow keys start from, or -1. With `byKey` a row is yellow
+  /// at once.
+  void Open(std::vector<Row> rows, int current, int rowHeight, bool byKey);
 
   const DropListLayout& GetLayout() const { return Layout; }
   /// The yellow row, or -1.
@@ -79,6 +80,9 @@ class CDropList : public QWidget {
   DropTextStyle GetStyle(const Row& row, bool hot) const;
   void SetHotRow(int row);
   void MoveHotRow(int step);
+  /// To the next row that begins with that letter, round and round.
+  void FindHotRow(const QString& letter);
+  QString GetText(int row) const;
   void Pick(int row);
   void PaintRow(CDevicePainter& painter, int index) const;
 

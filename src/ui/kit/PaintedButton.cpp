@@ -12,6 +12,7 @@
 #include "ui/kit/ButtonFace.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
+#include "ui/kit/KeyFocus.h"
 #include "ui/kit/Pictures.h"
 #include "ui/kit/ToolTips.h"
 
@@ -29,10 +30,6 @@ constexpr int kSkinSide = 17;
 constexpr int kSkinCorner = 8;
 constexpr int kPressedOffset = 2;
 
-// The frame of the button that has the focus: ink in place of the plate's outline, and inside it the colour
-// of what is selected.
-constexpr int kFocusLine = 1;
-constexpr int kFocusWidth = 2;
 constexpr double kFocusRadius = 5;
 // What isn't plate but shadow, at the right and at the bottom.
 constexpr QSize kPictureShadow(0, 3);
@@ -47,16 +44,6 @@ bool IsPressKey(const QKeyEvent& event) {
   const bool isOne =
       event.key() == Qt::Key_Space || event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
   return isOne && (event.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
-}
-
-bool IsKeyReason(Qt::FocusReason reason) {
-  return reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
-         reason == Qt::ShortcutFocusReason;
-}
-
-/// The window, or a menu, has taken the focus for a while.
-bool IsPassing(Qt::FocusReason reason) {
-  return reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason;
 }
 
 }  // namespace
@@ -265,20 +252,9 @@ void CPaintedButton::keyReleaseEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Space && std::exchange(HeldBySpace, false)) EndPress();
 }
 
-void CPaintedButton::focusInEvent(QFocusEvent* event) {
-  if (!IsPassing(event->reason())) FocusCameByKey = IsKeyReason(event->reason());
-  update();
-}
-
 void CPaintedButton::focusOutEvent(QFocusEvent*) {
   if (std::exchange(HeldBySpace, false)) Press.Cancel();
   ApplyState();
-}
-
-bool CPaintedButton::focusNextPrevChild(bool next) {
-  if (isEnabled() && isVisible()) return QAbstractButton::focusNextPrevChild(next);
-  window()->setFocus();
-  return true;
 }
 
 void CPaintedButton::leaveEvent(QEvent*) {
@@ -329,7 +305,7 @@ void CPaintedButton::paintEvent(QPaintEvent*) {
   } else {
     PaintPicture(painter);
   }
-  if (hasFocus() && FocusCameByKey) PaintFocus(painter);
+  if (ShowsFocus(*this)) PaintFocus(painter);
 }
 
 void CPaintedButton::PaintPicture(CDevicePainter& painter) {
@@ -380,21 +356,9 @@ void CPaintedButton::PaintText(CDevicePainter& painter) {
   painter.DrawText(place, flags, font, colours::kInk, GetText());
 }
 
-void CPaintedButton::PaintFocus(CDevicePainter& painter) {
+void CPaintedButton::PaintFocus(CDevicePainter& painter) const {
   const QSize shadow = TextForm ? kTextShadow : kPictureShadow;
-  const QRectF plate =
+  const QRect plate =
       painter.GetArea().adjusted(0, 0, -painter.Scaled(shadow.width()), -painter.Scaled(shadow.height()));
-  QPainter& pen = painter.GetPainter();
-  pen.setRenderHint(QPainter::Antialiasing);
-  pen.setBrush(Qt::NoBrush);
-  const auto draw = [&](const QColor& colour, int outside, int lineWidth) {
-    const int width = painter.Scaled(lineWidth);
-    const double inset = painter.Scaled(outside) + width / 2.0;
-    const double radius = painter.GetPixelRatio() * kFocusRadius - inset;
-    pen.setPen(QPen(colour, width));
-    pen.drawRoundedRect(plate.adjusted(inset, inset, -inset, -inset), radius, radius);
-  };
-  draw(colours::kInk, 0, kFocusLine);
-  pen.setCompositionMode(QPainter::CompositionMode_Multiply);  // strokes of icon and text go through
-  draw(colours::kSelection, kFocusLine, kFocusWidth);
+  DrawFocusFrame(painter, plate, kFocusRadius);
 }

@@ -20,8 +20,7 @@ class CDevicePainter;
 ///
 /// It never takes the focus by a click. A text button takes it by Tab, a picture button if its row lets it
 /// (TakeFocusByTab). With the focus it is pressed by Space and Enter, and leaves all other keys to its
-/// parent; a frame shows that the focus came by a key. A button that loses the focus because it is disabled
-/// or hidden gives it to its window, not to the next button, which would be pressed instead.
+/// parent.
 ///
 /// Made in two steps: the object, then one of the Create operations. The target outlives it.
 class CPaintedButton : public QAbstractButton, public CFaceMaker {
@@ -76,9 +75,7 @@ class CPaintedButton : public QAbstractButton, public CFaceMaker {
   void mouseReleaseEvent(QMouseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void keyReleaseEvent(QKeyEvent* event) override;
-  void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
-  bool focusNextPrevChild(bool next) override;
   void leaveEvent(QEvent* event) override;
   void timerEvent(QTimerEvent* event) override;
   void changeEvent(QEvent* event) override;
@@ -101,7 +98,7 @@ class CPaintedButton : public QAbstractButton, public CFaceMaker {
   void PlaceStayingTip();
   void PaintPicture(CDevicePainter& painter);
   void PaintText(CDevicePainter& painter);
-  void PaintFocus(CDevicePainter& painter);
+  void PaintFocus(CDevicePainter& painter) const;
 
   CCommandTarget& Target;
   CommandId Command{};
@@ -117,7 +114,6 @@ class CPaintedButton : public QAbstractButton, public CFaceMaker {
 
   bool HeldBySpace = false;
   quint64 KeyReleaseTime = 0;  // 0: unknown
-  bool FocusCameByKey = false;
 
   bool TextForm = false;
   bool DefaultLook = false;

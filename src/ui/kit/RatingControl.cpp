@@ -1,5 +1,6 @@
 #include "ui/kit/RatingControl.h"
 
+#include <QKeyEvent>
 #include <algorithm>
 #include <cstddef>
 #include <utility>
@@ -7,6 +8,7 @@
 #include "base/Texts.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
+#include "ui/kit/KeyFocus.h"
 #include "ui/kit/PaintedGroup.h"
 #include "ui/kit/QtText.h"
 #include "ui/kit/ToolTips.h"
@@ -15,6 +17,7 @@ namespace {
 
 constexpr int kStarWidth = 21;
 constexpr int kStarImages = 3;
+constexpr double kFocusRadius = 4;
 constexpr int kCommandBeforeFirst = static_cast<int>(CommandId::RateByStar1) - 1;
 
 class CRatingFace final : public CLeafFace, public QAccessibleValueInterface {
@@ -50,6 +53,7 @@ CRatingControl::CRatingControl(CRatingOwner& owner, QWidget* parent) : QWidget(p
   setObjectName(QStringLiteral("Rating"));
   setAccessibleName(ToQString(LoadText(StringId::Rating)));
   setFixedSize(kSize);
+  setFocusPolicy(Qt::TabFocus);
   CCommandTarget& target = *this;
   for (int i = 0; i < kStars; ++i) {
     auto& star = Stars[static_cast<std::size_t>(i)];
@@ -85,7 +89,17 @@ void CRatingControl::Rate(int rating) {
   Owner.Commit();
 }
 
+void CRatingControl::keyPressEvent(QKeyEvent* event) {
+  const bool isLeft = event->key() == Qt::Key_Left;
+  const bool isBare = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+  if (!isBare || (!isLeft && event->key() != Qt::Key_Right)) return event->ignore();
+  if (OnKeyRating) OnKeyRating();
+  const int rating = std::clamp(Owner.GetRating() + (isLeft ? -1 : 1), 0, kStars);
+  if (rating != Owner.GetRating()) Rate(rating);
+}
+
 void CRatingControl::paintEvent(QPaintEvent*) {
   CDevicePainter painter(*this);
   painter.Fill(painter.GetArea(), colours::kPhotoBack);
+  if (ShowsFocus(*this)) DrawFocusFrame(painter, painter.GetArea(), kFocusRadius);
 }

@@ -2,6 +2,7 @@
 
 #include <QWidget>
 #include <array>
+#include <functional>
 #include <memory>
 
 #include "ui/kit/PaintedButton.h"
@@ -18,13 +19,17 @@ class CRatingOwner {
 };
 
 /// The row of four stars. A click on a star gives the photo as many stars; a click on its last one takes
-/// that away. The rating itself is the owner's, which outlives the control.
+/// that away; with the focus, Left takes a star away and Right adds one. The rating itself is the owner's,
+/// which outlives the control.
 class CRatingControl : public QWidget, public CFaceMaker, private CCommandTarget {
  public:
   static constexpr int kStars = 4;
   static constexpr QSize kSize{84, 21};
 
   CRatingControl(CRatingOwner& owner, QWidget* parent);
+
+  /// Called before a key changes the rating.
+  std::function<void()> OnKeyRating;
 
   /// Shows that many filled stars from the left, the others empty.
   void SetStars(int count);
@@ -39,6 +44,7 @@ class CRatingControl : public QWidget, public CFaceMaker, private CCommandTarget
 
  protected:
   void paintEvent(QPaintEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
 
  private:
   void OnCommand(CommandId id) override;

@@ -139,31 +139,10 @@ CPaintedButton* CToolbar::GetButton(CommandId id) {
   return found == Items.end() ? nullptr : found->Button.get();
 }
 
-bool CToolbar::MoveFocus(bool forward) {
-  const auto focused =
-      std::find_if(Items.begin(), Items.end(), [](const Item& item) { return item.Button->hasFocus(); });
-  const int step = forward ? 1 : -1;
-  int index = forward ? 0 : CountButtons() - 1;
-  if (focused != Items.end()) index = static_cast<int>(focused - Items.begin()) + step;
-  for (; index >= 0 && index < CountButtons(); index += step) {
-    CPaintedButton& button = GetButtonAt(index);
-    if (!button.isEnabled() || !button.isVisible()) continue;
-    button.setFocus(forward ? Qt::TabFocusReason : Qt::BacktabFocusReason);
-    return true;
-  }
-  return false;
-}
-
 std::vector<GroupPart> CToolbar::ListParts() const {
   std::vector<GroupPart> parts;
   for (const Item& item : Items) parts.push_back({.Widget = item.Button.get()});
   return parts;
-}
-
-bool CToolbar::focusNextPrevChild(bool next) {
-  if (isVisible()) return QWidget::focusNextPrevChild(next);
-  window()->setFocus();
-  return true;
 }
 
 void CToolbar::SetFullScreenLook(bool on) {

@@ -62,10 +62,6 @@ class CToolbar : public QWidget, public CPaintedGroup {
   int CountButtons() const { return static_cast<int>(Items.size()); }
   CPaintedButton& GetButtonAt(int index) const { return *Items[static_cast<std::size_t>(index)].Button; }
 
-  /// Puts the focus on the next button that is enabled, or the previous one; from outside the row on the
-  /// first, or the last. False if there is none further: then the focus stays where it is.
-  bool MoveFocus(bool forward);
-
   /// With a top edge, as a panel of its own, and not below a page.
   void SetFullScreenLook(bool on);
 
@@ -78,8 +74,6 @@ class CToolbar : public QWidget, public CPaintedGroup {
  protected:
   /// A quick second click beside a button is none in what the row stands on.
   void mouseDoubleClickEvent(QMouseEvent* event) override;
-  /// A row that is hidden gives the focus of its buttons to the window.
-  bool focusNextPrevChild(bool next) override;
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
 

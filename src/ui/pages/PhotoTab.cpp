@@ -17,6 +17,7 @@
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/FontTable.h"
 #include "ui/kit/Job.h"
+#include "ui/kit/KeyFocus.h"
 #include "ui/kit/QtText.h"
 #include "ui/kit/WaitCursor.h"
 #include "ui/pages/ViewTabBar.h"
@@ -189,13 +190,15 @@ void CPhotoTab::SetSelected(int index) {
 }
 
 void CPhotoTab::SelectPhoto(std::int32_t assetId) {
+  CurrentPhoto = assetId;
   SetSelected(assetId == -1 ? -1 : Photos.IndexOf(assetId));
 }
 
-void CPhotoTab::NavigateTo(int index) {
+bool CPhotoTab::NavigateTo(int index) {
   const std::int32_t assetId = Photos.GetAssetId(index);
   Host.ShowInStrip(assetId);
   SelectPhoto(assetId);  // the strip tells nothing of a photo that it shows already
+  return true;
 }
 
 void CPhotoTab::OpenPhoto() { Bar.SelectTab(ViewTabId::CurrentPhoto); }
@@ -204,6 +207,10 @@ void CPhotoTab::OpenSelected() {
   if (Selected < 0) return;
   NavigateTo(Selected);
   OpenPhoto();
+}
+
+bool CPhotoTab::ShowSelected() {
+  return Selected >= 0 && Photos.GetAssetId(Selected) != CurrentPhoto && NavigateTo(Selected);
 }
 
 void CPhotoTab::mousePressEvent(QMouseEvent* event) {
@@ -332,7 +339,12 @@ void CPhotoTab::paintEvent(QPaintEvent*) {
   if (Picture.GetImage().isNull()) painter.Fill(painter.GetArea(), colours::kPage);
   painter.GetPainter().drawImage(0, 0, Picture.GetImage());
   if (GetCount() == 0) PaintHelp(painter);
-  if (Selected < 0) return;
+  if (Selected >= 0) PaintSelection(painter);
+  if (!ShowsFocus(*this)) return;
+  DrawFocusFrame(painter, Selected >= 0 ? painter.Scaled(Grid.GetFrame(Selected)) : painter.GetArea(), 0);
+}
+
+void CPhotoTab::PaintSelection(CDevicePainter& painter) const {
   const QRect frame = painter.Scaled(Grid.GetFrame(Selected));
   const int width = painter.Scaled(kFrameWidth);
   const QRect inside = frame.adjusted(width, width, -width, -width);
@@ -361,4 +373,7 @@ PaintedItem CPhotoTab::DescribeItem(int index) const {
   return {ToQString(Photos.GetAsset(index).GetTitle()), {}};
 }
 
-void CPhotoTab::focusInEvent(QFocusEvent*) { TellCurrentItem(); }
+void CPhotoTab::focusInEvent(QFocusEvent* event) {
+  QWidget::focusInEvent(event);  // paints the frame
+  TellCurrentItem();
+}

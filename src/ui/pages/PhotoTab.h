@@ -92,6 +92,8 @@ class CPhotoTab : public QWidget, public CPaintedItems {
   void SelectPhoto(std::int32_t assetId);
   /// As a double click on the selected photo does.
   void OpenSelected();
+  /// As a click on it does. False if the strip shows it already, or can't.
+  bool ShowSelected();
 
   /// The photo's thumbnail or path is another now.
   void RefreshThumbnail(std::int32_t assetId);
@@ -113,7 +115,8 @@ class CPhotoTab : public QWidget, public CPaintedItems {
  protected:
   /// Whether the bar has the tab also while the page is empty.
   virtual bool IsAlwaysShown() const { return GetCount() > 0; }
-  virtual void NavigateTo(int index);
+  /// Selects the photo and brings it under the lens. False on a page whose photos the strip doesn't show.
+  virtual bool NavigateTo(int index);
   virtual void OpenPhoto();
   /// After a change of this page's photos by its commands, also one that failed; the page shows it already.
   virtual void OnPhotosChanged() {}
@@ -152,6 +155,7 @@ class CPhotoTab : public QWidget, public CPaintedItems {
   void SharpenCells();
   void UpdateCaption();
   void PaintHelp(CDevicePainter& painter) const;
+  void PaintSelection(CDevicePainter& painter) const;
   void TellAccessibleName();
 
   const PhotoTabForm Form;
@@ -164,5 +168,6 @@ class CPhotoTab : public QWidget, public CPaintedItems {
   QTimer PaintTimer;  // runs while cells wait to be painted
   CSharpPictures SharpPictures;
   int Selected = -1;
-  std::int32_t RecentRoll = -1;  // what AddRecent adds next; -1 for the newest roll
+  std::int32_t CurrentPhoto = -1;  // that the page was told of last
+  std::int32_t RecentRoll = -1;    // what AddRecent adds next; -1 for the newest roll
 };

@@ -17,7 +17,10 @@ class CTrashTab : public CPhotoTab {
 
  protected:
   // A deleted photo isn't in the strip.
-  void NavigateTo(int index) override { SetSelected(index); }
+  bool NavigateTo(int index) override {
+    SetSelected(index);
+    return false;
+  }
   void OpenPhoto() override {}
   // What has come back from the trash, or left the catalog.
   void OnPhotosChanged() override { GetHost().RebuildStrip(); }

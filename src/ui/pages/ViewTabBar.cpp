@@ -2,6 +2,7 @@
 
 #include <QFontMetricsF>
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QStringList>
 #include <QToolTip>
@@ -12,12 +13,16 @@
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/FontTable.h"
+#include "ui/kit/KeyFocus.h"
 #include "ui/kit/Pictures.h"
 #include "ui/kit/QtText.h"
 #include "ui/kit/ToolTips.h"
 #include "ui/pages/ViewTabLayout.h"
 
 namespace {
+
+constexpr int kAroundFocus = 3;  // between a tab's edge and the frame that shows its focus
+constexpr double kFocusRadius = 4;
 
 /// A rectangle of the layout in the pixels of the screen. What touches the right edge goes on touching it,
 /// where the bar's width is no whole number of them.
@@ -63,6 +68,7 @@ QString LoadTip(ViewTabId id) { return ToQString(LoadExpandedString(static_cast<
 CViewTabBar::CViewTabBar(QWidget* parent) : QWidget(parent) {
   setObjectName(QStringLiteral("ViewTab"));
   setAccessibleName(ToQString(LoadText(StringId::ToldViews)));
+  setFocusPolicy(Qt::TabFocus);
 }
 
 int CViewTabBar::Find(ViewTabId id) const {
@@ -150,10 +156,29 @@ void CViewTabBar::mousePressEvent(QMouseEvent* event) {
   if (tab >= 0) SelectTab(GetItem(tab).Id);
 }
 
+void CViewTabBar::keyPressEvent(QKeyEvent* event) {
+  const bool isBare = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+  const int last = CountTabs() - 1;
+  const int selected = Find(Selected);
+  int tab = -1;
+  if (event->key() == Qt::Key_Left) tab = std::max(selected - 1, 0);
+  if (event->key() == Qt::Key_Right) tab = std::min(selected + 1, last);
+  if (event->key() == Qt::Key_Home) tab = 0;
+  if (event->key() == Qt::Key_End) tab = last;
+  if (!isBare || tab < 0) return event->ignore();
+  if (tab != selected) SelectTab(GetItem(tab).Id);
+}
+
+void CViewTabBar::focusInEvent(QFocusEvent* event) {
+  QWidget::focusInEvent(event);
+  TellCurrentItem();
+}
+
 void CViewTabBar::paintEvent(QPaintEvent*) {
   CDevicePainter painter(*this);
   PaintPanel(painter);
   for (int i = 0; i < CountTabs(); ++i) PaintTab(painter, i);
+  if (ShowsFocus(*this)) PaintFocus(painter);
 }
 
 void CViewTabBar::PaintPanel(CDevicePainter& painter) const {
@@ -185,6 +210,12 @@ void CViewTabBar::PaintTab(CDevicePainter& painter, int index) const {
   draw(tiles.Middle, middle, end);
   draw(tiles.Right, end, tab.left() + tab.width());
   PaintContent(painter, tab, item);
+}
+
+void CViewTabBar::PaintFocus(CDevicePainter& painter) const {
+  const QRect tab = ToDevice(painter, TabRect(Find(Selected), CountTabs(), width()), width());
+  const int around = painter.Scaled(kAroundFocus);
+  DrawFocusFrame(painter, tab.adjusted(around, around, -around, -around), kFocusRadius);
 }
 
 void CViewTabBar::PaintContent(CDevicePainter& painter, const QRect& tab, const Item& item) const {

@@ -13,8 +13,9 @@
 class CDevicePainter;
 
 /// The tabs of the notebook above the strip, and the panel below them on which a page stands. It shows and
-/// selects tabs; the pages are the main window's, which swaps them when a tab has been selected. To assistive
-/// tools it is a list of page tabs.
+/// selects tabs; the pages are the main window's, which swaps them when a tab has been selected. With the
+/// focus, which Tab brings, Left, Right, Home and End select tabs. To assistive tools it is a list of page
+/// tabs.
 class CViewTabBar : public QWidget, public CPaintedItems {
  public:
   explicit CViewTabBar(QWidget* parent);
@@ -44,6 +45,8 @@ class CViewTabBar : public QWidget, public CPaintedItems {
   bool event(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
 
  private:
   struct Item {
@@ -72,6 +75,7 @@ class CViewTabBar : public QWidget, public CPaintedItems {
 
   void PaintPanel(CDevicePainter& painter) const;
   void PaintTab(CDevicePainter& painter, int index) const;
+  void PaintFocus(CDevicePainter& painter) const;
   void PaintContent(CDevicePainter& painter, const QRect& tab, const Item& item) const;
 
   std::vector<Item> Items;  // by ascending order

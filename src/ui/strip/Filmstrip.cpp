@@ -15,6 +15,7 @@
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/Job.h"
+#include "ui/kit/KeyFocus.h"
 #include "ui/kit/QtText.h"
 #include "ui/marks/PhotoMarks.h"
 
@@ -323,6 +324,8 @@ void CFilmstrip::paintEvent(QPaintEvent*) {
   if (!held.isEmpty()) {
     painter.GetPainter().drawImage(held.topLeft() - wanted.topLeft(), Cache.GetImage(), held);
   }
+  // The keys of the window move the strip.
+  if (ShowsFocus(*window())) DrawFocusFrame(painter, Layout.GetCellFrame(Layout.GetLensCell()), 0);
 }
 
 // Moves along the set.

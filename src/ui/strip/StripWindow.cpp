@@ -6,6 +6,7 @@
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/FontTable.h"
+#include "ui/kit/KeyFocus.h"
 #include "ui/kit/QtText.h"
 
 namespace {
@@ -38,4 +39,5 @@ void CStripWindow::paintEvent(QPaintEvent*) {
   if (!Strip.isHidden()) return;
   painter.DrawText(painter.GetArea(), Qt::AlignCenter | Qt::TextSingleLine, GetFont(FontId::EmptyPage),
                    colours::kInk, ToQString(LoadText(StringId::NoPhotosFound)));
+  if (ShowsFocus(*window())) DrawFocusFrame(painter, painter.GetArea(), 0);
 }
