@@ -14,7 +14,6 @@
 #include "ui/kit/FontTable.h"
 #include "ui/kit/OpenAddress.h"
 #include "ui/kit/PaintedButton.h"
-#include "ui/kit/Pictures.h"
 #include "ui/kit/SmallWindow.h"
 #include "ui/search/SearchProgressLayout.h"
 
@@ -73,9 +72,7 @@ CInfoWindow::CInfoWindow(QWidget& mainWindow) : QDialog(&mainWindow, Qt::Dialog 
   setWindowTitle(LoadWindowText(StringId::Information));
   setAccessibleName(windowTitle());
   setFixedSize(kWindow);
-  // The mask shapes the window where windows can be shaped; elsewhere what isn't painted is seen through.
-  setAttribute(Qt::WA_TranslucentBackground);
-  setMask(ProgressOutline(true));  // of the same picture
+  ShapeWindow(*this, ProgressOutline(true));  // of the same picture
 
   AddWindowText(*this, kHeading, FontId::Heading, windowTitle());
   AddWindowText(*this, kVersion, FontId::Panel,
@@ -125,8 +122,7 @@ void CInfoWindow::keyPressEvent(QKeyEvent* event) {
 
 void CInfoWindow::paintEvent(QPaintEvent*) {
   QPainter painter(this);
-  painter.setClipRegion(ProgressOutline(true));
-  painter.drawPixmap(0, 0, GetPicture(PictureId::SearchBackgroundWithSplash, devicePixelRatioF()));
+  DrawWindowPicture(painter, *this, PictureId::SearchBackgroundWithSplash);
 }
 
 }  // namespace

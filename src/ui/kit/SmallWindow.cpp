@@ -1,11 +1,15 @@
 #include "ui/kit/SmallWindow.h"
 
+#include <QGuiApplication>
 #include <QLabel>
+#include <QPainter>
+#include <QRegion>
 #include <QScreen>
 #include <algorithm>
 
 #include "base/Texts.h"
 #include "ui/kit/Colours.h"
+#include "ui/kit/Pictures.h"
 #include "ui/kit/QtText.h"
 
 QPoint CentreInWorkArea(QSize size, const QRect& owner, const QRect& workArea) {
@@ -19,6 +23,17 @@ QPoint CentreInWorkArea(QSize size, const QRect& owner, const QRect& workArea) {
 
 void CentreOn(QWidget& window, const QWidget& owner) {
   window.move(CentreInWorkArea(window.size(), owner.frameGeometry(), owner.screen()->availableGeometry()));
+}
+
+void ShapeWindow(QWidget& window, const QRegion& outline) {
+  window.setAttribute(Qt::WA_TranslucentBackground);
+  if (QGuiApplication::platformName() == QLatin1String("xcb")) window.setMask(outline);
+}
+
+void DrawWindowPicture(QPainter& painter, const QWidget& window, PictureId picture) {
+  // What is transparent in the mask would be black on a desktop that doesn't blend windows.
+  for (const QRect& part : window.mask()) painter.fillRect(part, colours::kOutline);
+  painter.drawPixmap(0, 0, GetPicture(picture, window.devicePixelRatioF()));
 }
 
 QString LoadWindowText(StringId id) { return ToQString(LoadExpandedString(id)); }

@@ -12,6 +12,7 @@
 #include "ui/kit/InputBlock.h"
 #include "ui/kit/Pictures.h"
 #include "ui/kit/QtText.h"
+#include "ui/kit/SmallWindow.h"
 
 CSearchProgressWindow::CSearchProgressWindow(bool showSplash, QWidget* parent)
     : QWidget(parent, Qt::Dialog | Qt::FramelessWindowHint),
@@ -27,9 +28,7 @@ CSearchProgressWindow::CSearchProgressWindow(bool showSplash, QWidget* parent)
   setWindowIcon(MakeProgramIcon());
   setFixedSize(kProgressWidth, ProgressHeight(ShowSplash));
 
-  // The mask shapes the window where windows can be shaped; elsewhere what isn't painted is seen through.
-  setAttribute(Qt::WA_TranslucentBackground);
-  setMask(ProgressOutline(ShowSplash));
+  ShapeWindow(*this, ProgressOutline(ShowSplash));
 
   ToldBar.setGeometry(ProgressFrame(ShowSplash));
   ToldBar.Tell(0, 0, GetBarText());
@@ -83,9 +82,9 @@ std::vector<GroupPart> CSearchProgressWindow::ListParts() const {
 
 void CSearchProgressWindow::paintEvent(QPaintEvent* event) {
   QPainter painter(this);
-  painter.setClipRegion(ProgressOutline(ShowSplash) & event->region());
+  painter.setClipRegion(event->region());
   const auto background = ShowSplash ? PictureId::SearchBackgroundWithSplash : PictureId::SearchBackground;
-  painter.drawPixmap(0, 0, GetPicture(background, devicePixelRatioF()));
+  DrawWindowPicture(painter, *this, background);
   painter.setPen(Qt::black);
   if (ShowSplash) PaintProductLines(painter);
   PaintBar(painter);

@@ -94,10 +94,7 @@ CUploadWindow::CUploadWindow(QWidget& mainWindow)
   setFixedSize(kWindow);
   setEnabled(true);  // the main window isn't
 
-  // The mask shapes the window where windows can be shaped; elsewhere what isn't painted is seen through.
-  setAttribute(Qt::WA_TranslucentBackground);
-  setMask(MakeOutline());
-
+  ShapeWindow(*this, MakeOutline());
   setFocusPolicy(Qt::StrongFocus);
   StopButton.EnableTip(false);
   StopButton.CreateText(kStopButton, CommandId::StopUploading, LoadWindowText(StringId::StopUploading),
@@ -153,8 +150,7 @@ std::vector<GroupPart> CUploadWindow::ListParts() const {
 
 void CUploadWindow::paintEvent(QPaintEvent*) {
   QPainter painter(this);
-  painter.setClipRegion(MakeOutline());
-  painter.drawPixmap(0, 0, GetPicture(PictureId::UploadBackground, devicePixelRatioF()));
+  DrawWindowPicture(painter, *this, PictureId::UploadBackground);
   if (Thumbnail.isNull()) {
     painter.fillRect(kThumbnail, colours::kEmptyCell);
   } else {
