@@ -227,6 +227,11 @@ enum class StringId : int {
   // Addresses that the desktop opens no program for.
   CannotOpenAddress = 20120,
 
+  // Photos and folders that were named on a command line.
+  AddNamedFoldersQuestion = 20130,
+  PathsNotShown = 20131,
+  AndMore = 20132,
+
   // What only assistive tools tell: names of parts, and what belongs to a photo.
   ToldPhotoBack = 20200,
   ToldFilterBar = 20201,

@@ -258,6 +258,12 @@ constexpr auto kTable = std::to_array<Entry>({
      "This photo can't be turned: its file is damaged, and what can't be read of it would be lost.\n\nThe "
      "photo has not been changed."},
     {StringId::CannotOpenAddress, "%s could not be opened."},
+    {StringId::AddNamedFoldersQuestion,
+     "What you have opened isn't in your photo folders:\n\n%s\n\nSelect OK to add it to your photo folders "
+     "and search it for photos, or Cancel to leave it out."},
+    {StringId::PathsNotShown,
+     "Some of what you have opened can't be shown. It doesn't exist, can't be read or isn't a photo:\n\n%s"},
+    {StringId::AndMore, "and %d more"},
     {StringId::ToldPhotoBack, "About the photo"},
     {StringId::ToldFilterBar, "Photos to show"},
     {StringId::ToldStripWindow, "Photos"},

@@ -184,11 +184,31 @@ bool CFilterBar::SelectStandardFolder(const std::string& folder) {
   return true;
 }
 
-void CFilterBar::SelectFolder(const std::string& folder) {
+bool CFilterBar::SelectFolder(const std::string& folder) {
   CDropControlModel& model = GetFolderControl().GetModel();
-  if (!SelectStandardFolder(folder) && !model.SelectText(folder)) return;
+  if (!SelectStandardFolder(folder) && !model.SelectText(folder)) return false;
   GetFolderControl().Refresh();
   OnFolderPicked(static_cast<FolderItem>(model.GetSelectedId()));
+  return true;
+}
+
+bool CFilterBar::AddFolder(const std::string& folder) {
+  return ChangeFolder([&folder]() -> std::optional<FolderChange> {
+    if (!CFolderActions::ConfirmFolder(folder)) return std::nullopt;
+    return FolderChange{.Chosen = folder, .Search = true, .Adding = true};
+  });
+}
+
+bool CFilterBar::SearchAgain(const std::string& folder) {
+  Host.PrepareForJob();
+  bool found = false;
+  FollowSearch([&] {
+    const std::int32_t rollBefore = Host.GetCatalog().GetCurrentRollID();
+    found = RunSearch(false, [&folder](CFolderSearch& search) { return search.SearchFolder(folder, true); });
+    if (Host.GetCatalog().GetCurrentRollID() != rollBefore) return ShowNewestRoll();
+    RebuildSet(StripPosition::KeepPhoto);
+  });
+  return found;
 }
 
 std::string CFilterBar::SelectAddedFolder(const std::string& folder) {
@@ -202,14 +222,24 @@ std::string CFilterBar::SelectAddedFolder(const std::string& folder) {
 }
 
 void CFilterBar::OnFolderPicked(FolderItem item) {
+  ChangeFolder([this, item] { return AskForChange(item, GetShownFolder()); });
+}
+
+bool CFilterBar::ChangeFolder(const FolderQuestion& ask) {
   FirstFolderShown = true;
   Host.PrepareForJob();
   // Even if the pick changes nothing, the strip must show what the cleared controls say.
   const bool wasNarrowed = HasTextOrRatingFilter();
   ClearTextFilter();
   ClearRatingFilter();
+  bool isChanged = false;
+  FollowSearch([&] { isChanged = ApplyFolderChange(ask(), wasNarrowed); });
+  return isChanged;
+}
+
+void CFilterBar::FollowSearch(const std::function<void()>& change) {
   try {
-    ApplyFolderPick(item, wasNarrowed);
+    change();
   } catch (const CException&) {
     RebuildSet(StripPosition::KeepPhoto);
     Host.OnFoldersSearched();
@@ -218,9 +248,8 @@ void CFilterBar::OnFolderPicked(FolderItem item) {
   Host.OnFoldersSearched();
 }
 
-void CFilterBar::ApplyFolderPick(FolderItem item, bool rebuild) {
+bool CFilterBar::ApplyFolderChange(std::optional<FolderChange> change, bool rebuild) {
   CCatalog& catalog = Host.GetCatalog();
-  std::optional<FolderChange> change = AskForChange(item, GetShownFolder());
   const std::int32_t rollBefore = catalog.GetCurrentRollID();
   const bool found = change && SearchFor(*change);
   const bool isNewRoll = catalog.GetCurrentRollID() != rollBefore;
@@ -234,6 +263,7 @@ void CFilterBar::ApplyFolderPick(FolderItem item, bool rebuild) {
     RebuildSet(StripPosition::KeepPhoto);
   }
   if (!givenUp) catalog.SetCurrentPhotoFolder(change->Chosen);
+  return !givenUp;
 }
 
 std::optional<CFilterBar::FolderChange> CFilterBar::AskForChange(FolderItem item, const std::string& shown) {
@@ -279,17 +309,19 @@ std::optional<CFilterBar::FolderChange> CFilterBar::RemoveFolder(const std::stri
 bool CFilterBar::SearchFor(const FolderChange& change) {
   if (change.SearchNothing) return false;
   const bool showAtStart = change.Search && (change.Chosen.empty() || IsDiskRoot(change.Chosen));
+  return RunSearch(showAtStart, [&change](CFolderSearch& search) {
+    return change.Chosen.empty() ? search.SearchAllFolders(change.Search)
+                                 : search.SearchFolder(change.Chosen, change.Search);
+  });
+}
+
+bool CFilterBar::RunSearch(bool showAtStart, const std::function<bool(CFolderSearch& search)>& work) {
   CWindowedSearchProgress progress(false, showAtStart, window());
   CFolderSearch& search = CFolderSearch::GetInstance();
   search.Progress = &progress;
   const auto restore = qScopeGuard([&search] { search.Progress = nullptr; });
   bool found = false;
-  RunJob(
-      [&] {
-        found = change.Chosen.empty() ? search.SearchAllFolders(change.Search)
-                                      : search.SearchFolder(change.Chosen, change.Search);
-      },
-      [&progress] { progress.Stop(); });
+  RunJob([&] { found = work(search); }, [&progress] { progress.Stop(); });
   return found;
 }
 
@@ -354,6 +386,22 @@ void CFilterBar::ClearRatingFilter() {
 bool CFilterBar::HasTextOrRatingFilter() const {
   return !Host.GetPhotoSet().GetTextFilter().empty() ||
          GetRatingControl().GetModel().GetSelectedId() != static_cast<int>(RatingFilterCode::Any);
+}
+
+void CFilterBar::Reveal(const CAssetRecord& photo) {
+  CPhotoSet& set = Host.GetPhotoSet();
+  const auto rating = static_cast<RatingFilterCode>(GetRatingControl().GetModel().GetSelectedId());
+  const std::string folder = set.GetFolderFilter();
+  CTextFilter text(set.GetTextFilter());
+  text.Refresh();
+  if (!text.GetText().empty() && !text.Matches(photo)) ClearTextFilter();
+  if (!CRatingFilter(rating).Matches(photo)) ClearRatingFilter();
+  if (!folder.empty() && !CFolderFilter(folder).Matches(photo)) {
+    SelectStandardFolder({});
+    set.ClearFolderFilter();
+    Host.GetCatalog().SetCurrentPhotoFolder({});
+  }
+  RebuildSet(StripPosition::KeepPhoto);
 }
 
 void CFilterBar::OnTextChanged() {

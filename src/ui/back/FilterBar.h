@@ -4,6 +4,7 @@
 #include <QString>
 #include <QWidget>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,8 +17,10 @@
 #include "ui/back/FolderChooser.h"
 #include "ui/kit/PaintedGroup.h"
 
+class CAssetRecord;
 class CDropControl;
 class CFilterBarHost;
+class CFolderSearch;
 enum class StripPosition : int;
 
 /// The block of four drop controls at the bottom of the photo back: which folder, what text, which rating
@@ -35,9 +38,18 @@ class CFilterBar : public QWidget, public CPaintedGroup {
 
   static int GetHeight();
 
-  /// Shows a folder as if the user had picked it; an empty one stands for all. Nothing happens if the
-  /// control has no such folder.
-  void SelectFolder(const std::string& folder);
+  /// Shows a folder as if the user had picked it; an empty one stands for all. False, and nothing happens, if
+  /// the control has no such folder.
+  bool SelectFolder(const std::string& folder);
+  /// Adds a folder to the list as if the user had picked it in the system's browser, and shows it. False if
+  /// the user doesn't want that, or stops the search.
+  bool AddFolder(const std::string& folder);
+  /// Searches a folder for new photos, which show as the newest roll. The folder in view stays. False if the
+  /// user stops it, or it fails.
+  bool SearchAgain(const std::string& folder);
+
+  /// Takes those filters away that hide the photo; the others stay.
+  void Reveal(const CAssetRecord& photo);
 
   /// Sorts by an item of the sort control. The strip stays on its photo or, with `fromStart`, goes to
   /// StripPosition::StartOfSet. The number is stored; an unknown one leaves the order as it is.
@@ -87,13 +99,20 @@ class CFilterBar : public QWidget, public CPaintedGroup {
   void ConnectControls();
   void SetFirstSort();
 
+  using FolderQuestion = std::function<std::optional<FolderChange>()>;
+
   void OnFolderPicked(FolderItem item);
-  /// `rebuild`: rebuilds the set even if the pick changes nothing.
-  void ApplyFolderPick(FolderItem item, bool rebuild);
+  /// Clears text and rating, then asks for a change and makes it. False if there is none.
+  bool ChangeFolder(const FolderQuestion& ask);
+  /// `rebuild`: rebuilds the set even if nothing is changed.
+  bool ApplyFolderChange(std::optional<FolderChange> change, bool rebuild);
+  /// Makes a change that searches, and lets set and host follow it also if it fails.
+  void FollowSearch(const std::function<void()>& change);
   std::optional<FolderChange> AskForChange(FolderItem item, const std::string& shown);
   std::optional<FolderChange> ChooseFolder(const std::string& shown);
   std::optional<FolderChange> RemoveFolder(const std::string& shown);
   bool SearchFor(const FolderChange& change);
+  bool RunSearch(bool showAtStart, const std::function<bool(CFolderSearch& search)>& work);
   std::string GetShownFolder() const;
   bool SelectStandardFolder(const std::string& folder);
   /// Returns the path that the folder has in the control.

@@ -11,7 +11,10 @@
 std::optional<std::string> CFolderActions::BrowseForFolder() {
   const std::optional<std::string> chosen = Chooser.Browse();
   if (!chosen) return std::nullopt;
-  const std::string folder = WithoutClosingSlash(*chosen);
+  return ConfirmFolder(WithoutClosingSlash(*chosen));
+}
+
+std::optional<std::string> CFolderActions::ConfirmFolder(const std::string& folder) {
   if (IsDiskRoot(folder) && !ShowMessageId(StringId::SearchWholeDiskQuestion, true)) return std::nullopt;
   return folder;
 }

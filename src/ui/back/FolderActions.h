@@ -19,6 +19,9 @@ class CFolderActions {
   /// user is asked once more. Doesn't change the list.
   std::optional<std::string> BrowseForFolder();
 
+  /// The folder, or nothing if it is a whole disk and the user doesn't want that.
+  static std::optional<std::string> ConfirmFolder(const std::string& folder);
+
   /// The pictures folder or one of the list; nothing on Cancel, or if the list is empty, which is told.
   std::optional<std::string> ChooseFromList();
 

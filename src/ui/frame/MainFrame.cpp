@@ -478,7 +478,7 @@ void CMainFrame::paintEvent(QPaintEvent*) {
     painter.Draw({painter.Scaled(place.x()), painter.Scaled(place.y())},
                  GetPicture(PictureId::Logo, painter.GetPixelRatio()));
   }
-  if (TipAsked) return;
+  if (TipAsked || PathsToShow.IsBusy()) return;  // what was opened comes first
   TipAsked = true;
   QTimer::singleShot(0, this, [this] { OnCommand(CommandId::TipAtStart); });
 }

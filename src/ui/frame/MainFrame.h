@@ -3,6 +3,9 @@
 #include <QWidget>
 #include <functional>
 #include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "catalog/Catalog.h"
 #include "catalog/ThumbnailCache.h"
@@ -13,6 +16,7 @@
 #include "ui/frame/LeastSize.h"
 #include "ui/frame/MainCommands.h"
 #include "ui/frame/MainParts.h"
+#include "ui/frame/PathsToShow.h"
 #include "ui/frame/ThumbnailCheck.h"
 #include "ui/frame/ViewMode.h"
 #include "ui/kit/PaintedGroup.h"
@@ -52,6 +56,10 @@ class CMainFrame : public QWidget,
 
   /// Shows the window maximized, in front and with the focus.
   void ShowInFront();
+
+  /// Shows photos and folders, by their absolute paths, as soon as nothing else is going on.
+  void ShowPaths(std::vector<std::string> paths) { PathsToShow.Add(std::move(paths)); }
+  bool ArePathsWaiting() const { return PathsToShow.IsBusy(); }
 
   /// True once the user or the system has asked to close, also while that has to wait for a job.
   bool IsClosing() const override { return Closing; }
@@ -151,6 +159,7 @@ class CMainFrame : public QWidget,
   std::unique_ptr<CFullScreenTools> FullScreenTools;
   std::unique_ptr<CInputFilter> InputFilter;
   std::unique_ptr<CThumbnailCheck> ThumbnailCheck;
+  CPathsToShow PathsToShow{*this};
   const CViewMode* Mode;
   CLeastSize LeastSize{*this};
   bool TipAsked = false;
