@@ -2,8 +2,10 @@
 
 #include <QApplication>
 #include <QSocketNotifier>
+#include <algorithm>
 #include <cstdio>
 #include <exception>
+#include <iterator>
 #include <memory>
 #include <utility>
 
@@ -15,6 +17,7 @@
 #include "base/Settings.h"
 #include "base/Texts.h"
 #include "discovery/FolderSearch.h"
+#include "platform/AbsolutePaths.h"
 #include "platform/Files.h"
 #include "platform/SpecialFolders.h"
 #include "platform/StopSignals.h"
@@ -22,7 +25,7 @@
 #include "ui/frame/MainFrame.h"
 #include "ui/kit/Application.h"
 #include "ui/kit/FontTable.h"
-#include "ui/kit/Job.h"
+#include "ui/kit/WindowActivation.h"
 #include "ui/search/WindowedSearchProgress.h"
 
 namespace {
@@ -87,9 +90,9 @@ std::string FindCatalogToClaim(bool activeDisk) {
   }
 }
 
-/// False if another process runs; its window then comes to the front, or a message names it.
-bool ClaimInstance(CSingleInstance& instance) {
-  const CSingleInstance::Claimed claimed = instance.Claim();
+/// False if another process runs; it has taken the request then, or a message names it.
+bool ClaimInstance(CSingleInstance& instance, const StartRequest& request) {
+  const CSingleInstance::Claimed claimed = instance.Claim(request);
   if (claimed == CSingleInstance::Claimed::ByOneOutOfReach) {
     ShowMessage(Format(LoadExpandedString(StringId::AlreadyRunning), instance.GetHolder()));
   }
@@ -105,16 +108,16 @@ QWidget* FindFrontWindow(CMainFrame& frame) {
   return frame.isVisible() ? &frame : nullptr;
 }
 
-void BringToFront(CMainFrame& frame, const QByteArray& activationToken) {
-  // The desktop lets a window come to the front only for an action of the user, which this token stands for.
-  // A job's threads, or those of an upload, may be reading the environment, which must not change under them.
-  const bool isRead = IsJobRunning() || frame.IsInputBlocked();
-  if (!activationToken.isEmpty() && !isRead) qputenv("XDG_ACTIVATION_TOKEN", activationToken);
+void OnAnotherStart(CMainFrame& frame, const StartRequest& request) {
   if (frame.isMinimized()) frame.setWindowState(frame.windowState() & ~Qt::WindowMinimized);
-  QWidget* window = FindFrontWindow(frame);
-  if (window == nullptr) return;
-  window->raise();
-  window->activateWindow();
+  if (QWidget* window = FindFrontWindow(frame)) ActivateWindow(*window, request.ActivationToken);
+  frame.ShowPaths(request.Paths);
+}
+
+StartRequest MakeStartRequest(const Arguments& commandLine, const std::string& activationToken) {
+  StartRequest request{activationToken, {}};
+  std::ranges::transform(commandLine.Paths, std::back_inserter(request.Paths), &platform::MakeAbsolute);
+  return request;
 }
 
 int RunSession(CMainFrame& frame, std::unique_ptr<CStartProgress>& start) {
@@ -137,15 +140,17 @@ void ReportFatalFailure(const CMainFrame& frame, const std::string& message) {
 
 }  // namespace
 
-int Main(const Arguments& commandLine) {
+int Main(const Arguments& commandLine, const std::string& activationToken) {
   platform::TakeSizeLimitsAsErrors();
   CSingleInstance instance(platform::RuntimeFolder(), FindCatalogToClaim(commandLine.ActiveDisk));
-  if (!ClaimInstance(instance)) return kEarlyExitCode;
+  const StartRequest request = MakeStartRequest(commandLine, activationToken);
+  if (!ClaimInstance(instance, request)) return kEarlyExitCode;
 
   const CFontTable fonts;
   CMainFrame frame;
   const CStopSignalWatch stopSignalWatch(frame);
-  instance.OnAnotherStart = [&frame](const QByteArray& token) { BringToFront(frame, token); };
+  instance.OnAnotherStart = [&frame](const StartRequest& later) { OnAnotherStart(frame, later); };
+  frame.ShowPaths(request.Paths);
 
   CFolderSearch::GetInstance().ActiveDisk = commandLine.ActiveDisk;
   if (!ChooseSettings(commandLine.ActiveDisk)) return kEarlyExitCode;

@@ -8,6 +8,7 @@
 #include <QThread>
 #include <QTimer>
 #include <algorithm>
+#include <memory>
 
 #include "base/Paths.h"
 #include "platform/WholeFiles.h"
@@ -15,16 +16,13 @@
 
 namespace {
 
-constexpr int kPatience = 3000;  // milliseconds for the first process to answer
-constexpr int kRetryPause = 50;  // milliseconds
-constexpr qint64 kLongestRequest = 4096;
+constexpr int kPatience = 3000;       // milliseconds for the first process to answer
+constexpr int kRetryPause = 50;       // milliseconds
+constexpr qint64 kReadAhead = 65536;  // bytes of a request that wait to be read
 constexpr const char* kAnswer = "ok\n";
 
 // Content of a lock file: the holder's process id, host and socket, one per line.
 constexpr int kNoteLines = 4;
-
-/// The activation token that a Wayland desktop gave this process; X11 needs none.
-QByteArray GetActivationToken() { return qgetenv("XDG_ACTIVATION_TOKEN"); }
 
 }  // namespace
 
@@ -37,7 +35,8 @@ CSingleInstance::CSingleInstance(const std::string& runtimeFolder, const std::st
   QObject::connect(&Server, &QLocalServer::newConnection, &Server, [this] { Answer(); });
 }
 
-CSingleInstance::Claimed CSingleInstance::Claim() {
+CSingleInstance::Claimed CSingleInstance::Claim(const StartRequest& request) {
+  const std::string bytes = EncodeStartRequest(request);
   QElapsedTimer timer;
   timer.start();
   do {
@@ -46,7 +45,7 @@ CSingleInstance::Claimed CSingleInstance::Claim() {
       return Claimed::ByThis;
     }
     // The first process may not listen yet, or may be ending: try again until it answers or the lock is free.
-    if (AskFirstToShow(kPatience - static_cast<int>(timer.elapsed()))) return Claimed::ByOneInFront;
+    if (HandOver(bytes, kPatience - static_cast<int>(timer.elapsed()))) return Claimed::ByOneInFront;
     QThread::msleep(kRetryPause);
   } while (timer.elapsed() < kPatience);
   return Claimed::ByOneOutOfReach;
@@ -91,19 +90,24 @@ void CSingleInstance::Answer() {
     socket->setParent(&Server);
     QObject::connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
     QTimer::singleShot(kPatience, socket, &QLocalSocket::abort);
-    const auto read = [this, socket] {
-      if (!socket->canReadLine() && socket->bytesAvailable() < kLongestRequest) return;
-      const QByteArray token = socket->readLine(kLongestRequest).trimmed();
+    socket->setReadBufferSize(kReadAhead);
+    const auto parser = std::make_shared<CStartRequestParser>();
+    const auto read = [this, socket, parser] {
+      const std::string bytes = socket->readAll().toStdString();
+      if (bytes.empty()) return;
+      const CStartRequestParser::State state = parser->Add(bytes);
+      if (state == CStartRequestParser::State::Bad) return socket->abort();
+      if (state != CStartRequestParser::State::Whole) return;
       socket->write(kAnswer);
       socket->disconnectFromServer();
-      if (OnAnotherStart) OnAnotherStart(token);
+      if (OnAnotherStart) OnAnotherStart(parser->GetRequest());
     };
     QObject::connect(socket, &QLocalSocket::readyRead, socket, read);
     read();
   }
 }
 
-bool CSingleInstance::AskFirstToShow(int patience) const {
+bool CSingleInstance::HandOver(const std::string& request, int patience) const {
   QElapsedTimer timer;
   timer.start();
   const auto left = [&] { return std::max(1, patience - static_cast<int>(timer.elapsed())); };
@@ -112,6 +116,6 @@ bool CSingleInstance::AskFirstToShow(int patience) const {
   const platform::ShortPath path(HolderSocket);
   socket.connectToServer(ToQString(path.Get()));
   if (!socket.waitForConnected(left())) return false;
-  socket.write(GetActivationToken() + '\n');
+  socket.write(request.data(), static_cast<qint64>(request.size()));
   return socket.waitForReadyRead(left()) && socket.readAll().startsWith(kAnswer);
 }

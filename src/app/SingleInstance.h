@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QByteArray>
 #include <QLocalServer>
 #include <functional>
 #include <string>
 #include <vector>
 
+#include "base/StartRequest.h"
 #include "platform/Descriptor.h"
 #include "platform/FileLock.h"
 
@@ -23,16 +23,15 @@ class CSingleInstance {
   /// catalog and, if that is a link, beside its target. Either argument may be empty for none.
   CSingleInstance(const std::string& runtimeFolder, const std::string& catalogPath);
 
-  /// A lock file that can't be made, because the disk is full or read-only, counts as free: the catalog there
-  /// can't be written either.
-  Claimed Claim();
+  /// Another process that runs is handed the request. A lock file that can't be made, because the disk is
+  /// full or read-only, counts as free: the catalog there can't be written either.
+  Claimed Claim(const StartRequest& request);
 
   /// Text that names the process that didn't answer: "process 4711 on host".
   const std::string& GetHolder() const { return Holder; }
 
-  /// Called in the first process when another one was started, with the activation token that the desktop
-  /// gave that one, or an empty text.
-  std::function<void(const QByteArray& activationToken)> OnAnotherStart;
+  /// Called in the first process when another one was started, with what that one hands over.
+  std::function<void(const StartRequest& request)> OnAnotherStart;
 
  private:
   struct NamedLock {
@@ -44,7 +43,7 @@ class CSingleInstance {
   void LookAtHolder(const NamedLock& lock);
   void Listen();
   void Answer();
-  bool AskFirstToShow(int patience) const;
+  bool HandOver(const std::string& request, int patience) const;
 
   const std::string SocketPath;  // of this process, if it is the first; empty for none
   std::vector<NamedLock> Locks;

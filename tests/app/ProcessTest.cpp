@@ -68,6 +68,20 @@ TEST_F(Process, RemovableDiskKeepsEverythingOnItself) {
   EXPECT_FALSE(fs::exists(DiskFolder + "/vellumar.db"));
 }
 
+TEST_F(Process, ALaterStartHandsItsPathsOver) {
+  AddPhotos(1);
+  QProcess first, second;
+  Start(first, QString::fromStdString("file://" + PicturesFolder() + "/photo0.jpg"));
+  ASSERT_TRUE(WaitForPhotos(GetApplicationDataFolder(), "1"));
+  AddPhotos(1, "Pictures/a new one");  // which only the path leads to
+  second.setWorkingDirectory(QString::fromStdString(PicturesFolder()));
+  Start(second, "x/../a new one/photo0.jpg");
+  EXPECT_TRUE(second.waitForFinished(kPatience));
+  EXPECT_EQ(second.exitCode(), 0);
+  EXPECT_TRUE(WaitForPhotos(GetApplicationDataFolder(), "2"));
+  EXPECT_EQ(End(first), 1);
+}
+
 TEST_F(Process, WriteProtectedDiskIsToldAndLeftWithoutATrace) {
   fs::permissions(DiskFolder, fs::perms(0555));
   fs::permissions(Scratch.GetPath(), fs::perms::all);

@@ -1,10 +1,10 @@
 #include <unistd.h>
 
+#include <QLocalSocket>
 #include <future>
 #include <memory>
 
 #include "app/SingleInstance.h"
-#include "support/EnvironmentVariable.h"
 #include "support/ScratchFolder.h"
 #include "ui/WindowTest.h"
 
@@ -13,8 +13,10 @@ namespace {
 using Claimed = CSingleInstance::Claimed;
 
 /// Another process, as far as the lock and the socket can tell.
-std::future<Claimed> StartAnother(const std::string& runtimeFolder, const std::string& catalog = {}) {
-  return std::async(std::launch::async, [=] { return CSingleInstance(runtimeFolder, catalog).Claim(); });
+std::future<Claimed> StartAnother(const std::string& runtimeFolder, const std::string& catalog = {},
+                                  const StartRequest& request = {}) {
+  return std::async(std::launch::async,
+                    [=] { return CSingleInstance(runtimeFolder, catalog).Claim(request); });
 }
 
 /// The answer must not take long.
@@ -28,18 +30,19 @@ Claimed Wait(std::future<Claimed> start) {
 
 TEST(SingleInstance, SecondGivesWayToOneThatAnswersAndTakesOverFromOneThatEnds) {
   const CScratchFolder scratch;
-  const CEnvironmentVariable token("XDG_ACTIVATION_TOKEN", "token-17");
   auto first = std::make_unique<CSingleInstance>(scratch.GetPath(), "");
-  QByteArray received;
-  first->OnAnotherStart = [&](const QByteArray& given) { received = given; };
-  ASSERT_EQ(first->Claim(), Claimed::ByThis);
-  EXPECT_EQ(Wait(StartAnother(scratch.GetPath())), Claimed::ByOneInFront);
-  EXPECT_EQ(received, "token-17");
+  StartRequest received;
+  first->OnAnotherStart = [&](const StartRequest& given) { received = given; };
+  ASSERT_EQ(first->Claim({}), Claimed::ByThis);
+  const StartRequest request{"token-17", std::vector<std::string>(3000, "/" + std::string(1000, 'x'))};
+  EXPECT_EQ(Wait(StartAnother(scratch.GetPath(), {}, request)), Claimed::ByOneInFront);
+  EXPECT_EQ(received.ActivationToken, "token-17");
+  EXPECT_EQ(received.Paths, request.Paths);
 
   QElapsedTimer timer;
   timer.start();
   CSingleInstance second(scratch.GetPath(), "");  // on this thread, so the first one can't answer
-  EXPECT_EQ(second.Claim(), Claimed::ByOneOutOfReach);
+  EXPECT_EQ(second.Claim({}), Claimed::ByOneOutOfReach);
   EXPECT_EQ(second.GetHolder(), "process " + std::to_string(::getpid()));
   EXPECT_GE(timer.elapsed(), 2000);
   EXPECT_LT(timer.elapsed(), 6000);
@@ -48,6 +51,24 @@ TEST(SingleInstance, SecondGivesWayToOneThatAnswersAndTakesOverFromOneThatEnds) 
   QThread::msleep(200);  // without an event loop: no answer
   first.reset();
   EXPECT_EQ(Wait(std::move(third)), Claimed::ByThis);
+}
+
+TEST(SingleInstance, AStrangerThatStallsOrTalksNonsenseIsLeftAlone) {
+  const CScratchFolder scratch;
+  CSingleInstance first(scratch.GetPath(), "");
+  int starts = 0;
+  first.OnAnotherStart = [&](const StartRequest&) { ++starts; };
+  ASSERT_EQ(first.Claim({}), Claimed::ByThis);
+  QLocalSocket stalling, talking;
+  for (QLocalSocket* socket : {&stalling, &talking}) {
+    socket->connectToServer(QString::fromStdString(scratch.File("vellumar.socket")));
+    ASSERT_TRUE(socket->waitForConnected());
+  }
+  stalling.write("\0", 1);
+  talking.write("GET / HTTP/1.1\r\n");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return talking.state() == QLocalSocket::UnconnectedState; }));
+  EXPECT_EQ(Wait(StartAnother(scratch.GetPath())), Claimed::ByOneInFront);
+  EXPECT_EQ(starts, 1);
 }
 
 TEST(SingleInstance, OneHoldsACatalogForAllSessions) {
@@ -59,8 +80,8 @@ TEST(SingleInstance, OneHoldsACatalogForAllSessions) {
       scratch.File(std::string(120, 'r').append("/x"));  // longer than a socket's address
   CSingleInstance first(std::filesystem::path(away).parent_path(), catalog);
   int starts = 0;
-  first.OnAnotherStart = [&](const QByteArray&) { ++starts; };
-  ASSERT_EQ(first.Claim(), Claimed::ByThis);
+  first.OnAnotherStart = [&](const StartRequest&) { ++starts; };
+  ASSERT_EQ(first.Claim({}), Claimed::ByThis);
   EXPECT_EQ(Wait(StartAnother(scratch.GetPath(), catalog)), Claimed::ByOneInFront);
   EXPECT_EQ(Wait(StartAnother(scratch.GetPath(), link)), Claimed::ByOneInFront);
   EXPECT_EQ(starts, 2);
@@ -68,7 +89,7 @@ TEST(SingleInstance, OneHoldsACatalogForAllSessions) {
   // As a session on another machine looks that shares the disk.
   std::ofstream(catalog + ".lock") << "4711\nnas\n" << scratch.File("vellumar.socket") << "\n";
   CSingleInstance next(scratch.GetPath(), catalog);
-  EXPECT_EQ(next.Claim(), Claimed::ByOneOutOfReach);
+  EXPECT_EQ(next.Claim({}), Claimed::ByOneOutOfReach);
   EXPECT_EQ(next.GetHolder(), "process 4711 on nas");
 }
 
@@ -77,6 +98,6 @@ TEST(SingleInstance, AFolderThatTakesNoLockDoesNotKeepTheProgramFromStarting) {
   const std::string precious = scratch.Write("precious", "kept");
   std::filesystem::create_symlink(precious, scratch.File("my.db.lock"));
   CSingleInstance instance("/nowhere/at/all", scratch.File("my.db"));
-  EXPECT_EQ(instance.Claim(), Claimed::ByThis);
+  EXPECT_EQ(instance.Claim({}), Claimed::ByThis);
   EXPECT_EQ(ReadBytes(precious), "kept");
 }

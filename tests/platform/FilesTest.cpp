@@ -1,6 +1,11 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <cstdlib>
+
+#include "platform/AbsolutePaths.h"
+#include "platform/Environment.h"
 #include "platform/Files.h"
 #include "platform/WholeFiles.h"
 #include "support/FaultSteps.h"
@@ -233,3 +238,35 @@ TEST(ListFolder, KeepsNamesByteForByteAndOpensNothing) {
 }
 
 }  // namespace
+
+TEST(AbsolutePath, CountsFromTheRootAndLeadsOutOfALinksTarget) {
+  const CScratchFolder scratch;
+  const std::string root = std::filesystem::canonical(scratch.GetPath());
+  scratch.File("real/deep/x");
+  std::filesystem::create_directory_symlink(root + "/real/deep", root + "/link");
+  for (const auto& [path, absolute] :
+       std::vector<std::pair<std::string, std::string>>{{"//a/./b//", "/a/b"},
+                                                        {"/..", "/"},
+                                                        {"/", "/"},
+                                                        {root + "/link/../x", root + "/real/x"},
+                                                        {root + "/link/x", root + "/link/x"},
+                                                        {root + "/gone/../x", root + "/x"}}) {
+    EXPECT_EQ(platform::MakeAbsolute(path), absolute);
+  }
+  EXPECT_EQ(platform::MakeAbsolute("x y"), std::filesystem::current_path().string() + "/x y");
+}
+
+TEST(Environment, AVariableComesAndGoesWithoutMovingTheOthers) {
+  platform::ReserveVariable();
+  char** const list = environ;
+  for (const char* value : {"one", "two"}) {
+    EXPECT_TRUE(platform::SetReservedVariable("VELLUMAR_TEST", value));
+    EXPECT_STREQ(std::getenv("VELLUMAR_TEST"), value);
+  }
+  ::unsetenv("VELLUMAR_TEST");
+  EXPECT_TRUE(platform::SetReservedVariable("VELLUMAR_TEST", "three"));
+  EXPECT_FALSE(platform::SetReservedVariable("VELLUMAR_MORE", "")) << "there is room for one";
+  EXPECT_EQ(environ, list);
+  ::setenv("VELLUMAR_MORE", "", 1);
+  EXPECT_FALSE(platform::SetReservedVariable("VELLUMAR_TEST", "four")) << "others have taken over";
+}

@@ -8,6 +8,7 @@
 #include "app/Arguments.h"
 #include "app/Main.h"
 #include "base/Texts.h"
+#include "platform/Environment.h"
 #include "ui/kit/Application.h"
 #include "ui/kit/MessageBox.h"
 
@@ -30,9 +31,10 @@ void OnStartMessage(QtMsgType type, const QMessageLogContext&, const QString& me
 
 void PrintHelp() {
   std::puts(
-      "usage: vellumar [OPTION...]\n"
+      "usage: vellumar [OPTION...] [PHOTO or FOLDER...]\n"
       "\n"
-      "Finds the photos in your pictures folder and shows them.\n"
+      "Finds the photos in your pictures folder and shows them. Photos and folders that are\n"
+      "named are shown first; what isn't in your photo folders is offered to be added.\n"
       "\n"
       "  /activedisk  run from a removable disk: photos are beside the program's folder,\n"
       "               catalog and settings in it\n"
@@ -71,6 +73,8 @@ int main(int count, char** arguments) {
   std::vector<char*> words(all.begin(), endOfOptions);
   int wordCount = static_cast<int>(words.size());
   words.push_back(nullptr);
+  platform::ReserveVariable();
+  const std::string activationToken = platform::GetActivationToken();  // the toolkit will take it away
   const QtMessageHandler usual = qInstallMessageHandler(OnStartMessage);
   CApplication application(wordCount, words.data());
   qInstallMessageHandler(usual);
@@ -84,7 +88,7 @@ int main(int count, char** arguments) {
   QGuiApplication::setDesktopFileName(kDesktopId.toString());
   CWindowMessageBox messageBox;
   SetMessageBox(&messageBox);
-  const int exitCode = Main(commandLine);
+  const int exitCode = Main(commandLine, activationToken);
   SetMessageBox(nullptr);
   return exitCode;
 }
