@@ -6,6 +6,7 @@
 #include "base/Folders.h"
 #include "base/Messages.h"
 #include "base/Texts.h"
+#include "ui/kit/FileDrag.h"
 
 namespace {
 
@@ -43,6 +44,6 @@ bool TryOpenWebPage(const std::string& address) {
 
 void OpenFile(const std::string& path) {
   // Made of the bytes: a path through QString loses those that aren't text.
-  const QByteArray encoded = "file://" + QByteArray::fromStdString(path).toPercentEncoding("/");
+  const QByteArray encoded = QByteArray::fromStdString(GetAddressOfFile(path));
   if (!FileExists(path, false) || !QDesktopServices::openUrl(QUrl::fromEncoded(encoded))) TellFailure(path);
 }

@@ -13,6 +13,7 @@
 #include "base/Messages.h"
 #include "base/Texts.h"
 #include "catalog/Catalog.h"
+#include "imaging/Image.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/FontTable.h"
@@ -216,8 +217,19 @@ bool CPhotoTab::ShowSelected() {
 void CPhotoTab::mousePressEvent(QMouseEvent* event) {
   if (event->button() != Qt::LeftButton) return event->ignore();
   setFocus(Qt::MouseFocusReason);
+  Drag.Forget();
   const int index = Grid.FindCellAt(event->position().toPoint(), GetCount());
-  if (index >= 0) NavigateTo(index);
+  if (index < 0) return;
+  PressedId = Photos.GetAssetId(index);
+  Drag.Press(event->position().toPoint());
+  NavigateTo(index);
+}
+
+void CPhotoTab::mouseMoveEvent(QMouseEvent* event) {
+  event->ignore();
+  if (!Drag.BeginsWith(*event)) return;
+  const CAssetRecord photo = Catalog.FindAssetById(PressedId);
+  if (photo.IsValid()) Drag.Run(photo.GetPath(), photo.LoadThumbnail().get());
 }
 
 void CPhotoTab::mouseDoubleClickEvent(QMouseEvent* event) {

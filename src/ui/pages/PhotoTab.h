@@ -14,6 +14,7 @@
 #include "sets/ListPhotoSet.h"
 #include "sets/QuerySet.h"
 #include "ui/kit/Commands.h"
+#include "ui/kit/FileDrag.h"
 #include "ui/kit/PaintedItems.h"
 #include "ui/kit/SharpPictures.h"
 #include "ui/pages/GridPicture.h"
@@ -142,6 +143,7 @@ class CPhotoTab : public QWidget, public CPaintedItems {
   void showEvent(QShowEvent* event) override;
   void hideEvent(QHideEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
@@ -167,6 +169,8 @@ class CPhotoTab : public QWidget, public CPaintedItems {
   CGridPicture Picture{Photos};
   QTimer PaintTimer;  // runs while cells wait to be painted
   CSharpPictures SharpPictures;
+  CFileDrag Drag{*this};  // of the photo that was pressed
+  std::int32_t PressedId = -1;
   int Selected = -1;
   std::int32_t CurrentPhoto = -1;  // that the page was told of last
   std::int32_t RecentRoll = -1;    // what AddRecent adds next; -1 for the newest roll

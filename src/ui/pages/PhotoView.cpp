@@ -216,6 +216,22 @@ void CPhotoView::changeEvent(QEvent* event) {
   QWidget::changeEvent(event);
 }
 
+void CPhotoView::mousePressEvent(QMouseEvent* event) {
+  event->ignore();  // the main window takes the focus
+  Drag.Forget();
+  const QPoint place = (event->position() * devicePixelRatioF()).toPoint();
+  const bool isOnPhoto = !Picture.isNull() && QRect(Place.topLeft(), Picture.size()).contains(place);
+  // In full-screen mode there is nowhere to drag it to.
+  if (event->button() == Qt::LeftButton && isOnPhoto && TheLook.Margin) {
+    Drag.Press(event->position().toPoint());
+  }
+}
+
+void CPhotoView::mouseMoveEvent(QMouseEvent* event) {
+  event->ignore();
+  if (Photo && Drag.BeginsWith(*event)) Drag.Run(Photo->GetPath(), Photo->LoadThumbnail().get());
+}
+
 void CPhotoView::mouseDoubleClickEvent(QMouseEvent* event) {
   if (event->button() == Qt::LeftButton && OnDoubleClick) OnDoubleClick();
 }

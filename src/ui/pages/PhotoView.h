@@ -12,6 +12,7 @@
 #include "catalog/AssetRecord.h"
 #include "imaging/PicturesAhead.h"
 #include "ui/kit/AssistiveTools.h"
+#include "ui/kit/FileDrag.h"
 #include "ui/marks/PhotoMarks.h"
 
 /// The page of the current photo: the photo as large as the page lets it be, with the marks that the user
@@ -75,6 +76,8 @@ class CPhotoView : public QWidget, public CFaceMaker {
   void showEvent(QShowEvent* event) override;
   void hideEvent(QHideEvent* event) override;
   void changeEvent(QEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
 
  private:
@@ -93,4 +96,5 @@ class CPhotoView : public QWidget, public CFaceMaker {
   std::array<bool, std::size(kPhotoMarks)> ShownFlags{};
   std::vector<std::string> Neighbours;
   CPicturesAhead Ahead;
+  CFileDrag Drag{*this};
 };

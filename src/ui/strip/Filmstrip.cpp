@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "base/Texts.h"
+#include "imaging/Image.h"
 #include "sets/PhotoSet.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
@@ -562,7 +563,9 @@ void CFilmstrip::mousePressEvent(QMouseEvent* event) {
   event->ignore();
   if (event->button() != Qt::LeftButton) return;
   FinishMove();
+  Drag.Forget();
   const StripHit hit = HitTestAt(event->position());
+  if (hit.Cell == Layout.GetLensCell() && !hit.InBand) Drag.Press(event->position().toPoint());
   if (hit.Mark >= 0) return ToggleMark(hit, event->modifiers().testFlag(Qt::ShiftModifier));
   if (hit.Cell < 0 || hit.InBand || hit.Cell == Layout.GetLensCell()) return;
   StopSlideShow();
@@ -582,11 +585,20 @@ void CFilmstrip::mouseDoubleClickEvent(QMouseEvent* event) {
 
 void CFilmstrip::mouseMoveEvent(QMouseEvent* event) {
   event->ignore();
+  if (Drag.BeginsWith(*event)) return DragCurrentPhoto();
   if (Slide) return;
   const StripHit hit = HitTestAt(event->position());
   // A press that began elsewhere lights up nothing.
   const bool dragged = event->buttons().testFlag(Qt::LeftButton) && !Cache.HasHotMark();
   SetHighlight(hit.Mark >= 0 && !dragged ? hit : StripHit());
+}
+
+void CFilmstrip::DragCurrentPhoto() {
+  const CAssetRecord* const record = GetCurrentRecord();
+  if (record == nullptr) return;
+  StopSlideShow();  // the photo stays under the lens
+  const std::string path = record->GetPath();
+  Drag.Run(path, record->LoadThumbnail().get());
 }
 
 void CFilmstrip::leaveEvent(QEvent*) { ClearHighlight(); }

@@ -11,6 +11,7 @@
 #include "catalog/AssetRecord.h"
 #include "sets/AssetIdSet.h"
 #include "ui/kit/Commands.h"
+#include "ui/kit/FileDrag.h"
 #include "ui/kit/PaintedItems.h"
 #include "ui/kit/SharpPictures.h"
 #include "ui/strip/Lens.h"
@@ -183,6 +184,7 @@ class CFilmstrip : public QWidget, public CPaintedItems {
   void TellPhoto(int index);
   int IndexOfCell(int cell) const { return Current + cell - Layout.GetLensCell(); }
   void ClearHighlight() { SetHighlight({}); }
+  void DragCurrentPhoto();
   void ToggleMark(const StripHit& hit, bool extendRange);
 
   CFilmstripHost& Host;
@@ -208,6 +210,7 @@ class CFilmstrip : public QWidget, public CPaintedItems {
   QTimer ShowTimer;
   QTimer IdleTimer;
 
+  CFileDrag Drag{*this};  // of the photo under the lens
   CPushBars Bars;
   CLens Lens;  // above the bars
   CSharpPictures SharpPictures;

@@ -1,4 +1,6 @@
 #include <QAccessible>
+#include <QDrag>
+#include <QMimeData>
 #include <thread>
 
 #include "sets/QuerySet.h"
@@ -379,6 +381,30 @@ TEST_F(Filmstrip, ClickSlidesACellUnderTheLensAndDoubleClickThereOpensIt) {
   EXPECT_TRUE(Host.Selected.empty());
   QTest::mouseDClick(&Strip, Qt::LeftButton, {}, CellPoint(0));
   EXPECT_EQ(Host.Selected, std::vector{ViewTabId::CurrentPhoto});
+}
+
+TEST_F(Filmstrip, OnlyThePhotoUnderTheLensIsDraggedOutAsACopyOfItsFile) {
+  Begin(13, 10);
+  Set->GetAsset(10).SetPath("/a b%/\xfc\n.jpg");
+  // The test's platform ends a drag as soon as it has begun.
+  const auto drag = [&](QPoint from, int way) {
+    QTest::mousePress(&Strip, Qt::LeftButton, {}, from);
+    const QPoint to = from + QPoint(way, 0);
+    QMouseEvent move(QEvent::MouseMove, to, Strip.mapToGlobal(to), Qt::NoButton, Qt::LeftButton,
+                     Qt::NoModifier);
+    QCoreApplication::sendEvent(&Strip, &move);
+    return Strip.findChild<QDrag*>();
+  };
+  const int enough = QApplication::startDragDistance();
+  EXPECT_EQ(drag(QPoint(CellPoint(0).x(), 118), enough), nullptr) << "its label";
+  EXPECT_EQ(drag(CellPoint(0), enough - 1), nullptr);
+  EXPECT_EQ(drag(CellPoint(-1), enough), nullptr) << "it slides under the lens";
+  Strip.MoveTo(10);
+  const auto* const begun = drag(CellPoint(0), enough);
+  ASSERT_NE(begun, nullptr);
+  EXPECT_EQ(begun->mimeData()->data("text/uri-list"), "file:///a%20b%25/%FC%0A.jpg\r\n");
+  EXPECT_EQ(begun->supportedActions(), Qt::CopyAction);
+  EXPECT_FALSE(begun->pixmap().isNull());
 }
 
 TEST_F(Filmstrip, NoQuickClickOnALensButtonIsLost) {

@@ -1,0 +1,44 @@
+#include "ui/kit/FileDrag.h"
+
+#include <QApplication>
+#include <QDrag>
+#include <QImage>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QPixmap>
+
+#include "ui/kit/Job.h"
+#include "ui/kit/Pictures.h"
+
+namespace {
+
+constexpr QSize kPicture(140, 105);
+
+}  // namespace
+
+bool CFileDrag::BeginsWith(const QMouseEvent& move) {
+  if (!move.buttons().testFlag(Qt::LeftButton)) Forget();
+  if (!Pressed || IsJobRunning()) return false;
+  const QPoint way = move.position().toPoint() - *Pressed;
+  if (way.manhattanLength() < QApplication::startDragDistance()) return false;
+  Forget();
+  return true;
+}
+
+void CFileDrag::Run(const std::string& path, const CImage* picture) const {
+  auto* const data = new QMimeData;
+  data->setData(QStringLiteral("text/uri-list"), QByteArray::fromStdString(GetAddressOfFile(path)) + "\r\n");
+  auto* const drag = new QDrag(&Source);  // goes with the source, or when it is over
+  drag->setMimeData(data);
+  if (picture != nullptr) {
+    const double ratio = Source.devicePixelRatioF();
+    const QPixmap shown = QPixmap::fromImage(FitToImage(*picture, kPicture, ratio, Enlarging::Never));
+    drag->setPixmap(shown);
+    drag->setHotSpot(QRect(QPoint(), shown.deviceIndependentSize().toSize()).center());
+  }
+  drag->exec(Qt::CopyAction);
+}
+
+std::string GetAddressOfFile(const std::string& path) {
+  return "file://" + QByteArray::fromStdString(path).toPercentEncoding("/").toStdString();
+}
