@@ -74,20 +74,47 @@ void RemoveThumbnails(CThumbnailCache& cache, std::span<const std::int32_t> asse
   }
 }
 
-}  // namespace
+/// Empty for a row without a file.
+std::string FindPath(CCatalog& catalog, std::int32_t assetId) {
+  std::string path = catalog.FindAssetById(assetId).GetPath();
+  return SplitPath(path).Name.empty() ? std::string() : path;
+}
 
-void RemovePhotos(CCatalog& catalog, CThumbnailCache& cache, std::span<const std::int32_t> assetIds) {
-  CAutoCommitPause pause(catalog);
+std::vector<std::string> DeleteRows(CCatalog& catalog, std::span<const std::int32_t> assetIds) {
   std::vector<std::string> paths;
   for (const std::int32_t id : assetIds) {
-    const std::string path = catalog.FindAssetById(id).GetPath();
-    if (!SplitPath(path).Name.empty()) paths.push_back(path);
+    paths.push_back(FindPath(catalog, id));
     catalog.DeleteAsset(id);
   }
+  return paths;
+}
+
+/// Returns how many of the photos are done.
+std::size_t MoveAllFiles(CCatalog& catalog, const std::vector<std::string>& paths,
+                         const std::function<bool(std::size_t done)>& goesOn) {
   const CShownNamesakes namesakes(catalog, paths);
-  for (const std::string& path : paths) {
-    if (!namesakes.Show(path)) MoveFiles(path);
+  for (std::size_t i = 0; i < paths.size(); ++i) {
+    if (!goesOn(i)) return i;
+    if (!paths[i].empty() && !namesakes.Show(paths[i])) MoveFiles(paths[i]);
   }
-  pause.Commit();
-  RemoveThumbnails(cache, assetIds);
+  return paths.size();
+}
+
+}  // namespace
+
+void RemovePhotos(CCatalog& catalog, CThumbnailCache& cache, std::span<const std::int32_t> assetIds,
+                  const std::function<bool(std::size_t done)>& goesOn) {
+  std::size_t done = 0;
+  {
+    CAutoCommitPause pause(catalog);
+    done = MoveAllFiles(catalog, DeleteRows(catalog, assetIds), goesOn);
+    if (done == assetIds.size()) pause.Commit();
+  }
+  const auto removed = assetIds.first(done);
+  if (done < assetIds.size()) {
+    CAutoCommitPause pause(catalog);
+    DeleteRows(catalog, removed);
+    pause.Commit();
+  }
+  RemoveThumbnails(cache, removed);
 }

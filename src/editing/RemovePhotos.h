@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 
 class CCatalog;
@@ -16,5 +18,10 @@ class CThumbnailCache;
 /// photos are still deleted ones: the same call does the rest. Rows that went before their files could leave
 /// files that the next search takes for new photos.
 ///
+/// `goesOn` is told before each photo how many are done. If it says false, the photos done so far are removed
+/// and the others stay as they are.
+///
 /// CStorageException if the catalog refuses; its rows are then as they were. May run in a job.
-void RemovePhotos(CCatalog& catalog, CThumbnailCache& cache, std::span<const std::int32_t> assetIds);
+void RemovePhotos(
+    CCatalog& catalog, CThumbnailCache& cache, std::span<const std::int32_t> assetIds,
+    const std::function<bool(std::size_t done)>& goesOn = [](std::size_t) { return true; });

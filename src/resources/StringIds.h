@@ -232,6 +232,11 @@ enum class StringId : int {
   PathsNotShown = 20131,
   AndMore = 20132,
 
+  // The window while the trash is emptied.
+  EmptyTrashTitle = 20140,
+  EmptyingTrash = 20141,
+  StopEmptying = 20142,
+
   // What only assistive tools tell: names of parts, and what belongs to a photo.
   ToldPhotoBack = 20200,
   ToldFilterBar = 20201,

@@ -83,6 +83,14 @@ TEST_F(RemovePhotosTest, AFileThatAnotherPhotoShowsStays) {
   EXPECT_EQ(ReadBytes(Scratch.File("other/boat.jpg")), Original);
 }
 
+TEST_F(RemovePhotosTest, AStopLeavesTheRestAsItWas) {
+  TossFile("lake.jpg");
+  RemovePhotos(Catalog, Cache, Ids, [](std::size_t done) { return done < 1; });
+  EXPECT_EQ(Stored(), "1 1");
+  EXPECT_THAT(NamesInTrash(), ElementsAre("boat.jpg"));
+  EXPECT_TRUE(!Cache.Has(Ids[0]) && Cache.Has(Ids[1]));
+}
+
 TEST_F(RemovePhotosTest, AfterAFaultOrAKillAtAnyStepASecondCallDoesTheRest) {
   Remove();
   CFaultyVfs vfs;

@@ -9,7 +9,7 @@ namespace {
 bool IsOpen(const QWidget& window) {
   const QString name = window.objectName();
   return name == window_names::kSearchProgress || name == window_names::kUploadProgress ||
-         name == window_names::kEmailProgress || name == window_names::kLogin ||
+         name == window_names::kJobProgress || name == window_names::kLogin ||
          qobject_cast<const QMessageBox*>(&window) != nullptr;
 }
 

@@ -12,7 +12,7 @@ namespace window_names {
 inline const QString kMainFrame = QStringLiteral("VellumarPhotoOrganizerMain");
 inline const QString kSearchProgress = QStringLiteral("SearchProgress");
 inline const QString kUploadProgress = QStringLiteral("UploadProgress");
-inline const QString kEmailProgress = QStringLiteral("EmailProgress");
+inline const QString kJobProgress = QStringLiteral("JobProgress");
 inline const QString kLogin = QStringLiteral("Login");
 
 }  // namespace window_names

@@ -4,6 +4,7 @@
 #include "catalog/ThumbnailCache.h"
 #include "editing/RemovePhotos.h"
 #include "ui/kit/Job.h"
+#include "ui/kit/JobProgress.h"
 #include "ui/kit/QtText.h"
 #include "ui/kit/Toolbar.h"
 #include "ui/kit/WaitCursor.h"
@@ -18,6 +19,9 @@ constexpr PhotoTabForm kForm{.WindowName = "TossedVue",
                              .Caption = StringId::TrashTabCaption,
                              .Flag = PhotoFlag::Tossed,
                              .Kind = SetKind::Deleted};
+
+constexpr CJobProgress::Texts kProgress{StringId::EmptyTrashTitle, StringId::EmptyingTrash,
+                                        StringId::StopEmptying};
 
 }  // namespace
 
@@ -43,6 +47,8 @@ void CTrashTab::EmptyTrash() {
   const CWaitCursor waiting;
   GetHost().PrepareForJob();
   const std::vector<std::int32_t> photos = ListPhotos();
-  ChangePhotos(photos,
-               [&] { RunJob([&] { RemovePhotos(GetCatalog(), *CThumbnailCache::GetInstance(), photos); }); });
+  CJobProgress progress(*window(), kProgress, GetCount());
+  const auto goesOn = [&progress](std::size_t done) { return progress.Report(static_cast<int>(done)); };
+  const auto remove = [&] { RemovePhotos(GetCatalog(), *CThumbnailCache::GetInstance(), photos, goesOn); };
+  ChangePhotos(photos, [&] { RunJob(remove, [&progress] { progress.Stop(); }); });
 }

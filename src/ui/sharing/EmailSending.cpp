@@ -1,44 +1,23 @@
 #include "ui/sharing/EmailSending.h"
 
-#include <QProgressDialog>
-#include <atomic>
-
 #include "sharing/MailClient.h"
-#include "ui/kit/InputBlock.h"
 #include "ui/kit/Job.h"
-#include "ui/kit/SmallWindow.h"
+#include "ui/kit/JobProgress.h"
 
 namespace {
 
-/// Shows itself when the work has gone on for a while. The reports come from the job.
 class CWindowedEmailProgress : public CEmailProgress {
  public:
   CWindowedEmailProgress(QWidget& mainWindow, int count)
-      : Dialog(LoadWindowText(StringId::EmailingCopies), LoadWindowText(StringId::Cancel), 0, count,
-               &mainWindow) {
-    Dialog.setObjectName(window_names::kEmailProgress);
-    Dialog.setWindowTitle(LoadWindowText(StringId::EmailingTitle));
-    Dialog.setAutoReset(false);
-    Dialog.setAutoClose(false);
-    Dialog.setMinimumDuration(kPause);
-    Dialog.setValue(0);  // the pause begins
-    QObject::connect(&Dialog, &QProgressDialog::canceled, &Dialog, [this] { Stop(); });
-  }
+      : Window(mainWindow, {StringId::EmailingTitle, StringId::EmailingCopies, StringId::Cancel}, count) {}
 
-  void Stop() { Stopped = true; }
+  void Stop() { Window.Stop(); }
 
-  void Progress(std::size_t done, std::size_t) override {
-    RunOnWindowThread([&] {
-      if (!Stopped) Dialog.setValue(static_cast<int>(done));
-    });
-  }
-  bool IsStopped() const override { return Stopped; }
+  void Progress(std::size_t done, std::size_t) override { Window.Report(static_cast<int>(done)); }
+  bool IsStopped() const override { return Window.IsStopped(); }
 
  private:
-  static constexpr int kPause = 1000;  // ms
-
-  QProgressDialog Dialog;
-  std::atomic<bool> Stopped = false;
+  CJobProgress Window;
 };
 
 }  // namespace
