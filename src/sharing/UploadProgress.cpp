@@ -20,15 +20,6 @@ constexpr std::int64_t kEstimatedPercent = 85;
 constexpr double kResponsePercent = 5;
 constexpr double kSentPercent = kQueuedPercent + static_cast<double>(kEstimatedPercent);
 
-std::string MakeInfoLine(const std::string& path) {
-  platform::FileStatus status;
-  const std::uint64_t bytes = platform::GetStatus(path, status) ? 0 : status.Size;
-  std::string fileSize = FormatString(StringId::SizeInThousandBytes, bytes / kBytesPerUnit);
-  const ImageSize size = ReadImageSize(path);
-  if (size.Width <= 0 || size.Height <= 0) return fileSize;
-  return FormatString(StringId::PictureSize, size.Width, size.Height) + ", " + fileSize;
-}
-
 double GetExactPercent(const TransferState& state) {
   if (!state.Connected) return 0;
   if (state.Queued != state.Total) {
@@ -47,8 +38,20 @@ double GetExactPercent(const TransferState& state) {
 }  // namespace
 
 PhotoToUpload DescribePhotoToUpload(const CAssetRecord& photo) {
-  return {photo.GetAssetID(), photo.GetPath(), photo.GetTitle(),
-          photo.GetStamps(StampId::Note).Get(0).GetText()};
+  return {photo.GetAssetID(),
+          photo.GetPath(),
+          photo.GetTitle(),
+          photo.GetStamps(StampId::Note).Get(0).GetText(),
+          {}};
+}
+
+std::string ReadInfo(const std::string& path) {
+  platform::FileStatus status;
+  const std::uint64_t bytes = platform::GetStatus(path, status) ? 0 : status.Size;
+  std::string fileSize = FormatString(StringId::SizeInThousandBytes, bytes / kBytesPerUnit);
+  const ImageSize size = ReadImageSize(path);
+  if (size.Width <= 0 || size.Height <= 0) return fileSize;
+  return FormatString(StringId::PictureSize, size.Width, size.Height) + ", " + fileSize;
 }
 
 void UploadStatus::SetTotal(int count) {
@@ -63,7 +66,7 @@ void UploadStatus::SetPhoto(int index, const PhotoToUpload& photo) {
   SetPercent(0);
   Title = photo.Caption;
   TopLine = FormatString(StringId::PhotoOfCount, index + 1, Count);
-  InfoLine = MakeInfoLine(photo.Path);
+  InfoLine = photo.Info;
 }
 
 void UploadStatus::SetPercent(int percent) {

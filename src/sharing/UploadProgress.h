@@ -11,9 +11,14 @@ struct PhotoToUpload {
   std::string Path;         // the whole path
   std::string Caption;      // its title: the file name without extension
   std::string Description;  // the caption that the user typed; may be empty
+  std::string Info;         // its size in pixels, if that is known, and in units of 1000 bytes; see ReadInfo
 };
 
+/// All but Info, which takes a look at the file.
 PhotoToUpload DescribePhotoToUpload(const CAssetRecord& photo);
+
+/// The Info of a photo's file. May take long.
+std::string ReadInfo(const std::string& path);
 
 /// Where an upload reports to and asks whether to go on: the progress window in the program, a script in
 /// tests. The reports answer whether to go on too: false if the user has asked to stop.
@@ -45,7 +50,7 @@ struct UploadStatus {
   int OverallPercent = 0;
   std::string Title;     // of the photo
   std::string TopLine;   // which photo of how many
-  std::string InfoLine;  // its size in pixels, if that is known, and in units of 1000 bytes
+  std::string InfoLine;  // its size
 };
 
 /// How far the request of one photo has come.

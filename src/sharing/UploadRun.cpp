@@ -7,6 +7,7 @@
 #include "base/Messages.h"
 #include "base/Texts.h"
 #include "platform/LocalTime.h"
+#include "sharing/WaitAside.h"
 
 namespace {
 
@@ -60,6 +61,14 @@ class CProgressScope {
   const std::unique_ptr<CUploadProgress> Progress;
 };
 
+/// Empty if the user has asked to stop.
+std::string ReadInfoAside(const std::string& path, CServiceDesktop& desktop,
+                          const CUploadProgress& progress) {
+  const auto info = std::make_shared<std::string>();
+  const bool isDone = RunAside(desktop, &progress, 0, [info, path] { *info = ReadInfo(path); });
+  return isDone ? *info : std::string();
+}
+
 /// Returns the number of photos uploaded.
 int UploadAll(CUploadQueue& queue, CServiceDesktop& desktop, CServiceSession& session,
               const std::string& albumName, bool orderPrints) {
@@ -68,7 +77,8 @@ int UploadAll(CUploadQueue& queue, CServiceDesktop& desktop, CServiceSession& se
   progress.SetTotal(queue.GetCount());
   int uploaded = 0;
   while (queue.GetCount() > 0 && !progress.IsStopped()) {
-    const PhotoToUpload photo = queue.GetFirst();
+    PhotoToUpload photo = queue.GetFirst();
+    photo.Info = ReadInfoAside(photo.Path, desktop, progress);
     progress.SetPhoto(uploaded, photo);
     if (!session.UploadPhoto(MakeForm(photo, albumName, orderPrints))) {
       if (!progress.IsStopped() && !desktop.IsEnding())

@@ -29,7 +29,7 @@ class UploadRunTest : public CServiceFixture {
   void Begin(std::vector<Reply> replies) {
     Queue = {};
     for (const std::string name : {"a", "b", "c"}) {
-      Queue.Photos.push_back({1, Scratch.Write(name + ".jpg", name), name, ""});
+      Queue.Photos.push_back({1, Scratch.Write(name + ".jpg", name), name, "", ""});
     }
     Desktop = {};
     Messages.Texts.clear();
