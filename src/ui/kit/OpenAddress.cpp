@@ -1,11 +1,13 @@
 #include "ui/kit/OpenAddress.h"
 
 #include <QDesktopServices>
+#include <QGuiApplication>
 #include <QUrl>
 
 #include "base/Folders.h"
 #include "base/Messages.h"
 #include "base/Texts.h"
+#include "platform/Programs.h"
 #include "ui/kit/FileDrag.h"
 
 namespace {
@@ -23,6 +25,16 @@ class CSilentToolkit {
   const QtMessageHandler Former;
 };
 
+/// Hands an address to the desktop's opener. That gets nothing to write to: whatever it says would come into
+/// this program's log.
+bool Open(const QUrl& url) {
+  // Only the toolkit can ask a Wayland desktop to let the other program come to the front.
+  const bool isWayland = QGuiApplication::platformName().startsWith(u"wayland");
+  const std::string opener = isWayland ? std::string() : platform::FindProgram("xdg-open");
+  if (opener.empty()) return QDesktopServices::openUrl(url);
+  return !platform::StartProgram({opener, url.toEncoded().toStdString()});
+}
+
 void TellFailure(const std::string& address) {
   ShowMessage(FormatString(StringId::CannotOpenAddress, address));
 }
@@ -31,7 +43,7 @@ void TellFailure(const std::string& address) {
 
 void OpenWebPage(const std::string& address) {
   const QUrl url = QUrl::fromEncoded(QByteArray::fromStdString(address), QUrl::StrictMode);
-  if (!url.isValid() || !QDesktopServices::openUrl(url)) TellFailure(address);
+  if (!url.isValid() || !Open(url)) TellFailure(address);
 }
 
 bool TryOpenWebPage(const std::string& address) {
@@ -39,11 +51,11 @@ bool TryOpenWebPage(const std::string& address) {
   encoded.replace('%', "%25").replace('#', "%23");
   const QUrl url = QUrl::fromEncoded(encoded, QUrl::TolerantMode);
   const CSilentToolkit silent;
-  return url.isValid() && QDesktopServices::openUrl(url);
+  return url.isValid() && Open(url);
 }
 
 void OpenFile(const std::string& path) {
   // Made of the bytes: a path through QString loses those that aren't text.
   const QByteArray encoded = QByteArray::fromStdString(GetAddressOfFile(path));
-  if (!FileExists(path, false) || !QDesktopServices::openUrl(QUrl::fromEncoded(encoded))) TellFailure(path);
+  if (!FileExists(path, false) || !Open(QUrl::fromEncoded(encoded))) TellFailure(path);
 }

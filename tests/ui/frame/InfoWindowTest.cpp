@@ -2,6 +2,7 @@
 
 #include <QLabel>
 
+#include "support/EnvironmentVariable.h"
 #include "ui/HomeFixture.h"
 #include "ui/frame/InfoWindow.h"
 #include "ui/kit/SmallWindow.h"
@@ -29,8 +30,9 @@ TEST_F(InfoWindow, KeysGoThroughTheButtonsAndWhatNothingOpensIsTold) {
     EXPECT_FALSE(window.isVisible());
     window.close();
   });
+  const CEnvironmentVariable path("PATH", "/nowhere");
   ShowInfoWindow(main);
-  // The test's platform opens nothing.
+  // There is no opener, and the test's platform opens nothing.
   EXPECT_THAT(Messages.Texts, ElementsAre(EndsWith("/bin/QuickStart.htm could not be opened."),
                                           "http://www.vellumar.example/feedback could not be opened.",
                                           "http://www.vellumar.example/offers could not be opened.",
