@@ -258,6 +258,7 @@ void CMainFrame::PrepareForJob() {
 }
 
 void CMainFrame::OnFoldersSearched() {
+  const CWaitCursor waiting;
   for (const auto& tab : Parts.PhotoTabs) tab->LoadSet();
 }
 
@@ -275,6 +276,7 @@ void CMainFrame::ShowInStrip(std::int32_t assetId) {
 }
 
 void CMainFrame::RebuildStrip() {
+  const CWaitCursor waiting;
   CPhotoSet& set = *Parts.PhotoSet;
   const std::int32_t guest = set.GetGuest();
   set.SetGuest(-1);
@@ -344,6 +346,7 @@ void CMainFrame::UpdateCommands() {
 
 void CMainFrame::ToggleInTab(const CAssetRecord& photo, ViewTabId tab, bool extendRange) {
   CApplication::GetInstance()->RunGuarded([&] {
+    const CWaitCursor waiting;
     ToggleMarks(Catalog, Parts, photo, tab, extendRange);
     DropMouseMoves();
   });
