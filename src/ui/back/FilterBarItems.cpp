@@ -29,7 +29,10 @@ constexpr SortItem kSortItems[] = {
 };
 
 constexpr DropImages kFolderImages{PictureId::FolderItems, 6};
-constexpr DropImages kRatingImages{PictureId::RatingItems, 2, PictureId::RatingItemsOnYellow};
+constexpr DropImages kRatingImages{.Picture = PictureId::RatingItems,
+                                   .Count = 2,
+                                   .PictureOnYellow = PictureId::RatingItemsOnYellow,
+                                   .AreStars = true};
 constexpr DropImages kSortImages{PictureId::SortItems, 6, {}, 2, 6};
 constexpr const char* kActiveDiskImage = "\x02 ";
 

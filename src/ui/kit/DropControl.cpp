@@ -16,6 +16,7 @@
 #include "ui/kit/ClickFocus.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
+#include "ui/kit/DropFace.h"
 #include "ui/kit/DropList.h"
 #include "ui/kit/KeyFocus.h"
 #include "ui/kit/QtText.h"
@@ -138,8 +139,33 @@ QRect CDropControl::GetEditArea() const {
 CDropList* CDropControl::GetOpenList() const { return List && List->isVisible() ? List.get() : nullptr; }
 
 void CDropControl::Refresh() {
-  setAccessibleDescription(SplitDropText(Model.GetShownText()).Text.trimmed());
+  const QString before = std::exchange(ToldText, GetSpelledText());
+  if (ToldText != before && QAccessible::isActive()) {
+    QAccessibleTextUpdateEvent event(this, 0, before, ToldText);
+    QAccessible::updateAccessibility(&event);
+  }
   update();
+}
+
+QString CDropControl::GetSpelledText() const {
+  return SpellDropText(Model.GetShownText().empty() ? Prompt : Model.GetShownText(), Images);
+}
+
+std::vector<GroupPart> CDropControl::ListParts() const {
+  std::vector<GroupPart> parts;
+  if (EditBox) parts.push_back({EditBox.get()});
+  if (GetOpenList() != nullptr) parts.push_back({GetOpenList()});
+  return parts;
+}
+
+QAccessibleInterface* CDropControl::MakeFace() { return MakeDropFace(*this); }
+
+void CDropControl::TellExpanded() {
+  if (!QAccessible::isActive()) return;
+  QAccessible::State changed;
+  changed.expanded = true;
+  QAccessibleStateChangeEvent event(this, changed);
+  QAccessible::updateAccessibility(&event);
 }
 
 void CDropControl::OpenList(bool byKey) {
@@ -161,6 +187,7 @@ void CDropControl::OpenList(bool byKey) {
   Model.OpenList();
   Refresh();
   List->Open(std::move(rows), current, GetDropRowHeight(GetLineHeight()), byKey);
+  TellExpanded();
 }
 
 void CDropControl::OpenListByKey() {
@@ -173,6 +200,8 @@ void CDropControl::CloseList(int row) {
   bool changed = true;
   const std::exception_ptr refusal = KeepRefusal([&] { changed = Model.CloseList(row); });
   Refresh();
+  TellExpanded();
+  TellFocus();  // which the list had in the eyes of a tool
   if (changed && OnChange) OnChange();
   if (refusal) std::rethrow_exception(refusal);
 }

@@ -8,6 +8,7 @@
 #include "ui/kit/DropText.h"
 #include "ui/kit/Flags.h"
 #include "ui/kit/FontTable.h"
+#include "ui/kit/PaintedGroup.h"
 
 class CDropList;
 class QLineEdit;
@@ -32,7 +33,7 @@ inline constexpr bool kIsFlagSet<DropStyle> = true;
 ///
 /// By Tab the focus comes to the control itself. Then Space opens the list, Up and Down go along the items of
 /// a list that is fixed, and Enter(), which the window calls, opens the edit box or else the list.
-class CDropControl : public QWidget {
+class CDropControl : public QWidget, public CPaintedGroup {
  public:
   /// `label` names the control to assistive tools. Its height is its own, its width that of a layout.
   CDropControl(const QString& label, DropStyle style, QWidget* parent);
@@ -69,6 +70,12 @@ class CDropControl : public QWidget {
   /// The open list, else null.
   CDropList* GetOpenList() const;
 
+  // For assistive tools.
+  bool HasEditBox() const { return Has(DropStyle::EditBox); }
+  QString GetSpelledText() const;
+  std::vector<GroupPart> ListParts() const override;
+  QAccessibleInterface* MakeFace() override;
+
   static int GetHeight();
 
  protected:
@@ -87,12 +94,14 @@ class CDropControl : public QWidget {
   void CloseList(int row);
   void StepChoice(int step);
   void OpenEdit();
+  void TellExpanded();
   void FinishEdit();
 
   const DropStyle Style;
   DropImages Images;
   std::string Prompt;
   CDropControlModel Model;
+  QString ToldText;                    // when the control was refreshed last
   std::unique_ptr<CDropList> List;     // made when it is first opened
   std::unique_ptr<QLineEdit> EditBox;  // while the text is edited
 };

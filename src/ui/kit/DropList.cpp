@@ -127,6 +127,7 @@ CDropList::CDropList(QWidget& control, const DropImages& images, bool shortensPa
 }
 
 void CDropList::Open(std::vector<Row> rows, int current, int rowHeight, bool byKey) {
+  FirstKey += CountItems();
   Rows = std::move(rows);
   Current = current;
   HotRow = -1;
@@ -136,6 +137,8 @@ void CDropList::Open(std::vector<Row> rows, int current, int rowHeight, bool byK
   setAccessibleName(Control.accessibleName());
   show();
   if (byKey && Layout.RowCount > 0) SetHotRow(std::max(Current, 0));
+  TellItems();
+  TellCurrentItem();
 }
 
 void CDropList::Place() {
@@ -161,16 +164,18 @@ DropTextStyle CDropList::GetStyle(const Row& row, bool hot) const {
 void CDropList::SetHotRow(int row) {
   if (row == HotRow) return;
   HotRow = row;
-  setAccessibleDescription(row < 0 ? QString() : GetText(row));
+  TellCurrentItem();
   update();
 }
+
+PaintedItem CDropList::DescribeItem(int row) const { return {GetText(row), {}}; }
 
 void CDropList::MoveHotRow(int step) {
   SetHotRow(StepRow(HotRow >= 0 ? HotRow : Current, step, Layout.RowCount));
 }
 
 QString CDropList::GetText(int row) const {
-  return SplitDropText(Rows[static_cast<std::size_t>(row)].Text).Text.trimmed();
+  return SpellDropText(Rows[static_cast<std::size_t>(row)].Text, Images);
 }
 
 void CDropList::FindHotRow(const QString& letter) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "ui/kit/DropText.h"
+#include "ui/kit/PaintedItems.h"
 
 class CDevicePainter;
 
@@ -42,7 +43,7 @@ int StepRow(int row, int step, int rowCount);
 /// keyboard while it shows, without taking the focus from the field that has it: a click on a row or Enter
 /// picks, the arrow keys and the first letters of the rows move, Esc and a click elsewhere close it. That
 /// click also does what it does there; on the control it doesn't open the list again.
-class CDropList : public QWidget {
+class CDropList : public QWidget, public CPaintedItems {
  public:
   struct Row {
     std::string Text;
@@ -63,6 +64,19 @@ class CDropList : public QWidget {
   const DropListLayout& GetLayout() const { return Layout; }
   /// The yellow row, or -1.
   int GetHotRow() const { return HotRow; }
+
+  // The rows, for assistive tools. Those of another opening are other items.
+  int CountItems() const override { return static_cast<int>(Rows.size()); }
+  int GetItemKey(int row) const override { return FirstKey + row; }
+  int FindItem(int key) const override {
+    return key >= FirstKey && key < FirstKey + CountItems() ? key - FirstKey : -1;
+  }
+  PaintedItem DescribeItem(int row) const override;
+  QRect PlaceItem(int row) const override { return Layout.GetRow(row); }
+  int GetCurrentItem() const override { return HotRow >= 0 ? HotRow : Current; }
+  bool IsItemSelected(int row) const override { return row == Current; }
+  bool HasKeys() const override { return isVisible(); }
+  void ActivateItem(int row) override { Pick(row); }
 
  protected:
   bool event(QEvent* event) override;
@@ -94,5 +108,6 @@ class CDropList : public QWidget {
   QPixmap Backdrop;  // what lies behind, with the list's shadow on it
   int Current = -1;
   int HotRow = -1;
+  int FirstKey = 0;  // of this opening
   bool Opened = false;
 };

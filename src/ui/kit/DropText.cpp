@@ -6,6 +6,7 @@
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/Pictures.h"
 #include "ui/kit/QtText.h"
+#include "ui/kit/RatingControl.h"
 
 namespace {
 
@@ -84,6 +85,13 @@ QString ShortenPath(const QString& path, double width, const QFontMetricsF& metr
   }
   if (fits > 0 && path[fits - 1].isHighSurrogate()) --fits;
   return path.left(fits) + tail;
+}
+
+QString SpellDropText(const std::string& text, const DropImages& images) {
+  const DropText parts = SplitDropText(text);
+  const auto stars = static_cast<int>(parts.Before.size());
+  const QString before = images.AreStars && stars > 0 ? ToQString(GetStarsText(stars)) + u' ' : QString();
+  return (before + parts.Text.trimmed()).trimmed();
 }
 
 double MeasureDropText(const std::string& text, const DropTextStyle& style) {

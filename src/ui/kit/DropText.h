@@ -20,6 +20,7 @@ struct DropImages {
   PictureId PictureOnYellow{};  // for the row under the pointer, if it has others
   int Dark = 0;                 // an image of which the row under the pointer has a darker one ...
   int DarkOnYellow = 0;         // ... and that one; 0 for none
+  bool AreStars = false;        // and belong to what the text says
 };
 
 /// A text whose characters below 32 at its start and its end are images.
@@ -29,6 +30,8 @@ struct DropText {
   std::vector<int> After;
 };
 DropText SplitDropText(const std::string& text);
+/// The text without images, for assistive tools: "3 stars or better".
+QString SpellDropText(const std::string& text, const DropImages& images);
 
 /// What a text of a drop control is drawn with.
 struct DropTextStyle {

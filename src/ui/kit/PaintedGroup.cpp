@@ -4,7 +4,6 @@
 #include <QWidget>
 #include <QWindow>
 #include <algorithm>
-#include <map>
 #include <memory>
 
 namespace {
@@ -77,51 +76,6 @@ class CTextFace final : public QAccessibleInterface {
   const int Index;
 };
 
-/// It owns the faces of its texts.
-class CGroupFace final : public CPartFace {
- public:
-  explicit CGroupFace(QWidget& widget) : CPartFace(&widget) {}
-  ~CGroupFace() override {
-    for (const auto& [index, id] : Texts) QAccessible::deleteAccessibleInterface(id);
-  }
-
-  QAccessible::Role role() const override {
-    const auto* group = dynamic_cast<const CPaintedGroup*>(object());
-    return group != nullptr ? group->GetGroupRole() : QAccessible::NoRole;
-  }
-  int childCount() const override { return static_cast<int>(PartsOf(object()).size()); }
-  QAccessibleInterface* child(int index) const override {
-    const std::vector<GroupPart> parts = PartsOf(object());
-    if (index < 0 || index >= static_cast<int>(parts.size())) return nullptr;
-    const QWidget* part = parts[static_cast<std::size_t>(index)].Widget;
-    return part != nullptr ? FaceOf(part) : GetText(index);
-  }
-  int indexOfChild(const QAccessibleInterface* child) const override {
-    for (int i = 0; i < childCount(); ++i) {
-      if (this->child(i) == child) return i;
-    }
-    return -1;
-  }
-  QAccessibleInterface* childAt(int x, int y) const override {
-    for (int i = 0; i < childCount(); ++i) {
-      QAccessibleInterface* part = child(i);
-      if (!part->state().invisible && part->rect().contains(x, y)) return part;
-    }
-    return nullptr;
-  }
-
-  QAccessibleInterface* GetText(int index) const {
-    const auto known = Texts.find(index);
-    if (known != Texts.end()) return QAccessible::accessibleInterface(known->second);
-    QAccessibleInterface* face = std::make_unique<CTextFace>(*widget(), index).release();
-    Texts.emplace(index, QAccessible::registerAccessibleInterface(face));
-    return face;
-  }
-
- private:
-  mutable std::map<int, QAccessible::Id> Texts;  // by position; of those that a tool has asked for
-};
-
 /// The text of a group that names the widget, else null.
 QAccessibleInterface* FindLabel(const QWidget& widget) {
   QWidget* group = FindGroup(widget);
@@ -132,6 +86,47 @@ QAccessibleInterface* FindLabel(const QWidget& widget) {
 }
 
 }  // namespace
+
+CGroupFace::~CGroupFace() {
+  for (const auto& [index, id] : Texts) QAccessible::deleteAccessibleInterface(id);
+}
+
+QAccessible::Role CGroupFace::role() const {
+  const auto* group = dynamic_cast<const CPaintedGroup*>(object());
+  return group != nullptr ? group->GetGroupRole() : QAccessible::NoRole;
+}
+
+int CGroupFace::childCount() const { return static_cast<int>(PartsOf(object()).size()); }
+
+QAccessibleInterface* CGroupFace::child(int index) const {
+  const std::vector<GroupPart> parts = PartsOf(object());
+  if (index < 0 || index >= static_cast<int>(parts.size())) return nullptr;
+  const QWidget* part = parts[static_cast<std::size_t>(index)].Widget;
+  return part != nullptr ? FaceOf(part) : GetText(index);
+}
+
+int CGroupFace::indexOfChild(const QAccessibleInterface* child) const {
+  for (int i = 0; i < childCount(); ++i) {
+    if (this->child(i) == child) return i;
+  }
+  return -1;
+}
+
+QAccessibleInterface* CGroupFace::childAt(int x, int y) const {
+  for (int i = 0; i < childCount(); ++i) {
+    QAccessibleInterface* part = child(i);
+    if (!part->state().invisible && part->rect().contains(x, y)) return part;
+  }
+  return nullptr;
+}
+
+QAccessibleInterface* CGroupFace::GetText(int index) const {
+  const auto known = Texts.find(index);
+  if (known != Texts.end()) return QAccessible::accessibleInterface(known->second);
+  QAccessibleInterface* face = std::make_unique<CTextFace>(*widget(), index).release();
+  Texts.emplace(index, QAccessible::registerAccessibleInterface(face));
+  return face;
+}
 
 QAccessibleInterface* CPaintedGroup::MakeFace() {
   return std::make_unique<CGroupFace>(dynamic_cast<QWidget&>(*this)).release();

@@ -3,6 +3,7 @@
 #include <QAccessibleWidget>
 #include <QRect>
 #include <QString>
+#include <map>
 #include <vector>
 
 #include "ui/kit/AssistiveTools.h"
@@ -25,7 +26,7 @@ class CPaintedGroup : public CFaceMaker {
   /// May be called at any time, also while a job runs.
   virtual std::vector<GroupPart> ListParts() const = 0;
 
-  QAccessibleInterface* MakeFace() final;
+  QAccessibleInterface* MakeFace() override;
 };
 
 /// The face of a widget that may be part of a group: its parent is the group, and it is labelled by the
@@ -47,4 +48,22 @@ class CLeafFace : public CPartFace {
   QAccessibleInterface* child(int) const override { return nullptr; }
   int indexOfChild(const QAccessibleInterface*) const override { return -1; }
   QAccessibleInterface* childAt(int, int) const override { return nullptr; }
+};
+
+/// The face of a group. It owns the faces of the group's texts.
+class CGroupFace : public CPartFace {
+ public:
+  explicit CGroupFace(QWidget& group) : CPartFace(&group) {}
+  ~CGroupFace() override;
+
+  QAccessible::Role role() const override;
+  int childCount() const override;
+  QAccessibleInterface* child(int index) const override;
+  int indexOfChild(const QAccessibleInterface* child) const override;
+  QAccessibleInterface* childAt(int x, int y) const override;
+
+ private:
+  QAccessibleInterface* GetText(int index) const;
+
+  mutable std::map<int, QAccessible::Id> Texts;  // by position; of those that a tool has asked for
 };

@@ -49,6 +49,10 @@ class CRatingFace final : public CLeafFace, public QAccessibleValueInterface {
 
 }  // namespace
 
+std::string GetStarsText(int count) {
+  return count == 1 ? LoadText(StringId::OneStar) : FormatString(StringId::Stars, count);
+}
+
 CRatingControl::CRatingControl(CRatingOwner& owner, QWidget* parent) : QWidget(parent), Owner(owner) {
   setObjectName(QStringLiteral("Rating"));
   setAccessibleName(ToQString(LoadText(StringId::Rating)));

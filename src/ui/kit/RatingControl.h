@@ -4,8 +4,12 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "ui/kit/PaintedButton.h"
+
+/// A rating above 0 in words: "3 stars".
+std::string GetStarsText(int count);
 
 /// What keeps the rating that the control shows.
 class CRatingOwner {

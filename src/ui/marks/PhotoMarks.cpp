@@ -1,6 +1,7 @@
 #include "ui/marks/PhotoMarks.h"
 
 #include "base/Texts.h"
+#include "ui/kit/RatingControl.h"
 
 namespace {
 
@@ -20,8 +21,7 @@ int FindMarked(int start, int end, bool nearest, const std::function<bool(int)>&
 
 std::string DescribeMarks(const CAssetRecord& photo) {
   const std::int32_t rating = photo.GetCachedRating();
-  std::string text;
-  if (rating > 0) text = rating == 1 ? LoadText(StringId::OneStar) : FormatString(StringId::Stars, rating);
+  std::string text = rating > 0 ? GetStarsText(rating) : std::string();
   for (const PhotoMark& mark : kPhotoMarks) {
     if (photo.GetFlag(mark.Flag)) text += (text.empty() ? "" : ", ") + LoadText(mark.Told);
   }

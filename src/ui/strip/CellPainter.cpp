@@ -11,13 +11,14 @@
 #include "ui/kit/FontTable.h"
 #include "ui/kit/Pictures.h"
 #include "ui/kit/QtText.h"
+#include "ui/kit/RatingControl.h"
 #include "ui/marks/PhotoMarks.h"
 
 namespace {
 
 std::string GetRatingLabel(std::int32_t rating) {
   if (rating <= 0) return LoadText(StringId::NotRated);
-  return rating == 1 ? LoadText(StringId::OneStar) : FormatString(StringId::Stars, rating);
+  return GetStarsText(rating);
 }
 
 std::string GetRollText(const CPhotoSet& set, int index, std::int32_t roll) {
