@@ -1,9 +1,12 @@
 #include "ui/frame/MainFrame.h"
 
 #include <QCloseEvent>
+#include <QDropEvent>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QPointer>
 #include <QTimer>
+#include <QUrl>
 #include <QWheelEvent>
 #include <algorithm>
 #include <array>
@@ -17,8 +20,10 @@
 #include "editing/SafeFiles.h"
 #include "imaging/Image.h"
 #include "imaging/ImageFile.h"
+#include "platform/AbsolutePaths.h"
 #include "sets/QuerySet.h"
 #include "ui/back/FilterBar.h"
+#include "ui/back/FolderChooser.h"
 #include "ui/back/PhotoBack.h"
 #include "ui/frame/CommandTable.h"
 #include "ui/frame/MarkPhotos.h"
@@ -32,6 +37,7 @@
 #include "ui/kit/Pictures.h"
 #include "ui/kit/QtText.h"
 #include "ui/kit/Toolbar.h"
+#include "ui/kit/WaitCursor.h"
 #include "ui/marks/PhotoMarks.h"
 #include "ui/pages/EmailTab.h"
 #include "ui/pages/PhotoView.h"
@@ -60,6 +66,7 @@ CMainFrame::CMainFrame()
   setObjectName(window_names::kMainFrame);
   setFocusPolicy(Qt::StrongFocus);
   setAutoFillBackground(true);
+  setAcceptDrops(true);
   QPalette colors = palette();
   colors.setColor(QPalette::Window, colours::kWindow);
   setPalette(colors);
@@ -534,4 +541,23 @@ void CMainFrame::wheelEvent(QWheelEvent* event) {
 
 void CMainFrame::mouseDoubleClickEvent(QMouseEvent* event) {
   if (event->button() == Qt::LeftButton) ToggleFullScreen(FullScreenChange::Normal);
+}
+
+void CMainFrame::dragEnterEvent(QDragEnterEvent* event) {
+  // A photo that was dragged out of this window isn't taken back.
+  const bool isForeign = event->source() == nullptr && event->mimeData()->hasUrls();
+  if (!isForeign || !event->possibleActions().testFlag(Qt::CopyAction)) return;
+  event->setDropAction(Qt::CopyAction);  // nothing is moved away from where it is
+  event->accept();
+}
+
+void CMainFrame::dropEvent(QDropEvent* event) {
+  event->setDropAction(Qt::CopyAction);
+  event->accept();
+  std::vector<std::string> paths;
+  for (const QUrl& address : event->mimeData()->urls()) {
+    std::string path = GetPathOfAddress(address);
+    if (!path.empty()) paths.push_back(platform::MakeAbsolute(path));
+  }
+  ShowPaths(std::move(paths));
 }

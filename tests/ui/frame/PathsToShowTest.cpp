@@ -1,5 +1,8 @@
 #include <gmock/gmock.h>
 
+#include <QDropEvent>
+#include <QMimeData>
+
 #include "catalog/StringHistory.h"
 #include "ui/back/FilterBar.h"
 #include "ui/frame/MainFrameFixture.h"
@@ -67,6 +70,22 @@ TEST_F(PathsToShow, PhotosOfTheCatalogComeUnderTheLensWhateverHidesThem) {
   EXPECT_EQ(Parts().TabBar->GetSelectedTab(), ViewTabId::Trash);
   EXPECT_EQ(Parts().GetPhotoTab(ViewTabId::Trash)->GetSelected(), 0);
   EXPECT_TRUE(Messages.Texts.empty());
+}
+
+TEST_F(PathsToShow, WhatIsDroppedOnTheWindowIsShownAndStaysWhereItIs) {
+  WritePhotos(3);
+  CMainFrame& frame = Start(0);
+  QMimeData data;
+  data.setData("text/uri-list", "http://host/1001.jpg\r\nfile://" +
+                                    QByteArray::fromStdString(InHome("Pictures/%31002.jpg")) + "\r\n");
+  const Qt::DropActions offered = Qt::CopyAction | Qt::MoveAction;
+  QDragEnterEvent enter({5, 5}, offered, &data, Qt::LeftButton, {});
+  QCoreApplication::sendEvent(&frame, &enter);
+  EXPECT_TRUE(enter.isAccepted());
+  QDropEvent drop({5, 5}, offered, &data, Qt::LeftButton, {});
+  QCoreApplication::sendEvent(&frame, &drop);
+  EXPECT_EQ(drop.dropAction(), Qt::CopyAction);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Position() == 2; }));
 }
 
 TEST_F(PathsToShow, FoldersElsewhereAreOfferedOnceAndWhatIsNoPhotoIsTold) {
