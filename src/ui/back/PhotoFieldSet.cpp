@@ -17,6 +17,7 @@
 #include "platform/Unicode.h"
 #include "ui/back/FieldForms.h"
 #include "ui/back/TokenList.h"
+#include "ui/kit/WaitCursor.h"
 
 namespace {
 
@@ -227,6 +228,7 @@ void CTitleValue::SetText(const std::string& text) {
 
 void CTitleValue::Commit() {
   if (Photo.IsValid()) {
+    const CWaitCursor waiting;
     if (const auto error = RenamePhotoFile(Photo, Text)) {
       throw CException("The file \"" + Photo.GetPath() + "\" can't be renamed: " + error.message() + ".");
     }

@@ -7,6 +7,7 @@
 #include <QPainter>
 #include <QPointer>
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "base/Exceptions.h"
@@ -262,6 +263,7 @@ void CPhotoTab::ClearAll() {
 void CPhotoTab::AddRecent() {
   if (RecentRoll == -1) RecentRoll = Catalog.GetCurrentRollID();
   if (RecentRoll < 0) return;  // there are no photos yet
+  std::optional<CWaitCursor> waiting(std::in_place);
   CQuerySet photos(&Catalog, SetKind::Available);
   photos.SetRollFilter(0, RecentRoll);
   photos.SetSort(SortKind::Roll, false);
@@ -269,8 +271,9 @@ void CPhotoTab::AddRecent() {
   // The newest roll that still has photos, which stand last.
   const int count = photos.GetCount();
   RecentRoll = count > 0 ? photos.GetAsset(count - 1).GetRollID() : 0;
+  waiting.reset();
   if (count == 0 || (RecentRoll == 0 && !ShowMessageId(StringId::AddAllPhotosQuestion, true))) return;
-  const CWaitCursor waiting;
+  waiting.emplace();
   CAssetIdSet here;
   for (const std::int32_t assetId : ListPhotos()) here.Add(assetId);
   std::vector<std::int32_t> coming;
