@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QSocketNotifier>
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <exception>
 #include <iterator>
@@ -18,6 +19,7 @@
 #include "base/Texts.h"
 #include "discovery/FolderSearch.h"
 #include "platform/AbsolutePaths.h"
+#include "platform/EndGuard.h"
 #include "platform/Files.h"
 #include "platform/SpecialFolders.h"
 #include "platform/StopSignals.h"
@@ -31,6 +33,7 @@
 namespace {
 
 constexpr int kEarlyExitCode = 0;
+constexpr std::chrono::seconds kLongestEnd{5};
 
 /// The progress window of the start, known to the folder search while this object lives.
 class CStartProgress {
@@ -147,6 +150,7 @@ int Main(const Arguments& commandLine, const std::string& activationToken) {
   if (!ClaimInstance(instance, request)) return kEarlyExitCode;
 
   const CFontTable fonts;
+  platform::EndGuard endGuard(kLongestEnd);
   CMainFrame frame;
   const CStopSignalWatch stopSignalWatch(frame);
   instance.OnAnotherStart = [&frame](const StartRequest& later) { OnAnotherStart(frame, later); };
@@ -157,7 +161,9 @@ int Main(const Arguments& commandLine, const std::string& activationToken) {
 
   auto start = std::make_unique<CStartProgress>();
   try {
-    return RunSession(frame, start);
+    const int exitCode = RunSession(frame, start);
+    endGuard.Begin(exitCode);  // every change is committed; what is being decoded isn't needed any more
+    return exitCode;
   } catch (const CThrowable& failure) {
     start.reset();
     ReportFatalFailure(frame, failure.GetMessage());

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "platform/AbsolutePaths.h"
+#include "platform/EndGuard.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
 #include "platform/WholeFiles.h"
@@ -254,6 +255,18 @@ TEST(AbsolutePath, CountsFromTheRootAndLeadsOutOfALinksTarget) {
     EXPECT_EQ(platform::MakeAbsolute(path), absolute);
   }
   EXPECT_EQ(platform::MakeAbsolute("x y"), std::filesystem::current_path().string() + "/x y");
+}
+
+TEST(EndGuard, EndsAProcessThatDoesNotComeToItsEnd) {
+  const int status = RunInChild([] {
+    platform::EndGuard guard(std::chrono::milliseconds(20));
+    guard.Begin(7);
+    for (;;) ::pause();
+    return 0;
+  });
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 7);
+  platform::EndGuard guard(std::chrono::minutes(1));
+  guard.Begin(7);  // and ends in time, without a wait
 }
 
 TEST(Environment, AVariableComesAndGoesWithoutMovingTheOthers) {
