@@ -90,6 +90,10 @@ class Desktop:
         folder.mkdir(parents=True, exist_ok=True)
         (folder / "settings").write_text("".join(line + "\n" for line in (NO_TIP, *lines)))
 
+    def wait_for_setting(self, line):
+        file = self.home / ".config" / "Vellumar Photo Organizer" / "settings"
+        wait_until(lambda: line in file.read_text(), f"the setting {line}", 10)
+
     def _start_display(self, size):
         reading, writing = os.pipe()
         screen = f"{size[0]}x{size[1]}x24"

@@ -8,9 +8,10 @@ import random
 import sys
 import time
 
-from desktop import NORMAL_EXIT, Desktop, is_near, make_photo, need
+from desktop import NORMAL_EXIT, Desktop, is_near, make_photo, need, wait_until
 
 HUES = [(200, 40, 40), (40, 160, 50), (50, 70, 200), (210, 190, 30), (150, 50, 180), (30, 160, 170), (90, 90, 90)]
+NEW_HUE = (240, 150, 200)
 SORT_BY_TITLE = '"Sort"=dword:000000e9'
 CELL_PITCH = 151
 SCREEN = (1280, 900)
@@ -81,6 +82,33 @@ def click_beside_open_lists(desktop):
         )
 
 
+def walk_by_tab(desktop):
+    """What is otherwise done by mouse, from the window's focus and back to it."""
+    desktop.press("Tab", "Right", "Right")  # on the stars
+    desktop.wait_for_query("select CachedRating from Asset where Filename = '4.jpg'", [(3,)], "the stars")
+    desktop.press(*["Tab"] * 4)
+    desktop.type("feast")
+    press_and_wait(desktop, 3, "Return", "Left")
+    desktop.press("e", "alt+Down", "Return", "Return")  # takes the event from the list
+    events = "select count(*) from Stamp where StampType = 5"
+    desktop.wait_for_query(events, [(2,)], "the event of the list")
+    desktop.press("ctrl+f")
+    desktop.type("month")
+    press_and_wait(desktop, 0, "Return")
+    desktop.press("ctrl+f", "BackSpace", "Return")
+    desktop.press(*["shift+Tab"] * 11, "F4", "m", "Return")  # sort by month
+    desktop.wait_for_setting('"Sort"=dword:000000e2')
+    press_and_wait(desktop, 3, "shift+Tab", "Down")  # rated with four stars
+    make_photo(desktop.pictures / "7.jpg", NEW_HUE)
+    desktop.press("Up", "shift+Tab", "shift+Tab", "space", "Home", "Return")  # search for photos again
+    wait_until(lambda: is_near(desktop.colour_at(0.5, 0.4), NEW_HUE), "the new photo", 10)
+    desktop.press(*["Tab"] * 4, "Right", "Right", "Tab", "Right", "Tab", "Return")  # clear one of the email page
+    desktop.wait_for_query("select ToEmail from Asset where Filename = '1.jpg'", [(0,)], "the cleared mark")
+    desktop.press("shift+Tab", "shift+Tab", "Home", *["Tab"] * 9, "Return")  # the help button
+    desktop.wait_for_dialog("Information")
+    press_and_wait(desktop, 0, "Escape", "Tab", "Home")
+
+
 def enter_and_leave_full_screen(desktop, window, entries=8):
     """The window and what it shows agree, however soon the desktop is asked for something else."""
     desktop.press("Home")
@@ -117,14 +145,16 @@ def main(program, entries=8):
         walk_by_mouse(desktop)
         hold_keys(desktop)
         click_beside_open_lists(desktop)
+        walk_by_tab(desktop)
         enter_and_leave_full_screen(desktop, window, entries)
-        desktop.press("alt+F4")
+        desktop.press("ctrl+q")
         assert child.wait(20) == NORMAL_EXIT, f"the session ended with {child.returncode}"
 
         rows = desktop.query(
             "vellumar.db", "select CachedRating, ToEmail, ToRemotePrint, Tossed from Asset order by Filename"
         )
-        expected = [(3, 1, 0, 0), (0, 1, 0, 0), (2, 1, 0, 0), (4, 1, 0, 0), (1, 1, 1, 0), (0, 0, 0, 1), (0, 0, 0, 1)]
+        expected = [(3, 1, 0, 0), (0, 0, 0, 0), (2, 1, 0, 0), (4, 1, 0, 0), (3, 1, 1, 0), (0, 0, 0, 1), (0, 0, 0, 1)]
+        expected.append((0, 0, 0, 0))
         assert rows == expected, f"the catalog holds {rows}"
         captions = desktop.query("vellumar.db", "select SortedString from Stamp where StampType = 2")
         assert captions == [("month m3",)], f"captions: {captions}"

@@ -54,16 +54,37 @@ class CFieldMenu final : public QMenu {
 
  protected:
   void keyPressEvent(QKeyEvent* event) override {
-    const bool isBlank = event->text().trimmed().isEmpty();
-    if (isBlank || !FindNext(event->text())) QMenu::keyPressEvent(event);
+    const qsizetype last = actions().size() - 1;
+    const qsizetype marked = actions().indexOf(activeAction());
+    switch (event->key()) {
+      case Qt::Key_Home:
+        return Mark(0, 1);
+      case Qt::Key_End:
+        return Mark(last, -1);
+      case Qt::Key_PageUp:
+        return Mark(std::max<qsizetype>(marked - kPage, 0), 1);
+      case Qt::Key_PageDown:
+        return Mark(std::min(marked + kPage, last), -1);
+      default:
+        if (!MarkNext(event->text().trimmed())) QMenu::keyPressEvent(event);
+    }
   }
 
  private:
-  bool FindNext(const QString& letter) {
+  static constexpr qsizetype kPage = 10;
+
+  /// The first entry from there on, up or down, that can be picked.
+  void Mark(qsizetype index, int step) {
     const QList<QAction*> entries = actions();
-    const auto start = entries.indexOf(activeAction());
-    for (qsizetype step = 1; step <= entries.size(); ++step) {
-      QAction* entry = entries[(start + step) % entries.size()];
+    while (index >= 0 && index < entries.size() && !entries[index]->isEnabled()) index += step;
+    if (index >= 0 && index < entries.size()) setActiveAction(entries[index]);
+  }
+
+  bool MarkNext(const QString& letter) {
+    const QList<QAction*> entries = actions();
+    const qsizetype marked = entries.indexOf(activeAction());
+    for (qsizetype step = 1; !letter.isEmpty() && step <= entries.size(); ++step) {
+      QAction* entry = entries[(marked + step) % entries.size()];
       if (!entry->isEnabled() || !entry->text().startsWith(letter, Qt::CaseInsensitive)) continue;
       setActiveAction(entry);
       return true;

@@ -27,8 +27,8 @@ std::string ApplyChoice(const CFieldValue& value, const std::string& text, const
 /// Makes the photo's date from that source the date in force; not committed. Does nothing if there is none.
 void ChooseDate(CFieldValue& value, StampId source);
 
-/// A menu of these entries; `onChosen` is called with the one that the user picks. Typed letters go to the
-/// entries that begin with them.
+/// A menu of these entries; `onChosen` is called with the one that the user picks. A typed letter leads to
+/// the next entry that begins with it.
 std::unique_ptr<QMenu> MakeFieldMenu(const std::vector<FieldChoice>& choices,
                                      std::function<void(const FieldChoice& choice)> onChosen,
                                      QWidget* parent);

@@ -33,7 +33,7 @@ void CFocusRing::Move(bool forward) {
     return stop == focus || stop->isAncestorOf(focus);
   });
   if (Parts.PhotoBack->IsEditing() && LastStop != *now) {
-    LastStop.clear();
+    Forget();
     return Parts.PhotoBack->FocusNextField(forward);
   }
   const auto count = static_cast<std::ptrdiff_t>(stops.size());

@@ -17,6 +17,8 @@ class CFocusRing {
   explicit CFocusRing(const MainParts& parts) : Parts(parts) {}
 
   void Move(bool forward);
+  /// The focus is about to go to a field otherwise.
+  void Forget() { LastStop.clear(); }
 
  private:
   std::vector<QWidget*> ListStops() const;

@@ -70,7 +70,7 @@ void CMainCommands::EndEdit(CommandId) {
   auto* const page = Parts.GetPhotoTab(Parts.TabBar->GetSelectedTab());
   if (page != nullptr && focus == page) page->OpenSelected();
   CDropControl* const control = Parts.FilterBar->FindFocusedControl();
-  if (control != nullptr && focus == control) return control->Enter();
+  if (control != nullptr && focus == control) return control->Activate();
   Parts.Window->setFocus();
 }
 
@@ -85,13 +85,13 @@ void CMainCommands::Cancel(CommandId) {
 }
 
 void CMainCommands::GoToField(CommandId id) {
-  if (Parts.PhotoBack->isVisible()) {
-    Parts.PhotoBack->FocusField(FieldOfCommand(id));
-  }
+  if (!Parts.PhotoBack->isVisible()) return;
+  FocusRing.Forget();
+  Parts.PhotoBack->FocusField(FieldOfCommand(id));
 }
 
 void CMainCommands::GoToFind(CommandId) {
-  if (Parts.FilterBar->isVisible()) Parts.FilterBar->GetFindControl().StartEdit();
+  if (Parts.FilterBar->isVisible()) Parts.FilterBar->GetFindControl().Activate();
 }
 
 void CMainCommands::MoveByField(CommandId id) {
@@ -129,6 +129,7 @@ void CMainCommands::Rename(CommandId) {
   if (!Parts.PhotoBack->isVisible() || photo == nullptr || IsReadOnly(*photo)) return;
   const CPhotoField* title = Parts.PhotoBack->GetField(StampId::Title);
   if (title->IsEditing()) return Parts.Window->setFocus();
+  FocusRing.Forget();
   Parts.PhotoBack->FocusField(StampId::Title);
 }
 
@@ -165,7 +166,7 @@ void CMainCommands::DeletePhoto(CommandId) {
   const CAssetRecord tossed = *photo;
   const CWaitCursor waiting;
   GetStrip().StopSlideShow();
-  Parts.Window->setFocus();
+  if (IsEditing()) Parts.Window->setFocus();
   try {
     TossPhoto(*CCatalog::GetInstance(), Parts, tossed);
   } catch (const CStorageException&) {

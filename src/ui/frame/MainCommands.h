@@ -26,6 +26,9 @@ class CMainCommands {
  public:
   CMainCommands(const MainParts& parts, MainActions actions) : Parts(parts), Actions(std::move(actions)) {}
 
+  /// The photo back is about to be clicked on.
+  void OnPanelClicked() { FocusRing.Forget(); }
+
   void EndEdit(CommandId id);
   void Cancel(CommandId id);
   void GoToField(CommandId id);

@@ -133,6 +133,7 @@ void CMainFrame::CreateParts() {
   Parts.HelpButton = std::make_unique<CPaintedButton>(*this, this);
   Parts.HelpButton->Create({}, CommandId::Help, {}, PictureId::Help, 2);
   Parts.HelpButton->TakeFocusByTab();
+  Parts.HelpButton->SetRound();
   Parts.StripWindow = std::make_unique<CStripWindow>(*this, this);
   FullScreenTools = std::make_unique<CFullScreenTools>(*this, *Parts.PhotoView, *Parts.ToolRow);
   InputFilter = std::make_unique<CInputFilter>(
@@ -140,7 +141,11 @@ void CMainFrame::CreateParts() {
       InputHandlers{
           .OnAccelerator = [this](const Command& command, bool isRepeat) { OnKey(command, isRepeat); },
           .OnPointerMoved = [this](QPoint place) { FullScreenTools->OnPointerMoved(place); },
-          .OnPanelClicked = [this] { GetStrip().AnnounceNow(); }});
+          .OnPanelClicked =
+              [this] {
+                GetStrip().AnnounceNow();
+                Commands.OnPanelClicked();
+              }});
 
   Parts.TabBar->SelectTab(ViewTabId::CurrentPhoto);
   Mode->Layout(Parts);
@@ -435,8 +440,14 @@ bool CMainFrame::focusNextPrevChild(bool) {
 }
 
 void CMainFrame::focusInEvent(QFocusEvent* event) {
-  QWidget::focusInEvent(event);  // paints the frame in the strip
+  QWidget::focusInEvent(event);
+  if (Parts.StripWindow) Parts.StripWindow->UpdateFocus();
   TellFocus();
+}
+
+void CMainFrame::focusOutEvent(QFocusEvent* event) {
+  QWidget::focusOutEvent(event);
+  if (Parts.StripWindow) Parts.StripWindow->UpdateFocus();
 }
 
 std::vector<GroupPart> CMainFrame::ListParts() const {

@@ -122,6 +122,7 @@ class CMainFrame : public QWidget,
   /// What goes away, or is disabled, leaves the focus to the window, not to the next part.
   bool focusNextPrevChild(bool next) override;
   void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void paintEvent(QPaintEvent* event) override;

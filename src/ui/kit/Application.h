@@ -45,5 +45,5 @@ class CApplication : public QApplication {
 
   std::exception_ptr Failure;  // the first one
   bool LoopRuns = false;
-  const CKeyFocus KeyFocus;
+  CKeyFocus KeyFocus;
 };

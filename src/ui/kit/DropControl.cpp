@@ -209,17 +209,15 @@ void CDropControl::CloseList(int row) {
 void CDropControl::StepChoice(int step) {
   // A choice changes the order of a history, and may begin a search.
   if (Has(DropStyle::History)) return OpenListByKey();
+  const std::vector<CDropControlModel::Row> rows = Model.GetRows();
   const int row = Model.GetSelected() + step;
-  if (row < 0 || row >= static_cast<int>(Model.GetRows().size())) return;
+  if (row < 0 || row >= static_cast<int>(rows.size())) return;
+  if (HasFlag(rows[static_cast<std::size_t>(row)].Flags, DropItemFlags::Action)) return;
   Model.OpenList();
   CloseList(row);
 }
 
-void CDropControl::Enter() { Has(DropStyle::EditBox) ? OpenEdit() : OpenListByKey(); }
-
-void CDropControl::StartEdit() {
-  if (Has(DropStyle::EditBox)) OpenEdit();
-}
+void CDropControl::Activate() { Has(DropStyle::EditBox) ? OpenEdit() : OpenListByKey(); }
 
 void CDropControl::OpenEdit() {
   if (EditBox) return EditBox->setFocus();

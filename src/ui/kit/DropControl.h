@@ -32,7 +32,8 @@ inline constexpr bool kIsFlagSet<DropStyle> = true;
 /// control's. Opening the list ends no edit but the control's own.
 ///
 /// By Tab the focus comes to the control itself. Then Space opens the list, Up and Down go along the items of
-/// a list that is fixed, and Enter(), which the window calls, opens the edit box or else the list.
+/// a list that is fixed, and Activate(), which the window calls for Enter, opens the edit box or else the
+/// list.
 class CDropControl : public QWidget, public CPaintedGroup {
  public:
   /// `label` names the control to assistive tools. Its height is its own, its width that of a layout.
@@ -57,9 +58,8 @@ class CDropControl : public QWidget, public CPaintedGroup {
 
   /// Opens the list, with a row marked, and takes the focus.
   void OpenListByKey();
-  void Enter();
-  /// Opens the edit box, with the focus; nothing in a control without one.
-  void StartEdit();
+  /// Opens the edit box, or the list of a control that has none.
+  void Activate();
 
   bool IsEditing() const { return EditBox != nullptr; }
   /// Puts back the text from before the edit, and selects it. The edit goes on.

@@ -43,7 +43,7 @@ class CDropFace final : public CGroupFace, public CShownText {
     CDropControl* control = GetControl();
     if (control == nullptr || !actionNames().contains(action)) return;
     if (action == showMenuAction()) return DoAsClicked(*control, [control] { control->OpenListByKey(); });
-    DoAsClicked(*control, [control] { control->StartEdit(); });
+    DoAsClicked(*control, [control] { control->Activate(); });
   }
 
  private:

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QFocusEvent>
 #include <QPainter>
+#include <QRegion>
 #include <QWidget>
 #include <algorithm>
 #include <utility>
@@ -35,7 +36,11 @@ bool CKeyFocus::eventFilter(QObject*, QEvent* event) {
 
 void CKeyFocus::Show(bool on) {
   if (std::exchange(Shown, on) == on) return;
-  if (QWidget* focus = QApplication::focusWidget()) focus->update();
+  QWidget* const focus = QApplication::focusWidget();
+  if (focus == nullptr) return;
+  focus->update();
+  // The focus of a window may be shown by one of its parts.
+  for (QWidget* part : focus->findChildren<QWidget*>()) part->update();
 }
 
 bool ShowsFocus(const QWidget& widget) {
@@ -60,4 +65,10 @@ void DrawFocusFrame(CDevicePainter& painter, const QRectF& plate, double radius)
   pen.setCompositionMode(QPainter::CompositionMode_Multiply);
   draw(colours::kSelection, kOuterLine, kInnerLine);
   pen.restore();
+}
+
+void DrawSelectionFrame(CDevicePainter& painter, const QRect& area, double width) {
+  const int band = painter.Scaled(width);
+  const QRegion inside = area.adjusted(band, band, -band, -band);
+  for (const QRect& side : QRegion(area) - inside) painter.Fill(side, colours::kSelection);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QObject>
-#include <QRectF>
+#include <QRect>
 
 class CDevicePainter;
 class QWidget;
@@ -31,3 +31,7 @@ bool ShowsFocus(const QWidget& widget);
 /// what is selected, through which strokes stay visible. `plate` in device pixels, `radius` in those of the
 /// layout.
 void DrawFocusFrame(CDevicePainter& painter, const QRectF& plate, double radius);
+
+/// The frame of what is selected, or has the focus without being a plate: a band along the inside of `area`,
+/// in device pixels, `width` in those of the layout.
+void DrawSelectionFrame(CDevicePainter& painter, const QRect& area, double width);

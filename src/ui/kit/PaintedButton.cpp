@@ -33,6 +33,7 @@ constexpr int kPressedOffset = 2;
 constexpr double kFocusRadius = 5;
 // What isn't plate but shadow, at the right and at the bottom.
 constexpr QSize kPictureShadow(0, 3);
+constexpr int kRoundShadow = 1;  // all around
 constexpr QSize kTextShadow(2, 2);
 
 // The ends of a picture in a button of another width; what is left out, or repeated, lies between them and
@@ -357,6 +358,10 @@ void CPaintedButton::PaintText(CDevicePainter& painter) {
 }
 
 void CPaintedButton::PaintFocus(CDevicePainter& painter) const {
+  if (Round) {
+    const int edge = painter.Scaled(kRoundShadow);
+    return DrawFocusFrame(painter, painter.GetArea().adjusted(edge, edge, -edge, -edge), width() / 2.0);
+  }
   const QSize shadow = TextForm ? kTextShadow : kPictureShadow;
   const QRect plate =
       painter.GetArea().adjusted(0, 0, -painter.Scaled(shadow.width()), -painter.Scaled(shadow.height()));

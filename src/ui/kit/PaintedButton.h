@@ -41,6 +41,8 @@ class CPaintedButton : public QAbstractButton, public CFaceMaker {
   void SetPicture(PictureId picture, int imageCount, bool resize);
 
   void TakeFocusByTab() { setFocusPolicy(Qt::TabFocus); }
+  /// The plate in the picture is a circle; so is the frame that shows the focus.
+  void SetRound() { Round = true; }
 
   /// Takes the tool tip from another string.
   void SetTipString(StringId id);
@@ -117,6 +119,7 @@ class CPaintedButton : public QAbstractButton, public CFaceMaker {
 
   bool TextForm = false;
   bool DefaultLook = false;
+  bool Round = false;
 
   QPointer<CButtonTip> Tip;  // a child of another widget, made when it is first shown
   bool TipEnabled = true;

@@ -354,16 +354,9 @@ void CPhotoTab::paintEvent(QPaintEvent*) {
   if (Picture.GetImage().isNull()) painter.Fill(painter.GetArea(), colours::kPage);
   painter.GetPainter().drawImage(0, 0, Picture.GetImage());
   if (GetCount() == 0) PaintHelp(painter);
-  if (Selected >= 0) PaintSelection(painter);
-  if (!ShowsFocus(*this)) return;
-  DrawFocusFrame(painter, Selected >= 0 ? painter.Scaled(Grid.GetFrame(Selected)) : painter.GetArea(), 0);
-}
-
-void CPhotoTab::PaintSelection(CDevicePainter& painter) const {
-  const QRect frame = painter.Scaled(Grid.GetFrame(Selected));
-  const int width = painter.Scaled(kFrameWidth);
-  const QRect inside = frame.adjusted(width, width, -width, -width);
-  for (const QRect& side : QRegion(frame) - QRegion(inside)) painter.Fill(side, colours::kSelection);
+  const QRect frame = Selected >= 0 ? painter.Scaled(Grid.GetFrame(Selected)) : painter.GetArea();
+  if (Selected >= 0) DrawSelectionFrame(painter, frame, kFrameWidth);
+  if (ShowsFocus(*this)) DrawFocusFrame(painter, frame, 0);
 }
 
 void CPhotoTab::PaintHelp(CDevicePainter& painter) const {

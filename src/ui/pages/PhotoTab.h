@@ -157,7 +157,6 @@ class CPhotoTab : public QWidget, public CPaintedItems {
   void SharpenCells();
   void UpdateCaption();
   void PaintHelp(CDevicePainter& painter) const;
-  void PaintSelection(CDevicePainter& painter) const;
   void TellAccessibleName();
 
   const PhotoTabForm Form;

@@ -27,7 +27,8 @@ using std::chrono::milliseconds;
 constexpr milliseconds kRestDelay{50};  // before a photo that rests is told of
 constexpr milliseconds kShowInterval{2000};
 
-constexpr double kSlideSpeed = 1000;         // pixels of the layout a second
+constexpr double kSlideSpeed = 1000;  // pixels of the layout a second
+constexpr double kFocusWidth = 3;
 constexpr int kShortestFrame = 4;            // milliseconds
 constexpr milliseconds kLongestCatchUp{50};  // of a slide that follows another one late
 
@@ -326,7 +327,9 @@ void CFilmstrip::paintEvent(QPaintEvent*) {
     painter.GetPainter().drawImage(held.topLeft() - wanted.topLeft(), Cache.GetImage(), held);
   }
   // The keys of the window move the strip.
-  if (ShowsFocus(*window())) DrawFocusFrame(painter, Layout.GetCellFrame(Layout.GetLensCell()), 0);
+  if (ShowsFocus(*window())) {
+    DrawSelectionFrame(painter, Layout.GetCellFrame(Layout.GetLensCell()), kFocusWidth);
+  }
 }
 
 // Moves along the set.

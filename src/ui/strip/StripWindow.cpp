@@ -12,6 +12,7 @@
 namespace {
 
 constexpr int kStripTop = 1;
+constexpr double kFocusWidth = 3;
 
 }  // namespace
 
@@ -19,6 +20,11 @@ CStripWindow::CStripWindow(CFilmstripHost& host, QWidget* parent) : QWidget(pare
   setObjectName(QStringLiteral("StripWindow"));
   setAccessibleName(ToQString(LoadText(StringId::ToldStripWindow)));
   setFocusPolicy(Qt::NoFocus);
+}
+
+void CStripWindow::UpdateFocus() {
+  update();
+  Strip.update();
 }
 
 void CStripWindow::resizeEvent(QResizeEvent*) {
@@ -39,5 +45,5 @@ void CStripWindow::paintEvent(QPaintEvent*) {
   if (!Strip.isHidden()) return;
   painter.DrawText(painter.GetArea(), Qt::AlignCenter | Qt::TextSingleLine, GetFont(FontId::EmptyPage),
                    colours::kInk, ToQString(LoadText(StringId::NoPhotosFound)));
-  if (ShowsFocus(*window())) DrawFocusFrame(painter, painter.GetArea(), 0);
+  if (ShowsFocus(*window())) DrawSelectionFrame(painter, painter.GetArea(), kFocusWidth);
 }

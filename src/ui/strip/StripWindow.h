@@ -17,6 +17,9 @@ class CStripWindow : public QWidget, public CPaintedGroup {
 
   CFilmstrip& GetStrip() { return Strip; }
 
+  /// The main window, whose keys move the strip, has got or lost the focus, which a frame in the strip shows.
+  void UpdateFocus();
+
   std::vector<GroupPart> ListParts() const override;
 
  protected:

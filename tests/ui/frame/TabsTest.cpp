@@ -280,6 +280,15 @@ TEST_F(Tabs, TabLeadsRoundTheWindowAndBack) {
   EXPECT_EQ(walk(Qt::ShiftModifier),
             "Information and help, Send Photos, Add Recent, Clear All, No photos to email, Views, Sort by, "
             "Rated, Find, Show, Date, Place, Event, Subjects, Caption, Title, Rating, ");
+  const QImage plain = Painted(Email());
+  Press({Qt::Key_Tab}, Qt::ShiftModifier);
+  const QImage unfocused = Painted(*Parts().StripWindow);
+  for (int i = 0; i < 4; ++i) Press({Qt::Key_Tab}, Qt::ShiftModifier);
+  EXPECT_NE(Painted(Email()), plain) << "no photo is selected";
+  frame.setFocus();
+  EXPECT_NE(Painted(*Parts().StripWindow), unfocused);
+  QTest::mousePress(&frame, Qt::LeftButton);
+  EXPECT_EQ(Painted(*Parts().StripWindow), unfocused) << "the mouse is used";
   Press({Qt::Key_P, Qt::Key_Tab, Qt::Key_Tab});
   EXPECT_EQ(QApplication::focusWidget()->accessibleName(), "Title") << "an edit stays among the fields";
   addRecent.setFocus(Qt::TabFocusReason);

@@ -4,6 +4,7 @@
 #include <QLineEdit>
 
 #include "ui/WindowTest.h"
+#include "ui/kit/ClickFocus.h"
 #include "ui/kit/DropControl.h"
 #include "ui/kit/DropList.h"
 
@@ -129,6 +130,32 @@ TEST_F(DropControl, EscapeAndClicksElsewhereCloseTheListWithoutAPick) {
   EXPECT_TRUE(Find.IsEditing()) << "another list ends no edit";
   EXPECT_EQ(Sort.GetModel().GetSelectedId(), 1);
   EXPECT_EQ(Changes, 0);
+}
+
+TEST_F(DropControl, WithTheFocusKeysOpenTheListAndChoose) {
+  GiveFocus(Sort, Qt::TabFocusReason);
+  QTest::keyClick(&Sort, Qt::Key_Space);
+  CDropList& list = *Sort.GetOpenList();
+  EXPECT_EQ(list.GetHotRow(), 1);
+  for (const int row : {2, 0}) {
+    QTest::keyClick(&list, Qt::Key_I);
+    EXPECT_EQ(list.GetHotRow(), row) << "the next of its letter, round and round";
+  }
+  QTest::keyClick(&list, Qt::Key_F4);
+  EXPECT_EQ(Sort.GetOpenList(), nullptr);
+  for (int i = 0; i < 2; ++i) QTest::keyClick(&Sort, Qt::Key_Down);
+  EXPECT_EQ(Sort.GetModel().GetSelectedId(), 2) << "no action is chosen in passing";
+  EXPECT_EQ(Changes, 1);
+
+  GiveFocus(Find, Qt::TabFocusReason);
+  EXPECT_EQ(Window.focusWidget(), &Find);
+  Find.Activate();
+  QTest::keyClicks(Window.focusWidget(), "dune");
+  Find.OpenListByKey();
+  QTest::keyClick(Find.GetOpenList(), Qt::Key_L);
+  QTest::keyClick(Find.GetOpenList(), Qt::Key_Return);
+  EXPECT_THAT(History.Entries, ElementsAre("lake", "dune", "sea"));
+  EXPECT_EQ(Window.focusWidget(), &Find);
 }
 
 TEST_F(DropControl, TypedTextIsTakenOnEveryWayOut) {

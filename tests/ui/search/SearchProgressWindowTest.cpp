@@ -19,6 +19,10 @@ TEST(SearchProgressWindow, StopsByButtonEscAndCloseAndGoesOnByAnyOtherKey) {
   EXPECT_TRUE(window.IsStopRequested());
   QTest::keyClick(&window, Qt::Key_Space);
   EXPECT_FALSE(window.IsStopRequested()) << "the button must not take the keys";
+  QTest::keyClick(&window, Qt::Key_Tab);
+  QTest::keyClick(window.focusWidget(), Qt::Key_Return);
+  EXPECT_TRUE(window.IsStopRequested()) << "until Tab has led to it";
+  QTest::keyClick(&window, Qt::Key_A);
   window.close();
   EXPECT_TRUE(window.IsStopRequested());
   EXPECT_TRUE(window.isVisible());
