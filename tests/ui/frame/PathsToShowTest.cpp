@@ -72,22 +72,6 @@ TEST_F(PathsToShow, PhotosOfTheCatalogComeUnderTheLensWhateverHidesThem) {
   EXPECT_TRUE(Messages.Texts.empty());
 }
 
-TEST_F(PathsToShow, WhatIsDroppedOnTheWindowIsShownAndStaysWhereItIs) {
-  WritePhotos(3);
-  CMainFrame& frame = Start(0);
-  QMimeData data;
-  data.setData("text/uri-list", "http://host/1001.jpg\r\nfile://" +
-                                    QByteArray::fromStdString(InHome("Pictures/%31002.jpg")) + "\r\n");
-  const Qt::DropActions offered = Qt::CopyAction | Qt::MoveAction;
-  QDragEnterEvent enter({5, 5}, offered, &data, Qt::LeftButton, {});
-  QCoreApplication::sendEvent(&frame, &enter);
-  EXPECT_TRUE(enter.isAccepted());
-  QDropEvent drop({5, 5}, offered, &data, Qt::LeftButton, {});
-  QCoreApplication::sendEvent(&frame, &drop);
-  EXPECT_EQ(drop.dropAction(), Qt::CopyAction);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return Position() == 2; }));
-}
-
 TEST_F(PathsToShow, FoldersElsewhereAreOfferedOnceAndWhatIsNoPhotoIsTold) {
   WritePhotos(2);
   const std::string trip = WritePhotoAt("Trip/birch.jpg"), day = WritePhotoAt("Trip/day/ash.jpg");
@@ -120,21 +104,27 @@ TEST_F(PathsToShow, FoldersElsewhereAreOfferedOnceAndWhatIsNoPhotoIsTold) {
   EXPECT_EQ(frame.GetStrip().GetCurrentRecord()->GetFilename(), "ash.jpg");
 }
 
-TEST_F(PathsToShow, PathsWaitForADialogAndKeepWhatIsTyped) {
+TEST_F(PathsToShow, WhatIsDroppedIsCopiedNotMovedAndWaitsForADialog) {
   WritePhotos(3);
   CMainFrame& frame = Start(0);
   const CAssetRecord edited = Photo(0);
   frame.OnCommand(CommandId::GoToCaption);
   Type("typed");
-  bool waited = false;
   WhenDialogShows([&](QWidget& dialog) {
-    frame.ShowPaths({InHome(PhotoName(2))});
-    QCoreApplication::processEvents();  // when nothing else went on they would be shown
-    waited = Position() == 0;
+    QMimeData data;
+    data.setData("text/uri-list", "http://host/1001.jpg\r\nfile://" +
+                                      QByteArray::fromStdString(InHome("Pictures/%31002.jpg")) + "\r\n");
+    const Qt::DropActions offered = Qt::CopyAction | Qt::MoveAction;
+    QDragEnterEvent enter({5, 5}, offered, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(&frame, &enter);
+    QDropEvent drop({5, 5}, offered, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(&frame, &drop);
+    EXPECT_EQ(drop.dropAction(), Qt::CopyAction);
+    QCoreApplication::processEvents();  // when nothing else went on it would be shown
+    EXPECT_EQ(Position(), 0);
     dialog.close();
   });
   frame.OnCommand(CommandId::Help);
-  EXPECT_TRUE(waited);
   EXPECT_TRUE(QTest::qWaitFor([&] { return Position() == 2; }));
   EXPECT_EQ(Texts(edited, StampId::Note), "typed");
 }
