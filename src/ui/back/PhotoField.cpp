@@ -261,6 +261,7 @@ void CPhotoField::OpenMenu(bool byKey) {
   if (!BeginEdit()) return;
   Menu = MakeFieldMenu(
       ListChoices(*Value, GetTextNow()), [this](const FieldChoice& choice) { Choose(choice); }, this);
+  Menu->setAccessibleName(Button->accessibleName());
   PassOnOutsideClicks(*Menu, *Button);
   // The menu reports a choice after it has been hidden.
   connect(Menu.get(), &QMenu::aboutToHide, this, &CPhotoField::OnMenuClosed, Qt::QueuedConnection);

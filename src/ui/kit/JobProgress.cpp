@@ -1,5 +1,7 @@
 #include "ui/kit/JobProgress.h"
 
+#include <QProgressBar>
+
 #include "base/Texts.h"
 #include "ui/kit/InputBlock.h"
 #include "ui/kit/Job.h"
@@ -18,6 +20,7 @@ CJobProgress::CJobProgress(QWidget& mainWindow, const Texts& texts, int count)
     : Dialog(Load(texts.Text), Load(texts.StopButton), 0, count, &mainWindow) {
   Dialog.setObjectName(window_names::kJobProgress);
   Dialog.setWindowTitle(Load(texts.Title));
+  Dialog.findChild<QProgressBar*>()->setAccessibleName(Load(texts.Title));
   Dialog.setAutoReset(false);
   Dialog.setAutoClose(false);
   Dialog.setMinimumDuration(kPause);

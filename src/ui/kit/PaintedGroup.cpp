@@ -91,6 +91,12 @@ CGroupFace::~CGroupFace() {
   for (const auto& [index, id] : Texts) QAccessible::deleteAccessibleInterface(id);
 }
 
+QAccessible::State CGroupFace::state() const {
+  QAccessible::State state = CPartFace::state();
+  state.busy = role() == QAccessible::Window && IsJobRunning();
+  return state;
+}
+
 QAccessible::Role CGroupFace::role() const {
   const auto* group = dynamic_cast<const CPaintedGroup*>(object());
   return group != nullptr ? group->GetGroupRole() : QAccessible::NoRole;

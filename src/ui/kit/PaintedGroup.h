@@ -57,6 +57,8 @@ class CGroupFace : public CPartFace {
   ~CGroupFace() override;
 
   QAccessible::Role role() const override;
+  /// A main window is busy while a job runs.
+  QAccessible::State state() const override;
   int childCount() const override;
   QAccessibleInterface* child(int index) const override;
   int indexOfChild(const QAccessibleInterface* child) const override;
