@@ -28,9 +28,11 @@ CKeyFocus::CKeyFocus() { QCoreApplication::instance()->installEventFilter(this);
 
 CKeyFocus::~CKeyFocus() { QCoreApplication::instance()->removeEventFilter(this); }
 
-bool CKeyFocus::eventFilter(QObject*, QEvent* event) {
+bool CKeyFocus::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::MouseButtonPress) Show(false);
-  if (event->type() == QEvent::FocusIn && IsKeyReason(static_cast<QFocusEvent*>(event)->reason())) Show(true);
+  // A dialog that opens sends such an event, without a key, to a widget that doesn't have the focus yet.
+  const bool isFocused = event->type() == QEvent::FocusIn && watched == QApplication::focusWidget();
+  if (isFocused && IsKeyReason(static_cast<QFocusEvent*>(event)->reason())) Show(true);
   return false;
 }
 

@@ -288,6 +288,9 @@ TEST_F(Tabs, TabLeadsRoundTheWindowAndBack) {
   frame.setFocus();
   EXPECT_NE(Painted(*Parts().StripWindow), unfocused);
   QTest::mousePress(&frame, Qt::LeftButton);
+  WhenDialogShows([](QWidget& dialog) { dialog.close(); });
+  Press({Qt::Key_F1});
+  Activate(frame);
   EXPECT_EQ(Painted(*Parts().StripWindow), unfocused) << "the mouse is used";
   Press({Qt::Key_P, Qt::Key_Tab, Qt::Key_Tab});
   EXPECT_EQ(QApplication::focusWidget()->accessibleName(), "Title") << "an edit stays among the fields";
