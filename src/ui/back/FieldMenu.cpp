@@ -10,6 +10,7 @@
 #include "ui/back/FieldText.h"
 #include "ui/back/TokenList.h"
 #include "ui/kit/QtText.h"
+#include "ui/kit/ToolTips.h"
 
 namespace {
 
@@ -40,12 +41,13 @@ CTokenList TokensOf(const CFieldValue& value, const std::string& text) {
   return whole;
 }
 
-/// In one line, with "&" as a character of the text.
-QString MakeEntryText(const std::string& text) {
-  QString entry = ToQString(text);
-  entry.replace(u'\t', u' ').replace(u'\n', u' ');
-  entry = ShortenLine(entry, false, QFontMetricsF(GetFont(kMenuFont)), kWidestEntry);
-  return entry.replace(QStringLiteral("&"), QStringLiteral("&&"));
+/// Names an entry in one line, with "&" as a character of the text. What is cut a tip tells.
+void NameEntry(QAction& entry, const std::string& text) {
+  QString whole = ToQString(text);
+  whole.replace(u'\t', u' ').replace(u'\n', u' ');
+  QString line = ShortenLine(whole, false, QFontMetricsF(GetFont(kMenuFont)), kWidestEntry);
+  if (line != whole) entry.setToolTip(PrepareToolTip(whole));
+  entry.setText(line.replace(QStringLiteral("&"), QStringLiteral("&&")));
 }
 
 class CFieldMenu final : public QMenu {
@@ -131,8 +133,10 @@ std::unique_ptr<QMenu> MakeFieldMenu(const std::vector<FieldChoice>& choices,
                                      QWidget* parent) {
   auto menu = std::make_unique<CFieldMenu>(parent);
   menu->setFont(GetFont(kMenuFont));
+  menu->setToolTipsVisible(true);
   for (const FieldChoice& choice : choices) {
-    QAction* entry = menu->addAction(MakeEntryText(choice.Text));
+    QAction* entry = menu->addAction(QString());
+    NameEntry(*entry, choice.Text);
     entry->setCheckable(true);
     entry->setChecked(choice.Checked);
     entry->setEnabled(choice.Enabled);

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QFocusEvent>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
@@ -20,6 +21,7 @@
 #include "ui/kit/DropList.h"
 #include "ui/kit/KeyFocus.h"
 #include "ui/kit/QtText.h"
+#include "ui/kit/ToolTips.h"
 
 namespace {
 
@@ -270,6 +272,18 @@ bool CDropControl::eventFilter(QObject* watched, QEvent* event) {
   return QWidget::eventFilter(watched, event);
 }
 
+DropTextStyle CDropControl::GetTextStyle() const {
+  return {GetFont(kFirstFont), Model.GetShownText().empty() ? kPromptColour : colours::kInk,
+          Has(DropStyle::Images) ? Images : DropImages(), false, Has(DropStyle::ShortensPaths)};
+}
+
+bool CDropControl::event(QEvent* event) {
+  if (event->type() != QEvent::ToolTip) return QWidget::event(event);
+  const QString tip = FindCutText(Model.GetShownText(), GetTextStyle(), GetTextArea().width());
+  AnswerToolTip(static_cast<QHelpEvent&>(*event), tip, *this, rect());
+  return true;
+}
+
 void CDropControl::mousePressEvent(QMouseEvent* event) {
   if (event->button() != Qt::LeftButton) return QWidget::mousePressEvent(event);
   const QPoint point = event->position().toPoint();
@@ -314,11 +328,8 @@ void CDropControl::paintEvent(QPaintEvent*) {
   painter.DrawPart(PictureId::DropControl, from.Left, to.Left);
   painter.DrawPart(PictureId::DropControl, from.Middle, to.Middle);
   painter.DrawPart(PictureId::DropControl, from.Right, to.Right);
-  const bool empty = Model.GetShownText().empty();
-  const DropTextStyle style{GetFont(kFirstFont), empty ? kPromptColour : colours::kInk,
-                            Has(DropStyle::Images) ? Images : DropImages(), false,
-                            Has(DropStyle::ShortensPaths)};
-  DrawDropText(painter, painter.Scaled(GetTextArea()), empty ? Prompt : Model.GetShownText(), style);
+  const std::string& shown = Model.GetShownText();
+  DrawDropText(painter, painter.Scaled(GetTextArea()), shown.empty() ? Prompt : shown, GetTextStyle());
   const int shadow = painter.Scaled(kShadow);
   if (ShowsFocus(*this)) {
     DrawFocusFrame(painter, painter.GetArea().adjusted(0, 0, -shadow, -shadow), kFocusRadius);

@@ -79,6 +79,7 @@ class CDropControl : public QWidget, public CPaintedGroup {
   static int GetHeight();
 
  protected:
+  bool event(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
@@ -89,6 +90,7 @@ class CDropControl : public QWidget, public CPaintedGroup {
  private:
   bool Has(DropStyle style) const { return HasFlag(Style, style); }
   QRect GetTextArea() const;
+  DropTextStyle GetTextStyle() const;
   QRect GetEditArea() const;
   void OpenList(bool byKey);
   void CloseList(int row);

@@ -1,5 +1,6 @@
 #include "ui/kit/DropList.h"
 
+#include <QHelpEvent>
 #include <QImage>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -14,6 +15,7 @@
 #include "ui/kit/ClickFocus.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
+#include "ui/kit/ToolTips.h"
 
 namespace {
 
@@ -192,10 +194,23 @@ void CDropList::Pick(int row) {
   if (wasOpen && OnClosed) OnClosed(row);
 }
 
+void CDropList::ShowWholeText(QHelpEvent& event) {
+  const int index = Layout.FindRow(event.pos());
+  if (index < 0) return AnswerToolTip(event, {}, *this, {});
+  const Row& row = Rows[static_cast<std::size_t>(index)];
+  const QRect area = Layout.GetRow(index);
+  const QString tip = FindCutText(row.Text, GetStyle(row, false), area.width() - 2 * kTextInset);
+  AnswerToolTip(event, tip, *this, area);
+}
+
 bool CDropList::event(QEvent* event) {
   // Every key is the list's while it shows, also those that are shortcuts.
   if (event->type() == QEvent::ShortcutOverride) {
     event->accept();
+    return true;
+  }
+  if (event->type() == QEvent::ToolTip) {
+    ShowWholeText(static_cast<QHelpEvent&>(*event));
     return true;
   }
   return QWidget::event(event);

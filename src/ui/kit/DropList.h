@@ -13,6 +13,7 @@
 #include "ui/kit/PaintedItems.h"
 
 class CDevicePainter;
+class QHelpEvent;
 
 /// Where the rows of a drop list stand, in pixels of the layout from its corner: within a frame of one pixel,
 /// one below the other.
@@ -89,6 +90,7 @@ class CDropList : public QWidget, public CPaintedItems {
   void hideEvent(QHideEvent* event) override;
 
  private:
+  void ShowWholeText(QHelpEvent& event);
   double MeasureWidest() const;
   void Place();
   DropTextStyle GetStyle(const Row& row, bool hot) const;

@@ -101,6 +101,10 @@ double MeasureDropText(const std::string& text, const DropTextStyle& style) {
          QFontMetricsF(style.Font).horizontalAdvance(parts.Text);
 }
 
+QString FindCutText(const std::string& text, const DropTextStyle& style, double width) {
+  return MeasureDropText(text, style) > width ? SplitDropText(text).Text.trimmed() : QString();
+}
+
 void DrawDropText(CDevicePainter& painter, const QRect& area, const std::string& text,
                   const DropTextStyle& style) {
   const DropText parts = SplitDropText(text);

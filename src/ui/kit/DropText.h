@@ -49,6 +49,9 @@ QString ShortenPath(const QString& path, double width, const QFontMetricsF& metr
 /// Pixels of the layout.
 double MeasureDropText(const std::string& text, const DropTextStyle& style);
 
+/// The text without its images, if it is wider than that; else empty.
+QString FindCutText(const std::string& text, const DropTextStyle& style, double width);
+
 /// On one line, in the middle of `area`, which is device pixels.
 void DrawDropText(CDevicePainter& painter, const QRect& area, const std::string& text,
                   const DropTextStyle& style);

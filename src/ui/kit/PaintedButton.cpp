@@ -2,6 +2,7 @@
 
 #include <QFocusEvent>
 #include <QFontMetricsF>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScopeGuard>
@@ -148,6 +149,11 @@ CButtonTip& CPaintedButton::GetTip() {
   return *Tip;
 }
 
+QString CPaintedButton::GetShownCaption() const {
+  const QFontMetricsF metrics(GetFont(CaptionFont));
+  return WidestCaption > 0 ? metrics.elidedText(GetText(), Qt::ElideRight, WidestCaption) : GetText();
+}
+
 void CPaintedButton::ShowTip(bool on) {
   if (!on || !TipEnabled || GetText().isEmpty() || (TipStays() && parentWidget() == nullptr)) {
     if (Tip) Tip->hide();
@@ -156,8 +162,7 @@ void CPaintedButton::ShowTip(bool on) {
   CButtonTip& tip = GetTip();
   tip.SetSide(Side);
   tip.SetFont(CaptionFont);
-  const QFontMetricsF metrics(GetFont(CaptionFont));
-  tip.SetText(WidestCaption > 0 ? metrics.elidedText(GetText(), Qt::ElideRight, WidestCaption) : GetText());
+  tip.SetText(GetShownCaption());
   tip.ShowAt(TipStays() ? geometry() : QRect(mapTo(window(), QPoint()), size()));
 }
 
@@ -185,6 +190,10 @@ bool CPaintedButton::event(QEvent* event) {
     // The release of a held button may be sent to another window.
     Press.Cancel();
     ApplyState();
+  }
+  if (event->type() == QEvent::ToolTip && GetShownCaption() != GetText()) {
+    AnswerToolTip(static_cast<QHelpEvent&>(*event), GetText() + u'\n' + toolTip(), *this, rect());
+    return true;
   }
   const bool passOn = !isEnabled() && event->isPointerEvent();
   const bool taken = QAbstractButton::event(event);  // whose command may delete this button

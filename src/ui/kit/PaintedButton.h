@@ -88,6 +88,8 @@ class CPaintedButton : public QAbstractButton, public CFaceMaker {
 
  private:
   bool TipStays() const { return HasFlag(Press.GetFlags(), ButtonFlags::TipStays); }
+  /// What of the caption has room.
+  QString GetShownCaption() const;
   void Start(CommandId id, ButtonFlags flags);
   void ApplyState();
   void EndPress();

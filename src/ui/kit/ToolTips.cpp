@@ -3,6 +3,7 @@
 #include <QCursor>
 #include <QEvent>
 #include <QFontMetricsF>
+#include <QHelpEvent>
 #include <QPalette>
 #include <QPointer>
 #include <QStringList>
@@ -39,10 +40,6 @@ void DressToolTips() {
 QString MakePlain(const QString& lines) {
   if (!Qt::mightBeRichText(lines)) return lines;
   return QStringLiteral("<p style='white-space:pre'>%1</p>").arg(lines.toHtmlEscaped());
-}
-
-QString Prepare(const QString& text) {
-  return MakePlain(WrapToolTip(text, GetFont(FontId::Note), kWidestTip));
 }
 
 bool IsShown(const QWidget& widget) { return QToolTip::isVisible() && QToolTip::text() == widget.toolTip(); }
@@ -105,9 +102,13 @@ QString WrapToolTip(const QString& text, const QFont& font, int width) {
   return lines.join(u'\n');
 }
 
+QString PrepareToolTip(const QString& text) {
+  return MakePlain(WrapToolTip(text, GetFont(FontId::Note), kWidestTip));
+}
+
 void SetToolTip(QWidget& widget, const QString& text) {
   DressToolTips();
-  const QString prepared = Prepare(text);
+  const QString prepared = PrepareToolTip(text);
   if (prepared == widget.toolTip()) return;
   HideToolTip(widget);
   widget.setToolTip(prepared);
@@ -117,9 +118,11 @@ void HideToolTip(const QWidget& widget) {
   if (IsShown(widget)) QToolTip::hideText();
 }
 
-void ShowToolTip(QPoint onScreen, const QString& text, QWidget& widget, const QRect& area) {
+void AnswerToolTip(QHelpEvent& event, const QString& text, QWidget& widget, const QRect& area) {
+  event.setAccepted(!text.isEmpty());
+  if (text.isEmpty()) return QToolTip::hideText();
   DressToolTips();
-  QToolTip::showText(onScreen, Prepare(text), &widget, area);
+  QToolTip::showText(event.globalPos(), PrepareToolTip(text), &widget, area);
 }
 
 void ShareToolTipArea(QWidget& first, QWidget& second) {

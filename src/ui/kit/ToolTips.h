@@ -7,6 +7,7 @@
 #include "resources/StringIds.h"
 
 class QFont;
+class QHelpEvent;
 class QWidget;
 
 /// A text of the table holds a caption and, behind its first line feed, a tool tip. Without a line feed it
@@ -32,8 +33,12 @@ void SetToolTip(QWidget& widget, const QString& text);
 /// Hides the tip that SetToolTip gave a widget, if it shows: for a widget that goes or moves away under it.
 void HideToolTip(const QWidget& widget);
 
-/// Shows a tip at once, from a widget's QEvent::ToolTip, until the pointer leaves `area` of the widget.
-void ShowToolTip(QPoint onScreen, const QString& text, QWidget& widget, const QRect& area);
+/// Answers a widget's QEvent::ToolTip with a tip that shows until the pointer leaves `area` of the widget;
+/// with an empty text no tip shows.
+void AnswerToolTip(QHelpEvent& event, const QString& text, QWidget& widget, const QRect& area);
+
+/// The text as the platform's tips show it: just these characters, in lines of at most 275 pixels.
+QString PrepareToolTip(const QString& text);
 
 /// Makes two neighbours one area: a tip that shows stays when the pointer goes from one to the other, and
 /// takes the other's text at once. Called once for the two.

@@ -2,6 +2,7 @@
 
 #include <QElapsedTimer>
 #include <QFontMetrics>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -21,6 +22,7 @@
 #include "ui/kit/Job.h"
 #include "ui/kit/KeyFocus.h"
 #include "ui/kit/QtText.h"
+#include "ui/kit/ToolTips.h"
 #include "ui/kit/WaitCursor.h"
 #include "ui/pages/ViewTabBar.h"
 #include "ui/pages/ViewTabLayout.h"
@@ -333,7 +335,13 @@ bool CPhotoTab::event(QEvent* event) {
     Picture.Clear();
     LayOut(0);
   }
-  return QWidget::event(event);
+  if (event->type() != QEvent::ToolTip) return QWidget::event(event);
+  auto& help = static_cast<QHelpEvent&>(*event);
+  const int index = IsJobRunning() ? -1 : Grid.FindCellAt(help.pos(), GetCount());
+  const bool isPath = index >= 0 && Photos.GetThumbnail(index) == nullptr;
+  const QString tip = isPath ? ToQString(Photos.GetAsset(index).GetPath()) : QString();
+  AnswerToolTip(help, tip, *this, isPath ? Grid.GetCell(index) : QRect());
+  return true;
 }
 
 void CPhotoTab::resizeEvent(QResizeEvent*) {

@@ -5,7 +5,6 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QStringList>
-#include <QToolTip>
 #include <algorithm>
 #include <cmath>
 
@@ -139,14 +138,10 @@ int CViewTabBar::FindTabAt(QPoint point) const { return TabAt(point, CountTabs()
 
 bool CViewTabBar::event(QEvent* event) {
   if (event->type() != QEvent::ToolTip) return QWidget::event(event);
-  const auto& help = static_cast<QHelpEvent&>(*event);
+  auto& help = static_cast<QHelpEvent&>(*event);
   const int tab = FindTabAt(help.pos());
-  if (tab < 0) {
-    QToolTip::hideText();
-    event->ignore();
-    return true;
-  }
-  ShowToolTip(help.globalPos(), LoadTip(GetItem(tab).Id), *this, TabRect(tab, CountTabs(), width()));
+  const QString tip = tab >= 0 ? LoadTip(GetItem(tab).Id) : QString();
+  AnswerToolTip(help, tip, *this, TabRect(tab, CountTabs(), width()));
   return true;
 }
 

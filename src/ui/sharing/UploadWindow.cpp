@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QRegion>
@@ -16,6 +17,7 @@
 #include "ui/kit/Pictures.h"
 #include "ui/kit/QtText.h"
 #include "ui/kit/SmallWindow.h"
+#include "ui/kit/ToolTips.h"
 
 namespace {
 
@@ -146,6 +148,14 @@ std::vector<GroupPart> CUploadWindow::ListParts() const {
     parts.push_back({part});
   }
   return parts;
+}
+
+bool CUploadWindow::event(QEvent* event) {
+  if (event->type() != QEvent::ToolTip) return QWidget::event(event);
+  auto& help = static_cast<QHelpEvent&>(*event);
+  const bool onTitle = kTitle.contains(help.pos()) || kThumbnail.contains(help.pos());
+  AnswerToolTip(help, onTitle ? ToQString(Status.Title) : QString(), *this, kTitle | kThumbnail);
+  return true;
 }
 
 void CUploadWindow::paintEvent(QPaintEvent*) {

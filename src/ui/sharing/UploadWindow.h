@@ -48,6 +48,7 @@ class CUploadWindow : public QWidget, public CPaintedGroup, public CUploadProgre
   std::vector<GroupPart> ListParts() const override;
 
  protected:
+  bool event(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void closeEvent(QCloseEvent* event) override;

@@ -58,6 +58,12 @@ constexpr int kStarImages = 5;
 static_assert(std::size(kPhotoMarks) == kMarkCount);
 constexpr int kMarkImages = 4;  // off, on, off under the pointer, on under the pointer
 
+/// For the text of a band, in pixels of the layout.
+int GetLabelRoom(const StripMetrics& metrics) {
+  const int width = metrics.BandLabelAt(0).width() - metrics.Scaled(kLabelMargin);
+  return static_cast<int>(width / metrics.PixelRatio);
+}
+
 }  // namespace
 
 std::string GetGroupLabel(const CPhotoSet& set, int index, const FolderLabel& folderLabel) {
@@ -86,6 +92,15 @@ bool CCellPainter::IsPhoto(int index) const {
 
 std::string CCellPainter::GetLabel(int index) const {
   return IsPhoto(index) ? GetGroupLabel(*Set, index, LabelOfFolder) : std::string();
+}
+
+QString CCellPainter::FindCutText(int index, bool inBand) const {
+  if (!IsPhoto(index)) return {};
+  const CAssetRecord record = Set->GetAsset(index);
+  if (!inBand && record.LoadThumbnail() != nullptr) return {};
+  const QString text = ToQString(inBand ? GetLabel(index) : record.GetFilename());
+  const int room = inBand ? GetLabelRoom(Metrics) : kThumbnailWidth;
+  return QFontMetrics(GetFont(FontId::Band)).horizontalAdvance(text) > room ? text : QString();
 }
 
 void CCellPainter::PaintCell(CDevicePainter& painter, int left, int index, int hotMark) {
@@ -192,7 +207,7 @@ void CCellPainter::PaintLabel(CDevicePainter& painter, int left, int index) cons
   }
   const QFont& font = GetFont(FontId::Band);
   const QRect text = area.adjusted(Metrics.Scaled(kLabelMargin), 0, 0, 0);
-  const QString label = QFontMetrics(font).elidedText(ToQString(GetLabel(index)), Qt::ElideRight,
-                                                      static_cast<int>(text.width() / Metrics.PixelRatio));
+  const QString label =
+      QFontMetrics(font).elidedText(ToQString(GetLabel(index)), Qt::ElideRight, GetLabelRoom(Metrics));
   painter.DrawText(text, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, font, colours::kInk, label);
 }

@@ -40,6 +40,10 @@ class CCellPainter {
   /// What the photo's place in the order of the set is called.
   std::string GetLabel(int index) const;
 
+  /// The whole text of the cell's band, or of the name in place of a thumbnail, if it is painted cut; else
+  /// empty.
+  QString FindCutText(int index, bool inBand) const;
+
   int GetReadThumbnails() const { return ReadThumbnails; }
 
  private:

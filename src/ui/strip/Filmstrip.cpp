@@ -1,6 +1,7 @@
 #include "ui/strip/Filmstrip.h"
 
 #include <QApplication>
+#include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPointer>
@@ -18,6 +19,7 @@
 #include "ui/kit/Job.h"
 #include "ui/kit/KeyFocus.h"
 #include "ui/kit/QtText.h"
+#include "ui/kit/ToolTips.h"
 #include "ui/marks/PhotoMarks.h"
 
 namespace {
@@ -292,7 +294,17 @@ void CFilmstrip::StampChanged(StampId type, std::int32_t assetId) {
 bool CFilmstrip::event(QEvent* event) {
   // Sent when the window has moved to another screen, which may have another pixel ratio.
   if (event->type() == QEvent::ScreenChangeInternal) UpdateLayout();
-  return QWidget::event(event);
+  if (event->type() != QEvent::ToolTip) return QWidget::event(event);
+  ShowWholeText(static_cast<QHelpEvent&>(*event));
+  return true;
+}
+
+void CFilmstrip::ShowWholeText(QHelpEvent& event) {
+  const bool atRest = !Slide && !IsJobRunning();
+  const StripHit hit = atRest ? HitTestAt(event.pos()) : StripHit();
+  const bool onText = hit.Cell >= 0 && hit.Mark < 0;
+  const QString tip = onText ? Cache.FindCutText(IndexOfCell(hit.Cell), hit.InBand) : QString();
+  AnswerToolTip(event, tip, *this, {event.pos(), QSize(1, 1)});
 }
 
 void CFilmstrip::showEvent(QShowEvent*) {

@@ -179,6 +179,7 @@ class CFilmstrip : public QWidget, public CPaintedItems {
   void ShowPosition(double percent);
 
   StripHit HitTestAt(QPointF point) const;
+  void ShowWholeText(QHelpEvent& event);
   void SetHighlight(StripHit hit);
   int GetFirstOnView() const;
   void TellPhoto(int index);

@@ -202,7 +202,7 @@ void CPositionLabel::paintEvent(QPaintEvent*) {
   // The room below the letters is cut off.
   const int descent = QFontMetrics(GetFont(FontId::Small)).descent();
   painter.DrawText(painter.GetArea().adjusted(0, 0, 0, painter.Scaled(descent)), flags,
-                   GetFont(FontId::Small), Qt::white, Text);
+                   GetFont(FontId::Small), colours::kInk, Text);  // white would hardly show on the grey
 }
 
 CPushBars::CPushBars(QWidget& strip, const CPushBar::Jump& jump, LabelOf labelOf)

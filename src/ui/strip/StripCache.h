@@ -97,6 +97,7 @@ class CStripCache {
 
   /// What the photo's place in the order of the set is called.
   std::string GetLabel(int index) const { return Cells.GetLabel(index); }
+  QString FindCutText(int index, bool inBand) const { return Cells.FindCutText(index, inBand); }
 
   // Counted since the cache was made.
   int GetPaintedCells() const { return PaintedCells; }
