@@ -8,13 +8,17 @@
 
 namespace {
 
-// Until the desktop has told the frame of the window, one that is as wide as those of usual desktops.
-constexpr QMargins kUnknownFrame(4, 40, 4, 4);
+// Where the desktop doesn't tell it: the frame of the window, and a panel.
+constexpr QMargins kUntoldFrame(4, 100, 4, 4);
 
-/// Of a window on the screen. Without a frame of its own it has the desktop's title bar or none at all.
+/// What the window's screen has no room for. Wayland tells neither frame nor panels, X11 no frame before the
+/// window shows.
 QMargins GetFrame(const QWidget& window) {
   const QWindow* native = window.windowHandle();
-  return native != nullptr && native->isExposed() ? native->frameMargins() : kUnknownFrame;
+  const QMargins frame = native != nullptr ? native->frameMargins() : QMargins();
+  const bool isTold =
+      !frame.isNull() && !QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
+  return isTold ? frame : kUntoldFrame;
 }
 
 }  // namespace
