@@ -1,8 +1,11 @@
 #include "ui/kit/MessageBox.h"
 
 #include <QApplication>
+#include <QFontMetrics>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 
 #include "ui/kit/InputBlock.h"
 #include "ui/kit/Job.h"
@@ -20,8 +23,7 @@ QWidget* FindShown(const QString& name) {
 bool ShowBox(const std::string& title, const std::string& text, bool okCancel, QWidget* parent) {
   QMessageBox box(parent);
   box.setWindowTitle(ToQString(title));
-  box.setTextFormat(Qt::PlainText);
-  box.setText(ToQString(text));
+  SetBoxText(box, ToQString(text));
   const QPushButton* ok = box.addButton(QMessageBox::Ok);
   if (okCancel) {
     box.setIcon(QMessageBox::Warning);
@@ -33,7 +35,23 @@ bool ShowBox(const std::string& title, const std::string& text, bool okCancel, Q
   return !okCancel || box.clickedButton() == ok;
 }
 
+// Of a box: as wide as the toolkit makes a text, and what stands beside and below it, in lines.
+constexpr int kUsualWidth = 400;
+constexpr int kLinesBeside = 8;
+constexpr int kLinesBelow = 7;
+
 }  // namespace
+
+void SetBoxText(QMessageBox& box, const QString& text) {
+  box.setTextFormat(Qt::PlainText);
+  box.setText(text);
+  const QFontMetrics metrics = box.fontMetrics();
+  const QSize room = box.screen()->availableSize() - QSize(kLinesBeside, kLinesBelow) * metrics.lineSpacing();
+  const QRect usual(0, 0, kUsualWidth, QWIDGETSIZE_MAX);
+  if (metrics.boundingRect(usual, Qt::TextWordWrap, text).height() <= room.height()) return;
+  auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+  if (label != nullptr) label->setMinimumWidth(room.width());
+}
 
 QWidget* FindMessageParent(MessageParent parent) {
   QWidget* main = FindShown(window_names::kMainFrame);

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QString>
+
 #include "base/Messages.h"
 
+class QMessageBox;
 class QWidget;
 
 /// Shows messages in boxes of the desktop. A message of a running job is handed to the window thread,
@@ -14,3 +17,6 @@ class CWindowMessageBox : public CMessageBox {
 /// The window that a message box stands on: a progress window if it shows and either is asked for or has the
 /// main window disabled, else the main window if it shows, else null for none.
 QWidget* FindMessageParent(MessageParent parent);
+
+/// Gives a box a plain text. One that large letters would make too high for the screen becomes wide instead.
+void SetBoxText(QMessageBox& box, const QString& text);

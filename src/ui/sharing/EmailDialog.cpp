@@ -6,6 +6,7 @@
 
 #include "base/Settings.h"
 #include "base/Texts.h"
+#include "ui/kit/MessageBox.h"
 #include "ui/kit/Pictures.h"
 #include "ui/kit/QtText.h"
 
@@ -30,8 +31,7 @@ bool ShowEmailDialog(QWidget* parent) {
   box.setObjectName(QStringLiteral("EmailDialog"));
   box.setWindowTitle(ToQString(LoadExpandedString(StringId::EmailingTitle)));
   box.setIconPixmap(GetPicture(PictureId::Emailing, box.devicePixelRatioF()));
-  box.setTextFormat(Qt::PlainText);
-  box.setText(LoadParagraphs());
+  SetBoxText(box, LoadParagraphs());
   auto* doNotShow = new QCheckBox(ToQString(LoadExpandedString(StringId::DoNotShowAgain)));
   box.setCheckBox(doNotShow);
   const QPushButton* ok = box.addButton(QMessageBox::Ok);
