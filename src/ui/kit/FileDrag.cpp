@@ -8,6 +8,7 @@
 #include <QPixmap>
 
 #include "ui/kit/Job.h"
+#include "ui/kit/OpenAddress.h"
 #include "ui/kit/Pictures.h"
 
 namespace {
@@ -37,8 +38,4 @@ void CFileDrag::Run(const std::string& path, const CImage* picture) const {
     drag->setHotSpot(QRect(QPoint(), shown.deviceIndependentSize().toSize()).center());
   }
   drag->exec(Qt::CopyAction);
-}
-
-std::string GetAddressOfFile(const std::string& path) {
-  return "file://" + QByteArray::fromStdString(path).toPercentEncoding("/").toStdString();
 }

@@ -29,6 +29,3 @@ class CFileDrag {
   QWidget& Source;
   std::optional<QPoint> Pressed;
 };
-
-/// The address of a file, "file://..." with escapes, of any bytes as path.
-std::string GetAddressOfFile(const std::string& path);

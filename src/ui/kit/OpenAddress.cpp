@@ -8,7 +8,6 @@
 #include "base/Messages.h"
 #include "base/Texts.h"
 #include "platform/Programs.h"
-#include "ui/kit/FileDrag.h"
 
 namespace {
 
@@ -55,7 +54,11 @@ bool TryOpenWebPage(const std::string& address) {
 }
 
 void OpenFile(const std::string& path) {
-  // Made of the bytes: a path through QString loses those that aren't text.
   const QByteArray encoded = QByteArray::fromStdString(GetAddressOfFile(path));
   if (!FileExists(path, false) || !Open(QUrl::fromEncoded(encoded))) TellFailure(path);
+}
+
+std::string GetAddressOfFile(const std::string& path) {
+  // Made of the bytes: a path through QString loses those that aren't text.
+  return "file://" + QByteArray::fromStdString(path).toPercentEncoding("/").toStdString();
 }

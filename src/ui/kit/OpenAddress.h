@@ -13,3 +13,6 @@ bool TryOpenWebPage(const std::string& address);
 /// The same as OpenWebPage for a file, in the program that the desktop has for files of its kind. Any bytes
 /// will do as path.
 void OpenFile(const std::string& path);
+
+/// The address of a file, "file://..." in its encoded form. Any bytes will do as path.
+std::string GetAddressOfFile(const std::string& path);
