@@ -340,7 +340,8 @@ void CFilmstrip::paintEvent(QPaintEvent*) {
   }
   // The keys of the window move the strip.
   if (ShowsFocus(*window())) {
-    DrawSelectionFrame(painter, Layout.GetCellFrame(Layout.GetLensCell()), kFocusWidth);
+    const int left = Layout.GetCellLeft(Layout.GetLensCell());
+    DrawSelectionFrame(painter, Layout.GetMetrics().PictureAreaAt(left), kFocusWidth);
   }
 }
 
