@@ -23,6 +23,7 @@ namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
+using testing::SizeIs;
 
 constexpr const char* kFooter =
     "\n\n\nI use Vellumar Photo Organizer to find, print, and share my photos.\nYou can too because it's "
@@ -154,6 +155,12 @@ TEST_F(CMailTest, WithoutAMailNothingStaysBehind) {
   Client.Send({photo}, std::nullopt);
   EXPECT_THAT(Messages.Texts, ElementsAre("No mail program was found that takes these photos."));
   EXPECT_FALSE(fs::exists(InHome(".cache")));
+  {
+    const CFakeEmailPortal refusing(2);
+    Client.Send({photo}, std::nullopt);
+    EXPECT_THAT(Messages.Texts, SizeIs(2)) << "nobody took the mail";
+    EXPECT_EQ(CountMails(), 0);
+  }
 
   AddThunderbird();
   Client.Send({broken, broken}, std::nullopt);
