@@ -86,11 +86,11 @@ class CWindowManager {
 void ActivateWindow(QWidget& window, const std::string& token) {
   window.raise();
   const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-  if (x11 != nullptr) {
+  xcb_connection_t* const connection = x11 != nullptr ? x11->connection() : nullptr;
+  if (connection != nullptr && !token.empty()) {
+    const CWindowManager manager(connection, static_cast<xcb_window_t>(window.winId()));
     const std::optional<xcb_timestamp_t> time = FindTime(token);
-    if (!time) return window.activateWindow();
-    const CWindowManager manager(x11->connection(), static_cast<xcb_window_t>(window.winId()));
-    manager.Activate(*time);
+    time ? manager.Activate(*time) : window.activateWindow();
     return manager.TellStarted(token);
   }
   // The toolkit takes the token for a Wayland desktop from here.
