@@ -23,6 +23,7 @@ std::size_t ReadLength(std::string_view bytes) {
 std::string EncodeStartRequest(const StartRequest& request) {
   std::string body = (IsToken(request.ActivationToken) ? request.ActivationToken : std::string()) + '\0';
   for (const std::string& path : request.Paths) {
+    if (!path.starts_with('/')) continue;
     if (kHeader + body.size() + path.size() + 1 <= kLongestStartRequest) body += path + '\0';
   }
   std::string bytes;

@@ -11,11 +11,11 @@ struct StartRequest {
   std::vector<std::string> Paths;  // absolute, as bytes
 };
 
-/// The longest request, in bytes. A command line of the system isn't longer.
+/// The longest request, in bytes: room for tens of thousands of paths.
 inline constexpr std::size_t kLongestStartRequest = std::size_t{4} << 20;
 
 /// The bytes of a request: their number as four bytes, the highest first, then the token and the paths, each
-/// with a zero byte behind it. Paths for which there is no room are left out.
+/// with a zero byte behind it. Paths that aren't absolute, or for which there is no room, are left out.
 std::string EncodeStartRequest(const StartRequest& request);
 
 /// Reads a request from bytes that come in pieces and may be anybody's.

@@ -6,7 +6,7 @@ using State = CStartRequestParser::State;
 using namespace std::string_literals;
 
 TEST(StartRequest, ComesThroughInAnyPieces) {
-  const std::string bytes = EncodeStartRequest({"token_TIME17", {"/a b", "/b\xfc\n", "/"}});
+  const std::string bytes = EncodeStartRequest({"token_TIME17", {"/a b", "relative", "/b\xfc\n", "/"}});
   for (std::size_t cut = 0; cut <= bytes.size(); ++cut) {
     CStartRequestParser parser;
     EXPECT_EQ(parser.Add(bytes.substr(0, cut)), cut < bytes.size() ? State::Unfinished : State::Whole);
