@@ -15,6 +15,7 @@
 #include "sets/PhotoSet.h"
 #include "ui/back/FilterBar.h"
 #include "ui/frame/MainFrame.h"
+#include "ui/kit/FileDrag.h"
 #include "ui/kit/Job.h"
 #include "ui/pages/PhotoTab.h"
 
@@ -66,7 +67,8 @@ void CPathsToShow::Add(std::vector<std::string> paths) {
 
 bool CPathsToShow::MayShow() const {
   return !Showing && Frame.isVisible() && !IsJobRunning() && !Frame.IsInputBlocked() &&
-         QApplication::activeModalWidget() == nullptr && QApplication::activePopupWidget() == nullptr;
+         QApplication::activeModalWidget() == nullptr && QApplication::activePopupWidget() == nullptr &&
+         !CFileDrag::IsRunning();
 }
 
 void CPathsToShow::ShowWaiting() {
@@ -89,6 +91,7 @@ void CPathsToShow::Show(const std::vector<std::string>& paths) {
   std::vector<std::string> wanted;
   std::ranges::transform(named, std::back_inserter(wanted), &NamedPath::Path);
   named = LookUp(wanted);
+  if (Frame.IsClosing()) return;
   if (const NamedPath* folder = FindFirst(named, NamedKind::Folder)) ShowFolder(*folder);
   if (const NamedPath* photo = FindFirst(named, NamedKind::Photo)) ShowPhoto(*photo);
 
@@ -97,7 +100,8 @@ void CPathsToShow::Show(const std::vector<std::string>& paths) {
     const bool isMissing = path.Kind == NamedKind::NewPhoto && isComplete;
     if (path.Kind == NamedKind::Nothing || isMissing) notShown.push_back(path.Path);
   }
-  if (!notShown.empty()) ShowMessage(FormatString(StringId::PathsNotShown, ListPaths(notShown)));
+  if (notShown.empty() || Frame.IsClosing()) return;
+  ShowMessage(FormatString(StringId::PathsNotShown, ListPaths(notShown)));
 }
 
 std::vector<NamedPath> CPathsToShow::LookUp(const std::vector<std::string>& paths) const {

@@ -6,6 +6,7 @@
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPixmap>
+#include <QScopedValueRollback>
 
 #include "ui/kit/Job.h"
 #include "ui/kit/OpenAddress.h"
@@ -14,6 +15,8 @@
 namespace {
 
 constexpr QSize kPicture(140, 105);
+
+bool DragRuns = false;
 
 }  // namespace
 
@@ -37,5 +40,8 @@ void CFileDrag::Run(const std::string& path, const CImage* picture) const {
     drag->setPixmap(shown);
     drag->setHotSpot(QRect(QPoint(), shown.deviceIndependentSize().toSize()).center());
   }
+  const QScopedValueRollback<bool> running(DragRuns, true);
   drag->exec(Qt::CopyAction);
 }
+
+bool CFileDrag::IsRunning() { return DragRuns; }

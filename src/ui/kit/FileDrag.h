@@ -21,9 +21,12 @@ class CFileDrag {
   /// Whether this move makes a drag of the press. It does so once, and not while a job runs.
   bool BeginsWith(const QMouseEvent& move);
 
-  /// Drags until the button is let go, while events are handled. What happens to the file or the widget
-  /// meanwhile does no harm. `picture` is what shows under the pointer; null for none.
+  /// Drags until the button is let go, while events are handled. What happens to the file meanwhile does no
+  /// harm; the widget stays until then. `picture` is what shows under the pointer; null for none.
   void Run(const std::string& path, const CImage* picture) const;
+
+  /// Whether any photo is being dragged.
+  static bool IsRunning();
 
  private:
   QWidget& Source;
