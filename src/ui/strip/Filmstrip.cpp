@@ -581,8 +581,8 @@ void CFilmstrip::mousePressEvent(QMouseEvent* event) {
   FinishMove();
   Drag.Forget();
   const StripHit hit = HitTestAt(event->position());
-  if (hit.Cell == Layout.GetLensCell() && !hit.InBand) Drag.Press(event->position().toPoint());
   if (hit.Mark >= 0) return ToggleMark(hit, event->modifiers().testFlag(Qt::ShiftModifier));
+  if (hit.Cell == Layout.GetLensCell() && !hit.InBand) Drag.Press(event->position().toPoint());
   if (hit.Cell < 0 || hit.InBand || hit.Cell == Layout.GetLensCell()) return;
   StopSlideShow();
   MoveBy(hit.Cell - Layout.GetLensCell());
