@@ -81,8 +81,9 @@ int UploadAll(CUploadQueue& queue, CServiceDesktop& desktop, CServiceSession& se
     photo.Info = ReadInfoAside(photo.Path, desktop, progress);
     progress.SetPhoto(uploaded, photo);
     if (!session.UploadPhoto(MakeForm(photo, albumName, orderPrints))) {
-      if (!progress.IsStopped() && !desktop.IsEnding())
+      if (!progress.IsStopped() && !desktop.IsEnding()) {
         ShowMessageId(StringId::PhotosNotProcessed, false, MessageParent::ProgressWindow);
+      }
       break;
     }
     ++uploaded;

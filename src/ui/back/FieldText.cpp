@@ -55,8 +55,9 @@ class CFieldTextFace final : public CPartFace, public CShownText {
     return state;
   }
   void* interface_cast(QAccessible::InterfaceType type) override {
-    if (type == QAccessible::TextInterface && !IsEdited())
+    if (type == QAccessible::TextInterface && !IsEdited()) {
       return static_cast<QAccessibleTextInterface*>(this);
+    }
     return CPartFace::interface_cast(type);
   }
   QString GetShownText() const override { return GetField() != nullptr ? GetField()->GetText() : QString(); }

@@ -301,8 +301,9 @@ void CPhotoBack::Layout() {
   const int offset = ScrollBar.value();
   GetField(StampId::Title)->SetLines(layout.Room.TitleLines);
   GetField(StampId::Note)->SetLines(layout.Room.CaptionLines);
-  for (std::size_t i = 0; i < kFieldCount; ++i)
+  for (std::size_t i = 0; i < kFieldCount; ++i) {
     Fields[i]->setGeometry(layout.Fields[i].translated(0, -offset));
+  }
   const CPhotoField& rating = *GetField(StampId::Rating);
   Rating->GetControl().move(rating.x() + rating.GetLabelWidth() + kStarsLeft, rating.y());
   if (FilterBar != nullptr) {

@@ -150,8 +150,9 @@ class CListFace final : public CPartFace {
     // by one. The first ones of many are enough: a tool then asks for the list anew.
     int told = 0;
     for (const auto& [key, index] : Places) {
-      if (!before.contains(key) && told++ < kMostNewItems)
+      if (!before.contains(key) && told++ < kMostNewItems) {
         TellTools(*FaceOf(key), QAccessible::ObjectCreated);
+      }
     }
   }
 
