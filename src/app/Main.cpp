@@ -171,5 +171,6 @@ int Main(const Arguments& commandLine, const std::string& activationToken) {
     start.reset();
     ReportFatalFailure(frame, failure.what());
   }
+  endGuard.Begin(kEarlyExitCode);
   return kEarlyExitCode;
 }
