@@ -67,6 +67,9 @@ class CFieldMenu final : public QMenu {
         return Mark(std::max<qsizetype>(marked - kPage, 0), 1);
       case Qt::Key_PageDown:
         return Mark(std::min(marked + kPage, last), -1);
+      case Qt::Key_F4:  // which opens it, too
+        close();
+        return;
       default:
         if (!MarkNext(event->text().trimmed())) QMenu::keyPressEvent(event);
     }
