@@ -5,8 +5,8 @@
 
 namespace platform {
 
-/// Ends the process if its own end takes too long, as when a thread reads from a disk that has stopped to
-/// answer. For a time when nothing is left to be saved.
+/// Ends the process if its own end takes too long, as when a thread reads from a disk that doesn't answer any
+/// more. For a time when nothing is left to be saved.
 class EndGuard {
  public:
   explicit EndGuard(std::chrono::milliseconds limit) : Limit(limit) {}

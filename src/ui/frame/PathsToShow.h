@@ -8,9 +8,10 @@
 
 class CMainFrame;
 
-/// The photos and folders that a command line has named: that of this process, or of one that was started
-/// later. They are shown as soon as nothing else is going on, and wait for the end of a job, an upload, a
-/// drag, a dialog or an open list; what is being edited is committed. Window thread.
+/// The photos and folders that a command line has named, that of this process or of one that was started
+/// later, and those that were dropped on the window. They are shown as soon as nothing else is going on, and
+/// wait for the end of a job, an upload, a drag, a dialog or an open list; what is being edited is committed.
+/// Window thread.
 ///
 /// The first photo named comes under the lens, on the page of the current photo, and only those filters that
 /// hide it are taken away; one that is deleted is selected in the trash. Without a photo the first folder
