@@ -7,9 +7,9 @@
 #include <QTextOption>
 
 #include "ui/back/PhotoBackLayout.h"
+#include "ui/controls/DropText.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
-#include "ui/kit/DropText.h"
 #include "ui/kit/PaintedGroup.h"
 #include "ui/kit/ShownText.h"
 #include "ui/kit/ToolTips.h"

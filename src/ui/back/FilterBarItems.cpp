@@ -2,7 +2,7 @@
 
 #include "base/Texts.h"
 #include "sets/PhotoFilter.h"
-#include "ui/kit/DropControl.h"
+#include "ui/controls/DropControl.h"
 
 namespace {
 

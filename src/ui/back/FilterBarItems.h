@@ -5,7 +5,7 @@
 
 #include "catalog/PhotoFacts.h"
 #include "catalog/StringHistory.h"
-#include "ui/kit/DropControlModel.h"
+#include "ui/controls/DropControlModel.h"
 
 class CDropControl;
 

@@ -15,7 +15,7 @@
 #include "base/Paths.h"
 #include "base/Texts.h"
 #include "platform/Files.h"
-#include "ui/kit/DropText.h"
+#include "ui/controls/DropText.h"
 #include "ui/kit/QtText.h"
 
 namespace {

@@ -13,13 +13,13 @@
 #include "ui/back/PhotoBackLayout.h"
 #include "ui/back/PhotoField.h"
 #include "ui/back/PhotoFieldSet.h"
+#include "ui/controls/RatingControl.h"
 #include "ui/kit/ClickFocus.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/FontTable.h"
 #include "ui/kit/Job.h"
 #include "ui/kit/QtText.h"
-#include "ui/kit/RatingControl.h"
 #include "ui/kit/ToolTips.h"
 
 namespace {

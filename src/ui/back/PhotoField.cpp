@@ -14,11 +14,11 @@
 #include "ui/back/FieldText.h"
 #include "ui/back/PhotoBackLayout.h"
 #include "ui/back/TokenList.h"
+#include "ui/controls/PaintedButton.h"
 #include "ui/kit/ClickFocus.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/Job.h"
-#include "ui/kit/PaintedButton.h"
 #include "ui/kit/QtText.h"
 
 namespace {

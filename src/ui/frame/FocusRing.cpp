@@ -5,11 +5,11 @@
 
 #include "ui/back/FilterBar.h"
 #include "ui/back/PhotoBack.h"
+#include "ui/controls/DropControl.h"
+#include "ui/controls/PaintedButton.h"
+#include "ui/controls/Toolbar.h"
 #include "ui/frame/MainParts.h"
 #include "ui/kit/ClickFocus.h"
-#include "ui/kit/DropControl.h"
-#include "ui/kit/PaintedButton.h"
-#include "ui/kit/Toolbar.h"
 #include "ui/pages/ViewTabBar.h"
 
 std::vector<QWidget*> CFocusRing::ListStops() const {

@@ -11,9 +11,9 @@
 
 #include "base/Folders.h"
 #include "base/Texts.h"
+#include "ui/controls/PaintedButton.h"
 #include "ui/kit/FontTable.h"
 #include "ui/kit/OpenAddress.h"
-#include "ui/kit/PaintedButton.h"
 #include "ui/kit/SmallWindow.h"
 #include "ui/search/SearchProgressLayout.h"
 

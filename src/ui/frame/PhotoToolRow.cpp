@@ -1,10 +1,10 @@
 #include "ui/frame/PhotoToolRow.h"
 
 #include "base/Texts.h"
-#include "ui/kit/PaintedButton.h"
+#include "ui/controls/PaintedButton.h"
+#include "ui/controls/Toolbar.h"
 #include "ui/kit/QtText.h"
 #include "ui/kit/ToolTips.h"
-#include "ui/kit/Toolbar.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
 #include "ui/frame/ViewMode.h"
 
 #include "ui/back/PhotoBack.h"
+#include "ui/controls/PaintedButton.h"
+#include "ui/controls/Toolbar.h"
 #include "ui/frame/FullScreen.h"
 #include "ui/frame/MainParts.h"
 #include "ui/kit/FontTable.h"
-#include "ui/kit/PaintedButton.h"
-#include "ui/kit/Toolbar.h"
 #include "ui/pages/PhotoView.h"
 #include "ui/pages/ViewTabBar.h"
 #include "ui/strip/StripWindow.h"

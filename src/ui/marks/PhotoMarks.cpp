@@ -1,7 +1,7 @@
 #include "ui/marks/PhotoMarks.h"
 
 #include "base/Texts.h"
-#include "ui/kit/RatingControl.h"
+#include "ui/controls/RatingControl.h"
 
 namespace {
 

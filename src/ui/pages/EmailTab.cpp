@@ -3,8 +3,8 @@
 #include <optional>
 
 #include "base/Texts.h"
+#include "ui/controls/Toolbar.h"
 #include "ui/kit/QtText.h"
-#include "ui/kit/Toolbar.h"
 #include "ui/sharing/EmailDialog.h"
 #include "ui/sharing/EmailSending.h"
 

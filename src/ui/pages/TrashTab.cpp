@@ -3,10 +3,10 @@
 #include "base/Texts.h"
 #include "catalog/ThumbnailCache.h"
 #include "editing/RemovePhotos.h"
+#include "ui/controls/Toolbar.h"
 #include "ui/kit/Job.h"
 #include "ui/kit/JobProgress.h"
 #include "ui/kit/QtText.h"
-#include "ui/kit/Toolbar.h"
 #include "ui/kit/WaitCursor.h"
 
 namespace {

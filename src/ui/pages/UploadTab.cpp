@@ -3,9 +3,9 @@
 #include "base/Texts.h"
 #include "catalog/Catalog.h"
 #include "sharing/UploadRun.h"
+#include "ui/controls/Toolbar.h"
 #include "ui/kit/InputBlock.h"
 #include "ui/kit/QtText.h"
-#include "ui/kit/Toolbar.h"
 #include "ui/sharing/ServiceWindows.h"
 
 namespace {

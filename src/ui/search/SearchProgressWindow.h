@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "ui/controls/PaintedButton.h"
 #include "ui/kit/Commands.h"
-#include "ui/kit/PaintedButton.h"
 #include "ui/kit/PaintedGroup.h"
 #include "ui/kit/ToldBar.h"
 #include "ui/search/SearchProgressLayout.h"

@@ -9,8 +9,8 @@
 #include <QPainter>
 
 #include "sharing/ServiceSession.h"
+#include "ui/controls/PaintedButton.h"
 #include "ui/kit/InputBlock.h"
-#include "ui/kit/PaintedButton.h"
 #include "ui/kit/Pictures.h"
 #include "ui/kit/QtText.h"
 #include "ui/kit/SmallWindow.h"

@@ -6,8 +6,8 @@
 #include <QWidget>
 
 #include "sharing/UploadProgress.h"
+#include "ui/controls/PaintedButton.h"
 #include "ui/kit/Commands.h"
-#include "ui/kit/PaintedButton.h"
 #include "ui/kit/PaintedGroup.h"
 
 /// A bar of the upload window, with its label over it.

@@ -6,12 +6,12 @@
 #include "base/Texts.h"
 #include "imaging/Image.h"
 #include "sets/PhotoSet.h"
+#include "ui/controls/RatingControl.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/FontTable.h"
 #include "ui/kit/Pictures.h"
 #include "ui/kit/QtText.h"
-#include "ui/kit/RatingControl.h"
 #include "ui/marks/PhotoMarks.h"
 
 namespace {

@@ -5,8 +5,8 @@
 #include <functional>
 #include <vector>
 
+#include "ui/controls/PaintedButton.h"
 #include "ui/kit/Commands.h"
-#include "ui/kit/PaintedButton.h"
 #include "ui/kit/PaintedGroup.h"
 #include "ui/strip/StripLayout.h"
 

@@ -7,7 +7,7 @@
 #include <functional>
 #include <vector>
 
-#include "ui/kit/ButtonTip.h"
+#include "ui/controls/ButtonTip.h"
 #include "ui/kit/PaintedGroup.h"
 #include "ui/strip/StripLayout.h"
 

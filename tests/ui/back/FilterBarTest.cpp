@@ -11,7 +11,7 @@
 #include "ui/HomeFixture.h"
 #include "ui/back/FilterBar.h"
 #include "ui/back/FilterBarHost.h"
-#include "ui/kit/DropControl.h"
+#include "ui/controls/DropControl.h"
 
 namespace {
 

@@ -15,8 +15,8 @@
 #include "ui/back/PhotoBackLayout.h"
 #include "ui/back/PhotoField.h"
 #include "ui/back/PhotoFieldSet.h"
+#include "ui/controls/PaintedButton.h"
 #include "ui/kit/Job.h"
-#include "ui/kit/PaintedButton.h"
 
 namespace {
 

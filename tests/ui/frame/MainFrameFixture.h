@@ -2,8 +2,8 @@
 
 #include "sets/PhotoSet.h"
 #include "ui/HomeFixture.h"
+#include "ui/controls/Toolbar.h"
 #include "ui/frame/MainFrame.h"
-#include "ui/kit/Toolbar.h"
 #include "ui/pages/PhotoView.h"
 #include "ui/search/WindowedSearchProgress.h"
 #include "ui/strip/StripWindow.h"

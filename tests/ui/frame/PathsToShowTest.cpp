@@ -5,8 +5,8 @@
 
 #include "catalog/StringHistory.h"
 #include "ui/back/FilterBar.h"
+#include "ui/controls/DropControl.h"
 #include "ui/frame/MainFrameFixture.h"
-#include "ui/kit/DropControl.h"
 #include "ui/pages/PhotoTab.h"
 #include "ui/pages/ViewTabBar.h"
 

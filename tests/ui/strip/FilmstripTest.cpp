@@ -6,8 +6,8 @@
 #include "sets/QuerySet.h"
 #include "support/CatalogFixture.h"
 #include "ui/WindowTest.h"
+#include "ui/controls/PaintedButton.h"
 #include "ui/kit/Job.h"
-#include "ui/kit/PaintedButton.h"
 #include "ui/strip/StripWindow.h"
 
 namespace {

@@ -1,8 +1,8 @@
-#include "ui/kit/DropFace.h"
+#include "ui/controls/DropFace.h"
 
 #include <memory>
 
-#include "ui/kit/DropControl.h"
+#include "ui/controls/DropControl.h"
 #include "ui/kit/ShownText.h"
 
 namespace {

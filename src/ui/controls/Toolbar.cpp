@@ -1,4 +1,4 @@
-#include "ui/kit/Toolbar.h"
+#include "ui/controls/Toolbar.h"
 
 #include <QMouseEvent>
 #include <algorithm>

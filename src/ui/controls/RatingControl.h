@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "ui/kit/PaintedButton.h"
+#include "ui/controls/PaintedButton.h"
 
 /// A rating above 0 in words: "3 stars".
 std::string GetStarsText(int count);

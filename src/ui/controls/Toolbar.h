@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "resources/StringIds.h"
+#include "ui/controls/PaintedButton.h"
 #include "ui/kit/FontTable.h"
-#include "ui/kit/PaintedButton.h"
 #include "ui/kit/PaintedGroup.h"
 
 /// How a row of buttons makes do with the width it has. Captions stand under their buttons, so each button

@@ -7,9 +7,9 @@
 
 #include "resources/PictureIds.h"
 #include "resources/StringIds.h"
+#include "ui/controls/ButtonPress.h"
+#include "ui/controls/ButtonTip.h"
 #include "ui/kit/AssistiveTools.h"
-#include "ui/kit/ButtonPress.h"
-#include "ui/kit/ButtonTip.h"
 #include "ui/kit/Commands.h"
 
 class CDevicePainter;

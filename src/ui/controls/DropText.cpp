@@ -1,12 +1,12 @@
-#include "ui/kit/DropText.h"
+#include "ui/controls/DropText.h"
 
 #include <QFontMetricsF>
 #include <cmath>
 
+#include "ui/controls/RatingControl.h"
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/Pictures.h"
 #include "ui/kit/QtText.h"
-#include "ui/kit/RatingControl.h"
 
 namespace {
 

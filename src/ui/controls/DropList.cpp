@@ -1,4 +1,4 @@
-#include "ui/kit/DropList.h"
+#include "ui/controls/DropList.h"
 
 #include <QHelpEvent>
 #include <QImage>

@@ -2,7 +2,7 @@
 #include <QKeyEvent>
 
 #include "ui/WindowTest.h"
-#include "ui/kit/Toolbar.h"
+#include "ui/controls/Toolbar.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "ui/kit/RatingControl.h"
+#include "ui/controls/RatingControl.h"
 
 #include <QKeyEvent>
 #include <algorithm>

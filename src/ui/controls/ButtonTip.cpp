@@ -1,4 +1,4 @@
-#include "ui/kit/ButtonTip.h"
+#include "ui/controls/ButtonTip.h"
 
 #include <QFontMetricsF>
 #include <QScreen>

@@ -1,4 +1,4 @@
-#include "ui/kit/DropControlModel.h"
+#include "ui/controls/DropControlModel.h"
 
 #include <algorithm>
 

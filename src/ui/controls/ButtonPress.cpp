@@ -1,4 +1,4 @@
-#include "ui/kit/ButtonPress.h"
+#include "ui/controls/ButtonPress.h"
 
 bool CButtonPress::Press() {
   if (State == ButtonState::Disabled) return false;

@@ -4,9 +4,9 @@
 #include <QLineEdit>
 
 #include "ui/WindowTest.h"
+#include "ui/controls/DropControl.h"
+#include "ui/controls/DropList.h"
 #include "ui/kit/ClickFocus.h"
-#include "ui/kit/DropControl.h"
-#include "ui/kit/DropList.h"
 
 namespace {
 

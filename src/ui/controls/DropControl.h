@@ -4,8 +4,8 @@
 #include <functional>
 #include <memory>
 
-#include "ui/kit/DropControlModel.h"
-#include "ui/kit/DropText.h"
+#include "ui/controls/DropControlModel.h"
+#include "ui/controls/DropText.h"
 #include "ui/kit/Flags.h"
 #include "ui/kit/FontTable.h"
 #include "ui/kit/PaintedGroup.h"

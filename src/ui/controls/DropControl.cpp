@@ -1,4 +1,4 @@
-#include "ui/kit/DropControl.h"
+#include "ui/controls/DropControl.h"
 
 #include <QApplication>
 #include <QFocusEvent>
@@ -14,11 +14,11 @@
 #include <utility>
 
 #include "base/Exceptions.h"
+#include "ui/controls/DropFace.h"
+#include "ui/controls/DropList.h"
 #include "ui/kit/ClickFocus.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
-#include "ui/kit/DropFace.h"
-#include "ui/kit/DropList.h"
 #include "ui/kit/KeyFocus.h"
 #include "ui/kit/QtText.h"
 #include "ui/kit/ToolTips.h"

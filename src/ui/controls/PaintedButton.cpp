@@ -1,4 +1,4 @@
-#include "ui/kit/PaintedButton.h"
+#include "ui/controls/PaintedButton.h"
 
 #include <QFocusEvent>
 #include <QFontMetricsF>
@@ -10,7 +10,7 @@
 #include <memory>
 #include <utility>
 
-#include "ui/kit/ButtonFace.h"
+#include "ui/controls/ButtonFace.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/KeyFocus.h"

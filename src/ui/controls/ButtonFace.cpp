@@ -1,8 +1,8 @@
-#include "ui/kit/ButtonFace.h"
+#include "ui/controls/ButtonFace.h"
 
 #include <memory>
 
-#include "ui/kit/PaintedButton.h"
+#include "ui/controls/PaintedButton.h"
 #include "ui/kit/PaintedGroup.h"
 
 namespace {

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "ui/kit/DropText.h"
+#include "ui/controls/DropText.h"
 #include "ui/kit/PaintedItems.h"
 
 class CDevicePainter;
