@@ -299,7 +299,10 @@ void CMainFrame::RebuildStrip() {
 
 void CMainFrame::OnStampChanged(StampId type) {
   // While the current photo changes, this is still the previous one.
-  if (const auto& photo = Parts.PhotoView->GetPhoto()) GetStrip().StampChanged(type, photo->GetAssetID());
+  const auto& photo = Parts.PhotoView->GetPhoto();
+  if (!photo) return;
+  GetStrip().StampChanged(type, photo->GetAssetID());
+  Parts.PhotoView->TellDescription();
 }
 
 ImageSize CMainFrame::GetPictureSize() const {

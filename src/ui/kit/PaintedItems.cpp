@@ -18,6 +18,13 @@ constexpr int kMostNewItems = 50;  // that are told one by one
 /// Where each item stood when the items were told last: usually the way to an item without a search.
 using ItemPlaces = std::unordered_map<int, int>;  // index by key
 
+void TellNameAfterJob(const QPointer<QWidget>& widget, int key) {
+  RunAfterJob([widget, key] {
+    if (IsJobRunning()) return TellNameAfterJob(widget, key);  // the next one
+    if (CPaintedItems* items = ItemsOf(widget)) items->TellItemName(items->FindItem(key));
+  });
+}
+
 /// One item, known by its key. Invalid while the widget has none of that key.
 class CItemFace final : public QAccessibleInterface, public QAccessibleActionInterface {
  public:
@@ -74,13 +81,18 @@ class CItemFace final : public QAccessibleInterface, public QAccessibleActionInt
   PaintedItem Describe() const {
     const int index = GetIndex();
     if (index < 0) return {};
-    return Last.Ask([&] { return ItemsOf(Widget)->DescribeItem(index); });
+    const PaintedItem& told = Last.Ask([&] { return ItemsOf(Widget)->DescribeItem(index); });
+    // Tools keep an answer, so the empty one that they get meanwhile has to be put right.
+    const bool isUnknown = told.Name.isEmpty() && IsJobRunning();
+    if (isUnknown && !std::exchange(WillTellName, true)) TellNameAfterJob(Widget, Key);
+    return told;
   }
 
   const QPointer<QWidget> Widget;
   const int Key;
   const ItemPlaces& Places;
   mutable CLastAnswer<PaintedItem> Last;
+  mutable bool WillTellName = false;
 };
 
 QAccessible::State CItemFace::state() const {

@@ -53,12 +53,13 @@ class CPaintedItems : public CFaceMaker {
 
   QAccessibleInterface* MakeFace() final;
 
+  void TellItemName(int index);
+
  protected:
   /// Another item is current or selected, or the widget has got the focus. Told only while the widget shows.
   void TellCurrentItem();
   /// Items have come, gone or changed places.
   void TellItems();
-  void TellItemName(int index);
 
  private:
   /// Tells from the event loop, so that many changes in a row are told as one, and the current item after the

@@ -83,6 +83,7 @@ void CPhotoView::SetPhoto(const std::optional<CAssetRecord>& photo) {
   Reload(false);
   update();
   TellTools(*this, QAccessible::NameChanged);
+  TellDescription();
   if (CountsAsFocused(*this)) TellFocus();
 }
 
@@ -98,8 +99,10 @@ void CPhotoView::UpdateFlags() {
   if (flags == ShownFlags) return;
   ShownFlags = flags;
   update();
-  TellTools(*this, QAccessible::DescriptionChanged);
+  TellDescription();
 }
+
+void CPhotoView::TellDescription() { TellTools(*this, QAccessible::DescriptionChanged); }
 
 void CPhotoView::SetLook(const Look& look) {
   if (look == TheLook) return;

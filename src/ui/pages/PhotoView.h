@@ -57,6 +57,8 @@ class CPhotoView : public QWidget, public CFaceMaker {
 
   /// Takes over the photo's marks.
   void UpdateFlags();
+  /// The photo's caption or rating has changed, of which tools are told.
+  void TellDescription();
 
   struct Look {
     bool Margin = true;  // without one the photo goes to the page's edges and throws no shadow
