@@ -3,8 +3,10 @@
 #include <QApplication>
 #include <QPainter>
 #include <QPalette>
+#include <QPushButton>
 #include <QStyleFactory>
 #include <QStyleOption>
+#include <QToolButton>
 #include <memory>
 
 #include "ui/kit/Colours.h"
@@ -83,6 +85,13 @@ int CLook::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* 
 
 void CLook::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                           const QWidget* widget) const {
+  const bool isPushButton = qobject_cast<const QPushButton*>(widget) != nullptr;  // its panel shows the focus
+  if (element == PE_FrameFocusRect && !isPushButton) {
+    // The base style's own is faint, and that of a tool button lies behind its picture.
+    const QRect area = qobject_cast<const QToolButton*>(widget) != nullptr ? widget->rect() : option->rect;
+    if (option->state.testFlag(State_KeyboardFocusChange)) DrawFrame(*painter, area, true);
+    return;
+  }
   QProxyStyle::drawPrimitive(element, option, painter, widget);
   const bool focused = option->state.testFlag(State_HasFocus);
   if (element == PE_FrameLineEdit && focused) DrawFrame(*painter, option->rect, true);
