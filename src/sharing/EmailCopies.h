@@ -15,6 +15,8 @@ class CEmailProgress {
 
   /// Whether the user has asked to stop.
   virtual bool IsStopped() const = 0;
+  /// No more comes, but perhaps a message.
+  virtual void End() {}
 };
 
 /// Writes a copy of a photo that fits 800 by 600 pixels, never enlarged, as a new JPEG of quality 65. It

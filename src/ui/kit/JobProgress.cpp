@@ -37,3 +37,10 @@ bool CJobProgress::Report(int done) {
   });
   return !Stopped;
 }
+
+void CJobProgress::End() {
+  RunOnWindowThread([this] {
+    Dialog.reset();  // it isn't to show itself any more
+    Dialog.hide();
+  });
+}

@@ -26,6 +26,9 @@ class CJobProgress {
   /// False if the user has asked to stop.
   bool Report(int done);
 
+  /// From the job: hides the window, so that a message that follows stands alone.
+  void End();
+
   /// Any thread.
   bool IsStopped() const { return Stopped; }
 

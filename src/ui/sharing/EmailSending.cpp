@@ -15,6 +15,7 @@ class CWindowedEmailProgress : public CEmailProgress {
 
   void Progress(std::size_t done, std::size_t) override { Window.Report(static_cast<int>(done)); }
   bool IsStopped() const override { return Window.IsStopped(); }
+  void End() override { Window.End(); }
 
  private:
   CJobProgress Window;
