@@ -8,6 +8,7 @@
 
 #include "ui/back/PhotoBackLayout.h"
 #include "ui/controls/DropText.h"
+#include "ui/kit/ClickFocus.h"
 #include "ui/kit/Colours.h"
 #include "ui/kit/DevicePainter.h"
 #include "ui/kit/PaintedGroup.h"
@@ -52,6 +53,7 @@ class CFieldTextFace final : public CPartFace, public CShownText {
   QAccessible::State state() const override {
     QAccessible::State state = CPartFace::state();
     state.readOnly = GetField() == nullptr || !GetField()->IsEditable();
+    if (CanBegin()) state.focusable = true;
     return state;
   }
   void* interface_cast(QAccessible::InterfaceType type) override {
@@ -63,18 +65,21 @@ class CFieldTextFace final : public CPartFace, public CShownText {
   QString GetShownText() const override { return GetField() != nullptr ? GetField()->GetText() : QString(); }
 
   QStringList actionNames() const override {
-    const bool canBegin = GetField() != nullptr && GetField()->IsEditable() && !IsEdited();
-    return canBegin ? QStringList(pressAction()) : QStringList();
+    return CanBegin() ? QStringList{pressAction(), setFocusAction()} : QStringList();
   }
   void doAction(const QString& action) override {
     CFieldText* field = GetField();
     if (field == nullptr || !actionNames().contains(action)) return;
-    DoAsClicked(*field, [field] { field->OnClicked(); });
+    DoAsClicked(*field, [field, action] {
+      if (action == pressAction()) return field->OnClicked();
+      GiveFocus(*field->parentWidget(), Qt::TabFocusReason);  // where Tab stops
+    });
   }
 
  private:
   CFieldText* GetField() const { return dynamic_cast<CFieldText*>(object()); }
   bool IsEdited() const { return GetField() != nullptr && GetField()->IsEditing(); }
+  bool CanBegin() const { return GetField() != nullptr && GetField()->IsEditable() && !IsEdited(); }
 };
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "ui/controls/DropControl.h"
+#include "ui/kit/ClickFocus.h"
 #include "ui/kit/ShownText.h"
 
 namespace {
@@ -37,13 +38,16 @@ class CDropFace final : public CGroupFace, public CShownText {
   QStringList actionNames() const override {
     QStringList names{showMenuAction()};
     if (GetControl() != nullptr && GetControl()->HasEditBox()) names += pressAction();
-    return names;
+    return names + CGroupFace::actionNames();
   }
   void doAction(const QString& action) override {
     CDropControl* control = GetControl();
     if (control == nullptr || !actionNames().contains(action)) return;
-    if (action == showMenuAction()) return DoAsClicked(*control, [control] { control->OpenListByKey(); });
-    DoAsClicked(*control, [control] { control->Activate(); });
+    DoAsClicked(*control, [control, action] {
+      if (action == showMenuAction()) return control->OpenListByKey();
+      if (action == pressAction() || control->IsEditing()) return control->Activate();
+      GiveFocus(*control, Qt::TabFocusReason);
+    });
   }
 
  private:

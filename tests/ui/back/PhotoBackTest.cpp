@@ -1,4 +1,5 @@
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QInputMethodEvent>
 #include <QLineEdit>
 #include <QMenu>
@@ -174,7 +175,10 @@ TEST_F(PhotoBack, ATextIsStoredByWhateverWayItsFieldIsLeft) {
 TEST_F(PhotoBack, TabGoesRoundAndCaptionsKeepTheirLines) {
   Stamp(Photo, StampId::Note, {"two\r\nlines"});
   Show();
-  Back->FocusField(StampId::Title);
+  QWidget& title = Field(StampId::Title).GetTextWindow();
+  QAccessibleActionInterface& tool = *QAccessible::queryAccessibleInterface(&title)->actionInterface();
+  tool.doAction(QAccessibleActionInterface::setFocusAction());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Field(StampId::Title).IsEditing(); }));
   for (const StampId fact : {StampId::Title, StampId::Note, StampId::Thing, StampId::Event,
                              StampId::PersonalPlace, StampId::Date}) {
     EXPECT_TRUE(Field(fact).isAncestorOf(QApplication::focusWidget())) << static_cast<int>(fact);

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <QAccessible>
 #include <QFontMetricsF>
 #include <QLineEdit>
 
@@ -147,8 +148,9 @@ TEST_F(DropControl, WithTheFocusKeysOpenTheListAndChoose) {
   EXPECT_EQ(Sort.GetModel().GetSelectedId(), 2) << "no action is chosen in passing";
   EXPECT_EQ(Changes, 1);
 
-  GiveFocus(Find, Qt::TabFocusReason);
-  EXPECT_EQ(Window.focusWidget(), &Find);
+  QAccessibleActionInterface& tool = *QAccessible::queryAccessibleInterface(&Find)->actionInterface();
+  tool.doAction(QAccessibleActionInterface::setFocusAction());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Window.focusWidget() == &Find; }));
   Find.Activate();
   QTest::keyClicks(Window.focusWidget(), "dune");
   Find.OpenListByKey();
