@@ -118,6 +118,7 @@ void CPaintedButton::SetTipString(StringId id) {
 }
 
 void CPaintedButton::TellTexts(const QString& tip) {
+  TipText = tip;
   SetToolTip(*this, tip);
   const TipParts parts = DivideTip(tip);
   KeyName = parts.Key;
@@ -192,7 +193,8 @@ bool CPaintedButton::event(QEvent* event) {
     ApplyState();
   }
   if (event->type() == QEvent::ToolTip && GetShownCaption() != GetText()) {
-    AnswerToolTip(static_cast<QHelpEvent&>(*event), GetText() + u'\n' + toolTip(), *this, rect());
+    const QString text = TipText.isEmpty() ? GetText() : GetText() + u'\n' + TipText;
+    AnswerToolTip(static_cast<QHelpEvent&>(*event), text, *this, rect());
     return true;
   }
   const bool passOn = !isEnabled() && event->isPointerEvent();

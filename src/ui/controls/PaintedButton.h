@@ -114,6 +114,7 @@ class CPaintedButton : public QAbstractButton, public CFaceMaker {
   int ImageCount = 0;
   QSize ImageSize;
   bool HasTipString = false;
+  QString TipText;  // of the tool tip, which is kept with it in another form
   QString KeyName;
 
   bool HeldBySpace = false;
