@@ -43,40 +43,49 @@ std::string GetFolderAbove(const std::string& folder) {
   return folder == "/" ? std::string() : WithoutClosingSlash(SplitPath(folder).Folder);
 }
 
-/// The one that is nearest to the folder on its way up.
-std::string FindShownFolder(const std::string& folder) {
-  const std::vector<std::string> shown = ListShownFolders();
-  for (const std::string& way : {folder, platform::FindRealPath(folder)}) {
-    for (std::string above = way; !above.empty(); above = GetFolderAbove(above)) {
-      const auto found = std::ranges::find_if(
-          shown, [&above](const std::string& candidate) { return IsSameFolder(candidate, above); });
-      if (found != shown.end()) return *found;
-    }
+/// The one of `shown` that the folder is or that is nearest above it; empty if there is none.
+std::string FindOnWayUp(const std::string& folder, const std::vector<std::string>& shown) {
+  for (std::string above = folder; !above.empty(); above = GetFolderAbove(above)) {
+    const auto found = std::ranges::find_if(
+        shown, [&above](const std::string& candidate) { return IsSameFolder(candidate, above); });
+    if (found != shown.end()) return *found;
   }
   return {};
 }
 
-NamedPath LookUpPhoto(CCatalog& catalog, const std::string& path) {
+}  // namespace
+
+CPathLookUp::CPathLookUp(CCatalog& catalog) : Catalog(catalog), Shown(ListShownFolders()) {}
+
+NamedPath CPathLookUp::LookUp(const std::string& path) {
+  platform::FileStatus status;
+  if (!path.starts_with('/') || platform::GetStatus(path, status)) return {NamedKind::Nothing, path, -1, {}};
+  if (status.IsFolder) return {NamedKind::Folder, path, -1, FindShownFolder(path)};
+  const bool isPhoto = status.IsRegular && ImageTypeOfFile(path) != ImageType::None;
+  return isPhoto ? LookUpPhoto(path) : NamedPath{NamedKind::Nothing, path, -1, {}};
+}
+
+NamedPath CPathLookUp::LookUpPhoto(const std::string& path) {
   const std::string target = platform::FollowLinks(path);
   for (const std::string& way : {path, target}) {
-    const CAssetRecord photo = FindPhoto(catalog, way);
+    const CAssetRecord photo = FindPhoto(Catalog, way);
     if (photo.IsValid() && photo.GetMissing() == MissingState::InPlace) {
       return {NamedKind::Photo, photo.GetPath(), photo.GetAssetID(), {}};
     }
   }
   for (const std::string& way : {path, target}) {
-    const std::string shown = FindShownFolder(WithoutClosingSlash(SplitPath(way).Folder));
+    const std::string& shown = FindShownFolder(WithoutClosingSlash(SplitPath(way).Folder));
     if (!shown.empty()) return {NamedKind::NewPhoto, way, -1, shown};
   }
   return {NamedKind::NewPhoto, path, -1, {}};
 }
 
-}  // namespace
-
-NamedPath LookUpPath(CCatalog& catalog, const std::string& path) {
-  platform::FileStatus status;
-  if (!path.starts_with('/') || platform::GetStatus(path, status)) return {NamedKind::Nothing, path, -1, {}};
-  if (status.IsFolder) return {NamedKind::Folder, path, -1, FindShownFolder(path)};
-  const bool isPhoto = status.IsRegular && ImageTypeOfFile(path) != ImageType::None;
-  return isPhoto ? LookUpPhoto(catalog, path) : NamedPath{NamedKind::Nothing, path, -1, {}};
+const std::string& CPathLookUp::FindShownFolder(const std::string& folder) {
+  const auto [entry, isNew] = ShownFolder.try_emplace(folder);
+  if (!isNew) return entry->second;
+  entry->second = FindOnWayUp(folder, Shown);
+  if (!entry->second.empty()) return entry->second;
+  const std::string real = platform::FindRealPath(folder);
+  if (real != folder) entry->second = FindOnWayUp(real, Shown);
+  return entry->second;
 }

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
+#include <vector>
 
 class CCatalog;
 
@@ -22,7 +24,22 @@ struct NamedPath {
   std::string ShownFolder;
 };
 
-/// Looks an absolute path up on the disk and in the catalog, by the rule of PathIdentity.h: another path of a
+/// Looks absolute paths up on the disk and in the catalog, by the rule of PathIdentity.h: another path of a
 /// folder leads to its photos, and so does a link to a photo. May take long, on disks that sleep or are far
-/// away; so it is for a job.
-NamedPath LookUpPath(CCatalog& catalog, const std::string& path);
+/// away; so it is for a job. What it has seen of a folder it remembers: for one job, in which the list of
+/// folders doesn't change.
+class CPathLookUp {
+ public:
+  explicit CPathLookUp(CCatalog& catalog);
+
+  NamedPath LookUp(const std::string& path);
+
+ private:
+  NamedPath LookUpPhoto(const std::string& path);
+  /// The shown folder that is nearest to the folder on its way up; empty if there is none.
+  const std::string& FindShownFolder(const std::string& folder);
+
+  CCatalog& Catalog;
+  const std::vector<std::string> Shown;            // whose photos are shown
+  std::map<std::string, std::string> ShownFolder;  // of a folder
+};

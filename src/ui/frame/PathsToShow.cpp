@@ -110,8 +110,9 @@ std::vector<NamedPath> CPathsToShow::LookUp(const std::vector<std::string>& path
   std::atomic<bool> stopped = false;
   RunJob(
       [&] {
+        CPathLookUp lookUp(Frame.GetCatalog());
         for (const std::string& path : paths) {
-          if (!stopped) named.push_back(LookUpPath(Frame.GetCatalog(), path));
+          if (!stopped) named.push_back(lookUp.LookUp(path));
         }
       },
       [&stopped] { stopped = true; });
