@@ -4,8 +4,6 @@
 #include <string>
 #include <vector>
 
-class QUrl;
-
 /// What a folder is chosen from the list for.
 enum class FolderChoice { Show, Remove };
 
@@ -28,7 +26,3 @@ class CWindowFolderChooser : public CFolderChooser {
   std::optional<std::string> Browse() override;
   int Choose(const std::vector<std::string>& folders, FolderChoice purpose) override;
 };
-
-/// The path that a file's address stands for, byte for byte; empty for an address that is no file's. Where
-/// the dialog shows a replacement sign for bytes that aren't text, the one folder with that look is taken.
-std::string GetPathOfAddress(const QUrl& address);

@@ -12,6 +12,7 @@
 #include "ui/back/FilterBar.h"
 #include "ui/back/FilterBarHost.h"
 #include "ui/controls/DropControl.h"
+#include "ui/kit/FilePath.h"
 
 namespace {
 
