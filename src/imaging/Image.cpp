@@ -201,10 +201,11 @@ void CJpegImage::Decode(std::span<const std::uint8_t> bytes, ImageSize box) {
   CJpegDecoder decoder(bytes);
   const ImageSize natural = GetUprightSize(decoder.GetSize(), decoder.GetWayUp());
   const ImageSize size = GetDecodedSize(natural, box);
-  const CMemoryShare share(GetPictureMemory(), GetBitmapBytes(size) + decoder.GetHeldBytes());
+  const int reduction = ChooseReduction(natural, box);
+  const CMemoryShare share(GetPictureMemory(), GetBitmapBytes(size) + decoder.GetHeldBytes(reduction));
   auto memory = AllocateBitmap(size);
   const PixelBuffer pixels = GetRows(memory, size);
-  decoder.Decode(ChooseReduction(natural, box), pixels);
+  decoder.Decode(reduction, pixels);
   HoldPixels(std::move(memory), pixels, natural);
 }
 

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 #include "base/Exceptions.h"
+#include "imaging/DcPicture.h"
 #include "imaging/JpegLibrary.h"
 #include "imaging/PictureMemory.h"
 
@@ -12,6 +14,7 @@ namespace {
 constexpr int kGrey = 128;
 constexpr int kRowsAtOnce = CUprightRows::kMostRowsAtOnce;
 constexpr std::size_t kBytesPerPixel = 3;
+constexpr int kMeansReduction = 8;  // at which a pixel is the mean of a block
 
 enum class ColorForm {
   Direct,        // the library gives blue, green, red
@@ -138,12 +141,17 @@ class CJpegDecoder::Impl {
 
   WayUp GetWayUp() const { return Way; }
 
-  std::uint64_t GetHeldBytes() { return jpeg_has_multiple_scans(&Info) ? GetCoefficientBytes(Info) : 0; }
+  std::uint64_t GetHeldBytes(int reduction) {
+    const std::uint64_t coefficients = jpeg_has_multiple_scans(&Info) ? GetCoefficientBytes(Info) : 0;
+    if (reduction != kMeansReduction) return coefficients;
+    return std::max(coefficients, CDcPicture::GetHeldBytes(Info, Bytes.size()));
+  }
 
   void Decode(int reduction, const PixelBuffer& target, bool mayTryAgain = true) {
     if (Form == ColorForm::Unsupported) throw CException("Unsupported number of channels");
     if (!IsAffordable(Info)) throw CTooLargeException();
     const ImageSize stored = GetUprightSize(target.Size, Way);  // swapped once more
+    if (reduction == kMeansReduction && mayTryAgain && PaintMeans(stored, target)) return;
     CUprightRows rows(stored, Way, target);
     const bool started = RunGuarded(Errors, [&] { return Start(reduction, stored); });
     if (started && !ReadScans() && mayTryAgain && EndOfLastScan > 0 && !Budget.IsSpent()) {
@@ -159,6 +167,17 @@ class CJpegDecoder::Impl {
   }
 
  private:
+  /// Paints the picture at 1/8 without the library. False, with nothing painted, if it has to be asked.
+  bool PaintMeans(ImageSize stored, const PixelBuffer& target) const {
+    try {
+      CDcPicture picture(Info, Source.GetRest());
+      CUprightRows rows(stored, Way, target);
+      return picture.Read(Bytes.size()) && picture.Paint(rows);
+    } catch (const std::bad_alloc&) {
+      return false;  // the library takes less memory
+    }
+  }
+
   /// Reads the scans of a progressive file, or of one with a scan for each channel.
   bool ReadScans() {
     Failed = Info.buffered_image && !RunGuarded(Errors, [this] { return ReadAllScans(); });
@@ -261,7 +280,7 @@ ImageSize CJpegDecoder::GetSize() const { return Inside->GetSize(); }
 
 WayUp CJpegDecoder::GetWayUp() const { return Inside->GetWayUp(); }
 
-std::uint64_t CJpegDecoder::GetHeldBytes() const { return Inside->GetHeldBytes(); }
+std::uint64_t CJpegDecoder::GetHeldBytes(int reduction) const { return Inside->GetHeldBytes(reduction); }
 
 void CJpegDecoder::Decode(int reduction, const PixelBuffer& target) { Inside->Decode(reduction, target); }
 

@@ -30,12 +30,14 @@ class CJpegDecoder {
   WayUp GetWayUp() const;
 
   /// Bytes that Decode holds besides the target while it works, except a few rows.
-  std::uint64_t GetHeldBytes() const;
+  std::uint64_t GetHeldBytes(int reduction) const;
 
   /// Decodes at 1/1, 1/2, 1/4 or 1/8 of the size (`reduction` 1, 2, 4, 8) into `target`, which has
   /// exactly that size, upright and its sides rounded up, and 3 bytes a pixel: blue, green, red; grey has
   /// three equal ones. To be called once. What a file that is cut short has no data for is grey. CException
   /// "Cannot read JPEG data from file\n" or "Unsupported number of channels", CTooLargeException.
+  ///
+  /// At 1/8 most files are decoded without the library, as told at CDcPicture (DcPicture.h).
   ///
   /// A JPEG of four channels with an Adobe marker is CMYK or YCCK, with inverted inks as all such files
   /// have them; without that marker it is CMYK if its channels are named C, M, Y, K. Any other file of

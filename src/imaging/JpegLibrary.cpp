@@ -95,9 +95,13 @@ CScanBudget::CScanBudget(std::size_t fileBytes)
                          : kMostBlockVisits) {}
 
 bool CScanBudget::Allows(const jpeg_decompress_struct& info) {
-  BlockVisits +=
-      std::uint64_t{info.MCUs_per_row} * info.MCU_rows_in_scan * static_cast<unsigned>(info.blocks_in_MCU);
-  Spent = info.input_scan_number > kMaxScans || BlockVisits > MaxBlockVisits;
+  return Allows(info.input_scan_number, std::uint64_t{info.MCUs_per_row} * info.MCU_rows_in_scan *
+                                            static_cast<unsigned>(info.blocks_in_MCU));
+}
+
+bool CScanBudget::Allows(int number, std::uint64_t blocks) {
+  BlockVisits += blocks;
+  Spent = number > kMaxScans || BlockVisits > MaxBlockVisits;
   return !Spent;
 }
 

@@ -50,6 +50,9 @@ class CScanBudget {
   /// To be called for each scan, right after its header. False if that scan is one too many.
   bool Allows(const jpeg_decompress_struct& info);
 
+  /// The same for scan `number`, counted from 1, of `blocks` blocks.
+  bool Allows(int number, std::uint64_t blocks);
+
   bool IsSpent() const { return Spent; }
 
  private:
