@@ -45,7 +45,13 @@ bool HasSameCoefficients(CHeader& file, const CDcPicture& picture) {
         const JBLOCKARRAY row = file.Info.mem->access_virt_barray(reinterpret_cast<j_common_ptr>(&file.Info),
                                                                   arrays[k], y, 1, FALSE);
         for (JDIMENSION x = 0; x < channel.width_in_blocks; ++x) {
-          if (row[0][x][0] != picture.GetCoefficient(static_cast<std::size_t>(k), x, y)) return false;
+          const auto& block = row[0][x];
+          const auto number = static_cast<std::size_t>(k);
+          if (block[0] != picture.GetCoefficient(number, x, y)) return false;
+          const BlockDetail* detail = picture.FindDetail(number, x, y);
+          if (!detail) continue;
+          if (block[1] != detail->Across || block[DCTSIZE] != detail->Down) return false;
+          if (block[DCTSIZE + 1] != detail->Diagonal) return false;
         }
       }
     }

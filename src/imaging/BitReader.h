@@ -29,9 +29,13 @@ class CBitReader {
 
   /// Passes `bits` bits, at most as many as are there.
   void Drop(unsigned bits) {
-    Window <<= bits;
-    Count -= bits;
+    Shift(bits);
+    NoteShifted(bits);
   }
+
+  /// Drop in two steps: a loop that passes bits several times notes their sum once.
+  void Shift(unsigned bits) { Window <<= bits; }
+  void NoteShifted(unsigned bits) { Count -= bits; }
 
   /// Bits from the first byte to the next bit to read.
   std::size_t GetPosition() const { return Next * 8 - Count; }
@@ -42,8 +46,9 @@ class CBitReader {
  private:
   // The next eight bytes as one number.
   std::uint64_t Load() const {
-    if (Next + sizeof(std::uint64_t) > End) [[unlikely]]
+    if (Next + sizeof(std::uint64_t) > End) [[unlikely]] {
       return LoadLast();
+    }
     std::uint64_t word = 0;
     std::memcpy(&word, Bytes + Next, sizeof word);
     return std::endian::native == std::endian::little ? __builtin_bswap64(word) : word;

@@ -1,7 +1,8 @@
 #include "imaging/DcPicture.h"
 
 #include <algorithm>
-#include <limits>
+#include <functional>
+#include <utility>
 
 #include "imaging/ScanHeaders.h"
 
@@ -9,12 +10,20 @@ namespace {
 
 constexpr std::size_t kBlockSide = DCTSIZE;
 
+// Further out the library's samples aren't clamped any more.
+constexpr int kMostSample = 512;
+bool IsSane(int sample) { return sample >= -kMostSample && sample < kMostSample; }
+
+// Places in a block of the first coefficients of a scan.
+constexpr std::array kZigzag{0, 1, DCTSIZE, 2 * DCTSIZE, DCTSIZE + 1};
+
 std::size_t DivideUp(std::size_t value, std::size_t unit) { return (value + unit - 1) / unit; }
 
 std::uint8_t Clamp(int value) {
   // Hardly any value is out of range, so the condition can be foreseen.
-  if (static_cast<unsigned>(value) > MAXJSAMPLE) [[unlikely]]
+  if (static_cast<unsigned>(value) > MAXJSAMPLE) [[unlikely]] {
     return value < 0 ? 0 : MAXJSAMPLE;
+  }
   return static_cast<std::uint8_t>(value);
 }
 
@@ -63,7 +72,7 @@ CDcPicture::CDcPicture(const jpeg_decompress_struct& info, std::span<const std::
     : Info(info), Data(data) {}
 
 std::uint64_t CDcPicture::GetHeldBytes(const jpeg_decompress_struct& info, std::size_t fileBytes) {
-  constexpr std::uint64_t kBytesPerBlock = 4;  // coefficient and sample of it, and of blocks beyond the edge
+  constexpr std::uint64_t kBytesPerBlock = 6;  // coefficients and samples, also of blocks beyond the edge
   const std::uint64_t blocks =
       DivideUp(info.image_width, kBlockSide) * DivideUp(info.image_height, kBlockSide);
   return fileBytes + blocks * static_cast<unsigned>(info.num_components) * kBytesPerBlock;
@@ -94,7 +103,10 @@ bool CDcPicture::PrepareUnit() {
     const JQUANT_TBL* quantizers = Info.quant_tbl_ptrs[info.quant_tbl_no];
     CDcScan::Block block{static_cast<std::size_t>(k)};
     if (!quantizers || !PrepareTables(info, block)) return false;
-    Channels.push_back({across, down, Unit.size(), quantizers->quantval[0]});
+    block.HasDetail = k > 0 && block.Ac && Channels[0].Across == 2 && Channels[0].Down == 2;
+    Channels.push_back({across, down, Unit.size(), {}});
+    std::ranges::transform(kZigzag, Channels.back().Quantizers.begin(),
+                           [&](int place) { return int{quantizers->quantval[place]}; });
     Unit.insert(Unit.end(), across * down, block);
   }
   UnitsAcross = DivideUp(Info.image_width, kBlockSide * Channels[0].Across);
@@ -128,9 +140,10 @@ bool CDcPicture::Read(std::size_t fileBytes) {
   // A block takes at least a bit, so a forged size gets no memory.
   if (scan.GetBlockCount() / 8 > Data.size()) return false;
   Coefficients.resize(scan.GetBlockCount());
+  if (Unit.back().HasDetail) Details.resize(UnitsAcross * UnitsDown * 2);
   {
     const CEntropyData data(Data, Info.restart_interval > 0);
-    if (!scan.Read(data, static_cast<unsigned>(Info.Al), Coefficients)) return false;
+    if (!scan.Read(data, static_cast<unsigned>(Info.Al), Coefficients, Details)) return false;
   }
   return !Info.progressive_mode || ReadLaterScans(fileBytes);
 }
@@ -174,8 +187,12 @@ int CDcPicture::GetCoefficient(std::size_t channel, std::size_t x, std::size_t y
   return Coefficients[unit * Unit.size() + of.Place + y % of.Down * of.Across + x % of.Across];
 }
 
+const BlockDetail* CDcPicture::FindDetail(std::size_t channel, std::size_t x, std::size_t y) const {
+  if (channel == 0 || Details.empty()) return nullptr;
+  return &Details[(y * UnitsAcross + x) * 2 + channel - 1];
+}
+
 bool CDcPicture::MakePlane(const Channel& channel, Plane& plane) const {
-  constexpr int kMost = 512;  // further out the library's samples aren't clamped any more
   plane.Width = UnitsAcross * channel.Across;
   const std::size_t height = UnitsDown * channel.Down;
   plane.Samples.resize(plane.Width * height);
@@ -187,10 +204,48 @@ bool CDcPicture::MakePlane(const Channel& channel, Plane& plane) const {
     for (std::size_t x = 0; x < UnitsAcross; ++x, unit += Unit.size()) {
       for (std::size_t k = 0; k < channel.Across; ++k) {
         // The inverse transform of the coefficient alone is an eighth of it.
-        const int value = (unit[k] * channel.Quantizer + 4) >> 3;
-        isSane &= value >= -kMost && value < kMost;
+        const int value = (unit[k] * channel.Quantizers[0] + 4) >> 3;
+        isSane &= IsSane(value);
         *sample++ = Clamp(value + CENTERJSAMPLE);
       }
+    }
+  }
+  return isSane;
+}
+
+/// Makes two samples each way of a block, by its mean and the waves of half a period (ITU-T T.81, A.3.3).
+bool CDcPicture::MakeDetailedPlane(const Channel& channel, Plane& plane) const {
+  // The mean of a wave over half a block, and over a quarter of it, times 2 to the power of 13.
+  constexpr int kBits = 13;
+  constexpr int kWave = 928;
+  constexpr int kProduct = 841;
+  constexpr int kMostCoefficient = 1 << 14;
+  plane.Width = UnitsAcross * 2;
+  plane.Samples.resize(plane.Width * UnitsDown * 2);
+  const BlockDetail* detail = &Details[channel.Place - Channels[1].Place];
+  const std::int16_t* mean = &Coefficients[channel.Place];
+  bool isSane = true;
+  for (std::size_t y = 0; y < UnitsDown; ++y) {
+    std::uint8_t* samples = &plane.Samples[2 * y * plane.Width];
+    for (std::size_t x = 0; x < UnitsAcross; ++x, detail += 2, mean += Unit.size(), samples += 2) {
+      const auto scale = [&](int value, std::size_t place) {
+        const int coefficient = value * channel.Quantizers[place];
+        const bool fits = coefficient >= -kMostCoefficient && coefficient <= kMostCoefficient;
+        isSane &= fits;
+        return fits ? coefficient : 0;
+      };
+      const int middle = scale(*mean, 0) * (1 << (kBits - 3)) + (1 << (kBits - 1));
+      const int across = scale(detail->Across, 1) * kWave;
+      const int down = scale(detail->Down, 2) * kWave;
+      const int diagonal = scale(detail->Diagonal, 4) * kProduct;
+      const auto put = [&](int sum, std::uint8_t& sample) {
+        isSane &= IsSane(sum >> kBits);
+        sample = Clamp((sum >> kBits) + CENTERJSAMPLE);
+      };
+      put(middle + across + down + diagonal, samples[0]);
+      put(middle - across + down - diagonal, samples[1]);
+      put(middle + across - down - diagonal, samples[plane.Width]);
+      put(middle - across - down + diagonal, samples[plane.Width + 1]);
     }
   }
   return isSane;
@@ -199,15 +254,20 @@ bool CDcPicture::MakePlane(const Channel& channel, Plane& plane) const {
 bool CDcPicture::Paint(CUprightRows& rows) const {
   std::vector<Plane> planes(Channels.size());
   for (std::size_t k = 0; k < planes.size(); ++k) {
-    if (!MakePlane(Channels[k], planes[k])) return false;
+    const bool isDetailed = k > 0 && !Details.empty();
+    const bool made =
+        isDetailed ? MakeDetailedPlane(Channels[k], planes[k]) : MakePlane(Channels[k], planes[k]);
+    if (!made) return false;
   }
-  const auto& [across, down, place, quantizer] = Channels[0];
+  // Pixels that a sample of chroma is for.
+  const std::size_t across = Details.empty() ? Channels[0].Across : 1;
+  const std::size_t down = Details.empty() ? Channels[0].Down : 1;
   const std::size_t width = DivideUp(Info.image_width, kBlockSide);
   const std::size_t height = DivideUp(Info.image_height, kBlockSide);
   for (std::size_t y = 0; y < height; ++y) {
+    // Of a grey picture all three are the first.
     const std::uint8_t* first = planes[0].Row(y);
-    const std::uint8_t* second =
-        planes[planes.size() / 2].Row(y / down);  // of a grey picture again the first
+    const std::uint8_t* second = planes[planes.size() / 2].Row(y / down);
     const std::uint8_t* third = planes.back().Row(y / down);
     std::uint8_t* pixel = rows.Row(static_cast<int>(y));
     if (Info.jpeg_color_space == JCS_YCbCr) {

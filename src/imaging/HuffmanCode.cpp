@@ -25,10 +25,22 @@ std::optional<CHuffmanCode> CHuffmanCode::Make(std::span<const std::uint8_t, kMo
   return made;
 }
 
-CHuffmanCode::Entry CHuffmanCode::Find(unsigned bits) const {
+CHuffmanCode::Entry CHuffmanCode::Find(std::uint64_t window) const {
+  const auto bits = static_cast<unsigned>(window >> (64 - kMostBits));
   for (unsigned length = 1; length <= kMostBits; ++length) {
     if (bits >= Ends[length]) continue;
     return Entries[Places[length] + ((bits >> (kMostBits - length)) - First[length])];
   }
   return {};
+}
+
+std::vector<CHuffmanCode::Entry> CHuffmanCode::MakeIndex(unsigned bits) const {
+  std::vector<Entry> index;
+  index.reserve(std::size_t{1} << bits);
+  for (const Entry& entry : Entries) {
+    if (entry.Bits > bits) break;
+    index.insert(index.end(), std::size_t{1} << (bits - entry.Bits), entry);
+  }
+  index.resize(std::size_t{1} << bits);
+  return index;
 }

@@ -23,8 +23,11 @@ class CHuffmanCode {
   static std::optional<CHuffmanCode> Make(std::span<const std::uint8_t, kMostBits> counts,
                                           std::span<const std::uint8_t> symbols);
 
-  /// The code that the highest of 16 bits begin with.
-  Entry Find(unsigned bits) const;
+  /// The code that the highest bits of a window begin with.
+  Entry Find(std::uint64_t window) const;
+
+  /// The same for all values of the next `bits` bits; without bits where the code is longer, or none.
+  std::vector<Entry> MakeIndex(unsigned bits) const;
 
   /// In the order of their codes.
   const std::vector<Entry>& GetEntries() const { return Entries; }
@@ -37,3 +40,11 @@ class CHuffmanCode {
   std::array<std::uint32_t, kMostBits + 1> First{};  // the first code of that many bits
   std::array<std::size_t, kMostBits + 1> Places{};   // of its entry
 };
+
+/// The value of `size` bits, 0 to 15, at the top of a window (ITU-T T.81, F.2.2.1).
+inline int ReadValue(std::uint64_t window, unsigned size) {
+  // In two steps, since a size of 0 would shift by all bits.
+  const auto value = static_cast<int>(window >> 1 >> (63 - size));
+  const int range = 1 << size;
+  return value < range >> 1 ? value - range + 1 : value;
+}
