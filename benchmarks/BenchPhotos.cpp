@@ -80,7 +80,7 @@ std::filesystem::path PathOf(const std::filesystem::path& folder, int index) {
   return folder / name;
 }
 
-void MakeMissing(const std::filesystem::path& folder, int count, int width, int height) {
+void MakeMissing(const std::filesystem::path& folder, int count, int width, int height, bool progressive) {
   std::vector<int> missing;
   for (int index = 0; index < count; ++index) {
     if (!std::filesystem::exists(PathOf(folder, index))) missing.push_back(index);
@@ -93,6 +93,7 @@ void MakeMissing(const std::filesystem::path& folder, int count, int width, int 
     const int index = missing[i];
     PhotoSettings settings;
     settings.Quality = kQuality;
+    settings.Progressive = progressive;
     settings.ExifBytes = kExifBytes;
     settings.Taken.tm_year = 120 + index % 6;
     settings.Taken.tm_mon = index % 12;
@@ -117,11 +118,12 @@ std::size_t ReadThrough(const std::filesystem::path& path) {
 
 }  // namespace
 
-BenchPhotos MakeBenchPhotos(int count, int width, int height) {
-  char name[60];
-  std::snprintf(name, sizeof name, "bench-photos/%d-of-%dx%d", count, width, height);
+BenchPhotos MakeBenchPhotos(int count, int width, int height, bool progressive) {
+  char name[80];
+  std::snprintf(name, sizeof name, "bench-photos/%d-of-%dx%d%s", count, width, height,
+                progressive ? "-progressive" : "");
   const std::filesystem::path folder = GetKeptFolder(name);
-  MakeMissing(folder, count, width, height);
+  MakeMissing(folder, count, width, height, progressive);
 
   std::atomic<std::size_t> bytes{0};
   RunParallel(static_cast<std::size_t>(count), std::thread::hardware_concurrency(),

@@ -12,4 +12,4 @@ struct BenchPhotos {
 /// Makes `count` photos of that size, all different, or takes those that an earlier run has made. Each has
 /// 20 KB of EXIF with a date. They cost 2 to 4 bits a pixel, as a camera's do; anything else raises
 /// std::runtime_error. Reads every file once, so that all are in the page cache.
-BenchPhotos MakeBenchPhotos(int count, int width, int height);
+BenchPhotos MakeBenchPhotos(int count, int width, int height, bool progressive = false);

@@ -128,6 +128,7 @@ std::vector<std::uint8_t> EncodePhoto(const Picture& picture, const PhotoSetting
   jpeg_set_defaults(&info);
   info.write_JFIF_header = FALSE;
   jpeg_set_quality(&info, settings.Quality, TRUE);
+  if (settings.Progressive) jpeg_simple_progression(&info);
   jpeg_start_compress(&info, TRUE);
   const std::vector<std::uint8_t> exif = MakeExif(settings);
   jpeg_write_marker(&info, JPEG_APP0 + 1, exif.data(), static_cast<unsigned>(exif.size()));

@@ -10,7 +10,8 @@
 
 /// How a camera would have written a picture.
 struct PhotoSettings {
-  int Quality = 92;              // of the JPEG encoder, 1 to 100
+  int Quality = 92;  // of the JPEG encoder, 1 to 100
+  bool Progressive = false;
   std::tm Taken{};               // local time, for the tag DateTime; tm_year as ever since 1900
   std::size_t ExifBytes = 2000;  // size of the EXIF segment, 200 to 65000; the rest of it is maker's notes
 };

@@ -49,7 +49,7 @@ unsigned ChooseReduction(const jpeg_decompress_struct& info) {
   return scale <= 0.5 ? 2 : 1;
 }
 
-void Decode(const std::vector<unsigned char>& bytes, std::vector<unsigned char>& pixels) {
+void Decode(const std::vector<unsigned char>& bytes, PlainPicture& picture) {
   jpeg_decompress_struct info{};
   jpeg_error_mgr errors{};
   info.err = jpeg_std_error(&errors);
@@ -62,7 +62,10 @@ void Decode(const std::vector<unsigned char>& bytes, std::vector<unsigned char>&
   info.out_color_space = JCS_EXT_BGR;
   jpeg_start_decompress(&info);
   const std::size_t rowBytes = (std::size_t{3} * info.output_width + 3) / 4 * 4;
+  std::vector<unsigned char>& pixels = picture.Pixels;
   pixels.resize(rowBytes * info.output_height);
+  picture.Width = static_cast<int>(info.output_width);
+  picture.Height = static_cast<int>(info.output_height);
   std::array<JSAMPROW, 16> rows{};
   while (info.output_scanline < info.output_height) {
     const unsigned count = std::min<unsigned>(rows.size(), info.output_height - info.output_scanline);
@@ -81,9 +84,17 @@ double DecodePlainly(const std::string& folder, unsigned threadCount) {
   RunParallel(paths.size(), threadCount, [&](std::size_t index) {
     // Each thread uses its two blocks again and again, as a loop written for speed would.
     static thread_local std::vector<unsigned char> bytes;
-    static thread_local std::vector<unsigned char> pixels;
+    static thread_local PlainPicture picture;
     ReadFile(paths[index], bytes);
-    Decode(bytes, pixels);
+    Decode(bytes, picture);
   });
   return SecondsSince(start);
+}
+
+PlainPicture DecodePlainly(const std::string& path) {
+  std::vector<unsigned char> bytes;
+  ReadFile(path, bytes);
+  PlainPicture picture;
+  Decode(bytes, picture);
+  return picture;
 }
