@@ -4,6 +4,8 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/Files.h"
+
 namespace {
 
 // Enough for the other threads to go on while one decodes a large photo.
@@ -12,8 +14,8 @@ constexpr std::size_t kResultsPerThread = 8;
 }  // namespace
 
 CPrepareAhead::CPrepareAhead(std::vector<std::string> paths, unsigned threadCount)
-    : Paths(std::move(paths)), Ring(kResultsPerThread * std::max(threadCount, 1U)) {
-  const std::size_t threads = std::min<std::size_t>(std::max(threadCount, 1U), Paths.size());
+    : Paths(std::move(paths)), FilesAhead(std::max(threadCount, 1U)), Ring(kResultsPerThread * FilesAhead) {
+  const std::size_t threads = std::min(FilesAhead, Paths.size());
   try {
     for (std::size_t i = 0; i < threads; ++i) Threads.emplace_back([this] { Work(); });
   } catch (const std::system_error&) {
@@ -52,6 +54,8 @@ void CPrepareAhead::Work() {
     if (Stopping || NextToStart == Paths.size()) return;
     const std::size_t index = NextToStart++;
     lock.unlock();
+    // A thread decodes about as fast as a disk reads, so one mustn't wait for the other.
+    if (index + FilesAhead < Paths.size()) platform::ReadAhead(Paths[index + FilesAhead]);
     PreparedPhoto photo = PreparePhoto(Paths[index]);
     lock.lock();
     Ring[index % Ring.size()] = std::move(photo);

@@ -28,6 +28,7 @@ class CPrepareAhead {
   void Work();
 
   const std::vector<std::string> Paths;
+  const std::size_t FilesAhead;  // how many the system is asked to read ahead of those that are decoded
   std::mutex Mutex;
   std::condition_variable ResultReady, RoomMade;
   std::size_t NextToStart = 0;

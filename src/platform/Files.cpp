@@ -195,6 +195,14 @@ std::error_code ReadFilePart(const std::string& path, std::uint64_t offset, std:
   return descriptor.Read(bytes.data(), bytes.size(), got);
 }
 
+void ReadAhead(const std::string& path) {
+  constexpr off_t kMostBytes = off_t{64} << 20;
+  Descriptor descriptor;
+  std::uint64_t size = 0;
+  if (OpenRegularFile(path, descriptor, size)) return;
+  static_cast<void>(::posix_fadvise(descriptor.Get(), 0, kMostBytes, POSIX_FADV_WILLNEED));
+}
+
 std::error_code AppendToFile(const std::string& path, std::string_view bytes) {
   if (const auto error = AskFaultPlan("write", path)) return error;
   Descriptor descriptor;

@@ -56,6 +56,10 @@ std::error_code ReadWholeFile(const std::string& path, std::vector<std::uint8_t>
 std::error_code ReadFilePart(const std::string& path, std::uint64_t offset, std::span<std::uint8_t> bytes,
                              std::size_t& got);
 
+/// Asks the system to read the first 64 MB of a regular file into its cache, and doesn't wait for it. What is
+/// wrong with the file shows when it is read.
+void ReadAhead(const std::string& path);
+
 /// Adds bytes to the end of a regular file, which is made, private to the user, if it is missing. For
 /// logs.
 std::error_code AppendToFile(const std::string& path, std::string_view bytes);

@@ -201,6 +201,7 @@ TEST(ReadWholeFile, ReadsRegularFilesAloneAndNeverWaits) {
   std::vector<std::uint8_t> bytes;
   const std::string fifo = folder.File("fifo.jpg"), path = folder.Write("file", std::string("a\0b", 3));
   MakeFifo(fifo);
+  platform::ReadAhead(fifo);
   EXPECT_EQ(platform::ReadWholeFile(fifo, bytes), std::errc::not_supported);
   EXPECT_EQ(platform::ReadWholeFile("/dev/zero", bytes), std::errc::not_supported);
   EXPECT_EQ(platform::ReadWholeFile(folder.GetPath(), bytes), std::errc::is_a_directory);
