@@ -87,8 +87,7 @@ std::vector<std::string> ListFiles(const std::string& folder) {
   return files;
 }
 
-void MeasureProgressive() {
-  const BenchPhotos photos = MakeBenchPhotos(kProgressivePhotos, 4000, 3000, true);
+void MeasureProgressive(const BenchPhotos& photos) {
   const std::vector<std::string> files = ListFiles(photos.Folder);
   std::vector<double> ratios;
   double seconds = 0;
@@ -137,10 +136,10 @@ std::vector<std::uint8_t> MakePlainThumbnail(const std::string& file) {
   return image.MakeFitted(kThumbnailBoxWidth, kThumbnailBoxHeight)->SaveToMemory(kThumbnailQuality);
 }
 
-void CompareThumbnails(const BenchPhotos& photos) {
+void CompareThumbnails(const BenchPhotos& photos, const std::string& what) {
   Difference worst{0, 1000, 0};
   std::vector<std::string> files = ListFiles(photos.Folder);
-  files.resize(kComparedPhotos);
+  files.resize(std::min<std::size_t>(files.size(), kComparedPhotos));
   for (const std::string& file : files) {
     CJpegImage expected;
     expected.LoadMemory(MakePlainThumbnail(file), 0, 0);
@@ -153,10 +152,10 @@ void CompareThumbnails(const BenchPhotos& photos) {
     worst.Decibels = std::min(worst.Decibels, difference.Decibels);
     worst.Largest = std::max(worst.Largest, difference.Largest);
   }
-  std::printf("  largest difference of a sample in %d thumbnails: %d of 255\n", kComparedPhotos,
-              worst.Largest);
-  PrintRatio("mean difference of the worst thumbnail, levels", worst.Mean, Limit::AtMost, 1);
-  PrintRatio("PSNR of the worst thumbnail, decibels", worst.Decibels, Limit::AtLeast, 40);
+  std::printf("  largest difference of a sample in %zu thumbnails, %s: %d of 255\n", files.size(),
+              what.c_str(), worst.Largest);
+  PrintRatio("mean difference of the worst thumbnail, " + what, worst.Mean, Limit::AtMost, 1);
+  PrintRatio("PSNR of the worst thumbnail, decibels, " + what, worst.Decibels, Limit::AtLeast, 40);
 }
 
 // A folder of `count` photos that are the same files again and again under other names.
@@ -212,8 +211,10 @@ void RunImportBench() {
               importOfSmall.Seconds * 1e3, importOfSmall.SecondStart * 1e3);
   PrintRatio("first start / second start", importOfSmall.Seconds / importOfSmall.SecondStart, Limit::AtLeast,
              20);
-  MeasureProgressive();
-  CompareThumbnails(small);
+  const BenchPhotos progressive = MakeBenchPhotos(kProgressivePhotos, 4000, 3000, true);
+  MeasureProgressive(progressive);
+  CompareThumbnails(small, "sequential");
+  CompareThumbnails(progressive, "progressive");
   MeasureMemory();
 }
 
