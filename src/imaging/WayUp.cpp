@@ -11,7 +11,7 @@ namespace {
 
 // Target pixels that are copied of a row before the next row begins. When rows become columns they come from
 // as many rows, of which the processor's cache can hold a part.
-constexpr int kPixelsAtOnce = 64;
+constexpr int kPixelsAtOnce = 128;
 
 bool SwapsSides(WayUp wayUp) { return wayUp >= WayUp::Transpose; }
 
