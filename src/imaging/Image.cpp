@@ -29,7 +29,8 @@ int CutToInt(double value) {
 int GetRowPadding(int width) { return -(width * kBytesPerPixel) & (kRowAlignment - 1); }
 
 std::size_t GetRowBytes(int width) {
-  return static_cast<std::size_t>(width * kBytesPerPixel + GetRowPadding(width));
+  const int bytes = width * kBytesPerPixel + GetRowPadding(width);
+  return static_cast<std::size_t>(bytes);
 }
 
 std::uint64_t GetBitmapBytes(ImageSize size) {

@@ -132,7 +132,7 @@ void ChooseDate(CFieldValue& value, StampId source) {
 }
 
 std::unique_ptr<QMenu> MakeFieldMenu(const std::vector<FieldChoice>& choices,
-                                     std::function<void(const FieldChoice& choice)> onChosen,
+                                     const std::function<void(const FieldChoice& choice)>& onChosen,
                                      QWidget* parent) {
   auto menu = std::make_unique<CFieldMenu>(parent);
   menu->setFont(GetFont(kMenuFont));

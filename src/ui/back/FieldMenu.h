@@ -30,7 +30,7 @@ void ChooseDate(CFieldValue& value, StampId source);
 /// A menu of these entries; `onChosen` is called with the one that the user picks. A typed letter leads to
 /// the next entry that begins with it.
 std::unique_ptr<QMenu> MakeFieldMenu(const std::vector<FieldChoice>& choices,
-                                     std::function<void(const FieldChoice& choice)> onChosen,
+                                     const std::function<void(const FieldChoice& choice)>& onChosen,
                                      QWidget* parent);
 
 /// Marks the entry that the arrow keys start from: the first that is checked, or can be picked.

@@ -80,7 +80,7 @@ bool CDropControlModel::CloseList(int row) {
   Action = kNone;
   const std::vector<Row> rows = GetRows();
   if (row < 0 || row >= static_cast<int>(rows.size())) return false;
-  const Row picked = rows[static_cast<std::size_t>(row)];
+  const Row& picked = rows[static_cast<std::size_t>(row)];
   if (HasFlag(picked.Flags, DropItemFlags::Action)) {
     Action = picked.Id;
     return true;

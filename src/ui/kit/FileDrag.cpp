@@ -7,6 +7,8 @@
 #include <QMouseEvent>
 #include <QPixmap>
 #include <QScopedValueRollback>
+#include <QWidget>
+#include <memory>
 
 #include "ui/kit/Job.h"
 #include "ui/kit/OpenAddress.h"
@@ -30,10 +32,10 @@ bool CFileDrag::BeginsWith(const QMouseEvent& move) {
 }
 
 void CFileDrag::Run(const std::string& path, const CImage* picture) const {
-  auto* const data = new QMimeData;
+  auto data = std::make_unique<QMimeData>();
   data->setData(QStringLiteral("text/uri-list"), QByteArray::fromStdString(GetAddressOfFile(path)) + "\r\n");
-  auto* const drag = new QDrag(&Source);  // goes with the source, or when it is over
-  drag->setMimeData(data);
+  auto* const drag = std::make_unique<QDrag>(&Source).release();  // goes with the source, or when it is over
+  drag->setMimeData(data.release());                              // is the drag's
   if (picture != nullptr) {
     const double ratio = Source.devicePixelRatioF();
     const QPixmap shown = QPixmap::fromImage(FitToImage(*picture, kPicture, ratio, Enlarging::Never));

@@ -6,6 +6,7 @@
 #include <QRegion>
 #include <QScreen>
 #include <algorithm>
+#include <memory>
 
 #include "base/Texts.h"
 #include "ui/kit/Colours.h"
@@ -39,7 +40,7 @@ void DrawWindowPicture(QPainter& painter, const QWidget& window, PictureId pictu
 QString LoadWindowText(StringId id) { return ToQString(LoadExpandedString(id)); }
 
 QLabel* AddWindowText(QWidget& window, const QRect& place, FontId font, const QString& text) {
-  auto* label = new QLabel(text, &window);
+  auto label = std::make_unique<QLabel>(text, &window);
   label->setTextFormat(Qt::PlainText);
   label->setWordWrap(true);
   label->setFont(GetFont(font));
@@ -49,5 +50,5 @@ QLabel* AddWindowText(QWidget& window, const QRect& place, FontId font, const QS
   label->setPalette(colors);
   label->setAutoFillBackground(true);
   label->setGeometry(place);
-  return label;
+  return label.release();  // the window's
 }
